@@ -1,0 +1,63 @@
+# What every target of this project is built with, and how its DLLs are named and placed.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# Winlogon finds a GINA by name beside itself or in the system directory. One directory for all
+# programs and DLLs gives a build the same shape.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+add_library(lum_options INTERFACE)
+target_compile_options(lum_options INTERFACE
+  -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion -Werror
+  # Trace lines and binaries carry file names as the checkout has them, not as this machine has.
+  "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
+target_include_directories(lum_options INTERFACE
+  "${CMAKE_SOURCE_DIR}/include" "${CMAKE_SOURCE_DIR}/platform/include")
+
+if(WIN32)
+  # Windows 2000 is the oldest system that the library must load on.
+  target_compile_definitions(lum_options INTERFACE
+    UNICODE _UNICODE WIN32_LEAN_AND_MEAN WINVER=0x0500 _WIN32_WINNT=0x0500)
+  # A GINA may import from the system's own DLLs only.
+  target_link_options(lum_options INTERFACE -static)
+endif()
+
+# lum_add_dll(TARGET SOURCE... [DEF file.def])
+#
+# A DLL as Windows has it: named TARGET.dll on both targets, exporting exactly the names that
+# the .def file lists. The native linker is given the same list as a version script.
+function(lum_add_dll target)
+  cmake_parse_arguments(arg "" "DEF" "" ${ARGN})
+  add_library(${target} MODULE ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${target} PRIVATE lum_options lum_platform)
+  set_target_properties(${target} PROPERTIES PREFIX "" SUFFIX ".dll")
+  if(NOT arg_DEF)
+    return()
+  endif()
+  if(WIN32)
+    target_sources(${target} PRIVATE "${arg_DEF}")
+    target_link_options(${target} PRIVATE -Wl,--enable-stdcall-fixup)
+  else()
+    lum_version_script("${arg_DEF}" "${CMAKE_CURRENT_BINARY_DIR}/${target}.map")
+    target_link_options(${target} PRIVATE
+      "-Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/${target}.map")
+  endif()
+endfunction()
+
+# DllMain is not in a .def file, since the Windows loader finds it as the entry point; the
+# native loader looks it up by name.
+function(lum_version_script def map)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${def}")
+  file(STRINGS "${def}" lines)
+  set(names "DllMain;")
+  foreach(line IN LISTS lines)
+    if(line MATCHES "^ +([A-Za-z_0-9]+)")
+      string(APPEND names " ${CMAKE_MATCH_1};")
+    endif()
+  endforeach()
+  file(WRITE "${map}" "{ global: ${names} local: *; };\n")
+endfunction()

@@ -1,0 +1,215 @@
+#include "TraceLog.h"
+
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "Messages.h"
+
+namespace {
+
+using WideText = std::basic_string<WCHAR>;
+
+constexpr WCHAR DEBUG_KEY[] = TEXT("Software\\ORX\\Security\\Debug");
+constexpr WCHAR MASK_VALUE[] = TEXT("Debug");
+constexpr std::size_t PATH_CAPACITY = 260;
+constexpr std::size_t LABEL_CAPACITY = 30;
+
+struct CLevelLabel
+{
+    DWORD dwLevel;
+    const WCHAR* szLabel;
+};
+
+constexpr CLevelLabel LEVEL_LABELS[] = {
+    {LEVEL_DEBUG, TEXT("DEBUG")},
+    {LEVEL_ENTRY, TEXT("ENTRY")},
+    {LEVEL_EXIT, TEXT("EXIT ")},
+    {LEVEL_NOTIFICATION, TEXT("NOTIFICATION")},
+    {LEVEL_WARNING, TEXT("WARNING")},
+    {LEVEL_EXCEPTION, TEXT("EXCEPTION")},
+    {LEVEL_CRITICAL, TEXT("CRITICAL")},
+    {LEVEL_ERROR, TEXT("ERROR")},
+    {LEVEL_CONSTRUCTION_ENTRY, TEXT("CONSTRUCTION ENTRY")},
+    {LEVEL_CONSTRUCTION_EXIT, TEXT("CONSTRUCTION EXIT")},
+    {LEVEL_DESTRUCTION_ENTRY, TEXT("DESTRUCTION ENTRY")},
+    {LEVEL_DESTRUCTION_EXIT, TEXT("DESTRUCTION EXIT")},
+};
+
+constexpr WCHAR UNKNOWN_LEVEL_LABEL[] = TEXT("HEADER");
+
+constexpr bool LabelsFit()
+{
+    for (const CLevelLabel& row : LEVEL_LABELS) {
+        if (std::char_traits<WCHAR>::length(row.szLabel) >= LABEL_CAPACITY) {
+            return false;
+        }
+    }
+    return true;
+}
+// So no label is ever cut.
+static_assert(LabelsFit());
+
+/// Reads a value of a key under HKEY_LOCAL_MACHINE, whatever its type. False when that fails.
+bool QueryMachineValue(const WCHAR* szKey, const WCHAR* szValue, void* pData, DWORD* pcbData) noexcept
+{
+    HKEY hKey = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
+        return false;
+    }
+    const LONG lResult =
+        RegQueryValueExW(hKey, szValue, nullptr, nullptr, static_cast<BYTE*>(pData), pcbData);
+    RegCloseKey(hKey);
+    return lResult == ERROR_SUCCESS;
+}
+
+/// The path of the log file configured for a tag; empty when there is none.
+WideText GetLogPath(const WCHAR* szTag)
+{
+    WCHAR szPath[PATH_CAPACITY + 1] = {};
+    DWORD cbPath = PATH_CAPACITY * sizeof(WCHAR);
+    return QueryMachineValue(DEBUG_KEY, szTag, szPath, &cbPath) ? WideText(szPath) : WideText();
+}
+
+/// Makes the last level of the directory that the file is to lie in; usually it exists.
+void CreateLogDirectory(const WideText& path)
+{
+    const std::size_t nSeparator = path.find_last_of(TEXT("\\/:"));
+    if (nSeparator != WideText::npos) {
+        CreateDirectoryW(path.substr(0, nSeparator + 1).c_str(), nullptr);
+    }
+}
+
+void AppendTwoDigits(WideText& text, WORD wNumber)
+{
+    text += static_cast<WCHAR>('0' + wNumber / 10 % 10);
+    text += static_cast<WCHAR>('0' + wNumber % 10);
+}
+
+/// The local time in 24 characters, as in "Fri May 14 21:06:44 2004".
+WideText GetTimeText()
+{
+    static constexpr WCHAR DAYS[] = TEXT("SunMonTueWedThuFriSat");
+    static constexpr WCHAR MONTHS[] = TEXT("JanFebMarAprMayJunJulAugSepOctNovDec");
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+
+    WideText text(DAYS + 3 * now.wDayOfWeek, 3);
+    text += ' ';
+    text.append(MONTHS + 3 * (now.wMonth - 1), 3);
+    text += ' ';
+    AppendTwoDigits(text, now.wDay);
+    WCHAR chSeparator = ' ';
+    for (const WORD wPart : {now.wHour, now.wMinute, now.wSecond}) {
+        text += chSeparator;
+        AppendTwoDigits(text, wPart);
+        chSeparator = ':';
+    }
+    text += ' ';
+    AppendTwoDigits(text, now.wYear / 100);
+    AppendTwoDigits(text, now.wYear % 100);
+    return text;
+}
+
+/// Converts to the system's ANSI code page; empty when that fails.
+std::string ToAnsi(const WideText& text)
+{
+    constexpr DWORD FLAGS = WC_COMPOSITECHECK | WC_DEFAULTCHAR;
+    const int cchText = static_cast<int>(text.size());
+    const int cbAnsi =
+        WideCharToMultiByte(CP_ACP, FLAGS, text.c_str(), cchText, nullptr, 0, nullptr, nullptr);
+    std::string ansi(static_cast<std::size_t>(cbAnsi), '\0');
+    WideCharToMultiByte(CP_ACP, FLAGS, text.c_str(), cchText, ansi.data(), cbAnsi, nullptr, nullptr);
+    return ansi;
+}
+
+bool AppendToFile(const WideText& path, const std::string& bytes) noexcept
+{
+    const HANDLE hFile = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (hFile == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    SetFilePointer(hFile, 0, nullptr, FILE_END);
+    DWORD cbWritten = 0;
+    const BOOL bWritten =
+        WriteFile(hFile, bytes.data(), static_cast<DWORD>(bytes.size()), &cbWritten, nullptr);
+    CloseHandle(hFile);
+    return bWritten != FALSE && cbWritten == bytes.size();
+}
+
+} // namespace
+
+const WCHAR* GetLevelLabel(DWORD dwLevel) noexcept
+{
+    for (const CLevelLabel& row : LEVEL_LABELS) {
+        if (row.dwLevel == dwLevel) {
+            return row.szLabel;
+        }
+    }
+    return UNKNOWN_LEVEL_LABEL;
+}
+
+bool IsTraceEnabled(DWORD dwLevel, const WCHAR* szMTM) noexcept
+{
+    DWORD dwMask = DEFAULT_TRACE_MASK;
+    if (szMTM != nullptr && *szMTM != 0) {
+        DWORD dwValue = 0;
+        DWORD cbValue = sizeof(dwValue);
+        if (QueryMachineValue(szMTM, MASK_VALUE, &dwValue, &cbValue) && cbValue == sizeof(dwValue)) {
+            dwMask = dwValue;
+        }
+    }
+    return (dwLevel & dwMask) == dwLevel;
+}
+
+bool WriteLogLine(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText) noexcept
+{
+    try {
+        const WideText path = GetLogPath(szTag);
+        if (path.empty()) {
+            return false;
+        }
+        CreateLogDirectory(path);
+        WideText line = GetTimeText();
+        line.append(TEXT(" ")).append(szTag).append(TEXT(": [")).append(szLabel).append(TEXT("] "));
+        line.append(szText).append(TEXT("\r\n"));
+        return AppendToFile(path, ToAnsi(line));
+    } catch (...) {
+        return false;
+    }
+}
+
+bool LogMessage(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText, CSourceLocation where) noexcept
+{
+    try {
+        const char* szName = GetFileName(where.szFile);
+        const char* szFile = szName != nullptr ? szName : "";
+        std::vector<WCHAR> text(std::char_traits<WCHAR>::length(szText) +
+                                std::char_traits<char>::length(szFile) + 19);
+        FormatText(text.data(), text.size(), TEXT("%s ( %d ) %s"), {szText, where.nLine, szFile});
+        return WriteLogLine(szTag, szLabel, text.data());
+    } catch (...) {
+        return false;
+    }
+}
+
+void LogInternalWarning(const WCHAR* szText, CSourceLocation where) noexcept
+{
+    LogMessage(ERR_MESSAGE_APP, GetLevelLabel(LEVEL_WARNING), szText, where);
+}
+
+const char* GetFileName(const char* szPath) noexcept
+{
+    if (szPath == nullptr) {
+        CDetailedMessage(LEVEL_EXCEPTION, {ERR_MESSAGE_APP, nullptr}, TEXT("Null source file"));
+        return nullptr;
+    }
+    const char* szName = szPath;
+    for (; *szPath != 0; ++szPath) {
+        if (*szPath == '\\' || *szPath == '/') {
+            szName = szPath + 1;
+        }
+    }
+    return szName;
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <windows.h>
+
+/// Whether an export that a DLL lacks makes the DLL unusable.
+enum class Missing
+{
+    Fatal,
+    Tolerated
+};
+
+class CExportTable;
+
+/// One export of a GINA or plugin DLL: its name, when it is looked up, and its address once resolved.
+class CGinaExportBase
+{
+public:
+    /// Appends itself to the table: the order of the members that hold exports is the order in which
+    /// they are resolved. The export is looked up when the negotiated Winlogon interface version is
+    /// above dwAboveVersion.
+    CGinaExportBase(CExportTable& table, const char* szName, DWORD dwAboveVersion, Missing missing) noexcept;
+    CGinaExportBase(const CGinaExportBase&) = delete;
+    CGinaExportBase& operator=(const CGinaExportBase&) = delete;
+
+    const char* const m_szName;
+    const DWORD m_dwAboveVersion;
+    const Missing m_missing;
+    FARPROC m_pfn = nullptr;
+    CGinaExportBase* m_pNext = nullptr;
+};
+
+/// The exports of one DLL, in the order in which they are resolved. Owns none of them.
+class CExportTable
+{
+public:
+    CGinaExportBase* m_pFirst = nullptr;
+    CGinaExportBase* m_pLast = nullptr;
+};
+
+/// An export of the function type Function.
+template <typename Function>
+class CGinaExport : public CGinaExportBase
+{
+public:
+    CGinaExport(CExportTable& table, const char* szName, DWORD dwAboveVersion = 0,
+                Missing missing = Missing::Fatal) noexcept
+        : CGinaExportBase(table, szName, dwAboveVersion, missing)
+    {
+    }
+
+    bool IsResolved() const noexcept { return m_pfn != nullptr; }
+
+    /// Calls the function, which must be resolved.
+    template <typename... Args>
+    auto operator()(Args... args) const
+    {
+        return reinterpret_cast<Function*>(m_pfn)(args...);
+    }
+};

@@ -1,0 +1,140 @@
+#include "GinaObject.h"
+
+#include <memory>
+#include <string>
+
+#include "CompareNames.h"
+#include "Exceptions.h"
+#include "Operation.h"
+
+namespace {
+
+/// Export names are plain ASCII.
+std::basic_string<WCHAR> Widen(const char* szName)
+{
+    return {szName, szName + std::char_traits<char>::length(szName)};
+}
+
+} // namespace
+
+CGinaObject::CGinaObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance,
+                         const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion)
+    : CGlobalObject(szAPPArg, szMTMArg), m_pGinaPluginContext(nullptr)
+{
+    const CConstructionTrace trace(*this, s_szClass);
+    try {
+        CreateContext(hInstance);
+        // A constructor that throws has no destructor to clean up after it.
+        std::unique_ptr<CGinaPluginContext> context(m_pGinaPluginContext);
+        StoreOffer(szGinaDLLName, dwUsingLUMVersion, dwUsingWlxVersion);
+        context.release();
+    } catch (...) {
+        if (IsHandling<CBadArgException>()) {
+            throw;
+        }
+        throw CUnhandledExceptionException(LUM_GINA_ORIGIN);
+    }
+}
+
+CGinaObject::~CGinaObject()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+    DeleteVariable(*this, TEXT("m_pGinaPluginContext"), [this] { delete m_pGinaPluginContext; });
+}
+
+void CGinaObject::CreateContext(HINSTANCE hInstance)
+{
+    try {
+        m_pGinaPluginContext = new CGinaPluginContext(szAPP, szMTM, hInstance);
+    } catch (...) {
+        throw CMemAllocException(LUM_GINA_ORIGIN, TEXT("m_pGinaPluginContext"));
+    }
+}
+
+void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion)
+{
+    const auto require = [](bool bGiven, const WCHAR* szArgument) {
+        if (!bGiven) {
+            throw CBadArgException(LUM_GINA_ORIGIN, szArgument);
+        }
+    };
+    require(szGinaDLLName != nullptr, TEXT("szGinaDLLName"));
+    require(dwUsingWlxVersion != 0, TEXT("dwUsingWlxVersion"));
+    require(dwUsingLUMVersion != 0, TEXT("dwUsingLUMVersion"));
+    require(*szGinaDLLName != 0, TEXT("szGinaDLLName"));
+
+    CGinaPluginInfo info(szAPP, szMTM);
+    info.m_dwWlxVersion = dwUsingWlxVersion;
+    info.m_dwLUMVersion = dwUsingLUMVersion;
+    info.SetGinaDLL(szGinaDLLName);
+    m_pGinaPluginContext->SetGinaPluginInfo(info);
+}
+
+bool CGinaObject::operator==(const CGinaObject& other) const noexcept
+{
+    const COperation op(*this, s_szClass, TEXT("operator=="));
+    return op.Run(
+        Absorb<>(), [&] { return EqualNames(GetGinaDLLName(), other.GetGinaDLLName()); },
+        FailureWarning::Never);
+}
+
+bool CGinaObject::operator==(const WCHAR* szGinaDLL) const noexcept
+{
+    const COperation op(*this, s_szClass, TEXT("operator=="));
+    return op.Run(
+        Absorb<>(), [&] { return EqualNames(GetGinaDLLName(), szGinaDLL); }, FailureWarning::Never);
+}
+
+const WCHAR* CGinaObject::GetGinaDLLName() const noexcept
+{
+    return GetPluginInfo().m_szGinaDLL;
+}
+
+void CGinaObject::LoadGinaDLL()
+{
+    // The DLL's own start-up code runs in here.
+    const HMODULE hModule = GuardedCall([&] { return LoadLibraryW(GetGinaDLLName()); });
+    if (hModule == nullptr) {
+        throw CUnableToLoadDLLException(LUM_GINA_ORIGIN, GetGinaDLLName(), GetLastError());
+    }
+    m_pGinaPluginContext->SetDLLInstanceHandle(hModule);
+}
+
+void CGinaObject::FreeGinaDLL() noexcept
+{
+    const HMODULE hModule = m_pGinaPluginContext->GetDLLInstanceHandle();
+    if (hModule == nullptr) {
+        return;
+    }
+    try {
+        if (GuardedCall([&] { return FreeLibrary(hModule); }) == FALSE) {
+            throw CFreeGinaDLLFailException(LUM_GINA_ORIGIN, GetLastError());
+        }
+    } catch (...) {
+        if (!IsHandling<CFreeGinaDLLFailException>()) {
+            CWarning(*this, ERR_UNHANDLED_EXCEPTION);
+        }
+    }
+}
+
+void CGinaObject::Resolve(CGinaExportBase& ginaExport) const
+{
+    ginaExport.m_pfn = GetProcAddress(m_pGinaPluginContext->m_hDLLInstance, ginaExport.m_szName);
+    if (ginaExport.m_pfn != nullptr) {
+        return;
+    }
+    const DWORD dwError = GetLastError();
+    CUnableToLoadDLLFunctionException exception(LUM_GINA_ORIGIN, Widen(ginaExport.m_szName).c_str(), dwError);
+    if (ginaExport.m_missing == Missing::Fatal) {
+        throw exception;
+    }
+}
+
+void CGinaObject::ResolveAll(const CExportTable& table) const
+{
+    for (CGinaExportBase* pExport = table.m_pFirst; pExport != nullptr; pExport = pExport->m_pNext) {
+        if (pExport->m_pfn == nullptr && GetPluginInfo().m_dwWlxVersion > pExport->m_dwAboveVersion) {
+            Resolve(*pExport);
+        }
+    }
+}

@@ -1,0 +1,150 @@
+#pragma once
+
+#include <windows.h>
+#include <winwlx.h>
+
+#include "GinaExport.h"
+#include "GinaPluginContext.h"
+#include "ListEx.h"
+#include "platform/FaultGuard.h"
+
+class CGinaObject;
+class CLUMObject;
+
+using GinaNode = NodeType<CGinaObject>;
+using CGinaObjectList = CListEx<CGinaObject>;
+
+/// The plugin interface version that the host offers.
+inline constexpr DWORD LUM_INTERFACE_VERSION = 0x01000000;
+
+/// One entry of the GINA object list: a GINA or plugin DLL that the host has loaded.
+///
+/// Plugins built by another compiler call the operations through their slots, in the order in which
+/// they stand here, and read the fields. So no operation may be added, removed or moved, nothing may
+/// be added before m_pGinaPluginContext, and what would be a virtual destructor is the first operation.
+///
+/// The chained operations take the node of the list that holds the object, then the arguments of the
+/// Wlx function of the same name. An object does not lock; its operations run on the caller's thread.
+/// An operation may throw an exception of the catalogue. When a DLL called it, the exception travels
+/// through the DLL's frames (see FaultGuard.h).
+class CGinaObject : public CGlobalObject
+{
+public:
+    /// Destroys the object and, when bit 0 of dwFlags is set, frees its memory. Gives the object's address.
+    virtual void* DeletingDestructor(DWORD dwFlags) = 0;
+
+    virtual bool ActivateUserShell(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
+                                   PWSTR pszMprLogonScript, PVOID pEnvironment) = 0;
+    virtual void DisconnectNotify(GinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual void DisplayLockedNotice(GinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual void DisplaySASNotice(GinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual bool DisplayStatusMessage(GinaNode* pNode, PVOID pWlxContext, HDESK hDesktop, DWORD dwOptions,
+                                      PWSTR pTitle, PWSTR pMessage) = 0;
+    /// The object is about to be removed while the system runs.
+    virtual void DynamicUnload() = 0;
+    virtual bool GetConsoleSwitchCredentials(GinaNode* pNode, PVOID pWlxContext, PVOID pCredInfo) = 0;
+    virtual bool GetStatusMessage(GinaNode* pNode, PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
+                                  DWORD dwBufferSize) = 0;
+    /// pLUMObject: the host's control operations; dwInstanceCount: initialisations since the machine
+    /// started; then the arguments of WlxInitialize; the load flags are 0 when Winlogon initialises the
+    /// host and 1 when a plugin is added to the running system. Not chained.
+    virtual bool Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount, LPWSTR lpWinsta, HANDLE hWlx,
+                            PVOID pvReserved, PVOID pWinlogonFunctions, PVOID* pWlxContext, DWORD dwLoadFlag1,
+                            DWORD dwLoadFlag2) = 0;
+    virtual bool IsLockOk(GinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual bool IsLogoffOk(GinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual int LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) = 0;
+    virtual int LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
+                             PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
+                             PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile) = 0;
+    virtual void Logoff(GinaNode* pNode, PVOID pWlxContext) = 0;
+    /// Not chained, and not called by the host: an object negotiates when it is constructed.
+    virtual bool Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion, CGinaPluginInfo* pPluginInfo) = 0;
+    virtual bool NetworkProviderLoad(GinaNode* pNode, PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo) = 0;
+    /// A query whose meaning lies between a client of the control channel and the plugin. Not chained.
+    virtual bool QueryPlugin(CGinaPluginInfo* pPluginInfo, DWORD dwQueryParam1, DWORD dwQueryParam2,
+                             DWORD dwQueryParam3) = 0;
+    /// Fills the caller's record. Not chained.
+    virtual bool QueryPluginInfo(CGinaPluginInfo* pPluginInfo) = 0;
+    virtual void ReconnectNotify(GinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual bool RemoveStatusMessage(GinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual bool ScreenSaverNotify(GinaNode* pNode, PVOID pWlxContext, BOOL* pSecure) = 0;
+    virtual void Shutdown(GinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType) = 0;
+    virtual bool StartApplication(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
+                                  PVOID pEnvironment, PWSTR pszCmdLine) = 0;
+    virtual int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) = 0;
+
+    /// Whether both are of the same DLL name; letter case does not count.
+    bool operator==(const CGinaObject& other) const noexcept;
+    bool operator==(const WCHAR* szGinaDLL) const noexcept;
+
+    /// The DLL's name as it was given to the constructor.
+    const WCHAR* GetGinaDLLName() const noexcept;
+
+    CGinaObject(const CGinaObject&) = delete;
+    CGinaObject& operator=(const CGinaObject&) = delete;
+
+    CGinaPluginContext* m_pGinaPluginContext;
+
+protected:
+    /// hInstance: the host's module; szGinaDLLName: the DLL's name; dwUsingLUMVersion: the plugin
+    /// interface version offered; dwUsingWlxVersion: the Winlogon interface version offered. Throws
+    /// CBadArgException for a missing one, CUnhandledExceptionException for any other failure.
+    CGinaObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance, const WCHAR* szGinaDLLName,
+                DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
+    ~CGinaObject();
+
+    CGinaPluginInfo& GetPluginInfo() const noexcept { return m_pGinaPluginContext->m_GinaPluginInfo; }
+
+    /// Loads the DLL and keeps its module handle in the context. Throws CUnableToLoadDLLException.
+    void LoadGinaDLL();
+
+    /// Frees the DLL, if it was loaded. What goes wrong is reported only.
+    void FreeGinaDLL() noexcept;
+
+    /// Looks one export up. Throws CUnableToLoadDLLFunctionException when it is missing, unless that is
+    /// tolerated: then it is reported only.
+    void Resolve(CGinaExportBase& ginaExport) const;
+
+    /// Looks up what the negotiated Winlogon version calls for and has not been looked up.
+    void ResolveAll(const CExportTable& table) const;
+
+    /// Calls a DLL's function under guard. Throws CNullFunctionHandleException when it was not resolved.
+    template <typename Function, typename... Args>
+    auto Call(const CGinaExport<Function>& function, Args... args) const
+    {
+        if (!function.IsResolved()) {
+            throw CNullFunctionHandleException(LUM_GINA_ORIGIN, GetGinaDLLName());
+        }
+        return GuardedCall([&] { return function(args...); });
+    }
+
+    /// Runs one operation. Exceptions of the classes PassedOn are reported and leave it as they are,
+    /// anything else leaves it as a CUnhandledPluginException that names this DLL.
+    template <typename... PassedOn, typename Body>
+    auto RunOperation(const WCHAR* szClass, CTracePoint point, Body body)
+    {
+        return CalledFromDLL([&]() -> std::invoke_result_t<Body> {
+            const COperation op(*this, szClass, point);
+            const auto onException = [this](const COperation& failed) {
+                if ((IsHandling<PassedOn>() || ...)) {
+                    throw;
+                }
+                throw CUnhandledPluginException(LUM_GINA_ORIGIN, GetGinaDLLName(), failed.GetLocation());
+            };
+            return op.Run(onException, body);
+        });
+    }
+
+private:
+    static constexpr const WCHAR* s_szClass = TEXT("CGinaObject");
+
+    void CreateContext(HINSTANCE hInstance);
+    void StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
+};
+
+/// The list destroys its objects through their first slot, as anyone must.
+inline void DestroyListItem(CGinaObject* pGinaObject)
+{
+    pGinaObject->DeletingDestructor(1);
+}

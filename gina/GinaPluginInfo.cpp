@@ -1,0 +1,104 @@
+#include "GinaPluginInfo.h"
+
+#include <string>
+
+#include "Exceptions.h"
+#include "Operation.h"
+#include "platform/FaultGuard.h"
+
+namespace {
+
+constexpr WCHAR CLASS_NAME[] = TEXT("CGinaPluginInfo");
+constexpr WCHAR VAR_GINA_DLL[] = TEXT("m_szGinaDLL");
+constexpr WCHAR VAR_FRIENDLY_NAME[] = TEXT("m_szFriendlyName");
+
+/// A copy made with LocalAlloc; null when there is no memory for it.
+WCHAR* DuplicateText(const WCHAR* szSource) noexcept
+{
+    const std::size_t cchCopy = std::char_traits<WCHAR>::length(szSource) + 1;
+    auto* szCopy = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, cchCopy * sizeof(WCHAR)));
+    if (szCopy != nullptr) {
+        std::char_traits<WCHAR>::copy(szCopy, szSource, cchCopy);
+    }
+    return szCopy;
+}
+
+} // namespace
+
+CGinaPluginInfo::CGinaPluginInfo(const WCHAR* szAPPArg, const WCHAR* szMTMArg) noexcept
+    : CGlobalObject(szAPPArg, szMTMArg), m_dwSpare1(0), m_szFriendlyName(nullptr), m_szGinaDLL(nullptr),
+      m_dwWlxVersion(0), m_dwLUMVersion(0), m_dwSpare2(0)
+{
+    const CConstructionTrace trace(*this, CLASS_NAME);
+}
+
+CGinaPluginInfo::~CGinaPluginInfo()
+{
+    const CDestructionTrace trace(*this, CLASS_NAME);
+    Release(m_szGinaDLL, VAR_GINA_DLL);
+    Release(m_szFriendlyName, VAR_FRIENDLY_NAME);
+}
+
+CGinaPluginInfo& CGinaPluginInfo::operator=(const CGinaPluginInfo& other) noexcept
+{
+    if (this == &other) {
+        return *this;
+    }
+    const COperation op(*this, CLASS_NAME, TEXT("operator="));
+    op.Run(Absorb<>(), [&] {
+        const auto copyText = [&](WCHAR*& szText, const WCHAR* szSource, const WCHAR* szVariable) {
+            try {
+                Replace(szText, szSource, szVariable);
+            } catch (...) {
+                Absorb<CMemAllocException, CWcscpyException>()(op);
+            }
+        };
+        copyText(m_szGinaDLL, other.m_szGinaDLL, VAR_GINA_DLL);
+        copyText(m_szFriendlyName, other.m_szFriendlyName, VAR_FRIENDLY_NAME);
+        m_dwSpare1 = other.m_dwSpare1;
+        m_dwWlxVersion = other.m_dwWlxVersion;
+        m_dwLUMVersion = other.m_dwLUMVersion;
+        m_dwSpare2 = other.m_dwSpare2;
+    });
+    return *this;
+}
+
+bool CGinaPluginInfo::SetGinaDLL(const WCHAR* szGinaDLL) noexcept
+{
+    const COperation op(*this, CLASS_NAME, TEXT("SetGinaDLL"));
+    return op.Run(Absorb<CMemAllocException, CWcscpyException>(), [&] {
+        Replace(m_szGinaDLL, szGinaDLL, VAR_GINA_DLL);
+        return m_szGinaDLL != nullptr;
+    });
+}
+
+void CGinaPluginInfo::Release(WCHAR*& szText, const WCHAR* szVariable) noexcept
+{
+    if (szText == nullptr) {
+        return;
+    }
+    // The text may have come from a plugin that allocated it in another way.
+    DeleteVariable(*this, szVariable, [&] {
+        if (GuardedCall([&] { return LocalFree(szText); }) != nullptr) {
+            throw CForeignFault(GetLastError());
+        }
+    });
+    szText = nullptr;
+}
+
+void CGinaPluginInfo::Replace(WCHAR*& szText, const WCHAR* szSource, const WCHAR* szVariable)
+{
+    Release(szText, szVariable);
+    if (szSource == nullptr) {
+        return;
+    }
+    try {
+        // The text may be what a plugin left in its record.
+        szText = GuardedCall([&] { return DuplicateText(szSource); });
+    } catch (const CForeignFault&) {
+        throw CWcscpyException(*this);
+    }
+    if (szText == nullptr) {
+        throw CMemAllocException(*this, szVariable);
+    }
+}

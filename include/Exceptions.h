@@ -1,0 +1,96 @@
+#pragma once
+
+#include "Messages.h"
+
+// The catalogue of exceptions: one line each, which says what an exception reports. They are thrown by
+// value, caught by reference, and constructed from
+//
+//     (origin, details..., where)
+//
+// with the details that the format asks for after the text, in its order. Building one writes it.
+
+/// The shape of a catalogue row: text, format, level and the types of the details are fixed.
+template <const auto& Text, const auto& Format, DWORD dwLevel, typename... Details>
+class CCatalogException : public CMessageArgList
+{
+public:
+    explicit CCatalogException(const CMessageOrigin& origin, Details... details,
+                               CSourceLocation where = CSourceLocation::Current()) noexcept
+        : CMessageArgList(dwLevel, origin.szAPP, origin.szMTM, true, Format, Text, details..., where.nLine,
+                          GetFileName(where.szFile))
+    {
+    }
+};
+
+/// A row whose detail is the text alone.
+template <const auto& Text, DWORD dwLevel = LEVEL_EXCEPTION>
+class CTextException : public CDetailedMessage
+{
+public:
+    explicit CTextException(const CMessageOrigin& origin,
+                            CSourceLocation where = CSourceLocation::Current()) noexcept
+        : CDetailedMessage(dwLevel, origin, Text, true, where)
+    {
+    }
+};
+
+/// A row whose detail is an error code of the platform.
+template <const auto& Text>
+class CErrorException : public CDetailedMessageWithError
+{
+public:
+    explicit CErrorException(const CMessageOrigin& origin, DWORD dwError,
+                             CSourceLocation where = CSourceLocation::Current()) noexcept
+        : CDetailedMessageWithError(LEVEL_EXCEPTION, origin, Text, dwError, true, where)
+    {
+    }
+};
+
+/// A row whose detail is a name: of an argument, a variable, a plugin.
+template <const auto& Text, const auto& Format>
+using CNameException = CCatalogException<Text, Format, LEVEL_EXCEPTION, const WCHAR*>;
+
+/// A row whose details are a name and an error code of the platform.
+template <const auto& Text, const auto& Format>
+using CNameErrorException = CCatalogException<Text, Format, LEVEL_EXCEPTION, const WCHAR*, DWORD>;
+
+inline constexpr WCHAR TXT_LOAD_DLL[] = TEXT("Unable to load DLL");
+inline constexpr WCHAR TXT_LOAD_FUNCTION[] = TEXT("Unable to load function from DLL");
+inline constexpr WCHAR TXT_NEGOTIATION[] = TEXT("Negotiation failed while loading gina dll");
+inline constexpr WCHAR TXT_FREE_GINA[] = TEXT("Failed to free gina dll library");
+inline constexpr WCHAR TXT_NULL_FUNCTION[] = TEXT("Null function handle.  Unable to execute function call");
+inline constexpr WCHAR TXT_END_OF_LIST[] = TEXT("Expected another gina node in list and found end of list");
+inline constexpr WCHAR TXT_UNEXPECTED_GINA[] =
+    TEXT("Another gina node was unexpectantly found at the end of the list.");
+inline constexpr WCHAR TXT_PLUGIN_EXCEPTION[] = TEXT("Plugin has generated an unknown exception");
+inline constexpr WCHAR TXT_NULL_INSTANCE[] =
+    TEXT("Can't instantiate LUMGina object with null Instance handle. Aborting...");
+inline constexpr WCHAR TXT_NOTHING_TO_CALL[] =
+    TEXT("There is no plugin or GINA to call. Unable to process function. Returning failure");
+inline constexpr WCHAR TXT_NO_PASSTHROUGH[] =
+    TEXT("Don't know which GINA to pass through to. Defaulting to msgina.dll");
+
+// clang-format off
+
+// Arguments and memory
+class CBadArgException : public CNameException<ERR_BAD_ARG, FMT_ARGUMENT> { using CCatalogException::CCatalogException; };
+class CMemAllocException : public CNameException<ERR_MEM_ALLOC, FMT_VARIABLE> { using CCatalogException::CCatalogException; };
+class CWcscpyException : public CTextException<ERR_WCSCPY> { using CTextException::CTextException; };
+class CUnhandledExceptionException : public CTextException<ERR_UNHANDLED_EXCEPTION> { using CTextException::CTextException; };
+
+// Loading and calling GINAs and plugins
+class CUnableToLoadDLLException : public CNameErrorException<TXT_LOAD_DLL, FMT_FILENAME> { using CCatalogException::CCatalogException; };
+class CUnableToLoadDLLFunctionException : public CNameErrorException<TXT_LOAD_FUNCTION, FMT_FUNCTION> { using CCatalogException::CCatalogException; };
+class CFailedGinaNegotiationsException : public CErrorException<TXT_NEGOTIATION> { using CErrorException::CErrorException; };
+class CFreeGinaDLLFailException : public CErrorException<TXT_FREE_GINA> { using CErrorException::CErrorException; };
+class CNullFunctionHandleException : public CNameException<TXT_NULL_FUNCTION, FMT_PLUGIN> { using CCatalogException::CCatalogException; };
+class CUnexpectedEndOfListException : public CNameException<TXT_END_OF_LIST, FMT_PLUGIN> { using CCatalogException::CCatalogException; };
+class CUnexpectedGinaException : public CNameException<TXT_UNEXPECTED_GINA, FMT_PLUGIN> { using CCatalogException::CCatalogException; };
+class CUnhandledPluginException : public CNameException<TXT_PLUGIN_EXCEPTION, FMT_PLUGIN> { using CCatalogException::CCatalogException; };
+
+// The host
+class CLUMInitializeFailException : public CTextException<TXT_NULL_INSTANCE, LEVEL_CRITICAL> { using CTextException::CTextException; };
+class CNoGINAorPluginToCallException : public CTextException<TXT_NOTHING_TO_CALL> { using CTextException::CTextException; };
+class CUnableToLoadPassthroughGinaException : public CTextException<TXT_NO_PASSTHROUGH> { using CTextException::CTextException; };
+
+// clang-format on

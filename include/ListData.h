@@ -1,0 +1,50 @@
+#pragma once
+
+#include "GlobalObject.h"
+#include "Operation.h"
+
+/// How a list destroys an item. Item types with another way overload this next to their class.
+template <typename T>
+void DestroyListItem(T* pItem)
+{
+    delete pItem;
+}
+
+/// What a list node carries: an item, which it owns, and a value stored with it.
+///
+/// Nodes of the GINA object list are handed to plugins, so the order and width of the fields is fixed.
+template <typename T>
+class CListData : public CGlobalObject
+{
+public:
+    CListData(const WCHAR* szAPPArg, const WCHAR* szMTMArg, T* pItem, DWORD dwTag) noexcept
+        : CGlobalObject(szAPPArg, szMTMArg), m_pItem(pItem), m_dwTag(dwTag)
+    {
+        const CConstructionTrace trace(*this, TEXT("CListData"));
+    }
+
+    ~CListData()
+    {
+        const CDestructionTrace trace(*this, TEXT("CListData"));
+        if (m_pItem != nullptr) {
+            DeleteVariable(*this, TEXT("m_pItem"), [this] { DestroyListItem(m_pItem); });
+        }
+    }
+
+    CListData(const CListData&) = delete;
+    CListData& operator=(const CListData&) = delete;
+
+    T* m_pItem;
+    DWORD m_dwTag;
+};
+
+/// A node: the data and the links to its neighbours, null at the ends of the list.
+template <typename T>
+class NodeType : public CListData<T>
+{
+public:
+    using CListData<T>::CListData;
+
+    NodeType* pNext = nullptr;
+    NodeType* pPrev = nullptr;
+};

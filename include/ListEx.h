@@ -1,0 +1,317 @@
+#pragma once
+
+#include <new>
+
+#include "Exceptions.h"
+#include "GlobalObject.h"
+#include "ListData.h"
+#include "Operation.h"
+
+/// The container of the system: a doubly linked list of item pointers with a cursor.
+///
+/// The list owns its items: whatever removes a node destroys its item. Operations give true for
+/// success; none lets an exception escape. A list has no lock: owners that share one between threads
+/// serialise whole sequences of positioning and reading, not single calls.
+///
+/// What T must offer depends on the operations used: operator==(const WCHAR*) for those with a key,
+/// operator==(const T&) for operator==, a constructor (szAPP, szMTM, const T*) for copies.
+template <typename T>
+class CListEx : public CGlobalObject
+{
+public:
+    using Node = NodeType<T>;
+
+    CListEx(const WCHAR* szAPPArg, const WCHAR* szMTMArg) noexcept : CGlobalObject(szAPPArg, szMTMArg)
+    {
+        const CConstructionTrace trace(*this, s_szClass);
+    }
+
+    ~CListEx()
+    {
+        const CDestructionTrace trace(*this, s_szClass);
+        Flush();
+    }
+
+    CListEx(const CListEx&) = delete;
+    CListEx& operator=(const CListEx&) = delete;
+
+    /// Moves the cursor to the first node.
+    void Begin() noexcept
+    {
+        RunVoid(TEXT("Begin"), [this] { m_pCursor = m_pHead; });
+    }
+
+    /// Moves the cursor to the last node.
+    void End() noexcept
+    {
+        RunVoid(TEXT("End"), [this] { m_pCursor = m_pTail; });
+    }
+
+    /// Moves the cursor on; false, and no move, at the last node or without a current one.
+    bool Next() noexcept
+    {
+        return Run(TEXT("Next"), [this] { return MoveCursor(&Node::pNext); });
+    }
+
+    /// Moves the cursor back; false, and no move, at the first node or without a current one.
+    bool Prev() noexcept
+    {
+        return Run(TEXT("Prev"), [this] { return MoveCursor(&Node::pPrev); });
+    }
+
+    /// Gives the current item, which stays the list's; false, and pItem as it was, without a current node.
+    bool GetItem(T*& pItem) noexcept
+    {
+        return Run(TEXT("GetItem"), [&] {
+            if (m_pCursor == nullptr) {
+                return false;
+            }
+            pItem = m_pCursor->m_pItem;
+            return true;
+        });
+    }
+
+    /// Replaces the current item by a copy of pItem, which stays the caller's.
+    bool SetItem(const T* pItem) noexcept
+    {
+        return Run(TEXT("SetItem"), [&] {
+            if (m_pCursor == nullptr) {
+                return false;
+            }
+            T* pCopy = new T(szAPP, szMTM, pItem);
+            if (m_pCursor->m_pItem != nullptr) {
+                DeleteVariable(*this, TEXT("m_pItem"), [this] { DestroyListItem(m_pCursor->m_pItem); });
+            }
+            m_pCursor->m_pItem = pCopy;
+            return true;
+        });
+    }
+
+    /// Inserts before the current node; the cursor stays. Into an empty list the node becomes current.
+    /// The list owns pItem when this succeeds, and only then.
+    bool Insert(T* pItem, DWORD dwTag) noexcept
+    {
+        return Run(TEXT("Insert"), [&] {
+            if (m_pCursor == nullptr && m_pHead != nullptr) {
+                return false;
+            }
+            Node* pNode = CreateNode(pItem, dwTag, TEXT("NodeType< T, S >"));
+            LinkBefore(pNode, m_pCursor);
+            m_pCursor = m_dwCount == 1 ? pNode : m_pCursor;
+            return true;
+        });
+    }
+
+    /// Appends a node; the cursor stays. Into an empty list the node becomes current. The list owns
+    /// pItem when this succeeds, and only then.
+    bool Add(T* pItem, DWORD dwTag) noexcept
+    {
+        return Run(TEXT("Add"), [&] { return Append(pItem, dwTag); });
+    }
+
+    /// Removes the current node and destroys its item; the cursor goes to the first node.
+    bool Remove() noexcept
+    {
+        return Run(TEXT("Remove"), [this] {
+            if (m_pCursor == nullptr) {
+                return false;
+            }
+            Node* pNode = m_pCursor;
+            Unlink(pNode);
+            m_pCursor = m_pHead;
+            DeleteVariable(*this, TEXT("m_pCursor"), [pNode] { delete pNode; });
+            return true;
+        });
+    }
+
+    /// Removes the first node whose item equals the key.
+    bool Remove(const WCHAR* szKey) noexcept
+    {
+        return Run(TEXT("Remove"), [&] { return MoveTo(szKey) && Remove(); });
+    }
+
+    /// Moves the cursor to the first node whose item equals the key; to the last node if there is none.
+    bool MoveTo(const WCHAR* szKey) noexcept
+    {
+        return Run(TEXT("MoveTo"), [&] {
+            Node* pNode = Find(szKey);
+            m_pCursor = pNode != nullptr ? pNode : m_pTail;
+            return pNode != nullptr;
+        });
+    }
+
+    /// Whether an item equals the key; the cursor stays.
+    bool IsInList(const WCHAR* szKey) noexcept
+    {
+        return Run(TEXT("IsInList"), [&] { return Find(szKey) != nullptr; });
+    }
+
+    /// Replaces the contents by copies of the source's items and tags. False when the source is empty
+    /// or a copy failed; what was copied up to then stays.
+    bool CopyList(const CListEx& source) noexcept
+    {
+        return Run(TEXT("CopyList"), [&] {
+            if (m_dwCount != 0) {
+                Flush();
+            }
+            for (const Node* pNode = source.m_pHead; pNode != nullptr; pNode = pNode->pNext) {
+                if (!AddCopy(*pNode)) {
+                    return false;
+                }
+            }
+            return source.m_dwCount != 0;
+        });
+    }
+
+    /// Destroys all nodes and items, first to last.
+    bool Flush() noexcept
+    {
+        return Run(TEXT("Flush"), [this] {
+            while (m_pHead != nullptr) {
+                Node* pTempCursor = m_pHead;
+                Unlink(pTempCursor);
+                DeleteVariable(*this, TEXT("pTempCursor"), [pTempCursor] { delete pTempCursor; });
+            }
+            m_pCursor = nullptr;
+            return true;
+        });
+    }
+
+    /// Whether both lists have equal items in the same order.
+    bool operator==(const CListEx& other) const noexcept
+    {
+        return Run(TEXT("operator=="), [&] {
+            const Node* pOther = other.m_pHead;
+            for (const Node* pNode = m_pHead; pNode != nullptr && pOther != nullptr; pNode = pNode->pNext) {
+                if (!(*pNode->m_pItem == *pOther->m_pItem)) {
+                    return false;
+                }
+                pOther = pOther->pNext;
+            }
+            return m_dwCount == other.m_dwCount;
+        });
+    }
+
+    /// Swaps the current node with the one before it. The cursor then is on the node that precedes the
+    /// moved one, null when that became the head. False, and no change, at the head.
+    bool MoveItemUp() noexcept
+    {
+        return Run(TEXT("MoveItemUp"), [this] {
+            if (m_pCursor == nullptr || m_pCursor->pPrev == nullptr) {
+                return false;
+            }
+            Node* pMoved = m_pCursor;
+            Node* pBefore = pMoved->pPrev;
+            Unlink(pMoved);
+            LinkBefore(pMoved, pBefore);
+            m_pCursor = pMoved->pPrev;
+            return true;
+        });
+    }
+
+    /// Swaps the current node with the one after it. The cursor then is on the node that follows the
+    /// moved one, null when that became the tail. False, and no change, at the tail.
+    bool MoveItemDown() noexcept
+    {
+        return Run(TEXT("MoveItemDown"), [this] {
+            if (m_pCursor == nullptr || m_pCursor->pNext == nullptr) {
+                return false;
+            }
+            Node* pMoved = m_pCursor;
+            Node* pBefore = pMoved->pNext->pNext;
+            Unlink(pMoved);
+            LinkBefore(pMoved, pBefore);
+            m_pCursor = pMoved->pNext;
+            return true;
+        });
+    }
+
+    Node* m_pHead = nullptr;
+    Node* m_pTail = nullptr;
+    Node* m_pCursor = nullptr;
+    DWORD m_dwCount = 0;
+
+private:
+    static constexpr const WCHAR* s_szClass = TEXT("CListEx");
+
+    template <typename Body>
+    bool Run(CTracePoint point, Body body) const noexcept
+    {
+        const COperation op(*this, s_szClass, point);
+        return op.Run(Absorb<CMemAllocException>(), body, FailureWarning::UnlessRaised);
+    }
+
+    template <typename Body>
+    void RunVoid(CTracePoint point, Body body) const noexcept
+    {
+        const COperation op(*this, s_szClass, point);
+        op.Run(Absorb<>(), body);
+    }
+
+    Node* CreateNode(T* pItem, DWORD dwTag, const WCHAR* szVariable) const
+    {
+        Node* pNode = new (std::nothrow) Node(szAPP, szMTM, pItem, dwTag);
+        if (pNode == nullptr) {
+            throw CMemAllocException(*this, szVariable);
+        }
+        return pNode;
+    }
+
+    bool Append(T* pItem, DWORD dwTag)
+    {
+        const bool bEmpty = m_pHead == nullptr;
+        Node* pNode = CreateNode(pItem, dwTag, bEmpty ? TEXT("NodeType< T >") : TEXT("NodeType"));
+        LinkBefore(pNode, nullptr);
+        m_pCursor = bEmpty ? pNode : m_pCursor;
+        return true;
+    }
+
+    bool AddCopy(const Node& source)
+    {
+        T* pCopy = new T(szAPP, szMTM, source.m_pItem);
+        if (Add(pCopy, source.m_dwTag)) {
+            return true;
+        }
+        DestroyListItem(pCopy);
+        return false;
+    }
+
+    bool MoveCursor(Node* Node::*pLink) noexcept
+    {
+        if (m_pCursor == nullptr || m_pCursor->*pLink == nullptr) {
+            return false;
+        }
+        m_pCursor = m_pCursor->*pLink;
+        return true;
+    }
+
+    Node* Find(const WCHAR* szKey) const
+    {
+        Node* pNode = m_pHead;
+        while (pNode != nullptr && !(pNode->m_pItem != nullptr && *pNode->m_pItem == szKey)) {
+            pNode = pNode->pNext;
+        }
+        return pNode;
+    }
+
+    /// Links a free node in before pBefore, at the end for null. The node is complete before the one
+    /// pointer that makes a reader of the list find it is written.
+    void LinkBefore(Node* pNode, Node* pBefore) noexcept
+    {
+        Node* pAfter = pBefore != nullptr ? pBefore->pPrev : m_pTail;
+        pNode->pNext = pBefore;
+        pNode->pPrev = pAfter;
+        (pBefore != nullptr ? pBefore->pPrev : m_pTail) = pNode;
+        (pAfter != nullptr ? pAfter->pNext : m_pHead) = pNode;
+        ++m_dwCount;
+    }
+
+    void Unlink(Node* pNode) noexcept
+    {
+        (pNode->pPrev != nullptr ? pNode->pPrev->pNext : m_pHead) = pNode->pNext;
+        (pNode->pNext != nullptr ? pNode->pNext->pPrev : m_pTail) = pNode->pPrev;
+        pNode->pNext = nullptr;
+        pNode->pPrev = nullptr;
+        --m_dwCount;
+    }
+};

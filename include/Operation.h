@@ -1,0 +1,195 @@
+#pragma once
+
+#include <exception>
+#include <type_traits>
+
+#include "TraceStatements.h"
+
+// How every operation of the system runs: entry trace, body, handlers, failure warning, exit trace.
+//
+//     bool CFoo::Bar()
+//     {
+//         const COperation op(*this, s_szClass, TEXT("Bar"));
+//         return op.Run(Absorb<CMemAllocException>(), [&] { ... return true; });
+//     }
+
+/// The name of an operation together with its place in the source, taken where the name is written.
+struct CTracePoint
+{
+    CTracePoint(const WCHAR* szNameArg, CSourceLocation whereArg = CSourceLocation::Current()) noexcept
+        : szName(szNameArg), where(whereArg)
+    {
+    }
+
+    const WCHAR* szName;
+    CSourceLocation where;
+};
+
+/// When a failed operation writes "The requested operation failed or it was cancelled".
+enum class FailureWarning
+{
+    Always,
+    UnlessRaised, ///< not after an exception, which has said more already
+    Never
+};
+
+/// The result of an operation that came to nothing: false, no SAS action, null, zero.
+template <typename Result>
+inline constexpr Result g_Failure = Result();
+template <>
+inline constexpr int g_Failure<int> = 2; // WLX_SAS_ACTION_NONE: the only results that are int
+
+/// Whether a result is one to warn about. Counts, handles and pointers never are.
+template <typename Result>
+constexpr bool IsFailure(Result result) noexcept
+{
+    if constexpr (std::is_same_v<Result, bool> || std::is_same_v<Result, int>) {
+        return result == g_Failure<Result>;
+    } else {
+        return false;
+    }
+}
+
+/// A result as the exit trace shows it.
+template <typename Result>
+DWORD ToTraceValue(Result result) noexcept
+{
+    if constexpr (std::is_pointer_v<Result>) {
+        return static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(result));
+    } else {
+        return static_cast<DWORD>(result);
+    }
+}
+
+/// One run of an operation; knows what its trace lines have in common.
+class COperation
+{
+public:
+    /// Traces the entry.
+    COperation(const CMessageOrigin& origin, const WCHAR* szClass, CTracePoint point) noexcept
+        : m_Origin(origin), m_szClass(szClass), m_Point(point)
+    {
+        CEntryTrace(m_Origin, m_szClass, m_Point.szName, m_Point.where);
+    }
+
+    /// Runs body and returns its result, g_Failure if it throws. onException(*this) is called inside
+    /// the handler; what it throws leaves the operation, which then writes no exit trace.
+    template <typename OnException, typename Body>
+    auto Run(OnException onException, Body body, FailureWarning warning = FailureWarning::Always) const
+        -> std::invoke_result_t<Body>
+    {
+        using Result = std::invoke_result_t<Body>;
+        if constexpr (std::is_void_v<Result>) {
+            try {
+                body();
+            } catch (...) {
+                onException(*this);
+            }
+            CExitTrace(m_Origin, m_szClass, m_Point.szName, m_Point.where);
+        } else {
+            Result result = g_Failure<Result>;
+            try {
+                result = body();
+            } catch (...) {
+                onException(*this);
+                warning = warning == FailureWarning::UnlessRaised ? FailureWarning::Never : warning;
+            }
+            if (warning != FailureWarning::Never && IsFailure(result)) {
+                Warn(ERR_OPERATION_FAILED);
+            }
+            CExitResultTrace(m_Origin, m_szClass, m_Point.szName, ToTraceValue(result), m_Point.where);
+            return result;
+        }
+    }
+
+    /// Traces a warning with the place of the operation.
+    void Warn(const WCHAR* szText) const noexcept { CWarning(m_Origin, szText, m_Point.where); }
+
+    const CMessageOrigin& GetOrigin() const noexcept { return m_Origin; }
+    CSourceLocation GetLocation() const noexcept { return m_Point.where; }
+
+private:
+    CMessageOrigin m_Origin;
+    const WCHAR* m_szClass;
+    CTracePoint m_Point;
+};
+
+/// Whether the exception being handled is of class E; it is written then, unless it has been.
+template <typename E>
+bool IsHandling() noexcept
+{
+    try {
+        throw;
+    } catch (E& exception) {
+        exception.WriteIfUnwritten();
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
+/// Handler: exceptions of the classes E are only reported, anything else is an unhandled exception.
+template <typename... E>
+struct Absorb
+{
+    void operator()(const COperation& op) const noexcept
+    {
+        if (!(IsHandling<E>() || ...)) {
+            op.Warn(ERR_UNHANDLED_EXCEPTION);
+        }
+    }
+};
+
+/// Handler: exceptions of the classes E are reported and leave the operation, the rest is left to Otherwise.
+template <typename Otherwise, typename... E>
+struct PassOn
+{
+    void operator()(const COperation& op) const
+    {
+        if ((IsHandling<E>() || ...)) {
+            throw;
+        }
+        Otherwise()(op);
+    }
+};
+
+/// Traces entry and exit of a constructor; no exit when it is left by an exception.
+template <typename EntryTrace, typename ExitTrace>
+class CLifetimeTrace
+{
+public:
+    CLifetimeTrace(const CMessageOrigin& origin, CTracePoint classPoint) noexcept
+        : m_Origin(origin), m_Class(classPoint), m_nExceptions(std::uncaught_exceptions())
+    {
+        EntryTrace(m_Origin, m_Class.szName, m_Class.szName, m_Class.where);
+    }
+    ~CLifetimeTrace()
+    {
+        if (std::uncaught_exceptions() == m_nExceptions) {
+            ExitTrace(m_Origin, m_Class.szName, m_Class.szName, m_Class.where);
+        }
+    }
+    CLifetimeTrace(const CLifetimeTrace&) = delete;
+    CLifetimeTrace& operator=(const CLifetimeTrace&) = delete;
+
+private:
+    CMessageOrigin m_Origin;
+    CTracePoint m_Class;
+    int m_nExceptions;
+};
+
+using CConstructionTrace = CLifetimeTrace<CConstructionEntryTrace, CConstructionExitTrace>;
+using CDestructionTrace = CLifetimeTrace<CDestructionEntryTrace, CDestructionExitTrace>;
+
+/// Runs destroy(); should it fail, traces that the variable could not be deleted. For clean-up that
+/// must go on whatever happens.
+template <typename Destroy>
+void DeleteVariable(const CMessageOrigin& origin, const WCHAR* szVariable, Destroy destroy,
+                    CSourceLocation where = CSourceLocation::Current()) noexcept
+{
+    try {
+        destroy();
+    } catch (...) {
+        CVariableWarning(origin, ERR_DELETE_VARIABLE, szVariable, where);
+    }
+}

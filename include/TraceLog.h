@@ -1,0 +1,51 @@
+#pragma once
+
+#include <windows.h>
+
+#include "SourceLocation.h"
+
+// The trace log: a plain text file that every message of the system is written to.
+//
+// Which lines are written is a matter of a level mask in the registry, where they go of a debug key
+// that maps an application tag to a file. Both are looked up anew for every message, so that a change
+// takes effect at once. No lock is taken: a line is one write to a file opened for that line alone.
+// Nothing here throws; what fails is not written.
+
+/// Levels, one bit each, so that a mask of them says which messages are written.
+inline constexpr DWORD LEVEL_DEBUG = 0x1;
+inline constexpr DWORD LEVEL_ENTRY = 0x2;
+inline constexpr DWORD LEVEL_EXIT = 0x4;
+inline constexpr DWORD LEVEL_NOTIFICATION = 0x8;
+inline constexpr DWORD LEVEL_WARNING = 0x10;
+inline constexpr DWORD LEVEL_EXCEPTION = 0x20;
+inline constexpr DWORD LEVEL_CRITICAL = 0x40;
+inline constexpr DWORD LEVEL_ERROR = 0x80;
+inline constexpr DWORD LEVEL_CONSTRUCTION_ENTRY = 0x100;
+inline constexpr DWORD LEVEL_CONSTRUCTION_EXIT = 0x200;
+inline constexpr DWORD LEVEL_DESTRUCTION_ENTRY = 0x400;
+inline constexpr DWORD LEVEL_DESTRUCTION_EXIT = 0x800;
+
+/// The mask where none is configured: warnings, exceptions, critical messages and errors.
+inline constexpr DWORD DEFAULT_TRACE_MASK = 0xF0;
+
+/// The label that a line of that level carries; "HEADER" for anything that is not one level.
+const WCHAR* GetLevelLabel(DWORD dwLevel) noexcept;
+
+/// Whether all bits of dwLevel are set in the mask: value "Debug" of HKEY_LOCAL_MACHINE\szMTM,
+/// DEFAULT_TRACE_MASK when szMTM is null or empty or the value cannot be read.
+bool IsTraceEnabled(DWORD dwLevel, const WCHAR* szMTM) noexcept;
+
+/// Appends one line to the file configured for the tag. True when it was written.
+bool WriteLogLine(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText) noexcept;
+
+/// The facility's own report of trouble inside it: no mask is consulted, and the place of the
+/// statement is appended to the text. True when it was written.
+bool LogMessage(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText,
+                CSourceLocation where = CSourceLocation::Current()) noexcept;
+
+/// LogMessage as a warning under "MESSAGE_APP".
+void LogInternalWarning(const WCHAR* szText, CSourceLocation where = CSourceLocation::Current()) noexcept;
+
+/// The part of a source path after its last separator; null, and an exception message in the log, for
+/// a null path. Compilers write '/' into the paths of their macros on both targets, so that counts too.
+const char* GetFileName(const char* szPath) noexcept;

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Messages.h"
+
+// The kinds of trace statement. Each builds a message, which writes itself, and is gone:
+//
+//     CWarning(*this, ERR_PULLING_NULL);
+//
+// A masked-out statement costs the look-up of the mask. The values follow the origin in the order of
+// the format, the place of the statement comes last and need not be given.
+template <DWORD dwLevel, const auto& Format, typename... Values>
+class CTraceStatement : public CMessageArgList
+{
+public:
+    explicit CTraceStatement(const CMessageOrigin& origin, Values... values,
+                             CSourceLocation where = CSourceLocation::Current()) noexcept
+        : CMessageArgList(IfEnabled(), dwLevel, origin, Format, values..., where.nLine,
+                          GetFileName(where.szFile))
+    {
+    }
+};
+
+template <DWORD dwLevel, const auto& Format = FMT_OPERATION>
+using COperationTrace = CTraceStatement<dwLevel, Format, const WCHAR*, const WCHAR*>;
+
+// Class name, operation name (constructors and destructors: class name twice)
+using CEntryTrace = COperationTrace<LEVEL_ENTRY>;
+using CExitTrace = COperationTrace<LEVEL_EXIT>;
+using CExitResultTrace =
+    CTraceStatement<LEVEL_EXIT, FMT_OPERATION_RESULT, const WCHAR*, const WCHAR*, DWORD>;
+using CConstructionEntryTrace = COperationTrace<LEVEL_CONSTRUCTION_ENTRY>;
+using CConstructionExitTrace = COperationTrace<LEVEL_CONSTRUCTION_EXIT>;
+using CDestructionEntryTrace = COperationTrace<LEVEL_DESTRUCTION_ENTRY, FMT_DESTRUCTOR>;
+using CDestructionExitTrace = COperationTrace<LEVEL_DESTRUCTION_EXIT, FMT_DESTRUCTOR>;
+
+// Text, then a detail
+using CWarning = CTraceStatement<LEVEL_WARNING, FMT_PLAIN, const WCHAR*>;
+using CVariableWarning = CTraceStatement<LEVEL_WARNING, FMT_VARIABLE, const WCHAR*, const WCHAR*>;
+using CPluginWarning = CTraceStatement<LEVEL_WARNING, FMT_PLUGIN, const WCHAR*, const WCHAR*>;
+using CCritical = CTraceStatement<LEVEL_CRITICAL, FMT_PLAIN, const WCHAR*>;
+using CNotification = CTraceStatement<LEVEL_NOTIFICATION, FMT_PLAIN, const WCHAR*>;
+/// The text itself, without the place of the statement.
+using CTextNotification = CTraceStatement<LEVEL_NOTIFICATION, FMT_TEXT, const WCHAR*>;

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <exception>
+#include <type_traits>
+#include <utility>
+
+#include <windows.h>
+
+// The one component that knows how to survive a loaded DLL.
+//
+// A GINA or plugin is somebody else's code. It may read a null pointer, divide by zero, run out of
+// stack, or throw an exception of a compiler whose frames ours cannot unwind. Three things are
+// offered here, and nothing else in the system knows how they work:
+//
+//   GuardedCall    calls into a DLL; whatever goes wrong in it arrives as a C++ exception.
+//   CalledFromDLL  wraps an operation that a DLL calls; an exception that leaves the operation
+//                  travels through the DLL's frames, whose own handlers and destructors see it.
+//   CHostFrames    marks the frames from here on as the host's again, for a call that comes back
+//                  from Winlogon while a DLL of the same thread is in a guarded call.
+//
+// All of it is per thread, and guarded calls nest. A fault outside a guarded call keeps its default
+// effect: the host does not hide its own bugs.
+
+/// What a guarded call throws for a processor fault, or an exception that is not the host's own.
+class CForeignFault : public std::exception
+{
+public:
+    explicit CForeignFault(DWORD dwCode) noexcept : m_dwCode(dwCode) {}
+
+    /// The exception code as the platform names it: 0xC0000005 for an access violation, 0xC0000094
+    /// for an integer division by zero, 0xC00000FD for a stack overflow, 0xE06D7363 for a C++
+    /// exception of another compiler, otherwise the code that was raised.
+    DWORD GetCode() const noexcept { return m_dwCode; }
+    const char* what() const noexcept override { return "a loaded DLL faulted"; }
+
+private:
+    DWORD m_dwCode;
+};
+
+namespace FaultGuard {
+
+/// Runs pfnCall(pContext) inside a guard of this thread.
+///
+/// Throws CForeignFault for a processor fault or a foreign exception in it, and the host's own
+/// exception, unchanged, where one crossed the DLL's frames (see CalledFromDLL). After any of them
+/// the thread can go on and be guarded again; objects of the faulting frames are not destroyed.
+void RunGuarded(void (*pfnCall)(void*), void* pContext);
+
+/// Throws pException to the caller of the current operation: as it is when no DLL of this thread is
+/// between here and the guard, otherwise in the form that the DLL's frames understand.
+///
+/// No frame between this call and the DLL may hold an object with a destructor.
+[[noreturn]] void ThrowToCaller(std::exception_ptr pException);
+
+/// Raises a C++ exception as the compiler of real plugins does, one that the host did not throw.
+/// For stand-in DLLs that must fail like a plugin; never returns.
+[[noreturn]] void RaiseForeignException();
+
+} // namespace FaultGuard
+
+/// Marks the frames of this scope as the host's own, whatever guarded call is further out: what is
+/// thrown in them is an ordinary C++ exception, and a fault in them keeps its default effect.
+class CHostFrames
+{
+public:
+    CHostFrames() noexcept;
+    ~CHostFrames();
+    CHostFrames(const CHostFrames&) = delete;
+    CHostFrames& operator=(const CHostFrames&) = delete;
+
+private:
+    void* m_pOuter;
+};
+
+/// Calls into a loaded DLL: runs call() inside a guard and returns its result. Throws as RunGuarded.
+template <typename Call>
+auto GuardedCall(Call call)
+{
+    using Result = std::invoke_result_t<Call>;
+    if constexpr (std::is_void_v<Result>) {
+        FaultGuard::RunGuarded([](void* pContext) { (*static_cast<Call*>(pContext))(); }, &call);
+    } else {
+        struct
+        {
+            Call& call;
+            Result result;
+        } context{call, Result()};
+        using Context = decltype(context);
+        FaultGuard::RunGuarded(
+            [](void* pContext) {
+                auto& self = *static_cast<Context*>(pContext);
+                self.result = self.call();
+            },
+            &context);
+        return context.result;
+    }
+}
+
+/// Runs an operation that a loaded DLL may have called. What the operation throws goes through
+/// ThrowToCaller. The arguments that operation captures must have trivial destructors.
+template <typename Operation>
+auto CalledFromDLL(Operation operation) -> std::invoke_result_t<Operation>
+{
+    static_assert(std::is_trivially_destructible_v<Operation>);
+    std::exception_ptr pException;
+    try {
+        return operation();
+    } catch (...) {
+        pException = std::current_exception();
+    }
+    FaultGuard::ThrowToCaller(std::move(pException));
+}

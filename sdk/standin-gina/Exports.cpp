@@ -1,0 +1,88 @@
+// The 21 entry points and the one more through which a program drives them.
+
+#include <windows.h>
+
+// The compiler's header declares the entry points as C++ functions; what is exported has plain names.
+extern "C" {
+#include <winwlx.h>
+}
+
+#include "Arguments.h"
+
+namespace {
+
+/// Serves one call: records what arrived, does what it was told to, leaves values behind the out-pointers.
+template <typename Result, typename... Arguments>
+Result Serve(StandinCall call, Arguments... arguments)
+{
+    static_assert(sizeof...(Arguments) <= STANDIN_MAX_ARGUMENTS);
+    CRecord& record = g_Standin.AddRecord(call);
+    (Receive(record, arguments), ...);
+    g_Standin.Act(record);
+    DWORD dwIndex = 0;
+    (Leave(record, dwIndex++, arguments), ...);
+    record.bReturned = TRUE;
+    if constexpr (!std::is_void_v<Result>) {
+        record.nResult = g_Standin.GetResult(call);
+        return record.nResult;
+    }
+}
+
+/// The operation of g_Standin as a function of the interface.
+template <auto Operation>
+struct Exposed;
+template <typename Result, typename... Arguments, Result (CStandin::*Operation)(Arguments...)>
+struct Exposed<Operation>
+{
+    static Result WINAPI Call(Arguments... arguments) { return (g_Standin.*Operation)(arguments...); }
+};
+
+BOOL WINAPI SetFailure(StandinCall call, StandinFailure failure, DWORD dwCode)
+{
+    return g_Standin.SetFailure(call, failure, dwCode);
+}
+
+constexpr StandinInterface INTERFACE = {
+    sizeof(StandinInterface),
+    Exposed<&CStandin::Reset>::Call,
+    Exposed<&CStandin::SetVersion>::Call,
+    Exposed<&CStandin::SetResult>::Call,
+    SetFailure,
+    Exposed<&CStandin::SetHook>::Call,
+    Exposed<&CStandin::GetRecordCount>::Call,
+    Exposed<&CStandin::GetRecord>::Call,
+};
+
+} // namespace
+
+// clang-format off
+#define ENTRY(RESULT, NAME, PARAMETERS, ...) \
+    extern "C" RESULT WINAPI NAME PARAMETERS { return Serve<RESULT>(StandinCall::NAME, __VA_ARGS__); }
+
+ENTRY(BOOL, WlxNegotiate, (DWORD dwVersion, PDWORD pdwVersion), dwVersion, CVersionOut{pdwVersion})
+ENTRY(BOOL, WlxInitialize, (LPWSTR szWinsta, HANDLE hWlx, PVOID pvReserved, PVOID pFunctions, PVOID* ppContext), szWinsta, hWlx, pvReserved, pFunctions, ppContext)
+ENTRY(VOID, WlxDisplaySASNotice, (PVOID pContext), pContext)
+ENTRY(int, WlxLoggedOutSAS, (PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile), pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, CProfileOut{ppProfile})
+ENTRY(BOOL, WlxActivateUserShell, (PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment), pContext, szDesktop, szScript, pEnvironment)
+ENTRY(int, WlxLoggedOnSAS, (PVOID pContext, DWORD dwSasType, PVOID pReserved), pContext, dwSasType, pReserved)
+ENTRY(VOID, WlxDisplayLockedNotice, (PVOID pContext), pContext)
+ENTRY(int, WlxWkstaLockedSAS, (PVOID pContext, DWORD dwSasType), pContext, dwSasType)
+ENTRY(BOOL, WlxIsLockOk, (PVOID pContext), pContext)
+ENTRY(BOOL, WlxIsLogoffOk, (PVOID pContext), pContext)
+ENTRY(VOID, WlxLogoff, (PVOID pContext), pContext)
+ENTRY(VOID, WlxShutdown, (PVOID pContext, DWORD dwType), pContext, dwType)
+ENTRY(BOOL, WlxScreenSaverNotify, (PVOID pContext, BOOL* pSecure), pContext, pSecure)
+ENTRY(BOOL, WlxStartApplication, (PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand), pContext, szDesktop, pEnvironment, szCommand)
+ENTRY(BOOL, WlxNetworkProviderLoad, (PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), pContext, pInfo)
+ENTRY(BOOL, WlxDisplayStatusMessage, (PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle, PWSTR szMessage), pContext, hDesktop, dwOptions, szTitle, szMessage)
+ENTRY(BOOL, WlxGetStatusMessage, (PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize), pContext, pdwOptions, (CStatusOut{szMessage, dwSize}), dwSize)
+ENTRY(BOOL, WlxRemoveStatusMessage, (PVOID pContext), pContext)
+ENTRY(BOOL, WlxGetConsoleSwitchCredentials, (PVOID pContext, PVOID pCredentials), pContext, pCredentials)
+ENTRY(VOID, WlxReconnectNotify, (PVOID pContext), pContext)
+ENTRY(VOID, WlxDisconnectNotify, (PVOID pContext), pContext)
+// clang-format on
+
+extern "C" const StandinInterface* WINAPI StandinGina()
+{
+    return &INTERFACE;
+}

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "StandinGina.h"
+
+/// Whether this system knows that kind of failure.
+bool CanFail(StandinFailure failure);
+
+/// Fails like that; returns for None only. dwCode is the code of a structured exception.
+void Fail(StandinFailure failure, DWORD dwCode);

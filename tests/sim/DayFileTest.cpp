@@ -1,0 +1,106 @@
+#include "DayFile.h"
+
+#include <gtest/gtest.h>
+#include <winwlx.h>
+
+namespace {
+
+/// The step of a day's second line, behind Attach.
+CStep ParseStep(const std::string& line)
+{
+    return ParseDay("Attach\n" + line + "\n", "day").at(1);
+}
+
+std::string GetError(const std::string& text)
+{
+    try {
+        ParseDay(text, "day.txt");
+    } catch (const CDayFileError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST(DayFile, ReadsTheWordsOfAStep)
+{
+    const CStep step =
+        ParseStep("\tWlxLoggedOutSAS  sas=SC_INSERT gina returns NONE gina fails RAISE 0xC0000420 expect 9 # why");
+    EXPECT_EQ(step.nLine, 2);
+    EXPECT_EQ(step.pCall->id, StandinCall::WlxLoggedOutSAS);
+    EXPECT_EQ(step.numbers[1], DWORD(WLX_SAS_TYPE_SC_INSERT));
+    EXPECT_EQ(step.ginaResult, WLX_SAS_ACTION_NONE);
+    EXPECT_EQ(step.failure, StandinFailure::StructuredException);
+    EXPECT_EQ(step.dwFailureCode, 0xC0000420);
+    EXPECT_EQ(step.expected, WLX_SAS_ACTION_FORCE_LOGOFF);
+    EXPECT_FALSE(step.bExpectSkipped);
+}
+
+TEST(DayFile, TellsTextsNullAndDefaultsApart)
+{
+    const CStep step = ParseStep("WlxDisplayStatusMessage title=\"a # b = C:\\n\" message=NULL\r");
+    EXPECT_EQ(**step.texts[3], TEXT("a # b = C:\\n"));
+    EXPECT_TRUE(step.texts[4].has_value());
+    EXPECT_FALSE(step.texts[4]->has_value());
+    EXPECT_FALSE(step.numbers[2].has_value());
+    EXPECT_EQ(**ParseStep("WlxInitialize station=\"NULL\"").texts[0], TEXT("NULL"));
+}
+
+TEST(DayFile, KeepsAnyResultThatAGinaCanReturn)
+{
+    struct
+    {
+        const char* szResult;
+        LONG nResult;
+    } const rows[] = {{"TRUE", 1}, {"7", 7}, {"-1", -1}, {"0x80000000", static_cast<LONG>(0x80000000)}};
+    for (const auto& row : rows) {
+        const CStep step = ParseStep(std::string("WlxIsLockOk gina returns ") + row.szResult);
+        EXPECT_EQ(step.ginaResult, row.nResult) << row.szResult;
+    }
+}
+
+TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
+{
+    struct
+    {
+        const char* szText;
+        const char* szError;
+    } const rows[] = {
+        {"", "day.txt: a day without steps; expected Attach"},
+        {"# only this\n", "day.txt: a day without steps; expected Attach"},
+        {"WlxNegotiate", "day.txt:1: a step without the library; expected Attach before it"},
+        {"Attach\nDetach\nDetach", "day.txt:3: a step without the library; expected Attach before it"},
+        {"Attach\n\nAttach", "day.txt:3: Attach while the library is loaded; expected Detach before it"},
+        {"Attach now", "day.txt:1: \"now\" behind Attach or Detach; expected nothing"},
+        {"Attach\nWlxNap", "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach or the name of an "
+                           "entry point, as WlxNegotiate"},
+        {"Attach\nWlxIsLockOk sas=1", "day.txt:2: unknown argument \"sas\"; expected gina or expect"},
+        {"Attach\nWlxWkstaLockedSAS context=1", "day.txt:2: unknown argument \"context\"; expected sas=, gina "
+                                                "or expect"},
+        {"Attach\nWlxIsLockOk maybe", "day.txt:2: unknown word \"maybe\"; expected gina or expect"},
+        {"Attach\nWlxWkstaLockedSAS sas=1 sas=1", "day.txt:2: sas= a second time; expected it once"},
+        {"Attach\nWlxGetStatusMessage size=4097", "day.txt:2: size=4097; expected a buffer size in "
+                                                  "characters up to 4096"},
+        {"Attach\nWlxNegotiate version=1.9", "day.txt:2: version=1.9; expected a version: 1.0, 1.1, 1.2, 1.3, "
+                                             "1.4 or a number"},
+        {"Attach\nWlxIsLockOk gina", "day.txt:2: the end of the line; expected returns, negotiates or fails"},
+        {"Attach\nWlxIsLockOk gina negotiates 1.0", "day.txt:2: gina negotiates; expected gina returns, gina "
+                                                    "fails or, in WlxNegotiate, gina negotiates"},
+        {"Attach\nWlxIsLockOk gina fails 1", "day.txt:2: \"1\"; expected a way to fail: READ_NULL, "
+                                             "DIVIDE_BY_ZERO, EXHAUST_STACK, THROW, RAISE"},
+        {"Attach\nWlxIsLockOk gina fails RAISE", "day.txt:2: the end of the line; expected a number"},
+        {"Attach\nWlxIsLockOk gina returns LOGON", "day.txt:2: \"LOGON\"; expected a BOOL: FALSE, TRUE or a "
+                                                   "number"},
+        {"Attach\nWlxLogoff expect TRUE", "day.txt:2: a result; expected none, since WlxLogoff returns nothing"},
+        {"Attach\nWlxIsLockOk expect 0x100000000", "day.txt:2: \"0x100000000\"; expected a BOOL: FALSE, TRUE or "
+                                                   "a number"},
+        {"Attach\nWlxInitialize station=\"a", "day.txt:2: a text without end; expected a closing quote"},
+        {"Attach\nWlxInitialize station=\"a\"b", "day.txt:2: characters right behind a closing quote; expected "
+                                                 "a blank"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(GetError(row.szText), row.szError) << row.szText;
+    }
+    EXPECT_THROW(ReadDayFile("no/such/day.txt"), CDayFileError);
+}
+
+} // namespace

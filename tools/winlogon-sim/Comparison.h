@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "CallFrame.h"
+
+// What the GINA received and gave, held against what Winlogon passed and got.
+
+/// The arguments that reached the GINA, in words.
+std::string DescribeReached(const CCallFrame& frame, const StandinRecord& record);
+
+/// What came back to Winlogon, in words.
+std::string DescribeCameBack(const CCallFrame& frame, LONG nResult);
+
+/// One sentence for each argument that changed on its way to the GINA, and for each result or out-value
+/// that changed on its way back. Where the GINA failed inside the call, its default result must come back.
+std::vector<std::string> Compare(const CCallFrame& frame, const StandinRecord& record, LONG nResult);

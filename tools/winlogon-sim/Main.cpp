@@ -1,0 +1,71 @@
+#include <cstdio>
+
+#include "Machine.h"
+#include "Report.h"
+#include "SetupError.h"
+#include "StepList.h"
+
+namespace {
+
+enum ExitCode
+{
+    EXIT_AS_GIVEN = 0,
+    EXIT_DIFFERENT = 1,
+    EXIT_USAGE = 2,
+    EXIT_SETUP = 3,
+};
+
+ExitCode LiveDay(const COptions& options)
+{
+    const std::vector<CStep> steps = ReadDayFile(options.day);
+    CMachine machine(options);
+    CReport report;
+    report.PrintHeading(options.day, options.gina);
+    std::size_t nCalled = 0;
+    {
+        CRunner runner(options.gina, options.GetStandin(), options.dwVersion);
+        for (const CStep& step : steps) {
+            report.PrintStep(runner.Run(step));
+        }
+        nCalled = runner.GetCalledCount();
+    }
+    report.PrintTotals(nCalled, options.traceLog);
+    machine.Save();
+    return report.HasDifferences() ? EXIT_DIFFERENT : EXIT_AS_GIVEN;
+}
+
+ExitCode Run(int argc, const char* const* argv)
+{
+    const COptions options = ParseOptions(argc, argv);
+    if (options.bHelp) {
+        std::fputs(USAGE, stdout);
+        return EXIT_AS_GIVEN;
+    }
+    if (options.bSteps) {
+        PrintSteps();
+        return EXIT_AS_GIVEN;
+    }
+    return LiveDay(options);
+}
+
+ExitCode Fail(ExitCode code, const char* szReason, const char* szHint)
+{
+    std::fflush(stdout);
+    std::fprintf(stderr, "winlogon-sim: %s%s\n", szReason, szHint);
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return Run(argc, argv);
+    } catch (const CUsageError& error) {
+        return Fail(EXIT_USAGE, error.what(), " (see winlogon-sim --help)");
+    } catch (const CDayFileError& error) {
+        return Fail(EXIT_USAGE, error.what(), "");
+    } catch (const std::exception& error) {
+        return Fail(EXIT_SETUP, error.what(), "");
+    }
+}

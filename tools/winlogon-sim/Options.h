@@ -1,0 +1,38 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include <windows.h>
+
+/// What the command line asks for.
+struct COptions
+{
+    std::string day;
+    std::string gina = "lum_gina.dll";
+    /// Empty when the command line names none: then the library's own configuration is left alone, and
+    /// the stand-in is the one that the library falls back to.
+    std::string standin;
+    DWORD dwVersion = 0x00010004;
+    /// Empty for no trace log.
+    std::string traceLog = "winlogon-sim.log";
+    DWORD dwTraceMask = 0xFFF;
+    /// Empty for a machine that is forgotten afterwards.
+    std::string registry;
+    bool bHelp = false;
+    bool bSteps = false;
+
+    std::string GetStandin() const { return standin.empty() ? "msgina.dll" : standin; }
+};
+
+/// A command line that cannot be followed; the text says why.
+class CUsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Throws CUsageError.
+COptions ParseOptions(int argc, const char* const* argv);
+
+extern const char USAGE[];

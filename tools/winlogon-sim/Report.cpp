@@ -1,0 +1,89 @@
+#include "Report.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+constexpr std::size_t CALL_WIDTH = 31;
+constexpr std::size_t REACHED_WIDTH = 40;
+constexpr std::size_t CAME_BACK_WIDTH = 40;
+
+/// Cuts a cell into lines of at most nWidth characters, between words where that is possible.
+std::vector<std::string> Wrap(std::string text, std::size_t nWidth)
+{
+    std::vector<std::string> lines;
+    while (text.size() > nWidth) {
+        const std::size_t nBlank = text.rfind(' ', nWidth);
+        const bool bHasBlank = nBlank != std::string::npos && nBlank != 0;
+        lines.push_back(text.substr(0, bHasBlank ? nBlank : nWidth));
+        text.erase(0, bHasBlank ? nBlank + 1 : nWidth);
+    }
+    lines.push_back(text);
+    return lines;
+}
+
+void PrintLine(const std::string& mark, const std::string& line, const std::string& step,
+               const std::string& reached, const std::string& cameBack)
+{
+    std::string text =
+        Format("%-1s %4s  %-*s%-*s  %s", mark.c_str(), line.c_str(), static_cast<int>(CALL_WIDTH),
+               step.c_str(), static_cast<int>(REACHED_WIDTH), reached.c_str(), cameBack.c_str());
+    text.erase(text.find_last_not_of(' ') + 1);
+    std::printf("%s\n", text.c_str());
+}
+
+void PrintRow(const CStepReport& step)
+{
+    const std::vector<std::string> reached = Wrap(step.reached, REACHED_WIDTH);
+    const std::vector<std::string> cameBack = Wrap(step.cameBack, CAME_BACK_WIDTH);
+    PrintLine(step.differences.empty() ? "" : "!", std::to_string(step.nLine), step.step, reached[0], cameBack[0]);
+    for (std::size_t nLine = 1; nLine < std::max(reached.size(), cameBack.size()); ++nLine) {
+        PrintLine("", "", "", nLine < reached.size() ? reached[nLine] : "",
+                  nLine < cameBack.size() ? cameBack[nLine] : "");
+    }
+}
+
+bool Exists(const std::string& path)
+{
+    std::FILE* pFile = std::fopen(path.c_str(), "rb");
+    return pFile != nullptr && std::fclose(pFile) == 0;
+}
+
+} // namespace
+
+void CReport::PrintHeading(const std::string& day, const std::string& gina) const
+{
+    std::printf("A day of Winlogon with %s: %s\n\n", gina.c_str(), day.c_str());
+    PrintLine("", "Line", "Call", "Reached the GINA", "Came back to Winlogon");
+    PrintLine("", "----", std::string(CALL_WIDTH - 2, '-'), std::string(REACHED_WIDTH, '-'),
+              std::string(CAME_BACK_WIDTH, '-'));
+}
+
+void CReport::PrintStep(const CStepReport& step)
+{
+    ++m_nSteps;
+    m_nDifferent += step.differences.empty() ? 0 : 1;
+    PrintRow(step);
+    for (const std::string& callback : step.callbacks) {
+        std::printf("          calls Winlogon: %s\n", callback.c_str());
+    }
+    for (const std::string& difference : step.differences) {
+        std::printf("        ! %s\n", difference.c_str());
+    }
+    std::fflush(stdout);
+}
+
+void CReport::PrintTotals(std::size_t nCalled, const std::string& traceLog) const
+{
+    std::printf("\n%d steps; %u of the %u entry points called; ", m_nSteps, static_cast<unsigned>(nCalled),
+                static_cast<unsigned>(STANDIN_CALL_COUNT));
+    if (HasDifferences()) {
+        std::printf("%d steps are not as they should be.\n", m_nDifferent);
+    } else {
+        std::printf("everything reached the GINA and came back unchanged.\n");
+    }
+    if (!traceLog.empty()) {
+        std::printf("Trace log: %s%s\n", traceLog.c_str(), Exists(traceLog) ? "" : " (nothing was written)");
+    }
+}

@@ -1,0 +1,181 @@
+#include "Runner.h"
+
+#include "Comparison.h"
+#include "SetupError.h"
+#include "Winlogon.h"
+#include "platform/FaultGuard.h"
+
+namespace {
+
+const StandinInterface* GetStandin(const CLibrary& library, const std::string& name)
+{
+    const FARPROC pfn = library.FindExport("StandinGina");
+    if (pfn == nullptr) {
+        throw CSetupError(name + " is not the stand-in GINA: it does not export StandinGina");
+    }
+    const auto pfnStandinGina = reinterpret_cast<PFN_STANDIN_GINA>(reinterpret_cast<void*>(pfn));
+    const StandinInterface* pStandin = pfnStandinGina();
+    if (pStandin->dwSize != sizeof(StandinInterface)) {
+        throw CSetupError(name + " is a stand-in GINA of another build");
+    }
+    return pStandin;
+}
+
+/// Makes the call as Winlogon does. A fault that arrives here would stop a real machine.
+LONG Invoke(const CCallFrame& frame, FARPROC pfnEntry, CStepReport& report)
+{
+    try {
+        return GuardedCall([&] { return frame.GetCall().pfnInvoke(pfnEntry, frame.GetValues()); });
+    } catch (const CForeignFault& fault) {
+        report.differences.push_back(
+            Format("exception 0x%08x reached Winlogon", static_cast<unsigned>(fault.GetCode())));
+    } catch (...) {
+        report.differences.push_back("a C++ exception reached Winlogon");
+    }
+    return frame.GetCall().GetDefaultResult();
+}
+
+void CheckExpectation(const CStep& step, LONG nResult, CStepReport& report)
+{
+    if (step.bExpectSkipped) {
+        report.differences.push_back("the day expects that Winlogon does not make this call");
+    }
+    if (step.expected.has_value() && !step.pCall->IsSameResult(*step.expected, nResult)) {
+        const CCodes& codes = step.pCall->GetResultCodes();
+        report.differences.push_back("the day expects " + codes.Describe(*step.expected) + ", " +
+                                     codes.Describe(nResult) + " came back");
+    }
+}
+
+/// Releases what the GINA allocated, but only what is certainly the GINA's.
+void ReleaseOutValues(CCallFrame& frame, const StandinRecord& record)
+{
+    for (DWORD dwIndex = 0; dwIndex < STANDIN_MAX_ARGUMENTS; ++dwIndex) {
+        if (record.written[dwIndex] != 0 && frame.GetOut(dwIndex).number == record.written[dwIndex]) {
+            frame.ReleaseOut(dwIndex);
+        }
+    }
+}
+
+} // namespace
+
+CRunner::CRunner(const std::string& gina, const std::string& standin, DWORD dwVersion)
+    : m_gina(gina), m_dwVersion(dwVersion)
+{
+    m_standinLibrary.Load(standin);
+    m_pStandin = GetStandin(m_standinLibrary, standin);
+}
+
+CStepReport CRunner::Run(const CStep& step)
+{
+    CStepReport report;
+    report.nLine = step.nLine;
+    switch (step.kind) {
+    case StepKind::Attach:
+        Attach(report);
+        break;
+    case StepKind::Detach:
+        Detach(report);
+        break;
+    case StepKind::Call:
+        Call(step, report);
+        break;
+    }
+    report.callbacks = Winlogon::TakeCallbacks();
+    return report;
+}
+
+void CRunner::Attach(CStepReport& report)
+{
+    m_ginaLibrary.Load(m_gina);
+    report.step = "Attach";
+    report.cameBack = m_gina + " loaded";
+}
+
+void CRunner::Detach(CStepReport& report)
+{
+    m_ginaLibrary.Free();
+    m_dwAgreed = 0;
+    Winlogon::SetContext(0);
+    report.step = "Detach";
+    report.cameBack = m_gina + " freed";
+}
+
+void CRunner::Call(const CStep& step, CStepReport& report)
+{
+    const CWlxCall& call = *step.pCall;
+    report.step = call.szName;
+    FARPROC pfnEntry = nullptr;
+    const std::string obstacle = FindEntry(call, pfnEntry);
+    if (!obstacle.empty()) {
+        report.cameBack = "skipped: " + obstacle;
+        if (!step.bExpectSkipped) {
+            report.differences.push_back("Winlogon cannot make this call: " + obstacle);
+        }
+        return;
+    }
+
+    SetUpStandin(step);
+    CCallFrame frame(step, m_dwVersion);
+    const LONG nResult = Invoke(frame, pfnEntry, report);
+    m_called.insert(call.id);
+    report.cameBack = DescribeCameBack(frame, nResult);
+    CheckExpectation(step, nResult, report);
+    NoteAgreement(frame, nResult);
+
+    const StandinRecord* pRecord = FindRecord(call.id);
+    if (pRecord == nullptr) {
+        report.differences.push_back("the call did not reach the stand-in GINA");
+        return;
+    }
+    report.reached = DescribeReached(frame, *pRecord);
+    for (const std::string& difference : Compare(frame, *pRecord, nResult)) {
+        report.differences.push_back(difference);
+    }
+    ReleaseOutValues(frame, *pRecord);
+}
+
+std::string CRunner::FindEntry(const CWlxCall& call, FARPROC& pfnEntry) const
+{
+    if (call.id != StandinCall::WlxNegotiate && m_dwAgreed < call.dwSince) {
+        return m_dwAgreed == 0 ? "no version was agreed" : "not in version " + VERSIONS.Describe(m_dwAgreed);
+    }
+    pfnEntry = m_ginaLibrary.FindExport(call.szName);
+    return pfnEntry == nullptr ? m_gina + " does not export it" : "";
+}
+
+void CRunner::SetUpStandin(const CStep& step)
+{
+    m_pStandin->Reset();
+    const StandinCall call = step.pCall->id;
+    if (step.ginaResult.has_value()) {
+        m_pStandin->SetResult(call, *step.ginaResult);
+    }
+    if (step.ginaVersion.has_value()) {
+        m_pStandin->SetVersion(*step.ginaVersion);
+    }
+    if (!m_pStandin->SetFailure(call, step.failure, step.dwFailureCode)) {
+        throw CSetupError(Format("line %d: this system has no structured exceptions", step.nLine));
+    }
+}
+
+const StandinRecord* CRunner::FindRecord(StandinCall call) const
+{
+    // A library whose GINA refuses may try again, so the last one counts.
+    for (DWORD dwIndex = m_pStandin->GetRecordCount(); dwIndex != 0; --dwIndex) {
+        const StandinRecord* pRecord = m_pStandin->GetRecord(dwIndex - 1);
+        if (pRecord->call == call) {
+            return pRecord;
+        }
+    }
+    return nullptr;
+}
+
+void CRunner::NoteAgreement(const CCallFrame& frame, LONG nResult)
+{
+    if (frame.GetCall().id == StandinCall::WlxNegotiate) {
+        m_dwAgreed = nResult != 0 ? static_cast<DWORD>(frame.GetOut(1).number) : 0;
+    } else if (frame.GetCall().id == StandinCall::WlxInitialize && nResult != 0) {
+        Winlogon::SetContext(static_cast<ULONG_PTR>(frame.GetOut(4).number));
+    }
+}

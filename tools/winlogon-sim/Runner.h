@@ -1,0 +1,55 @@
+#pragma once
+
+#include <optional>
+#include <set>
+
+#include "CallFrame.h"
+#include "Library.h"
+
+/// What came of one step.
+struct CStepReport
+{
+    int nLine = 0;
+    std::string step;
+    std::string reached;
+    std::string cameBack;
+    /// What the GINA side called in Winlogon meanwhile.
+    std::vector<std::string> callbacks;
+    /// Why this step is not as it should be; empty when it is.
+    std::vector<std::string> differences;
+};
+
+/// Lives the steps of a day through a GINA library, with the stand-in GINA behind it.
+class CRunner
+{
+public:
+    /// gina is the DLL that Winlogon loads, standin the stand-in that ends up behind it (or the same).
+    /// dwVersion is the interface version that Winlogon offers. Throws CSetupError.
+    CRunner(const std::string& gina, const std::string& standin, DWORD dwVersion);
+
+    /// Throws CSetupError when a library cannot be loaded or cannot do what the step asks for.
+    CStepReport Run(const CStep& step);
+
+    /// The number of different entry points that Winlogon called so far.
+    std::size_t GetCalledCount() const { return m_called.size(); }
+
+private:
+    void Attach(CStepReport& report);
+    void Detach(CStepReport& report);
+    void Call(const CStep& step, CStepReport& report);
+    /// Why Winlogon cannot make a call now; empty when it can, with the entry in pfnEntry.
+    std::string FindEntry(const CWlxCall& call, FARPROC& pfnEntry) const;
+    void SetUpStandin(const CStep& step);
+    const StandinRecord* FindRecord(StandinCall call) const;
+    /// Keeps the version and the context that a call brought.
+    void NoteAgreement(const CCallFrame& frame, LONG nResult);
+
+    std::string m_gina;
+    DWORD m_dwVersion;
+    CLibrary m_standinLibrary;
+    const StandinInterface* m_pStandin;
+    CLibrary m_ginaLibrary;
+    /// Agreed in WlxNegotiate; 0 before that.
+    DWORD m_dwAgreed = 0;
+    std::set<StandinCall> m_called;
+};
