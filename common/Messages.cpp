@@ -22,7 +22,8 @@ void CMessage::WriteIfUnwritten() noexcept
     }
 }
 
-void CMessageArgList::Format(const WCHAR* szFormat, std::initializer_list<CFormatArgument> arguments) noexcept
+void CMessageArgList::Compose(const WCHAR* szFormat,
+                              std::initializer_list<CFormatArgument> arguments) noexcept
 {
     try {
         const std::size_t cchMessage = std::char_traits<WCHAR>::length(szFormat) + MESSAGE_ROOM;

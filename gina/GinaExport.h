@@ -54,6 +54,7 @@ public:
     template <typename... Args>
     auto operator()(Args... args) const
     {
-        return reinterpret_cast<Function*>(m_pfn)(args...);
+        // FARPROC has no arguments of its own; the way through void (*)() says that this is meant.
+        return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(m_pfn))(args...);
     }
 };

@@ -29,10 +29,7 @@ CGinaObject::CGinaObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE
         StoreOffer(szGinaDLLName, dwUsingLUMVersion, dwUsingWlxVersion);
         context.release();
     } catch (...) {
-        if (IsHandling<CBadArgException>()) {
-            throw;
-        }
-        throw CUnhandledExceptionException(LUM_GINA_ORIGIN);
+        FailConstruction<CUnhandledExceptionException, CBadArgException>(LUM_GINA_ORIGIN);
     }
 }
 
@@ -115,6 +112,19 @@ void CGinaObject::FreeGinaDLL() noexcept
             CWarning(*this, ERR_UNHANDLED_EXCEPTION);
         }
     }
+}
+
+void CGinaObject::RequireResolved(const CGinaExportBase& function) const
+{
+    if (function.m_pfn == nullptr) {
+        throw CNullFunctionHandleException(LUM_GINA_ORIGIN, GetGinaDLLName());
+    }
+}
+
+bool CGinaObject::IsHandlingHookFailure() noexcept
+{
+    return IsHandling<CUnableToLoadDLLException>() || IsHandling<CUnableToLoadDLLFunctionException>() ||
+           IsHandling<CFailedGinaNegotiationsException>();
 }
 
 void CGinaObject::Resolve(CGinaExportBase& ginaExport) const

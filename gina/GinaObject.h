@@ -60,7 +60,8 @@ public:
     virtual void Logoff(GinaNode* pNode, PVOID pWlxContext) = 0;
     /// Not chained, and not called by the host: an object negotiates when it is constructed.
     virtual bool Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion, CGinaPluginInfo* pPluginInfo) = 0;
-    virtual bool NetworkProviderLoad(GinaNode* pNode, PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo) = 0;
+    virtual bool NetworkProviderLoad(GinaNode* pNode, PVOID pWlxContext,
+                                     PWLX_MPR_NOTIFY_INFO pNprNotifyInfo) = 0;
     /// A query whose meaning lies between a client of the control channel and the plugin. Not chained.
     virtual bool QueryPlugin(CGinaPluginInfo* pPluginInfo, DWORD dwQueryParam1, DWORD dwQueryParam2,
                              DWORD dwQueryParam3) = 0;
@@ -109,15 +110,36 @@ protected:
     /// Looks up what the negotiated Winlogon version calls for and has not been looked up.
     void ResolveAll(const CExportTable& table) const;
 
-    /// Calls a DLL's function under guard. Throws CNullFunctionHandleException when it was not resolved.
-    template <typename Function, typename... Args>
-    auto Call(const CGinaExport<Function>& function, Args... args) const
+    /// Throws CNullFunctionHandleException when the export was not resolved.
+    void RequireResolved(const CGinaExportBase& function) const;
+
+    /// Calls a DLL's function under guard. For the result bool, any value but 0 is true. Throws
+    /// CNullFunctionHandleException when the function was not resolved.
+    template <typename Result, typename Function, typename... Args>
+    Result Call(const CGinaExport<Function>& function, Args... args) const
     {
-        if (!function.IsResolved()) {
-            throw CNullFunctionHandleException(LUM_GINA_ORIGIN, GetGinaDLLName());
+        RequireResolved(function);
+        if constexpr (std::is_same_v<Result, bool>) {
+            return GuardedCall([&] { return function(args...); }) != 0;
+        } else {
+            return GuardedCall([&] { return function(args...); });
         }
-        return GuardedCall([&] { return function(args...); });
     }
+
+    /// Runs what the constructor of a derived class does with its DLL; when that fails, frees the DLL.
+    template <typename Hook>
+    void HookOrFree(Hook hook)
+    {
+        try {
+            hook();
+        } catch (...) {
+            FreeGinaDLL();
+            throw;
+        }
+    }
+
+    /// Whether the exception being handled says why a DLL could not be used; it is reported then.
+    static bool IsHandlingHookFailure() noexcept;
 
     /// Runs one operation. Exceptions of the classes PassedOn are reported and leave it as they are,
     /// anything else leaves it as a CUnhandledPluginException that names this DLL.

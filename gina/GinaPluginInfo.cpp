@@ -1,8 +1,9 @@
 #include "GinaPluginInfo.h"
 
-#include <string>
+#include <cstring>
 
 #include "Exceptions.h"
+#include "GuardedText.h"
 #include "Operation.h"
 #include "platform/FaultGuard.h"
 
@@ -11,17 +12,6 @@ namespace {
 constexpr WCHAR CLASS_NAME[] = TEXT("CGinaPluginInfo");
 constexpr WCHAR VAR_GINA_DLL[] = TEXT("m_szGinaDLL");
 constexpr WCHAR VAR_FRIENDLY_NAME[] = TEXT("m_szFriendlyName");
-
-/// A copy made with LocalAlloc; null when there is no memory for it.
-WCHAR* DuplicateText(const WCHAR* szSource) noexcept
-{
-    const std::size_t cchCopy = std::char_traits<WCHAR>::length(szSource) + 1;
-    auto* szCopy = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, cchCopy * sizeof(WCHAR)));
-    if (szCopy != nullptr) {
-        std::char_traits<WCHAR>::copy(szCopy, szSource, cchCopy);
-    }
-    return szCopy;
-}
 
 } // namespace
 
@@ -92,13 +82,10 @@ void CGinaPluginInfo::Replace(WCHAR*& szText, const WCHAR* szSource, const WCHAR
     if (szSource == nullptr) {
         return;
     }
-    try {
-        // The text may be what a plugin left in its record.
-        szText = GuardedCall([&] { return DuplicateText(szSource); });
-    } catch (const CForeignFault&) {
-        throw CWcscpyException(*this);
-    }
+    const std::size_t cbCopy = (MeasureText(*this, szSource) + 1) * sizeof(WCHAR);
+    szText = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, cbCopy));
     if (szText == nullptr) {
         throw CMemAllocException(*this, szVariable);
     }
+    std::memcpy(szText, szSource, cbCopy);
 }

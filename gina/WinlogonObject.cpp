@@ -42,17 +42,22 @@ constexpr CCallbackRow CALLBACKS[] = {
     Entry<&CWinlogonObject::m_pWlxGetSourceDesktop, &Table::WlxGetSourceDesktop>(WLX_VERSION_1_1),
     Entry<&CWinlogonObject::m_pWlxMessageBox, &Table::WlxMessageBox>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxQueryClientCredentials, &Table::WlxQueryClientCredentials>(WLX_VERSION_1_3),
-    Entry<&CWinlogonObject::m_pWlxQueryConsoleSwitchCredentials, &Table::WlxQueryConsoleSwitchCredentials>(WLX_VERSION_1_4),
-    Entry<&CWinlogonObject::m_pWlxQueryInetConnectorCredentials, &Table::WlxQueryInetConnectorCredentials>(WLX_VERSION_1_3),
-    Entry<&CWinlogonObject::m_pWlxQueryTerminalServicesData, &Table::WlxQueryTerminalServicesData>(WLX_VERSION_1_3),
-    Entry<&CWinlogonObject::m_pWlxQueryTsLogonCredentials, &Table::WlxQueryTsLogonCredentials>(WLX_VERSION_1_4),
+    Entry<&CWinlogonObject::m_pWlxQueryConsoleSwitchCredentials, &Table::WlxQueryConsoleSwitchCredentials>(
+        WLX_VERSION_1_4),
+    Entry<&CWinlogonObject::m_pWlxQueryInetConnectorCredentials, &Table::WlxQueryInetConnectorCredentials>(
+        WLX_VERSION_1_3),
+    Entry<&CWinlogonObject::m_pWlxQueryTerminalServicesData, &Table::WlxQueryTerminalServicesData>(
+        WLX_VERSION_1_3),
+    Entry<&CWinlogonObject::m_pWlxQueryTsLogonCredentials, &Table::WlxQueryTsLogonCredentials>(
+        WLX_VERSION_1_4),
     Entry<&CWinlogonObject::m_pWlxSasNotify, &Table::WlxSasNotify>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxSetContextPointer, &Table::WlxSetContextPointer>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxSetOption, &Table::WlxSetOption>(WLX_VERSION_1_3),
     Entry<&CWinlogonObject::m_pWlxSetReturnDesktop, &Table::WlxSetReturnDesktop>(WLX_VERSION_1_1),
     Entry<&CWinlogonObject::m_pWlxSetTimeout, &Table::WlxSetTimeout>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxSwitchDesktopToUser, &Table::WlxSwitchDesktopToUser>(WLX_VERSION_1_0),
-    Entry<&CWinlogonObject::m_pWlxSwitchDesktopToWinlogon, &Table::WlxSwitchDesktopToWinlogon>(WLX_VERSION_1_0),
+    Entry<&CWinlogonObject::m_pWlxSwitchDesktopToWinlogon, &Table::WlxSwitchDesktopToWinlogon>(
+        WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxUseCtrlAltDel, &Table::WlxUseCtrlAltDel>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxWin31Migrate, &Table::WlxWin31Migrate>(WLX_VERSION_1_3),
 };

@@ -70,6 +70,18 @@ inline constexpr WCHAR TXT_NOTHING_TO_CALL[] =
 inline constexpr WCHAR TXT_NO_PASSTHROUGH[] =
     TEXT("Don't know which GINA to pass through to. Defaulting to msgina.dll");
 
+inline constexpr WCHAR TXT_READ_REGISTRY[] = TEXT("Unable to read from registry");
+inline constexpr WCHAR TXT_WRITE_REGISTRY[] = TEXT("Unable to write to registry");
+inline constexpr WCHAR TXT_DELETE_VALUE[] = TEXT("Unable to delete registry value");
+inline constexpr WCHAR TXT_OPEN_KEY[] = TEXT("Unable to open registry key");
+inline constexpr WCHAR TXT_CREATE_KEY[] = TEXT("Unable to create registry key");
+inline constexpr WCHAR TXT_CLOSE_KEY[] = TEXT("Unable to close registry key");
+inline constexpr WCHAR TXT_REGISTRY_KEY_INIT[] = TEXT("Unable to instantiate CRegistryKey object");
+inline constexpr WCHAR TXT_REGISTRY_VALUE_INIT[] = TEXT("Unable to instantiate CRegistryValue object");
+inline constexpr WCHAR TXT_REGISTRY_STRING_INIT[] = TEXT("Unable to instantiate CRegistryString object");
+inline constexpr WCHAR TXT_REGISTRY_DWORD_INIT[] = TEXT("Unable to instantiate CRegistryDword object");
+inline constexpr WCHAR TXT_NO_PLUGINS[] = TEXT("No plugins where found for LUM Gina to load");
+
 // clang-format off
 
 // Arguments and memory
@@ -92,5 +104,20 @@ class CUnhandledPluginException : public CNameException<TXT_PLUGIN_EXCEPTION, FM
 class CLUMInitializeFailException : public CTextException<TXT_NULL_INSTANCE, LEVEL_CRITICAL> { using CTextException::CTextException; };
 class CNoGINAorPluginToCallException : public CTextException<TXT_NOTHING_TO_CALL> { using CTextException::CTextException; };
 class CUnableToLoadPassthroughGinaException : public CTextException<TXT_NO_PASSTHROUGH> { using CTextException::CTextException; };
+
+// The registry
+class CUnableToReadRegistryException : public CNameErrorException<TXT_READ_REGISTRY, FMT_REGISTRY_VALUE> { using CCatalogException::CCatalogException; };
+class CUnableToWriteRegistryException : public CNameErrorException<TXT_WRITE_REGISTRY, FMT_REGISTRY_VALUE> { using CCatalogException::CCatalogException; };
+class CUnableToDeleteRegistryValueException : public CNameErrorException<TXT_DELETE_VALUE, FMT_REGISTRY_VALUE> { using CCatalogException::CCatalogException; };
+class CUnableToOpenRegistryKeyException : public CNameErrorException<TXT_OPEN_KEY, FMT_REGISTRY_KEY> { using CCatalogException::CCatalogException; };
+class CUnableToCreateRegistryKeyException : public CNameErrorException<TXT_CREATE_KEY, FMT_REGISTRY_KEY> { using CCatalogException::CCatalogException; };
+class CUnableToCloseRegistryKeyException : public CNameErrorException<TXT_CLOSE_KEY, FMT_REGISTRY_KEY> { using CCatalogException::CCatalogException; };
+class CRegistryKeyInitException : public CTextException<TXT_REGISTRY_KEY_INIT> { using CTextException::CTextException; };
+class CRegistryValueInitException : public CTextException<TXT_REGISTRY_VALUE_INIT> { using CTextException::CTextException; };
+class CRegistryStringInitException : public CTextException<TXT_REGISTRY_STRING_INIT> { using CTextException::CTextException; };
+class CRegistryDwordInitException : public CTextException<TXT_REGISTRY_DWORD_INIT> { using CTextException::CTextException; };
+
+// Own configuration
+class CNoPluginsNotification : public CTextException<TXT_NO_PLUGINS, LEVEL_NOTIFICATION> { using CTextException::CTextException; };
 
 // clang-format on

@@ -63,7 +63,7 @@ public:
                     const Args&... args) noexcept
         : CMessage(dwLevel, szAPP, szMTM), m_bFormatted(true)
     {
-        Format(szFormat, {CFormatArgument(args)...});
+        Compose(szFormat, {CFormatArgument(args)...});
         if (bWrite && m_bFormatted) {
             Write();
         }
@@ -84,14 +84,14 @@ protected:
         : CMessage(dwLevel, origin.szAPP, origin.szMTM), m_bFormatted(true)
     {
         if (IsTraceEnabled(m_dwLevel, m_szMTM)) {
-            Format(szFormat, {CFormatArgument(args)...});
+            Compose(szFormat, {CFormatArgument(args)...});
             WriteLine();
         }
         m_bWritten = true;
     }
 
 private:
-    void Format(const WCHAR* szFormat, std::initializer_list<CFormatArgument> arguments) noexcept;
+    void Compose(const WCHAR* szFormat, std::initializer_list<CFormatArgument> arguments) noexcept;
     void WriteLine() noexcept;
 };
 
@@ -108,7 +108,8 @@ class CDetailedMessageWithError : public CMessageArgList
 {
 public:
     CDetailedMessageWithError(DWORD dwLevel, const CMessageOrigin& origin, const WCHAR* szText, DWORD dwError,
-                              bool bWrite = true, CSourceLocation where = CSourceLocation::Current()) noexcept;
+                              bool bWrite = true,
+                              CSourceLocation where = CSourceLocation::Current()) noexcept;
 
     DWORD m_dwError;
 };

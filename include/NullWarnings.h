@@ -4,7 +4,8 @@
 
 /// Runs a getter: entry and exit trace, and a warning when the value is null, which is returned all the same.
 template <typename Value>
-Value PullValue(const CMessageOrigin& origin, const WCHAR* szClass, CTracePoint point, const Value& value) noexcept
+Value PullValue(const CMessageOrigin& origin, const WCHAR* szClass, CTracePoint point,
+                const Value& value) noexcept
 {
     const COperation op(origin, szClass, point);
     return op.Run(Absorb<>(), [&] {

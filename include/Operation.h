@@ -35,16 +35,21 @@ enum class FailureWarning
 
 /// The result of an operation that came to nothing: false, no SAS action, null, zero.
 template <typename Result>
-inline constexpr Result g_Failure = Result();
-template <>
-inline constexpr int g_Failure<int> = 2; // WLX_SAS_ACTION_NONE: the only results that are int
+constexpr Result FailureResult() noexcept
+{
+    if constexpr (std::is_same_v<Result, int>) {
+        return 2; // WLX_SAS_ACTION_NONE: results that are int are SAS action codes
+    } else {
+        return Result();
+    }
+}
 
 /// Whether a result is one to warn about. Counts, handles and pointers never are.
 template <typename Result>
 constexpr bool IsFailure(Result result) noexcept
 {
     if constexpr (std::is_same_v<Result, bool> || std::is_same_v<Result, int>) {
-        return result == g_Failure<Result>;
+        return result == FailureResult<Result>();
     } else {
         return false;
     }
@@ -72,7 +77,7 @@ public:
         CEntryTrace(m_Origin, m_szClass, m_Point.szName, m_Point.where);
     }
 
-    /// Runs body and returns its result, g_Failure if it throws. onException(*this) is called inside
+    /// Runs body and returns its result, FailureResult if it throws. onException(*this) is called inside
     /// the handler; what it throws leaves the operation, which then writes no exit trace.
     template <typename OnException, typename Body>
     auto Run(OnException onException, Body body, FailureWarning warning = FailureWarning::Always) const
@@ -87,7 +92,7 @@ public:
             }
             CExitTrace(m_Origin, m_szClass, m_Point.szName, m_Point.where);
         } else {
-            Result result = g_Failure<Result>;
+            Result result = FailureResult<Result>();
             try {
                 result = body();
             } catch (...) {
@@ -152,6 +157,18 @@ struct PassOn
         Otherwise()(op);
     }
 };
+
+/// For the handler of a constructor: exceptions of the classes PassedOn leave it as they are, anything
+/// else leaves it as an InitException. All are reported. Never returns.
+template <typename InitException, typename... PassedOn>
+[[noreturn]] void FailConstruction(const CMessageOrigin& origin,
+                                   CSourceLocation where = CSourceLocation::Current())
+{
+    if ((IsHandling<PassedOn>() || ...)) {
+        throw;
+    }
+    throw InitException(origin, where);
+}
 
 /// Traces entry and exit of a constructor; no exit when it is left by an exception.
 template <typename EntryTrace, typename ExitTrace>

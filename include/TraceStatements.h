@@ -26,8 +26,7 @@ using COperationTrace = CTraceStatement<dwLevel, Format, const WCHAR*, const WCH
 // Class name, operation name (constructors and destructors: class name twice)
 using CEntryTrace = COperationTrace<LEVEL_ENTRY>;
 using CExitTrace = COperationTrace<LEVEL_EXIT>;
-using CExitResultTrace =
-    CTraceStatement<LEVEL_EXIT, FMT_OPERATION_RESULT, const WCHAR*, const WCHAR*, DWORD>;
+using CExitResultTrace = CTraceStatement<LEVEL_EXIT, FMT_OPERATION_RESULT, const WCHAR*, const WCHAR*, DWORD>;
 using CConstructionEntryTrace = COperationTrace<LEVEL_CONSTRUCTION_ENTRY>;
 using CConstructionExitTrace = COperationTrace<LEVEL_CONSTRUCTION_EXIT>;
 using CDestructionEntryTrace = COperationTrace<LEVEL_DESTRUCTION_ENTRY, FMT_DESTRUCTOR>;
@@ -36,6 +35,9 @@ using CDestructionExitTrace = COperationTrace<LEVEL_DESTRUCTION_EXIT, FMT_DESTRU
 // Text, then a detail
 using CWarning = CTraceStatement<LEVEL_WARNING, FMT_PLAIN, const WCHAR*>;
 using CVariableWarning = CTraceStatement<LEVEL_WARNING, FMT_VARIABLE, const WCHAR*, const WCHAR*>;
+using CStringWarning = CTraceStatement<LEVEL_WARNING, FMT_STRING, const WCHAR*, const WCHAR*>;
+using CKeyWarning = CTraceStatement<LEVEL_WARNING, FMT_KEY, const WCHAR*, const WCHAR*>;
+using CValueNameWarning = CTraceStatement<LEVEL_WARNING, FMT_VALUE_NAME, const WCHAR*, const WCHAR*>;
 using CPluginWarning = CTraceStatement<LEVEL_WARNING, FMT_PLUGIN, const WCHAR*, const WCHAR*>;
 using CCritical = CTraceStatement<LEVEL_CRITICAL, FMT_PLAIN, const WCHAR*>;
 using CNotification = CTraceStatement<LEVEL_NOTIFICATION, FMT_PLAIN, const WCHAR*>;

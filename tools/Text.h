@@ -4,14 +4,14 @@
 
 #include <windows.h>
 
-// Text as the tools handle it: narrow and in UTF-8 inside, wide where it meets the system.
+// Text as the tools handle it: narrow, in the system's ANSI code page, inside; wide where it meets the
+// system. So what came from the command line or a file goes to the console as it came.
 
 using WideText = std::basic_string<WCHAR>;
 
-/// UTF-8 to wide text. What is not UTF-8 becomes U+FFFD.
 WideText ToWide(const std::string& text);
 
-/// Wide text to UTF-8. A lone surrogate becomes U+FFFD; null gives the empty text.
+/// Null gives the empty text.
 std::string ToNarrow(const WCHAR* szText);
 
 /// printf into a string.

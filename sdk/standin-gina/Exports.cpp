@@ -11,6 +11,14 @@ extern "C" {
 
 namespace {
 
+/// A GINA that says no leaves nothing behind. Except for the version: a caller that is refused may want to
+/// know what would have been accepted.
+bool LeavesValues(const StandinRecord& record)
+{
+    const LONG nNo = record.call == StandinCall::WlxLoggedOutSAS ? WLX_SAS_ACTION_NONE : FALSE;
+    return record.call == StandinCall::WlxNegotiate || record.nResult != nNo;
+}
+
 /// Serves one call: records what arrived, does what it was told to, leaves values behind the out-pointers.
 template <typename Result, typename... Arguments>
 Result Serve(StandinCall call, Arguments... arguments)
@@ -19,11 +27,15 @@ Result Serve(StandinCall call, Arguments... arguments)
     CRecord& record = g_Standin.AddRecord(call);
     (Receive(record, arguments), ...);
     g_Standin.Act(record);
-    DWORD dwIndex = 0;
-    (Leave(record, dwIndex++, arguments), ...);
-    record.bReturned = TRUE;
     if constexpr (!std::is_void_v<Result>) {
         record.nResult = g_Standin.GetResult(call);
+    }
+    if (LeavesValues(record)) {
+        DWORD dwIndex = 0;
+        (Leave(record, dwIndex++, arguments), ...);
+    }
+    record.bReturned = TRUE;
+    if constexpr (!std::is_void_v<Result>) {
         return record.nResult;
     }
 }

@@ -15,8 +15,9 @@ __attribute__((no_sanitize("undefined"), noinline)) void ReadNull()
 
 __attribute__((no_sanitize("undefined"), noinline)) void DivideByZero()
 {
+    volatile int nDividend = 1;
     volatile int nDivisor = 0;
-    volatile int nQuotient = 1 / nDivisor;
+    volatile int nQuotient = nDividend / nDivisor;
     static_cast<void>(nQuotient);
 }
 

@@ -62,9 +62,9 @@ enum class StandinFailure : DWORD
 {
     None,
     ReadNull,            ///< access violation, 0xC0000005
-    DivideByZero,       ///< 0xC0000094
+    DivideByZero,        ///< 0xC0000094
     ExhaustStack,        ///< 0xC00000FD
-    Throw,                ///< a C++ exception as the compiler of real plugins throws it, 0xE06D7363
+    Throw,               ///< a C++ exception as the compiler of real plugins throws it, 0xE06D7363
     StructuredException, ///< any code; on Windows only
 };
 
@@ -92,7 +92,8 @@ struct StandinRecord
 using StandinHook = void(WINAPI*)(void* pContext, const StandinRecord* pRecord);
 
 /// The value that a call leaves behind the out-pointer that is its argument at dwIndex (0-based): handles,
-/// context, option words and the low part of the authentication id (its high part is 1).
+/// context, option words and the low part of the authentication id (its high part is 1). Nothing is left
+/// where the answer is FALSE or, in WlxLoggedOutSAS, WLX_SAS_ACTION_NONE; only the version always is.
 constexpr DWORD StandinValue(StandinCall call, DWORD dwIndex)
 {
     return 0x5A000000 | static_cast<DWORD>(call) << 8 | dwIndex;

@@ -23,8 +23,8 @@ std::string GetError(const std::string& text)
 
 TEST(DayFile, ReadsTheWordsOfAStep)
 {
-    const CStep step =
-        ParseStep("\tWlxLoggedOutSAS  sas=SC_INSERT gina returns NONE gina fails RAISE 0xC0000420 expect 9 # why");
+    const CStep step = ParseStep(
+        "\tWlxLoggedOutSAS  sas=SC_INSERT gina returns NONE gina fails RAISE 0xC0000420 expect 9 # why");
     EXPECT_EQ(step.nLine, 2);
     EXPECT_EQ(step.pCall->id, StandinCall::WlxLoggedOutSAS);
     EXPECT_EQ(step.numbers[1], DWORD(WLX_SAS_TYPE_SC_INSERT));
@@ -74,14 +74,16 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"Attach\nWlxNap", "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach or the name of an "
                            "entry point, as WlxNegotiate"},
         {"Attach\nWlxIsLockOk sas=1", "day.txt:2: unknown argument \"sas\"; expected gina or expect"},
-        {"Attach\nWlxWkstaLockedSAS context=1", "day.txt:2: unknown argument \"context\"; expected sas=, gina "
-                                                "or expect"},
+        {"Attach\nWlxWkstaLockedSAS context=1",
+         "day.txt:2: unknown argument \"context\"; expected sas=, gina "
+         "or expect"},
         {"Attach\nWlxIsLockOk maybe", "day.txt:2: unknown word \"maybe\"; expected gina or expect"},
         {"Attach\nWlxWkstaLockedSAS sas=1 sas=1", "day.txt:2: sas= a second time; expected it once"},
         {"Attach\nWlxGetStatusMessage size=4097", "day.txt:2: size=4097; expected a buffer size in "
                                                   "characters up to 4096"},
-        {"Attach\nWlxNegotiate version=1.9", "day.txt:2: version=1.9; expected a version: 1.0, 1.1, 1.2, 1.3, "
-                                             "1.4 or a number"},
+        {"Attach\nWlxNegotiate version=1.9",
+         "day.txt:2: version=1.9; expected a version: 1.0, 1.1, 1.2, 1.3, "
+         "1.4 or a number"},
         {"Attach\nWlxIsLockOk gina", "day.txt:2: the end of the line; expected returns, negotiates or fails"},
         {"Attach\nWlxIsLockOk gina negotiates 1.0", "day.txt:2: gina negotiates; expected gina returns, gina "
                                                     "fails or, in WlxNegotiate, gina negotiates"},
@@ -90,12 +92,15 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"Attach\nWlxIsLockOk gina fails RAISE", "day.txt:2: the end of the line; expected a number"},
         {"Attach\nWlxIsLockOk gina returns LOGON", "day.txt:2: \"LOGON\"; expected a BOOL: FALSE, TRUE or a "
                                                    "number"},
-        {"Attach\nWlxLogoff expect TRUE", "day.txt:2: a result; expected none, since WlxLogoff returns nothing"},
-        {"Attach\nWlxIsLockOk expect 0x100000000", "day.txt:2: \"0x100000000\"; expected a BOOL: FALSE, TRUE or "
-                                                   "a number"},
+        {"Attach\nWlxLogoff expect TRUE",
+         "day.txt:2: a result; expected none, since WlxLogoff returns nothing"},
+        {"Attach\nWlxIsLockOk expect 0x100000000",
+         "day.txt:2: \"0x100000000\"; expected a BOOL: FALSE, TRUE or "
+         "a number"},
         {"Attach\nWlxInitialize station=\"a", "day.txt:2: a text without end; expected a closing quote"},
-        {"Attach\nWlxInitialize station=\"a\"b", "day.txt:2: characters right behind a closing quote; expected "
-                                                 "a blank"},
+        {"Attach\nWlxInitialize station=\"a\"b",
+         "day.txt:2: characters right behind a closing quote; expected "
+         "a blank"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(GetError(row.szText), row.szError) << row.szText;

@@ -95,8 +95,8 @@ TEST_F(StandinGina, LeavesRecognisableValuesBehindOutPointers)
     HANDLE hToken = nullptr;
     WLX_MPR_NOTIFY_INFO info = {};
     PVOID pProfile = nullptr;
-    STANDIN_ENTRY(WlxLoggedOutSAS)(nullptr, WLX_SAS_TYPE_CTRL_ALT_DEL, &id, nullptr, &dwOptions, &hToken, &info,
-                                   &pProfile);
+    STANDIN_ENTRY(WlxLoggedOutSAS)
+    (nullptr, WLX_SAS_TYPE_CTRL_ALT_DEL, &id, nullptr, &dwOptions, &hToken, &info, &pProfile);
     const StandinRecord& record = *m_pStandin->GetRecord(0);
     EXPECT_EQ(id.LowPart, StandinValue(StandinCall::WlxLoggedOutSAS, 2));
     EXPECT_EQ(record.written[2], 0x100000000 | StandinValue(StandinCall::WlxLoggedOutSAS, 2));
@@ -107,8 +107,10 @@ TEST_F(StandinGina, LeavesRecognisableValuesBehindOutPointers)
     EXPECT_EQ(record.written[7], reinterpret_cast<ULONG_PTR>(pProfile));
     const auto& profile = *static_cast<PWLX_PROFILE_V1_0>(pProfile);
     EXPECT_EQ(ToNarrow(profile.pszProfile), ToNarrow(STANDIN_PROFILE));
-    for (void* pOwned : {static_cast<void*>(info.pszUserName), static_cast<void*>(info.pszDomain),
-                         static_cast<void*>(info.pszPassword), static_cast<void*>(profile.pszProfile), pProfile}) {
+    for (void* pOwned :
+         {static_cast<void*>(info.pszUserName), static_cast<void*>(info.pszDomain),
+          static_cast<void*>(info.pszPassword), static_cast<void*>(profile.pszProfile), pProfile})
+    {
         EXPECT_EQ(LocalFree(pOwned), nullptr);
     }
     STANDIN_ENTRY(WlxLoggedOutSAS)(nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
@@ -155,24 +157,25 @@ TEST_F(StandinGina, FailsInTheChosenCallOnlyAndRecordsItFirst)
     }
 }
 
+/// What a hook saw of the call in which it ran.
+struct CSeen
+{
+    const StandinInterface* pStandin;
+    ULONG_PTR context;
+    BOOL bReturned;
+    DWORD dwRecords;
+};
+
+void WINAPI NoteCall(void* pContext, const StandinRecord* pRecord)
+{
+    auto& seen = *static_cast<CSeen*>(pContext);
+    seen = {seen.pStandin, pRecord->argument[0], pRecord->bReturned, seen.pStandin->GetRecordCount()};
+}
+
 TEST_F(StandinGina, RunsAHookInsideTheCall)
 {
-    struct CSeen
-    {
-        const StandinInterface* pStandin;
-        ULONG_PTR context = 0;
-        BOOL bReturned = TRUE;
-        DWORD dwRecords = 0;
-    } seen{m_pStandin};
-    m_pStandin->SetHook(
-        StandinCall::WlxLogoff,
-        [](void* pContext, const StandinRecord* pRecord) WINAPI {
-            auto& self = *static_cast<CSeen*>(pContext);
-            self.context = pRecord->argument[0];
-            self.bReturned = pRecord->bReturned;
-            self.dwRecords = self.pStandin->GetRecordCount();
-        },
-        &seen);
+    CSeen seen = {m_pStandin, 0, TRUE, 0};
+    m_pStandin->SetHook(StandinCall::WlxLogoff, NoteCall, &seen);
     STANDIN_ENTRY(WlxLogoff)(&seen);
     EXPECT_EQ(seen.context, reinterpret_cast<ULONG_PTR>(&seen));
     EXPECT_FALSE(seen.bReturned);

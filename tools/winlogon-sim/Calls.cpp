@@ -63,7 +63,8 @@ constexpr CArgument Out(const char* szName, const COutForm& form)
 }
 
 /// An out-pointer to a number that the GINA may look at first.
-constexpr CArgument InOut(const char* szName, const CCodes& codes, const char* szDefault, const COutForm& form)
+constexpr CArgument InOut(const char* szName, const CCodes& codes, const char* szDefault,
+                          const COutForm& form)
 {
     return {.szName = szName, .pCodes = &codes, .szDefault = szDefault, .pOut = &form};
 }

@@ -26,7 +26,8 @@ public:
     {
     }
 
-    /// The number that a word or number stands for; nothing for any other text and for a number above the highest.
+    /// The number that a word or number stands for; nothing for any other text and for a number above the
+    /// highest.
     std::optional<DWORD> Parse(const std::string& text) const;
 
     /// The word for a number, or the number itself.

@@ -41,6 +41,11 @@ std::string DescribeArgument(const CArgument& argument, ULONG_PTR passed, ULONG_
     return reached == passed ? name : name + ' ' + OUT_POINTER.pfnDescribe({reached, {}});
 }
 
+bool IsAlwaysNull(const CArgument& argument)
+{
+    return !argument.CanBeSet() && argument.given == WinlogonValue::Nothing;
+}
+
 bool HasSameText(const CCallFrame& frame, DWORD dwIndex, const StandinRecord& record)
 {
     const LPCWSTR szText = record.szText[dwIndex];
@@ -56,7 +61,8 @@ COutValue CutVersion(const COutForm& form, COutValue value)
     return value;
 }
 
-void CompareArguments(const CCallFrame& frame, const StandinRecord& record, std::vector<std::string>& differences)
+void CompareArguments(const CCallFrame& frame, const StandinRecord& record,
+                      std::vector<std::string>& differences)
 {
     ForEachArgument(frame, [&](DWORD dwIndex, const CArgument& argument) {
         const ULONG_PTR passed = frame.GetValues()[dwIndex];
@@ -74,7 +80,8 @@ void CompareArguments(const CCallFrame& frame, const StandinRecord& record, std:
     });
 }
 
-void CompareOutValues(const CCallFrame& frame, const StandinRecord& record, std::vector<std::string>& differences)
+void CompareOutValues(const CCallFrame& frame, const StandinRecord& record,
+                      std::vector<std::string>& differences)
 {
     ForEachArgument(frame, [&](DWORD dwIndex, const CArgument& argument) {
         if (argument.pOut == nullptr) {
@@ -111,7 +118,8 @@ std::string DescribeReached(const CCallFrame& frame, const StandinRecord& record
     ForEachArgument(frame, [&](DWORD dwIndex, const CArgument& argument) {
         const ULONG_PTR passed = frame.GetValues()[dwIndex];
         const ULONG_PTR reached = record.argument[dwIndex];
-        if (argument.pOut == nullptr || reached != passed) {
+        const bool bSaysNothing = argument.pOut != nullptr || IsAlwaysNull(argument);
+        if (!bSaysNothing || reached != passed) {
             AppendListed(text, DescribeArgument(argument, passed, reached, record.szText[dwIndex]));
         }
     });
@@ -123,7 +131,7 @@ std::string DescribeCameBack(const CCallFrame& frame, LONG nResult)
     const CWlxCall& call = frame.GetCall();
     std::string text = call.result != ResultKind::None ? call.GetResultCodes().Describe(nResult) : "";
     ForEachArgument(frame, [&](DWORD dwIndex, const CArgument& argument) {
-        if (argument.pOut != nullptr && !frame.GetOut(dwIndex).IsNothing()) {
+        if (argument.pOut != nullptr && (argument.CanBeSet() || !frame.GetOut(dwIndex).IsNothing())) {
             AppendListed(text, argument.szName + (' ' + argument.pOut->pfnDescribe(frame.GetOut(dwIndex))));
         }
     });

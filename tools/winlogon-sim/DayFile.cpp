@@ -57,7 +57,8 @@ void CStepParser::ParseKind(const std::string& word)
     }
     m_step.pCall = FindCall(word);
     if (m_step.pCall == nullptr) {
-        Refuse("unknown step \"" + word + '"', "Attach, Detach or the name of an entry point, as WlxNegotiate");
+        Refuse("unknown step \"" + word + '"',
+               "Attach, Detach or the name of an entry point, as WlxNegotiate");
     }
 }
 

@@ -7,23 +7,7 @@
 
 #include "Calls.h"
 
-// A day is a text file with one step a line; what follows a word that begins with # is a comment.
-//
-//     Attach                              Winlogon loads the library
-//     WlxNAME [ARGUMENT=VALUE ...] [gina DOES ...] [expect RESULT]
-//     Detach                              Winlogon frees it
-//
-// VALUE is a word, a number or a "text in quotes"; NULL passes a null pointer for a text. A text holds no
-// quotes, and backslashes in it are plain characters. What the stand-in GINA does in this one step:
-//
-//     gina returns RESULT                 TRUE, FALSE, the name of a SAS action, or a number
-//     gina negotiates VERSION             in WlxNegotiate
-//     gina fails FAILURE                  READ_NULL, DIVIDE_BY_ZERO, EXHAUST_STACK or THROW
-//     gina fails RAISE CODE               a structured exception, on Windows only
-//
-// Without them it does what a content GINA does. Every result is compared with what the GINA gave;
-// "expect RESULT" says in addition what that must be, and "expect SKIPPED" that Winlogon does not make the
-// call, because the agreed version does not have it or because no version was agreed.
+// The form of a day file is described in days/README.md.
 
 enum class StepKind
 {

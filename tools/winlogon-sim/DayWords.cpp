@@ -38,8 +38,7 @@ CDayWord TakeWord(const std::string& line, std::size_t& nPosition)
     if (word.bHasValue) {
         ++nPosition;
         word.bQuoted = nPosition < line.size() && line[nPosition] == '"';
-        word.value =
-            word.bQuoted ? TakeQuoted(line, ++nPosition) : TakeUntil(line, nPosition, BLANKS);
+        word.value = word.bQuoted ? TakeQuoted(line, ++nPosition) : TakeUntil(line, nPosition, BLANKS);
     }
     return word;
 }

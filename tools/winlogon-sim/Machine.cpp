@@ -15,8 +15,9 @@ constexpr WCHAR PASSTHROUGH_VALUE[] = TEXT("GinaDLL");
 void Check(LONG lResult, const WCHAR* szKey, const WCHAR* szValue)
 {
     if (lResult != ERROR_SUCCESS) {
-        throw CSetupError(Format("cannot write %s of HKEY_LOCAL_MACHINE\\%s: error %d", ToNarrow(szValue).c_str(),
-                                 ToNarrow(szKey).c_str(), static_cast<int>(lResult)));
+        throw CSetupError(Format("cannot write %s of HKEY_LOCAL_MACHINE\\%s: error %d",
+                                 ToNarrow(szValue).c_str(), ToNarrow(szKey).c_str(),
+                                 static_cast<int>(lResult)));
     }
 }
 
@@ -25,8 +26,8 @@ template <typename Change>
 void ChangeKey(const WCHAR* szKey, const WCHAR* szValue, Change change)
 {
     HKEY hKey = nullptr;
-    Check(RegCreateKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                          &hKey, nullptr),
+    Check(RegCreateKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
+                          nullptr, &hKey, nullptr),
           szKey, szValue);
     const LONG lResult = change(hKey);
     RegCloseKey(hKey);
@@ -55,12 +56,26 @@ void DeleteValue(const WCHAR* szKey, const WCHAR* szValue)
     });
 }
 
+/// The registry file of the command line must be usable: nothing of a machine's state may get lost.
+void CheckFile(LONG lResult, const char* szVerb, const std::string& path)
+{
+    if (lResult == ERROR_CALL_NOT_IMPLEMENTED) {
+        throw CSetupError("--registry: this system has a registry of its own, which is used");
+    }
+    if (lResult != ERROR_SUCCESS) {
+        throw CSetupError(Format("cannot %s the registry file %s: error %d", szVerb, path.c_str(),
+                                 static_cast<int>(lResult)));
+    }
+}
+
 } // namespace
 
 CMachine::CMachine(const COptions& options) : m_registry(options.registry)
 {
     if (!m_registry.empty()) {
-        Load();
+        const LONG lResult = MachineRegistry::Load(ToWide(m_registry).c_str());
+        // A new machine: the file is made when its day is over.
+        CheckFile(lResult == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : lResult, "load", m_registry);
     }
     if (options.traceLog.empty()) {
         DeleteValue(DEBUG_KEY, LOG_VALUE);
@@ -70,5 +85,12 @@ CMachine::CMachine(const COptions& options) : m_registry(options.registry)
     }
     if (!options.standin.empty()) {
         SetText(OWN_KEY, PASSTHROUGH_VALUE, options.standin);
+    }
+}
+
+void CMachine::Save() const
+{
+    if (!m_registry.empty()) {
+        CheckFile(MachineRegistry::Save(ToWide(m_registry).c_str()), "save", m_registry);
     }
 }

@@ -55,7 +55,8 @@ std::string DescribeNumber(const COutValue& value)
 
 std::string DescribeLuid(const COutValue& value)
 {
-    return Format("%u:0x%08x", static_cast<unsigned>(value.number >> 32), static_cast<unsigned>(value.number));
+    return Format("%u:0x%08x", static_cast<unsigned>(value.number >> 32),
+                  static_cast<unsigned>(value.number));
 }
 
 std::string DescribePointer(const COutValue& value)

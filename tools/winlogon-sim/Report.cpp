@@ -6,8 +6,8 @@
 namespace {
 
 constexpr std::size_t CALL_WIDTH = 31;
-constexpr std::size_t REACHED_WIDTH = 40;
-constexpr std::size_t CAME_BACK_WIDTH = 40;
+constexpr std::size_t REACHED_WIDTH = 36;
+constexpr std::size_t CAME_BACK_WIDTH = 33;
 
 /// Cuts a cell into lines of at most nWidth characters, between words where that is possible.
 std::vector<std::string> Wrap(std::string text, std::size_t nWidth)
@@ -37,7 +37,8 @@ void PrintRow(const CStepReport& step)
 {
     const std::vector<std::string> reached = Wrap(step.reached, REACHED_WIDTH);
     const std::vector<std::string> cameBack = Wrap(step.cameBack, CAME_BACK_WIDTH);
-    PrintLine(step.differences.empty() ? "" : "!", std::to_string(step.nLine), step.step, reached[0], cameBack[0]);
+    PrintLine(step.differences.empty() ? "" : "!", std::to_string(step.nLine), step.step, reached[0],
+              cameBack[0]);
     for (std::size_t nLine = 1; nLine < std::max(reached.size(), cameBack.size()); ++nLine) {
         PrintLine("", "", "", nLine < reached.size() ? reached[nLine] : "",
                   nLine < cameBack.size() ? cameBack[nLine] : "");
@@ -76,13 +77,14 @@ void CReport::PrintStep(const CStepReport& step)
 
 void CReport::PrintTotals(std::size_t nCalled, const std::string& traceLog) const
 {
-    std::printf("\n%d steps; %u of the %u entry points called; ", m_nSteps, static_cast<unsigned>(nCalled),
-                static_cast<unsigned>(STANDIN_CALL_COUNT));
+    std::printf("\n%d steps, ", m_nSteps);
     if (HasDifferences()) {
-        std::printf("%d steps are not as they should be.\n", m_nDifferent);
+        std::printf("%d of them not as they should be", m_nDifferent);
     } else {
-        std::printf("everything reached the GINA and came back unchanged.\n");
+        std::printf("all as they should be");
     }
+    std::printf("; %u of the %u entry points called.\n", static_cast<unsigned>(nCalled),
+                static_cast<unsigned>(STANDIN_CALL_COUNT));
     if (!traceLog.empty()) {
         std::printf("Trace log: %s%s\n", traceLog.c_str(), Exists(traceLog) ? "" : " (nothing was written)");
     }

@@ -20,9 +20,9 @@ void PrintArgument(const CArgument& argument)
 
 void PrintCall(const CWlxCall& call)
 {
-    const char* szResult = call.result == ResultKind::None        ? "returns nothing"
+    const char* szResult = call.result == ResultKind::None   ? "returns nothing"
                            : call.result == ResultKind::Bool ? "returns a BOOL"
-                                                                : "returns a SAS action";
+                                                             : "returns a SAS action";
     std::printf("%s (from version %s, %s)\n", call.szName, VERSIONS.Describe(call.dwSince).c_str(), szResult);
     for (const CArgument& argument : call.arguments) {
         if (argument.CanBeSet()) {
@@ -41,5 +41,6 @@ void PrintSteps()
     }
     std::printf("\nBehind a call: gina returns RESULT, gina negotiates VERSION, gina fails FAILURE,\n"
                 "expect RESULT or expect SKIPPED.\n%s\n%s\n%s (followed by the code, on Windows only)\n",
-                BOOLS.GetExpected().c_str(), SAS_ACTIONS.GetExpected().c_str(), FAILURES.GetExpected().c_str());
+                BOOLS.GetExpected().c_str(), SAS_ACTIONS.GetExpected().c_str(),
+                FAILURES.GetExpected().c_str());
 }

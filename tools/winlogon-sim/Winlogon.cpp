@@ -26,7 +26,7 @@ std::string DescribeArgument(T argument)
     if constexpr (std::is_pointer_v<T>) {
         const auto value = reinterpret_cast<ULONG_PTR>(argument);
         return value == Winlogon::GetValue(WinlogonValue::WlxHandle) ? "handle"
-                                                                   : OUT_POINTER.pfnDescribe({value, {}});
+                                                                     : OUT_POINTER.pfnDescribe({value, {}});
     } else {
         return NUMBERS.Describe(static_cast<DWORD>(argument));
     }
@@ -58,33 +58,33 @@ struct Callback<Name, Result(WINAPI*)(Arguments...)>
     }
 };
 
-#define CALLBACK_ENTRIES(ENTRY) \
-    ENTRY(WlxUseCtrlAltDel) \
-    ENTRY(WlxSetContextPointer) \
-    ENTRY(WlxSasNotify) \
-    ENTRY(WlxSetTimeout) \
-    ENTRY(WlxAssignShellProtection) \
-    ENTRY(WlxMessageBox) \
-    ENTRY(WlxDialogBox) \
-    ENTRY(WlxDialogBoxParam) \
-    ENTRY(WlxDialogBoxIndirect) \
-    ENTRY(WlxDialogBoxIndirectParam) \
-    ENTRY(WlxSwitchDesktopToUser) \
-    ENTRY(WlxSwitchDesktopToWinlogon) \
-    ENTRY(WlxChangePasswordNotify) \
-    ENTRY(WlxGetSourceDesktop) \
-    ENTRY(WlxSetReturnDesktop) \
-    ENTRY(WlxCreateUserDesktop) \
-    ENTRY(WlxChangePasswordNotifyEx) \
-    ENTRY(WlxCloseUserDesktop) \
-    ENTRY(WlxSetOption) \
-    ENTRY(WlxGetOption) \
-    ENTRY(WlxWin31Migrate) \
-    ENTRY(WlxQueryClientCredentials) \
-    ENTRY(WlxQueryInetConnectorCredentials) \
-    ENTRY(WlxDisconnect) \
-    ENTRY(WlxQueryTerminalServicesData) \
-    ENTRY(WlxQueryConsoleSwitchCredentials) \
+#define CALLBACK_ENTRIES(ENTRY)                                                                              \
+    ENTRY(WlxUseCtrlAltDel)                                                                                  \
+    ENTRY(WlxSetContextPointer)                                                                              \
+    ENTRY(WlxSasNotify)                                                                                      \
+    ENTRY(WlxSetTimeout)                                                                                     \
+    ENTRY(WlxAssignShellProtection)                                                                          \
+    ENTRY(WlxMessageBox)                                                                                     \
+    ENTRY(WlxDialogBox)                                                                                      \
+    ENTRY(WlxDialogBoxParam)                                                                                 \
+    ENTRY(WlxDialogBoxIndirect)                                                                              \
+    ENTRY(WlxDialogBoxIndirectParam)                                                                         \
+    ENTRY(WlxSwitchDesktopToUser)                                                                            \
+    ENTRY(WlxSwitchDesktopToWinlogon)                                                                        \
+    ENTRY(WlxChangePasswordNotify)                                                                           \
+    ENTRY(WlxGetSourceDesktop)                                                                               \
+    ENTRY(WlxSetReturnDesktop)                                                                               \
+    ENTRY(WlxCreateUserDesktop)                                                                              \
+    ENTRY(WlxChangePasswordNotifyEx)                                                                         \
+    ENTRY(WlxCloseUserDesktop)                                                                               \
+    ENTRY(WlxSetOption)                                                                                      \
+    ENTRY(WlxGetOption)                                                                                      \
+    ENTRY(WlxWin31Migrate)                                                                                   \
+    ENTRY(WlxQueryClientCredentials)                                                                         \
+    ENTRY(WlxQueryInetConnectorCredentials)                                                                  \
+    ENTRY(WlxDisconnect)                                                                                     \
+    ENTRY(WlxQueryTerminalServicesData)                                                                      \
+    ENTRY(WlxQueryConsoleSwitchCredentials)                                                                  \
     ENTRY(WlxQueryTsLogonCredentials)
 
 #define CALLBACK_NAME(NAME) constexpr CCallbackName NAME##_NAME = {#NAME};

@@ -1,0 +1,124 @@
+#include "RegistryString.h"
+
+#include "Exceptions.h"
+#include "GuardedText.h"
+#include "Operation.h"
+
+namespace {
+
+using Traits = std::char_traits<WCHAR>;
+
+// What a query reads at most; one character more than is kept, since a value need not be terminated.
+constexpr DWORD QUERY_BYTES = 520;
+
+} // namespace
+
+CRegistryString::CRegistryString(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot,
+                                 const WCHAR* szSubKey, const WCHAR* szValueName, REGSAM samDesired,
+                                 bool bCreate, bool bOpenNow, bool bReadThrough, bool bWriteThrough,
+                                 bool bReadNow, DWORD dwOptions)
+try : CRegistryValue(szAPPArg, szMTMArg, hKeyRoot, szSubKey, szValueName, samDesired, bCreate, bOpenNow,
+                     bReadThrough, bWriteThrough, dwOptions),
+    m_szRegString{}
+{
+    const CConstructionTrace trace(*this, s_szClass);
+    WCHAR szScratch[MAX_CHARACTERS + 1];
+    if (bReadNow && !GetRegistryString(szScratch, MAX_CHARACTERS + 1, true)) {
+        throw CRegistryStringInitException(*this);
+    }
+} catch (...) {
+    FailConstruction<CRegistryStringInitException, CRegistryStringInitException, CBadArgException,
+                     CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException,
+                     CUnableToReadRegistryException>({szAPPArg, szMTMArg});
+}
+
+CRegistryString::~CRegistryString()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+}
+
+bool CRegistryString::GetRegistryString(WCHAR* szDest, DWORD cchDest, bool bRefresh)
+{
+    const COperation op(*this, s_szClass, TEXT("GetRegistryString"));
+    return op.Run(
+        PassOn<Absorb<CWcscpyException>, CBadArgException, CUnableToReadRegistryException>(),
+        [&] {
+            if (szDest == nullptr || cchDest == 0) {
+                throw CBadArgException(*this, TEXT("szDest"));
+            }
+            if (bRefresh || m_bReadThrough) {
+                Fetch();
+            }
+            std::size_t cchCopy = Traits::length(m_szRegString);
+            if (cchDest <= cchCopy) {
+                op.Warn(ERR_STRING_TOO_LONG);
+                cchCopy = cchDest - 1;
+            }
+            Traits::copy(szDest, m_szRegString, cchCopy);
+            szDest[cchCopy] = 0;
+            return true;
+        },
+        FailureWarning::UnlessRaised);
+}
+
+bool CRegistryString::SetRegistryString(const WCHAR* szSrc, bool bForceWrite)
+{
+    const COperation op(*this, s_szClass, TEXT("SetRegistryString"));
+    return op.Run(
+        PassOn<Absorb<>, CBadArgException, CUnableToWriteRegistryException, CWcscpyException>(),
+        [&] {
+            if (szSrc == nullptr) {
+                throw CBadArgException(*this, TEXT("szSrc"));
+            }
+            std::size_t cchCopy = MeasureText(*this, szSrc);
+            if (cchCopy > MAX_CHARACTERS) {
+                op.Warn(ERR_STRING_TOO_LONG);
+                cchCopy = MAX_CHARACTERS;
+            }
+            Traits::move(m_szRegString, szSrc, cchCopy);
+            m_szRegString[cchCopy] = 0;
+            if (bForceWrite || m_bWriteThrough) {
+                Flush();
+            }
+            return true;
+        },
+        FailureWarning::UnlessRaised);
+}
+
+bool CRegistryString::ReadRegistry()
+{
+    const COperation op(*this, s_szClass, TEXT("ReadRegistry"));
+    const auto body = [this] {
+        Fetch();
+        return true;
+    };
+    return op.Run(PassOn<Absorb<>, CUnableToReadRegistryException>(), body, FailureWarning::UnlessRaised);
+}
+
+bool CRegistryString::WriteRegistry()
+{
+    const COperation op(*this, s_szClass, TEXT("WriteRegistry"));
+    const auto body = [this] {
+        Flush();
+        return true;
+    };
+    return op.Run(PassOn<Absorb<>, CUnableToWriteRegistryException>(), body, FailureWarning::UnlessRaised);
+}
+
+/// A value may be of any type and length and lack its terminator: what was not returned is not looked
+/// at, and the cache changes only when the query has succeeded.
+void CRegistryString::Fetch()
+{
+    WCHAR szRead[QUERY_BYTES / sizeof(WCHAR)];
+    const DWORD cbRead = Query(szRead, QUERY_BYTES, [this] { SetRegistryString(TEXT(""), true); });
+    const DWORD cchRead = cbRead / sizeof(WCHAR);
+    const DWORD cchKept = cchRead < MAX_CHARACTERS ? cchRead : MAX_CHARACTERS;
+    Traits::copy(m_szRegString, szRead, cchKept);
+    m_szRegString[cchKept] = 0;
+}
+
+void CRegistryString::Flush() const
+{
+    const std::size_t cchText = Traits::length(m_szRegString);
+    Store(REG_SZ, m_szRegString, static_cast<DWORD>((cchText + 1) * sizeof(WCHAR)));
+}

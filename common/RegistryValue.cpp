@@ -1,0 +1,84 @@
+#include "RegistryValue.h"
+
+#include <new>
+
+#include "Exceptions.h"
+#include "Operation.h"
+
+namespace {
+
+constexpr WCHAR TXT_DEFAULT_CREATED[] =
+    TEXT("Had to create registry value with default setting. Should be initialized");
+
+std::basic_string<WCHAR> CopyValueName(const CMessageOrigin& origin, const WCHAR* szValueName)
+{
+    if (szValueName == nullptr || *szValueName == 0) {
+        throw CBadArgException(origin, TEXT("szValueName"));
+    }
+    try {
+        return szValueName;
+    } catch (const std::bad_alloc&) {
+        throw CMemAllocException(origin, TEXT("m_szValueName"));
+    }
+}
+
+} // namespace
+
+CRegistryValue::CRegistryValue(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot,
+                               const WCHAR* szSubKey, const WCHAR* szValueName, REGSAM samDesired,
+                               bool bCreate, bool bOpenNow, bool bReadThrough, bool bWriteThrough,
+                               DWORD dwOptions)
+try : CRegistryKey(szAPPArg, szMTMArg, hKeyRoot, szSubKey, samDesired, bCreate, bOpenNow, dwOptions),
+    m_szValueName(CopyValueName(*this, szValueName)), m_bReadThrough(bReadThrough),
+    m_bWriteThrough(bWriteThrough)
+{
+    const CConstructionTrace trace(*this, s_szClass);
+} catch (...) {
+    FailConstruction<CRegistryValueInitException, CBadArgException, CUnableToOpenRegistryKeyException,
+                     CUnableToCreateRegistryKeyException>({szAPPArg, szMTMArg});
+}
+
+CRegistryValue::~CRegistryValue()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+}
+
+bool CRegistryValue::DeleteRegistryValue()
+{
+    const COperation op(*this, s_szClass, TEXT("DeleteRegistryValue"));
+    return op.Run(
+        PassOn<Absorb<>, CUnableToDeleteRegistryValueException>(),
+        [&] {
+            const LONG lResult = RegDeleteValueW(m_hKey, m_szValueName.c_str());
+            if (lResult != ERROR_SUCCESS) {
+                throw CUnableToDeleteRegistryValueException(*this, m_szValueName.c_str(), lResult);
+            }
+            return true;
+        },
+        FailureWarning::UnlessRaised);
+}
+
+LONG CRegistryValue::TryQuery(void* pData, DWORD* pcbData) const
+{
+    return RegQueryValueExW(m_hKey, m_szValueName.c_str(), nullptr, nullptr, static_cast<BYTE*>(pData),
+                            pcbData);
+}
+
+void CRegistryValue::Store(DWORD dwType, const void* pData, DWORD cbData) const
+{
+    const LONG lResult =
+        RegSetValueExW(m_hKey, m_szValueName.c_str(), 0, dwType, static_cast<const BYTE*>(pData), cbData);
+    if (lResult != ERROR_SUCCESS) {
+        throw CUnableToWriteRegistryException(*this, m_szValueName.c_str(), lResult);
+    }
+}
+
+void CRegistryValue::ReportDefault() const
+{
+    CValueNameWarning(*this, TXT_DEFAULT_CREATED, m_szValueName.c_str());
+}
+
+void CRegistryValue::FailRead(LONG lError) const
+{
+    throw CUnableToReadRegistryException(*this, m_szValueName.c_str(), lError);
+}

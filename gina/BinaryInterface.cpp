@@ -1,0 +1,48 @@
+#include <cstddef>
+
+#include "GinaObject.h"
+
+// What plugins read by offset. The order of the slots of CGinaObject has a test of its own.
+
+namespace {
+
+// The layout of classes with a base is the compiler's affair, and this is the place that holds it to it.
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+
+constexpr bool IsAt(std::size_t nActual, std::size_t nExpected)
+{
+    // Only the 32-bit library has plugins.
+    return sizeof(void*) != 4 || nActual == nExpected;
+}
+
+static_assert(IsAt(sizeof(GinaNode), 24));
+static_assert(IsAt(offsetof(GinaNode, szAPP), 0));
+static_assert(IsAt(offsetof(GinaNode, szMTM), 4));
+static_assert(IsAt(offsetof(GinaNode, m_pItem), 8));
+static_assert(IsAt(offsetof(GinaNode, m_dwTag), 12));
+static_assert(IsAt(offsetof(GinaNode, pNext), 16));
+static_assert(IsAt(offsetof(GinaNode, pPrev), 20));
+
+static_assert(IsAt(offsetof(CGinaObject, szAPP), 4));
+static_assert(IsAt(offsetof(CGinaObject, szMTM), 8));
+static_assert(IsAt(offsetof(CGinaObject, m_pGinaPluginContext), 12));
+
+static_assert(IsAt(sizeof(CGinaPluginInfo), 32));
+static_assert(IsAt(offsetof(CGinaPluginInfo, szAPP), 0));
+static_assert(IsAt(offsetof(CGinaPluginInfo, szMTM), 4));
+static_assert(IsAt(offsetof(CGinaPluginInfo, m_dwSpare1), 8));
+static_assert(IsAt(offsetof(CGinaPluginInfo, m_szFriendlyName), 12));
+static_assert(IsAt(offsetof(CGinaPluginInfo, m_szGinaDLL), 16));
+static_assert(IsAt(offsetof(CGinaPluginInfo, m_dwWlxVersion), 20));
+static_assert(IsAt(offsetof(CGinaPluginInfo, m_dwLUMVersion), 24));
+static_assert(IsAt(offsetof(CGinaPluginInfo, m_dwSpare2), 28));
+
+static_assert(IsAt(sizeof(CGinaPluginContext), 52));
+static_assert(IsAt(offsetof(CGinaPluginContext, szAPP), 0));
+static_assert(IsAt(offsetof(CGinaPluginContext, szMTM), 4));
+static_assert(IsAt(offsetof(CGinaPluginContext, m_hDLLInstance), 8));
+static_assert(IsAt(offsetof(CGinaPluginContext, m_hInstance), 12));
+static_assert(IsAt(offsetof(CGinaPluginContext, m_hWlx), 16));
+static_assert(IsAt(offsetof(CGinaPluginContext, m_GinaPluginInfo), 20));
+
+} // namespace

@@ -1,0 +1,150 @@
+#pragma once
+
+#include "GinaObject.h"
+
+/// The 19 chained operations, which standard GINAs and plugins have in common: each goes to the DLL's
+/// export for it. How it gets there, and when it does not, is Derived's
+///
+///     Result Chain<Result>(CTracePoint point, const CGinaExport<...>& function, GinaNode* pNode, args...)
+///
+/// and the exports are Derived's members m_Name.
+template <typename Derived>
+class CChainedGinaObject : public CGinaObject
+{
+public:
+    void* DeletingDestructor(DWORD dwFlags) override
+    {
+        Derived* pObject = Self();
+        pObject->~Derived();
+        if ((dwFlags & 1) != 0) {
+            ::operator delete(pObject);
+        }
+        return pObject;
+    }
+
+    bool ActivateUserShell(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName, PWSTR pszMprLogonScript,
+                           PVOID pEnvironment) override
+    {
+        return Self()->template Chain<bool>(TEXT("ActivateUserShell"), Self()->m_ActivateUserShell, pNode,
+                                            pWlxContext, pszDesktopName, pszMprLogonScript, pEnvironment);
+    }
+
+    void DisconnectNotify(GinaNode* pNode, PVOID pWlxContext) override
+    {
+        return Self()->template Chain<void>(TEXT("DisconnectNotify"), Self()->m_DisconnectNotify, pNode,
+                                            pWlxContext);
+    }
+
+    void DisplayLockedNotice(GinaNode* pNode, PVOID pWlxContext) override
+    {
+        return Self()->template Chain<void>(TEXT("DisplayLockedNotice"), Self()->m_DisplayLockedNotice, pNode,
+                                            pWlxContext);
+    }
+
+    void DisplaySASNotice(GinaNode* pNode, PVOID pWlxContext) override
+    {
+        return Self()->template Chain<void>(TEXT("DisplaySASNotice"), Self()->m_DisplaySASNotice, pNode,
+                                            pWlxContext);
+    }
+
+    bool DisplayStatusMessage(GinaNode* pNode, PVOID pWlxContext, HDESK hDesktop, DWORD dwOptions,
+                              PWSTR pTitle, PWSTR pMessage) override
+    {
+        return Self()->template Chain<bool>(TEXT("DisplayStatusMessage"), Self()->m_DisplayStatusMessage,
+                                            pNode, pWlxContext, hDesktop, dwOptions, pTitle, pMessage);
+    }
+
+    bool GetConsoleSwitchCredentials(GinaNode* pNode, PVOID pWlxContext, PVOID pCredInfo) override
+    {
+        return Self()->template Chain<bool>(TEXT("GetConsoleSwitchCredentials"),
+                                            Self()->m_GetConsoleSwitchCredentials, pNode, pWlxContext,
+                                            pCredInfo);
+    }
+
+    bool GetStatusMessage(GinaNode* pNode, PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
+                          DWORD dwBufferSize) override
+    {
+        return Self()->template Chain<bool>(TEXT("GetStatusMessage"), Self()->m_GetStatusMessage, pNode,
+                                            pWlxContext, pdwOptions, pMessage, dwBufferSize);
+    }
+
+    bool IsLockOk(GinaNode* pNode, PVOID pWlxContext) override
+    {
+        return Self()->template Chain<bool>(TEXT("IsLockOk"), Self()->m_IsLockOk, pNode, pWlxContext);
+    }
+
+    bool IsLogoffOk(GinaNode* pNode, PVOID pWlxContext) override
+    {
+        return Self()->template Chain<bool>(TEXT("IsLogoffOk"), Self()->m_IsLogoffOk, pNode, pWlxContext);
+    }
+
+    int LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
+    {
+        return Self()->template Chain<int>(TEXT("LoggedOnSAS"), Self()->m_LoggedOnSAS, pNode, pWlxContext,
+                                           dwSasType, pReserved);
+    }
+
+    int LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
+                     PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo,
+                     PVOID* pProfile) override
+    {
+        return Self()->template Chain<int>(TEXT("LoggedOutSAS"), Self()->m_LoggedOutSAS, pNode, pWlxContext,
+                                           dwSasType, pAuthenticationId, pLogonSid, pdwOptions, phToken,
+                                           pNprNotifyInfo, pProfile);
+    }
+
+    void Logoff(GinaNode* pNode, PVOID pWlxContext) override
+    {
+        return Self()->template Chain<void>(TEXT("Logoff"), Self()->m_Logoff, pNode, pWlxContext);
+    }
+
+    bool NetworkProviderLoad(GinaNode* pNode, PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo) override
+    {
+        return Self()->template Chain<bool>(TEXT("NetworkProviderLoad"), Self()->m_NetworkProviderLoad, pNode,
+                                            pWlxContext, pNprNotifyInfo);
+    }
+
+    void ReconnectNotify(GinaNode* pNode, PVOID pWlxContext) override
+    {
+        return Self()->template Chain<void>(TEXT("ReconnectNotify"), Self()->m_ReconnectNotify, pNode,
+                                            pWlxContext);
+    }
+
+    bool RemoveStatusMessage(GinaNode* pNode, PVOID pWlxContext) override
+    {
+        return Self()->template Chain<bool>(TEXT("RemoveStatusMessage"), Self()->m_RemoveStatusMessage, pNode,
+                                            pWlxContext);
+    }
+
+    bool ScreenSaverNotify(GinaNode* pNode, PVOID pWlxContext, BOOL* pSecure) override
+    {
+        return Self()->template Chain<bool>(TEXT("ScreenSaverNotify"), Self()->m_ScreenSaverNotify, pNode,
+                                            pWlxContext, pSecure);
+    }
+
+    void Shutdown(GinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType) override
+    {
+        return Self()->template Chain<void>(TEXT("Shutdown"), Self()->m_Shutdown, pNode, pWlxContext,
+                                            dwShutdownType);
+    }
+
+    bool StartApplication(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName, PVOID pEnvironment,
+                          PWSTR pszCmdLine) override
+    {
+        return Self()->template Chain<bool>(TEXT("StartApplication"), Self()->m_StartApplication, pNode,
+                                            pWlxContext, pszDesktopName, pEnvironment, pszCmdLine);
+    }
+
+    int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) override
+    {
+        return Self()->template Chain<int>(TEXT("WkstaLockedSAS"), Self()->m_WkstaLockedSAS, pNode,
+                                           pWlxContext, dwSasType);
+    }
+
+protected:
+    using CGinaObject::CGinaObject;
+    ~CChainedGinaObject() = default;
+
+private:
+    Derived* Self() noexcept { return static_cast<Derived*>(this); }
+};

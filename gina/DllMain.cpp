@@ -1,0 +1,62 @@
+#include <new>
+
+#include "Exceptions.h"
+#include "LUMGinaInterface.h"
+#include "Operation.h"
+
+// Attach and detach of the library.
+
+namespace {
+
+constexpr WCHAR CLASS_NAME[] = TEXT("LUMDLLMain");
+constexpr WCHAR TXT_CREATED[] = TEXT("LUM_GINA instantiated successfully");
+constexpr WCHAR TXT_DETACHED[] = TEXT("Gina has been detached.");
+constexpr WCHAR TXT_NOT_CREATED[] = TEXT("Could not instantiate LUMGina object. Aborting...");
+constexpr WCHAR TXT_NOT_DELETED[] = TEXT("Could not delete LUMGina object on DLL_PROCESS_DETACH");
+
+BOOL Attach(HINSTANCE hInstance) noexcept
+{
+    CEntryTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("ATTACH"));
+    try {
+        g_pLUMGina = new (std::nothrow) CLUMGina(hInstance);
+    } catch (...) {
+        if (!IsHandling<CMessage>()) {
+            CCritical(LUM_GINA_ORIGIN, TXT_NOT_CREATED);
+        }
+        return FALSE;
+    }
+    CTextNotification(LUM_GINA_ORIGIN, TXT_CREATED);
+    CExitResultTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("ATTACH"), TRUE);
+    return TRUE;
+}
+
+BOOL Detach() noexcept
+{
+    CEntryTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("DETACH"));
+    try {
+        delete g_pLUMGina;
+        g_pLUMGina = nullptr;
+    } catch (...) {
+        CWarning(LUM_GINA_ORIGIN, TXT_NOT_DELETED);
+        return TRUE;
+    }
+    CNotification(LUM_GINA_ORIGIN, TXT_DETACHED);
+    CExitResultTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("DETACH"), TRUE);
+    return TRUE;
+}
+
+} // namespace
+
+CLUMGina* g_pLUMGina = nullptr;
+
+BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD dwReason, LPVOID)
+{
+    switch (dwReason) {
+    case DLL_PROCESS_ATTACH:
+        return Attach(hInstance);
+    case DLL_PROCESS_DETACH:
+        return Detach();
+    default:
+        return TRUE;
+    }
+}

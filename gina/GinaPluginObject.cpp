@@ -1,0 +1,89 @@
+#include "GinaPluginObject.h"
+
+#include "Exceptions.h"
+#include "Operation.h"
+
+CGinaPluginObject::CGinaPluginObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance,
+                                     const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion,
+                                     DWORD dwUsingWlxVersion)
+    : CChainedGinaObject(szAPPArg, szMTMArg, hInstance, szGinaDLLName, dwUsingLUMVersion, dwUsingWlxVersion)
+{
+    const CConstructionTrace trace(*this, s_szClass);
+    HookOrFree([this] { Hook(); });
+}
+
+CGinaPluginObject::~CGinaPluginObject()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+    FreeGinaDLL();
+}
+
+void CGinaPluginObject::Hook()
+{
+    const COperation op(*this, s_szClass, TEXT("Hook"));
+    const auto onException = [this](const COperation& failed) {
+        if (IsHandlingHookFailure()) {
+            throw;
+        }
+        throw CUnhandledPluginException(LUM_GINA_ORIGIN, GetGinaDLLName(), failed.GetLocation());
+    };
+    op.Run(onException, [this] {
+        LoadGinaDLL();
+        Resolve(m_Negotiate);
+        NegotiateVersions();
+        ResolveAll(m_Exports);
+    });
+}
+
+void CGinaPluginObject::NegotiateVersions()
+{
+    CGinaPluginInfo& info = GetPluginInfo();
+    const BYTE bAccepted = Call<BYTE>(m_Negotiate, &info);
+    if (bAccepted == 0 || info.m_dwWlxVersion < WLX_VERSION_1_0 ||
+        info.m_dwLUMVersion > LUM_INTERFACE_VERSION) {
+        throw CFailedGinaNegotiationsException(LUM_GINA_ORIGIN, bAccepted);
+    }
+}
+
+template <typename Result, typename Function, typename... Args>
+Result CGinaPluginObject::CallUnchained(CTracePoint point, const CGinaExport<Function>& function,
+                                        Args... args)
+{
+    return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(
+        s_szClass, point, [&] { return Call<Result>(function, args...); });
+}
+
+void CGinaPluginObject::DynamicUnload()
+{
+    CallUnchained<void>(TEXT("DynamicUnload"), m_DynamicUnload);
+}
+
+bool CGinaPluginObject::Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount, LPWSTR lpWinsta,
+                                   HANDLE hWlx, PVOID pvReserved, PVOID pWinlogonFunctions,
+                                   PVOID* pWlxContext, DWORD dwLoadFlag1, DWORD dwLoadFlag2)
+{
+    return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(
+        s_szClass, TEXT("Initialize"), [&] {
+            RequireResolved(m_Initialize);
+            m_pGinaPluginContext->SetWlxHandle(hWlx);
+            return Call<bool>(m_Initialize, pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
+                              pWinlogonFunctions, pWlxContext, dwLoadFlag1, dwLoadFlag2);
+        });
+}
+
+bool CGinaPluginObject::Negotiate(DWORD, DWORD*, CGinaPluginInfo* pPluginInfo)
+{
+    return CallUnchained<bool>(TEXT("Negotiate"), m_Negotiate, pPluginInfo);
+}
+
+bool CGinaPluginObject::QueryPlugin(CGinaPluginInfo* pPluginInfo, DWORD dwQueryParam1, DWORD dwQueryParam2,
+                                    DWORD dwQueryParam3)
+{
+    return CallUnchained<bool>(TEXT("QueryPlugin"), m_QueryPlugin, pPluginInfo, dwQueryParam1, dwQueryParam2,
+                               dwQueryParam3);
+}
+
+bool CGinaPluginObject::QueryPluginInfo(CGinaPluginInfo* pPluginInfo)
+{
+    return CallUnchained<bool>(TEXT("QueryPluginInfo"), m_QueryPluginInfo, pPluginInfo);
+}

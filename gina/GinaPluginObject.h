@@ -1,0 +1,97 @@
+#pragma once
+
+#include "ChainedGinaObject.h"
+#include "Exceptions.h"
+
+/// A plugin: a DLL with the LUM exports, in front of the standard GINA.
+///
+/// Its chained operations hand it the node of the list that holds it, and refuse a call that no object
+/// follows in. All exports that the version it negotiates calls for must be there.
+class CGinaPluginObject final : public CChainedGinaObject<CGinaPluginObject>
+{
+public:
+    /// Loads the DLL, negotiates with it and resolves its exports; arguments as for CGinaObject. Throws
+    /// what CGinaObject's constructor throws, CUnableToLoadDLLException, CUnableToLoadDLLFunctionException,
+    /// CFailedGinaNegotiationsException, or CUnhandledPluginException for anything else, a fault in the
+    /// plugin included. The DLL is freed again then.
+    CGinaPluginObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance,
+                      const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
+    ~CGinaPluginObject();
+
+    void DynamicUnload() override;
+    bool Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount, LPWSTR lpWinsta, HANDLE hWlx,
+                    PVOID pvReserved, PVOID pWinlogonFunctions, PVOID* pWlxContext, DWORD dwLoadFlag1,
+                    DWORD dwLoadFlag2) override;
+    bool Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion, CGinaPluginInfo* pPluginInfo) override;
+    bool QueryPlugin(CGinaPluginInfo* pPluginInfo, DWORD dwQueryParam1, DWORD dwQueryParam2,
+                     DWORD dwQueryParam3) override;
+    bool QueryPluginInfo(CGinaPluginInfo* pPluginInfo) override;
+
+private:
+    friend class CChainedGinaObject;
+
+    static constexpr const WCHAR* s_szClass = TEXT("CGinaPluginObject");
+
+    void Hook();
+    void NegotiateVersions();
+
+    template <typename Result, typename Function, typename... Args>
+    Result Chain(CTracePoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
+    template <typename Result, typename Function, typename... Args>
+    Result CallUnchained(CTracePoint point, const CGinaExport<Function>& function, Args... args);
+
+    // In the order in which they are resolved. A BYTE result is a byte boolean: the rest of the register
+    // that it comes in says nothing.
+    CExportTable m_Exports;
+    CGinaExport<BYTE WINAPI(CGinaPluginInfo*)> m_Negotiate{m_Exports, "LUMNegotiate"};
+    CGinaExport<BYTE WINAPI(CGinaPluginInfo*, DWORD, DWORD, DWORD)> m_QueryPlugin{m_Exports,
+                                                                                  "LUMQueryPlugin"};
+    CGinaExport<BYTE WINAPI(CGinaPluginInfo*)> m_QueryPluginInfo{m_Exports, "LUMQueryPluginInfo"};
+    CGinaExport<void WINAPI()> m_DynamicUnload{m_Exports, "LUMDynamicUnload"};
+    CGinaExport<BOOL WINAPI(CLUMObject*, DWORD, LPWSTR, HANDLE, PVOID, PVOID, PVOID*, DWORD, DWORD)>
+        m_Initialize{m_Exports, "LUMInitialize"};
+    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_DisplaySASNotice{m_Exports, "LUMDisplaySASNotice"};
+    CGinaExport<int WINAPI(GinaNode*, PVOID, DWORD, PLUID, PSID, PDWORD, PHANDLE, PWLX_MPR_NOTIFY_INFO,
+                           PVOID*)>
+        m_LoggedOutSAS{m_Exports, "LUMLoggedOutSAS"};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, PWSTR, PWSTR, PVOID)> m_ActivateUserShell{
+        m_Exports, "LUMActivateUserShell"};
+    CGinaExport<int WINAPI(GinaNode*, PVOID, DWORD, PVOID)> m_LoggedOnSAS{m_Exports, "LUMLoggedOnSAS"};
+    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_DisplayLockedNotice{m_Exports, "LUMDisplayLockedNotice"};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID)> m_IsLockOk{m_Exports, "LUMIsLockOk"};
+    CGinaExport<int WINAPI(GinaNode*, PVOID, DWORD)> m_WkstaLockedSAS{m_Exports, "LUMWkstaLockedSAS"};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID)> m_IsLogoffOk{m_Exports, "LUMIsLogoffOk"};
+    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_Logoff{m_Exports, "LUMLogoff"};
+    CGinaExport<void WINAPI(GinaNode*, PVOID, DWORD)> m_Shutdown{m_Exports, "LUMShutdown"};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, PWSTR, PVOID, PWSTR)> m_StartApplication{
+        m_Exports, "LUMStartApplication", WLX_VERSION_1_0};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, BOOL*)> m_ScreenSaverNotify{m_Exports, "LUMScreenSaverNotify",
+                                                                          WLX_VERSION_1_0};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, PWLX_MPR_NOTIFY_INFO)> m_NetworkProviderLoad{
+        m_Exports, "LUMNetworkProviderLoad", WLX_VERSION_1_2};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, HDESK, DWORD, PWSTR, PWSTR)> m_DisplayStatusMessage{
+        m_Exports, "LUMDisplayStatusMessage", WLX_VERSION_1_2};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, DWORD*, PWSTR, DWORD)> m_GetStatusMessage{
+        m_Exports, "LUMGetStatusMessage", WLX_VERSION_1_2};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID)> m_RemoveStatusMessage{m_Exports, "LUMRemoveStatusMessage",
+                                                                     WLX_VERSION_1_2};
+    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, PVOID)> m_GetConsoleSwitchCredentials{
+        m_Exports, "LUMGetConsoleSwitchCredentials", WLX_VERSION_1_3};
+    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_ReconnectNotify{m_Exports, "LUMReconnectNotify",
+                                                                 WLX_VERSION_1_3};
+    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_DisconnectNotify{m_Exports, "LUMDisconnectNotify",
+                                                                  WLX_VERSION_1_3};
+};
+
+/// A chained operation: another object follows the plugin, or it is not called.
+template <typename Result, typename Function, typename... Args>
+Result CGinaPluginObject::Chain(CTracePoint point, const CGinaExport<Function>& function, GinaNode* pNode,
+                                Args... args)
+{
+    return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(s_szClass, point, [&] {
+        if (pNode->pNext == nullptr) {
+            throw CUnexpectedEndOfListException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
+        }
+        return Call<Result>(function, pNode, args...);
+    });
+}

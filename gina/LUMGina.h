@@ -1,0 +1,88 @@
+#pragma once
+
+#include <windows.h>
+#include <winwlx.h>
+
+#include "GinaContext.h"
+#include "GinaObject.h"
+#include "Operation.h"
+#include "WinlogonObject.h"
+
+/// The host: the one object behind the exported entry points. It owns every other long-lived object.
+///
+/// Created at process attach, destroyed at process detach. Its operations run on Winlogon's thread;
+/// they give their default result for whatever fails, and throw only where that is said.
+class CLUMGina
+{
+public:
+    /// Creates the members. A member that cannot be created ends that; it and those after it stay null,
+    /// and operations that need one give their default result. Throws CLUMInitializeFailException, and
+    /// nothing else, for a null module handle.
+    explicit CLUMGina(HINSTANCE hInstance);
+    ~CLUMGina();
+    CLUMGina(const CLUMGina&) = delete;
+    CLUMGina& operator=(const CLUMGina&) = delete;
+
+    /// Builds the GINA object list and tells Winlogon the interface version of the passthrough GINA, at
+    /// most 1.4. Throws when "msgina.dll" is the last resort and cannot be loaded either.
+    BOOL LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion);
+
+    /// Initialises every object of the list, first to last; those that refuse are removed. What the last
+    /// one stores through pWlxContext is the context that Winlogon passes to every later call.
+    BOOL LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, PVOID pWinlogonFunctions,
+                          PVOID* pWlxContext);
+
+    // The calls that go to the first object of the list, each with the arguments and the result of the
+    // Wlx function of that name. They throw CNoGINAorPluginToCallException when the list is empty.
+    BOOL LUMWlxActivateUserShell(PVOID pWlxContext, PWSTR pszDesktopName, PWSTR pszMprLogonScript,
+                                 PVOID pEnvironment);
+    void LUMWlxDisconnectNotify(PVOID pWlxContext);
+    void LUMWlxDisplayLockedNotice(PVOID pWlxContext);
+    void LUMWlxDisplaySASNotice(PVOID pWlxContext);
+    BOOL LUMWlxDisplayStatusMessage(PVOID pWlxContext, HDESK hDesktop, DWORD dwOptions, PWSTR pTitle,
+                                    PWSTR pMessage);
+    BOOL LUMWlxGetConsoleSwitchCredentials(PVOID pWlxContext, PVOID pCredInfo);
+    BOOL LUMWlxGetStatusMessage(PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage, DWORD dwBufferSize);
+    BOOL LUMWlxIsLockOk(PVOID pWlxContext);
+    BOOL LUMWlxIsLogoffOk(PVOID pWlxContext);
+    int LUMWlxLoggedOnSAS(PVOID pWlxContext, DWORD dwSasType, PVOID pReserved);
+    int LUMWlxLoggedOutSAS(PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId, PSID pLogonSid,
+                           PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo,
+                           PVOID* pProfile);
+    void LUMWlxLogoff(PVOID pWlxContext);
+    BOOL LUMWlxNetworkProviderLoad(PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo);
+    void LUMWlxReconnectNotify(PVOID pWlxContext);
+    BOOL LUMWlxRemoveStatusMessage(PVOID pWlxContext);
+    BOOL LUMWlxScreenSaverNotify(PVOID pWlxContext, BOOL* pSecure);
+    void LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType);
+    BOOL LUMWlxStartApplication(PVOID pWlxContext, PWSTR pszDesktopName, PVOID pEnvironment,
+                                PWSTR pszCmdLine);
+    int LUMWlxWkstaLockedSAS(PVOID pWlxContext, DWORD dwSasType);
+
+    DWORD m_dwNegotiatedWlxVersion;
+    CGinaContext* m_pGinaContext;
+    CGinaObjectList* m_pGinaObjectList;
+    CWinlogonObject* m_pWinlogonObject;
+
+private:
+    static constexpr const WCHAR* s_szClass = TEXT("CLUMGina");
+
+    void CreateMembers(HINSTANCE hInstance);
+
+    void LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion);
+    void AddConfiguredPassthroughGina(DWORD dwWinlogonVersion);
+    bool AgreeOnVersion(DWORD* pdwDllVersion);
+    template <typename Object>
+    void AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion);
+
+    void RequireGinaObjects() const;
+    template <typename Initialize>
+    void InitializeObjects(Initialize initialize);
+    void SetWinlogonTimeout(HANDLE hWlx) noexcept;
+
+    template <typename Result, typename... Params, typename... Args>
+    Result CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params...), Args... args);
+    template <typename Result, typename... Params, typename... Args>
+    Result Dispatch(CTracePoint point, Result (CGinaObject::*pfnOperation)(GinaNode*, Params...),
+                    Args... args);
+};

@@ -1,0 +1,136 @@
+#include "Exceptions.h"
+#include "LUMGina.h"
+
+// The 19 calls that Winlogon drives a GINA with, after negotiation and initialisation.
+
+/// Calls one operation of the first object of the list; passing the call on is the objects' business.
+template <typename Result, typename... Params, typename... Args>
+Result CLUMGina::CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params...), Args... args)
+{
+    RequireGinaObjects();
+    m_pGinaObjectList->Begin();
+    CGinaObject* pFirst = nullptr;
+    if (!m_pGinaObjectList->GetItem(pFirst) || pFirst == nullptr) {
+        return FailureResult<Result>();
+    }
+    return (pFirst->*pfnOperation)(m_pGinaObjectList->m_pCursor, args...);
+}
+
+template <typename Result, typename... Params, typename... Args>
+Result CLUMGina::Dispatch(CTracePoint point, Result (CGinaObject::*pfnOperation)(GinaNode*, Params...),
+                          Args... args)
+{
+    using Handler =
+        PassOn<Absorb<CUnexpectedEndOfListException, CNullFunctionHandleException, CUnhandledPluginException>,
+               CNoGINAorPluginToCallException>;
+    const COperation op(LUM_GINA_ORIGIN, s_szClass, point);
+    return op.Run(Handler(), [&] { return CallFirst(pfnOperation, args...); });
+}
+
+BOOL CLUMGina::LUMWlxActivateUserShell(PVOID pWlxContext, PWSTR pszDesktopName, PWSTR pszMprLogonScript,
+                                       PVOID pEnvironment)
+{
+    return Dispatch(TEXT("LUMWlxActivateUserShell"), &CGinaObject::ActivateUserShell, pWlxContext,
+                    pszDesktopName, pszMprLogonScript, pEnvironment);
+}
+
+void CLUMGina::LUMWlxDisconnectNotify(PVOID pWlxContext)
+{
+    Dispatch(TEXT("LUMWlxDisconnectNotify"), &CGinaObject::DisconnectNotify, pWlxContext);
+}
+
+void CLUMGina::LUMWlxDisplayLockedNotice(PVOID pWlxContext)
+{
+    Dispatch(TEXT("LUMWlxDisplayLockedNotice"), &CGinaObject::DisplayLockedNotice, pWlxContext);
+}
+
+void CLUMGina::LUMWlxDisplaySASNotice(PVOID pWlxContext)
+{
+    Dispatch(TEXT("LUMWlxDisplaySASNotice"), &CGinaObject::DisplaySASNotice, pWlxContext);
+}
+
+BOOL CLUMGina::LUMWlxDisplayStatusMessage(PVOID pWlxContext, HDESK hDesktop, DWORD dwOptions, PWSTR pTitle,
+                                          PWSTR pMessage)
+{
+    return Dispatch(TEXT("LUMWlxDisplayStatusMessage"), &CGinaObject::DisplayStatusMessage, pWlxContext,
+                    hDesktop, dwOptions, pTitle, pMessage);
+}
+
+BOOL CLUMGina::LUMWlxGetConsoleSwitchCredentials(PVOID pWlxContext, PVOID pCredInfo)
+{
+    return Dispatch(TEXT("LUMWlxGetConsoleSwitchCredentials"), &CGinaObject::GetConsoleSwitchCredentials,
+                    pWlxContext, pCredInfo);
+}
+
+BOOL CLUMGina::LUMWlxGetStatusMessage(PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
+                                      DWORD dwBufferSize)
+{
+    return Dispatch(TEXT("LUMWlxGetStatusMessage"), &CGinaObject::GetStatusMessage, pWlxContext, pdwOptions,
+                    pMessage, dwBufferSize);
+}
+
+BOOL CLUMGina::LUMWlxIsLockOk(PVOID pWlxContext)
+{
+    return Dispatch(TEXT("LUMWlxIsLockOk"), &CGinaObject::IsLockOk, pWlxContext);
+}
+
+BOOL CLUMGina::LUMWlxIsLogoffOk(PVOID pWlxContext)
+{
+    return Dispatch(TEXT("LUMWlxIsLogoffOk"), &CGinaObject::IsLogoffOk, pWlxContext);
+}
+
+int CLUMGina::LUMWlxLoggedOnSAS(PVOID pWlxContext, DWORD dwSasType, PVOID pReserved)
+{
+    return Dispatch(TEXT("LUMWlxLoggedOnSAS"), &CGinaObject::LoggedOnSAS, pWlxContext, dwSasType, pReserved);
+}
+
+int CLUMGina::LUMWlxLoggedOutSAS(PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId, PSID pLogonSid,
+                                 PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo,
+                                 PVOID* pProfile)
+{
+    return Dispatch(TEXT("LUMWlxLoggedOutSAS"), &CGinaObject::LoggedOutSAS, pWlxContext, dwSasType,
+                    pAuthenticationId, pLogonSid, pdwOptions, phToken, pNprNotifyInfo, pProfile);
+}
+
+void CLUMGina::LUMWlxLogoff(PVOID pWlxContext)
+{
+    Dispatch(TEXT("LUMWlxLogoff"), &CGinaObject::Logoff, pWlxContext);
+}
+
+BOOL CLUMGina::LUMWlxNetworkProviderLoad(PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo)
+{
+    return Dispatch(TEXT("LUMWlxNetworkProviderLoad"), &CGinaObject::NetworkProviderLoad, pWlxContext,
+                    pNprNotifyInfo);
+}
+
+void CLUMGina::LUMWlxReconnectNotify(PVOID pWlxContext)
+{
+    Dispatch(TEXT("LUMWlxReconnectNotify"), &CGinaObject::ReconnectNotify, pWlxContext);
+}
+
+BOOL CLUMGina::LUMWlxRemoveStatusMessage(PVOID pWlxContext)
+{
+    return Dispatch(TEXT("LUMWlxRemoveStatusMessage"), &CGinaObject::RemoveStatusMessage, pWlxContext);
+}
+
+BOOL CLUMGina::LUMWlxScreenSaverNotify(PVOID pWlxContext, BOOL* pSecure)
+{
+    return Dispatch(TEXT("LUMWlxScreenSaverNotify"), &CGinaObject::ScreenSaverNotify, pWlxContext, pSecure);
+}
+
+void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
+{
+    Dispatch(TEXT("LUMWlxShutdown"), &CGinaObject::Shutdown, pWlxContext, dwShutdownType);
+}
+
+BOOL CLUMGina::LUMWlxStartApplication(PVOID pWlxContext, PWSTR pszDesktopName, PVOID pEnvironment,
+                                      PWSTR pszCmdLine)
+{
+    return Dispatch(TEXT("LUMWlxStartApplication"), &CGinaObject::StartApplication, pWlxContext,
+                    pszDesktopName, pEnvironment, pszCmdLine);
+}
+
+int CLUMGina::LUMWlxWkstaLockedSAS(PVOID pWlxContext, DWORD dwSasType)
+{
+    return Dispatch(TEXT("LUMWlxWkstaLockedSAS"), &CGinaObject::WkstaLockedSAS, pWlxContext, dwSasType);
+}

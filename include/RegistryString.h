@@ -1,0 +1,38 @@
+#pragma once
+
+#include "RegistryValue.h"
+
+/// A text in the registry, with a cached copy of at most 259 characters, empty until the first read.
+class CRegistryString final : public CRegistryValue
+{
+public:
+    static constexpr DWORD MAX_CHARACTERS = 259;
+
+    /// bReadNow: read the value into the cache here. The rest as for CRegistryValue. Throws
+    /// CBadArgException, what OpenKey and ReadRegistry throw, CRegistryStringInitException.
+    CRegistryString(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot, const WCHAR* szSubKey,
+                    const WCHAR* szValueName, REGSAM samDesired, bool bCreate, bool bOpenNow,
+                    bool bReadThrough, bool bWriteThrough, bool bReadNow, DWORD dwOptions);
+    ~CRegistryString();
+
+    /// Copies the text into a buffer of cchDest characters, cut to fit and always terminated, after
+    /// reading the registry if bRefresh is set or the value is read through. Throws CBadArgException,
+    /// CUnableToReadRegistryException.
+    bool GetRegistryString(WCHAR* szDest, DWORD cchDest, bool bRefresh);
+
+    /// Keeps the text, cut to 259 characters, and writes it if bForceWrite is set or the value is written
+    /// through. When the write fails the cache keeps the new text. Throws CBadArgException,
+    /// CUnableToWriteRegistryException, CWcscpyException.
+    bool SetRegistryString(const WCHAR* szSrc, bool bForceWrite);
+
+    bool ReadRegistry() override;
+    bool WriteRegistry() override;
+
+private:
+    static constexpr const WCHAR* s_szClass = TEXT("CRegistryString");
+
+    void Fetch();
+    void Flush() const;
+
+    WCHAR m_szRegString[MAX_CHARACTERS + 1];
+};

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <string>
+
+#include "RegistryKey.h"
+
+class COperation;
+
+/// One named value of a registry key: what its kinds have in common.
+///
+/// The value operations work on the handle that the key holds: the key must be open. A value is
+/// destroyed as the kind it is.
+class CRegistryValue : public CRegistryKey
+{
+public:
+    /// Reads the registry into the cached copy. Throws CUnableToReadRegistryException.
+    virtual bool ReadRegistry() = 0;
+
+    /// Writes the cached copy to the registry. Throws CUnableToWriteRegistryException.
+    virtual bool WriteRegistry() = 0;
+
+    /// Deletes the value from the key. Throws CUnableToDeleteRegistryValueException.
+    bool DeleteRegistryValue();
+
+protected:
+    /// szValueName: not empty. bReadThrough: every get reads the registry. bWriteThrough: every set
+    /// writes it. The rest as for CRegistryKey. Throws CBadArgException, what OpenKey throws,
+    /// CRegistryValueInitException.
+    CRegistryValue(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot, const WCHAR* szSubKey,
+                   const WCHAR* szValueName, REGSAM samDesired, bool bCreate, bool bOpenNow,
+                   bool bReadThrough, bool bWriteThrough, DWORD dwOptions);
+    ~CRegistryValue();
+
+    /// Reads the value's data, of whatever type it is, at most cbData bytes. Gives the number of bytes
+    /// read; a missing value is made by createDefault() when that is allowed, and counts as no bytes.
+    /// Throws CUnableToReadRegistryException.
+    template <typename CreateDefault>
+    DWORD Query(void* pData, DWORD cbData, CreateDefault createDefault)
+    {
+        const LONG lResult = TryQuery(pData, &cbData);
+        if (lResult == ERROR_FILE_NOT_FOUND && m_bCreate) {
+            createDefault();
+            ReportDefault();
+            return 0;
+        }
+        if (lResult != ERROR_SUCCESS) {
+            FailRead(lResult);
+        }
+        return cbData;
+    }
+
+    /// Writes the value. Throws CUnableToWriteRegistryException.
+    void Store(DWORD dwType, const void* pData, DWORD cbData) const;
+
+    std::basic_string<WCHAR> m_szValueName;
+    bool m_bReadThrough;
+    bool m_bWriteThrough;
+
+private:
+    static constexpr const WCHAR* s_szClass = TEXT("CRegistryValue");
+
+    LONG TryQuery(void* pData, DWORD* pcbData) const;
+    void ReportDefault() const;
+    [[noreturn]] void FailRead(LONG lError) const;
+};
