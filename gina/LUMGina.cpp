@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "Exceptions.h"
+#include "GinaPluginObject.h"
 #include "GinaStandardObject.h"
 
 // Construction, negotiation and initialisation of the host; its dispatch is in LUMGinaDispatch.cpp.
@@ -12,6 +13,8 @@ namespace {
 
 constexpr DWORD HIGHEST_WLX_VERSION = WLX_VERSION_1_4;
 constexpr DWORD DEFAULT_TIMEOUT_SECONDS = 120;
+constexpr DWORD NAME_CAPACITY = 260;
+constexpr WCHAR TXT_NO_PLUGIN_OBJECT[] = TEXT("Unable to create gina plugin");
 constexpr WCHAR FALLBACK_GINA[] = TEXT("msgina.dll");
 
 /// Creates one member of the host.
@@ -49,7 +52,7 @@ T& Needed(T* pMember)
 
 CLUMGina::CLUMGina(HINSTANCE hInstance)
     : m_dwNegotiatedWlxVersion(0), m_pGinaContext(nullptr), m_pGinaObjectList(nullptr),
-      m_pWinlogonObject(nullptr)
+      m_pLUMRegistry(nullptr), m_pWinlogonObject(nullptr)
 {
     const CConstructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
     if (hInstance == nullptr) {
@@ -69,12 +72,14 @@ CLUMGina::~CLUMGina()
     const CDestructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
     DestroyMember(m_pWinlogonObject, TEXT("m_pWinlogonObject"));
     DestroyMember(m_pGinaObjectList, TEXT("m_pGinaObjectList"));
+    DestroyMember(m_pLUMRegistry, TEXT("m_pLUMRegistry"));
     DestroyMember(m_pGinaContext, TEXT("m_pGinaContext"));
 }
 
 void CLUMGina::CreateMembers(HINSTANCE hInstance)
 {
     CreateMember(m_pGinaContext, TEXT("m_pGinaContext"), hInstance);
+    CreateMember(m_pLUMRegistry, TEXT("m_pLUMRegistry"));
     CreateMember(m_pGinaObjectList, TEXT("m_pGinaObjectList"));
     CreateMember(m_pWinlogonObject, TEXT("m_pWinlogonObject"));
 }
@@ -84,6 +89,7 @@ BOOL CLUMGina::LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion)
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMWlxNegotiate"));
     const auto passOn = [](const COperation&) { throw; };
     return op.Run(passOn, [&] {
+        LoadPlugins(op, dwWinlogonVersion);
         LoadPassthroughGina(op, dwWinlogonVersion);
         try {
             return AgreeOnVersion(pdwDllVersion);
@@ -106,6 +112,34 @@ void CLUMGina::AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion)
     }
 }
 
+void CLUMGina::LoadPlugins(const COperation& op, DWORD dwWinlogonVersion)
+{
+    try {
+        const DWORD dwPlugins = Needed(m_pLUMRegistry).GetNumPlugins(false);
+        for (DWORD dwIndex = 0; dwIndex < dwPlugins; ++dwIndex) {
+            LoadPlugin(dwIndex, dwWinlogonVersion);
+        }
+    } catch (...) {
+        op.Warn(ERR_UNHANDLED_EXCEPTION);
+    }
+}
+
+/// A plugin that cannot be used is left out; those after it are still tried.
+void CLUMGina::LoadPlugin(DWORD dwIndex, DWORD dwWinlogonVersion)
+{
+    WCHAR szPlugin[NAME_CAPACITY] = {};
+    m_pLUMRegistry->GetPlugin(szPlugin, NAME_CAPACITY, dwIndex);
+    if (*szPlugin == 0) {
+        return;
+    }
+    try {
+        AddGinaObject<CGinaPluginObject>(szPlugin, dwWinlogonVersion);
+    } catch (CMessage& message) {
+        message.WriteIfUnwritten();
+        CPluginWarning(LUM_GINA_ORIGIN, TXT_NO_PLUGIN_OBJECT, szPlugin);
+    }
+}
+
 void CLUMGina::LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion)
 {
     bool bConfigured = false;
@@ -123,9 +157,13 @@ void CLUMGina::LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion
     }
 }
 
-void CLUMGina::AddConfiguredPassthroughGina(DWORD)
+void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
 {
-    throw CUnableToLoadPassthroughGinaException(LUM_GINA_ORIGIN);
+    WCHAR szGinaDLL[NAME_CAPACITY] = {};
+    if (m_pLUMRegistry == nullptr || !m_pLUMRegistry->GetGinaDLL(szGinaDLL, NAME_CAPACITY, true)) {
+        throw CUnableToLoadPassthroughGinaException(LUM_GINA_ORIGIN);
+    }
+    AddGinaObject<CGinaStandardObject>(szGinaDLL, dwWinlogonVersion);
 }
 
 bool CLUMGina::AgreeOnVersion(DWORD* pdwDllVersion)
@@ -151,10 +189,11 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
     using Handler = Absorb<CNoGINAorPluginToCallException, CUnexpectedEndOfListException,
                            CNullFunctionHandleException, CUnhandledPluginException>;
     return op.Run(Handler(), [&] {
+        SetStatus(op, 1);
         Needed(m_pGinaContext).SetWlxHandle(hWlx);
         Needed(m_pWinlogonObject).SetWinlogonObject(pWinlogonFunctions, m_dwNegotiatedWlxVersion);
         RequireGinaObjects();
-        constexpr DWORD dwInstanceCount = 1;
+        const DWORD dwInstanceCount = ReadSetting(&CLUMRegistry::GetInstanceCount, 1);
         InitializeObjects([&](CGinaObject& object) {
             return object.Initialize(nullptr, dwInstanceCount, lpWinsta, hWlx, pvReserved, pWinlogonFunctions,
                                      pWlxContext, 0, 0);
@@ -168,6 +207,32 @@ void CLUMGina::RequireGinaObjects() const
 {
     if (m_pGinaObjectList == nullptr || m_pGinaObjectList->m_dwCount == 0) {
         throw CNoGINAorPluginToCallException(LUM_GINA_ORIGIN);
+    }
+}
+
+/// A setting as it stands in the registry, the default when it cannot be read.
+DWORD CLUMGina::ReadSetting(bool (CLUMRegistry::*pfnGet)(DWORD*, bool), DWORD dwDefault) noexcept
+{
+    DWORD dwValue = 0;
+    try {
+        return (Needed(m_pLUMRegistry).*pfnGet)(&dwValue, true) ? dwValue : dwDefault;
+    } catch (...) {
+        IsHandling<CMessage>();
+        return dwDefault;
+    }
+}
+
+/// Tells other processes whether a host is in service, and counts its initialisations. Nobody is kept
+/// from logging on because that cannot be written down.
+void CLUMGina::SetStatus(const COperation& op, DWORD dwEnabled) noexcept
+{
+    try {
+        Needed(m_pLUMRegistry).SetEnabled(dwEnabled);
+        if (dwEnabled != 0) {
+            m_pLUMRegistry->IncreaseInstanceCount();
+        }
+    } catch (...) {
+        Absorb<CUnableToWriteRegistryException>()(op);
     }
 }
 
@@ -193,9 +258,10 @@ void CLUMGina::InitializeObjects(Initialize initialize)
 void CLUMGina::SetWinlogonTimeout(HANDLE hWlx) noexcept
 {
     try {
+        const DWORD dwTimeout = ReadSetting(&CLUMRegistry::GetTimeout, DEFAULT_TIMEOUT_SECONDS);
         const PWLX_SET_TIMEOUT pfnSetTimeout = Needed(m_pWinlogonObject).GetWlxSetTimeout();
         if (pfnSetTimeout != nullptr) {
-            pfnSetTimeout(hWlx, DEFAULT_TIMEOUT_SECONDS);
+            GuardedCall([&] { pfnSetTimeout(hWlx, dwTimeout); });
         }
     } catch (...) {
         return;

@@ -5,6 +5,7 @@
 
 #include "GinaContext.h"
 #include "GinaObject.h"
+#include "LUMRegistry.h"
 #include "Operation.h"
 #include "WinlogonObject.h"
 
@@ -62,6 +63,7 @@ public:
     DWORD m_dwNegotiatedWlxVersion;
     CGinaContext* m_pGinaContext;
     CGinaObjectList* m_pGinaObjectList;
+    CLUMRegistry* m_pLUMRegistry;
     CWinlogonObject* m_pWinlogonObject;
 
 private:
@@ -69,6 +71,8 @@ private:
 
     void CreateMembers(HINSTANCE hInstance);
 
+    void LoadPlugins(const COperation& op, DWORD dwWinlogonVersion);
+    void LoadPlugin(DWORD dwIndex, DWORD dwWinlogonVersion);
     void LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion);
     void AddConfiguredPassthroughGina(DWORD dwWinlogonVersion);
     bool AgreeOnVersion(DWORD* pdwDllVersion);
@@ -76,6 +80,8 @@ private:
     void AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion);
 
     void RequireGinaObjects() const;
+    DWORD ReadSetting(bool (CLUMRegistry::*pfnGet)(DWORD*, bool), DWORD dwDefault) noexcept;
+    void SetStatus(const COperation& op, DWORD dwEnabled) noexcept;
     template <typename Initialize>
     void InitializeObjects(Initialize initialize);
     void SetWinlogonTimeout(HANDLE hWlx) noexcept;

@@ -1,6 +1,7 @@
 #include "Failures.h"
 
 #include "platform/FaultGuard.h"
+#include "platform/StructuredExceptions.h"
 
 namespace {
 
@@ -32,7 +33,7 @@ __attribute__((noinline)) DWORD ExhaustStack(DWORD dwDepth)
 
 bool CanFail(StandinFailure failure)
 {
-    return failure != StandinFailure::StructuredException || FaultGuard::HasStructuredExceptions();
+    return failure != StandinFailure::StructuredException || StructuredExceptions::AreAvailable();
 }
 
 void Fail(StandinFailure failure, DWORD dwCode)
@@ -52,7 +53,7 @@ void Fail(StandinFailure failure, DWORD dwCode)
     case StandinFailure::Throw:
         FaultGuard::RaiseForeignException();
     case StandinFailure::StructuredException:
-        RaiseException(dwCode, 0, 0, nullptr);
+        StructuredExceptions::Raise(dwCode);
         break;
     }
 }

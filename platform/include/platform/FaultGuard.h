@@ -18,6 +18,8 @@
 //   CHostFrames    marks the frames from here on as the host's again, for a call that comes back
 //                  from Winlogon while a DLL of the same thread is in a guarded call.
 //
+// Each module that links this has its own: a guard of one module is only a frame to another.
+//
 // All of it is per thread, and guarded calls nest. A fault outside a guarded call keeps its default
 // effect: the host does not hide its own bugs.
 
@@ -41,35 +43,54 @@ namespace FaultGuard {
 
 /// Runs pfnCall(pContext) inside a guard of this thread.
 ///
-/// Throws CForeignFault for a processor fault or a foreign exception in it, and the host's own
-/// exception, unchanged, where one crossed the DLL's frames (see CalledFromDLL). After any of them
-/// the thread can go on and be guarded again; objects of the faulting frames are not destroyed.
+/// Throws CForeignFault for a processor fault or a foreign exception in it. An exception of the host
+/// leaves it unchanged, whether pfnCall threw it or it crossed the DLL's frames (see CalledFromDLL).
+/// After any of them the thread can go on and be guarded again: its stack can overflow once more, its
+/// floating-point unit and signal mask are as they were, and C++ handlers that the fault left open are
+/// closed. Objects of the host's own frames inside the call are not destroyed by a fault.
+///
+/// The last error after the call is the one that pfnCall left. Notifications meant for a debugger (a
+/// breakpoint, a single step, debug output) are not faults and pass by.
 void RunGuarded(void (*pfnCall)(void*), void* pContext);
 
 /// Throws pException to the caller of the current operation: as it is when no DLL of this thread is
 /// between here and the guard, otherwise in the form that the DLL's frames understand.
 ///
-/// No frame between this call and the DLL may hold an object with a destructor.
+/// No frame between this call and the DLL may hold an object with a destructor. While the exception
+/// travels it belongs to the DLL's frames: one that swallows it releases it.
 [[noreturn]] void ThrowToCaller(std::exception_ptr pException);
 
 /// Raises a C++ exception as the compiler of real plugins does, one that the host did not throw.
 /// For stand-in DLLs that must fail like a plugin; never returns.
 [[noreturn]] void RaiseForeignException();
 
+/// Whether the system has exceptions that are raised by a code, as RaiseException does.
+bool HasStructuredExceptions() noexcept;
+
+class CGuard;
+
 } // namespace FaultGuard
 
+/// What a fault in host frames means to the guarded call that is further out.
+enum class HostFaults
+{
+    Default, ///< not its business: the fault keeps its default effect
+    Guarded  ///< the call has failed, as it has when the DLL faults itself
+};
+
 /// Marks the frames of this scope as the host's own, whatever guarded call is further out: what is
-/// thrown in them is an ordinary C++ exception, and a fault in them keeps its default effect.
+/// thrown in them is an ordinary C++ exception. An automatic object only: scopes end in reverse order.
 class CHostFrames
 {
 public:
-    CHostFrames() noexcept;
+    explicit CHostFrames(HostFaults faults = HostFaults::Default) noexcept;
     ~CHostFrames();
     CHostFrames(const CHostFrames&) = delete;
     CHostFrames& operator=(const CHostFrames&) = delete;
 
 private:
-    void* m_pOuter;
+    FaultGuard::CGuard* m_pGuard; ///< the guard that the frames are in; null outside all guards
+    HostFaults m_Faults;
 };
 
 /// Calls into a loaded DLL: runs call() inside a guard and returns its result. Throws as RunGuarded.
@@ -97,13 +118,16 @@ auto GuardedCall(Call call)
 }
 
 /// Runs an operation that a loaded DLL may have called. What the operation throws goes through
-/// ThrowToCaller. The arguments that operation captures must have trivial destructors.
+/// ThrowToCaller, and a fault in it fails the DLL's call: a DLL can hand over any pointer. Operations
+/// may call each other. The arguments that operation captures must have trivial destructors.
 template <typename Operation>
 auto CalledFromDLL(Operation operation) -> std::invoke_result_t<Operation>
 {
     static_assert(std::is_trivially_destructible_v<Operation>);
     std::exception_ptr pException;
     try {
+        // Between two operations there is no DLL, so the inner one must not throw as if there were.
+        const CHostFrames frames(HostFaults::Guarded);
         return operation();
     } catch (...) {
         pException = std::current_exception();

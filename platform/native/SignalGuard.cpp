@@ -1,0 +1,57 @@
+#include "SignalGuard.h"
+
+#include <functional>
+
+namespace {
+
+// The signal handler reads it, and must not be what makes the thread allocate its variables.
+__attribute__((tls_model("initial-exec"))) constinit thread_local FaultGuard::CSignalGuard* t_pInnermost = nullptr;
+
+} // namespace
+
+namespace FaultGuard {
+
+CGuard* CGuard::GetInnermost() noexcept
+{
+    return t_pInnermost;
+}
+
+CSignalGuard::CSignalGuard() noexcept : m_pOuter(t_pInnermost)
+{
+    t_pInnermost = this;
+}
+
+CSignalGuard::~CSignalGuard()
+{
+    t_pInnermost = m_pOuter;
+}
+
+// Apart, and without variables, because it returns twice.
+__attribute__((noinline)) bool CSignalGuard::Run(void (*pfnCall)(void*), void* pContext)
+{
+    m_pFirstFrame = __builtin_frame_address(0);
+    if (sigsetjmp(m_ReturnPoint, 1) != 0) {
+        return false;
+    }
+    pfnCall(pContext);
+    return true;
+}
+
+void CSignalGuard::Abandon(DWORD dwCode) noexcept
+{
+    // A guard further in cannot be left over: it would have taken the fault, or does not want it, and
+    // then neither does this one.
+    m_dwCode = dwCode;
+    siglongjmp(m_ReturnPoint, 1);
+}
+
+bool CSignalGuard::IsInFrames(const void* pAddress, const void* pStackPointer) const noexcept
+{
+    // A call writes below the stack pointer before it moves it.
+    constexpr std::size_t cbBelow = 4096;
+    const std::less<const void*> isBelow;
+    return isBelow(static_cast<const char*>(pStackPointer) - cbBelow, pAddress) &&
+           isBelow(pAddress, m_pFirstFrame);
+}
+
+} // namespace FaultGuard

@@ -1,0 +1,8 @@
+#include "platform/StructuredExceptions.h"
+
+bool StructuredExceptions::AreAvailable() noexcept
+{
+    return false;
+}
+
+void StructuredExceptions::Raise(DWORD) {}
