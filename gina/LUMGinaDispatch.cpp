@@ -3,6 +3,15 @@
 
 // The 19 calls that Winlogon drives a GINA with, after negotiation and initialisation.
 
+namespace {
+
+/// An empty list is the export's affair; what goes wrong in the chain ends as the default result.
+using DispatchHandler =
+    PassOn<Absorb<CUnexpectedEndOfListException, CNullFunctionHandleException, CUnhandledPluginException>,
+           CNoGINAorPluginToCallException>;
+
+} // namespace
+
 /// Calls one operation of the first object of the list; passing the call on is the objects' business.
 template <typename Result, typename... Params, typename... Args>
 Result CLUMGina::CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params...), Args... args)
@@ -20,11 +29,8 @@ template <typename Result, typename... Params, typename... Args>
 Result CLUMGina::Dispatch(CTracePoint point, Result (CGinaObject::*pfnOperation)(GinaNode*, Params...),
                           Args... args)
 {
-    using Handler =
-        PassOn<Absorb<CUnexpectedEndOfListException, CNullFunctionHandleException, CUnhandledPluginException>,
-               CNoGINAorPluginToCallException>;
     const COperation op(LUM_GINA_ORIGIN, s_szClass, point);
-    return op.Run(Handler(), [&] { return CallFirst(pfnOperation, args...); });
+    return op.Run(DispatchHandler(), [&] { return CallFirst(pfnOperation, args...); });
 }
 
 BOOL CLUMGina::LUMWlxActivateUserShell(PVOID pWlxContext, PWSTR pszDesktopName, PWSTR pszMprLogonScript,
@@ -120,7 +126,11 @@ BOOL CLUMGina::LUMWlxScreenSaverNotify(PVOID pWlxContext, BOOL* pSecure)
 
 void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
 {
-    Dispatch(TEXT("LUMWlxShutdown"), &CGinaObject::Shutdown, pWlxContext, dwShutdownType);
+    const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMWlxShutdown"));
+    op.Run(DispatchHandler(), [&] {
+        SetStatus(op, 0);
+        CallFirst(&CGinaObject::Shutdown, pWlxContext, dwShutdownType);
+    });
 }
 
 BOOL CLUMGina::LUMWlxStartApplication(PVOID pWlxContext, PWSTR pszDesktopName, PVOID pEnvironment,

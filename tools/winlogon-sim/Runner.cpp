@@ -7,6 +7,10 @@
 
 namespace {
 
+// The out-pointers whose values Winlogon itself needs later: arguments of WlxNegotiate and WlxInitialize.
+constexpr DWORD NEGOTIATED_VERSION = 1;
+constexpr DWORD INITIALIZED_CONTEXT = 4;
+
 const StandinInterface* GetStandin(const CLibrary& library, const std::string& name)
 {
     const FARPROC pfn = library.FindExport("StandinGina");
@@ -174,8 +178,8 @@ const StandinRecord* CRunner::FindRecord(StandinCall call) const
 void CRunner::NoteAgreement(const CCallFrame& frame, LONG nResult)
 {
     if (frame.GetCall().id == StandinCall::WlxNegotiate) {
-        m_dwAgreed = nResult != 0 ? static_cast<DWORD>(frame.GetOut(1).number) : 0;
+        m_dwAgreed = nResult != 0 ? static_cast<DWORD>(frame.GetOut(NEGOTIATED_VERSION).number) : 0;
     } else if (frame.GetCall().id == StandinCall::WlxInitialize && nResult != 0) {
-        Winlogon::SetContext(static_cast<ULONG_PTR>(frame.GetOut(4).number));
+        Winlogon::SetContext(static_cast<ULONG_PTR>(frame.GetOut(INITIALIZED_CONTEXT).number));
     }
 }
