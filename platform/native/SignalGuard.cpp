@@ -27,21 +27,18 @@ CSignalGuard::~CSignalGuard()
 }
 
 // Apart, and without variables, because it returns twice.
-__attribute__((noinline)) bool CSignalGuard::Run(void (*pfnCall)(void*), void* pContext)
+__attribute__((noinline)) DWORD CSignalGuard::Run(DWORD (*pfnCall)(void*), void* pContext)
 {
     m_pFirstFrame = __builtin_frame_address(0);
     if (sigsetjmp(m_ReturnPoint, 1) != 0) {
-        return false;
+        return m_dwFault;
     }
-    pfnCall(pContext);
-    return true;
+    return pfnCall(pContext);
 }
 
 void CSignalGuard::Abandon(DWORD dwCode) noexcept
 {
-    // A guard further in cannot be left over: it would have taken the fault, or does not want it, and
-    // then neither does this one.
-    m_dwCode = dwCode;
+    m_dwFault = dwCode;
     siglongjmp(m_ReturnPoint, 1);
 }
 

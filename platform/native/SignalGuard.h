@@ -13,10 +13,8 @@ public:
     CSignalGuard() noexcept;
     ~CSignalGuard();
 
-    /// Runs pfnCall(pContext). False when a fault ended it; GetCode() tells which.
-    bool Run(void (*pfnCall)(void*), void* pContext);
-
-    DWORD GetCode() const noexcept { return m_dwCode; }
+    /// Gives what pfnCall(pContext) gives, or the code of the fault that ended it.
+    DWORD Run(DWORD (*pfnCall)(void*), void* pContext);
 
     /// Ends the call because of a fault. For the signal handler.
     [[noreturn]] void Abandon(DWORD dwCode) noexcept;
@@ -28,7 +26,7 @@ private:
     CSignalGuard* m_pOuter;
     const void* m_pFirstFrame = nullptr;
     sigjmp_buf m_ReturnPoint;
-    volatile DWORD m_dwCode = 0;
+    volatile DWORD m_dwFault = 0;
 };
 
 } // namespace FaultGuard

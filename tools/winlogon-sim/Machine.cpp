@@ -57,14 +57,15 @@ void DeleteValue(const WCHAR* szKey, const WCHAR* szValue)
 }
 
 /// The registry file of the command line must be usable: nothing of a machine's state may get lost.
-void CheckFile(LONG lResult, const char* szVerb, const std::string& path)
+void CheckFile(LONG lResult, const char* szVerb, const std::string& path, const std::string& reason = "")
 {
     if (lResult == ERROR_CALL_NOT_IMPLEMENTED) {
         throw CSetupError("--registry: this system has a registry of its own, which is used");
     }
     if (lResult != ERROR_SUCCESS) {
-        throw CSetupError(Format("cannot %s the registry file %s: error %d", szVerb, path.c_str(),
-                                 static_cast<int>(lResult)));
+        throw CSetupError(
+            Format("cannot %s the registry file %s: %s", szVerb, path.c_str(),
+                   reason.empty() ? Format("error %d", static_cast<int>(lResult)).c_str() : reason.c_str()));
     }
 }
 
@@ -73,9 +74,10 @@ void CheckFile(LONG lResult, const char* szVerb, const std::string& path)
 CMachine::CMachine(const COptions& options) : m_registry(options.registry)
 {
     if (!m_registry.empty()) {
-        const LONG lResult = MachineRegistry::Load(ToWide(m_registry).c_str());
+        std::string reason;
+        const LONG lResult = MachineRegistry::Load(ToWide(m_registry).c_str(), &reason);
         // A new machine: the file is made when its day is over.
-        CheckFile(lResult == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : lResult, "load", m_registry);
+        CheckFile(lResult == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : lResult, "load", m_registry, reason);
     }
     if (options.traceLog.empty()) {
         DeleteValue(DEBUG_KEY, LOG_VALUE);

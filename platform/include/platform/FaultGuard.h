@@ -64,9 +64,6 @@ void RunGuarded(void (*pfnCall)(void*), void* pContext);
 /// For stand-in DLLs that must fail like a plugin; never returns.
 [[noreturn]] void RaiseForeignException();
 
-/// Whether the system has exceptions that are raised by a code, as RaiseException does.
-bool HasStructuredExceptions() noexcept;
-
 class CGuard;
 
 } // namespace FaultGuard

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <cstdint>
+
+#include <windows.h>
+
+// Failures on demand, for tests. Native only: on Windows the calls are the system's own.
+//
+// Each call of the platform layer that can fail is in the table below. A CFaultInjection makes one of its
+// next uses fail, on whatever thread that happens, before the call has done anything:
+//
+//     const CFaultInjection fault(PlatformCall::RegSetValueExW, 2, ERROR_ACCESS_DENIED);
+//
+// With ERROR_SUCCESS it fails nothing, and counts.
+
+// clang-format off
+#define PLATFORM_CALLS(CALL) \
+    CALL(CloseHandle) \
+    CALL(CreateDirectoryW) \
+    CALL(CreateFileW) \
+    CALL(FreeLibrary) \
+    CALL(GetModuleFileNameW) \
+    CALL(GetProcAddress) \
+    CALL(LoadLibraryW) \
+    CALL(LocalAlloc) \
+    CALL(LocalFree) \
+    CALL(MultiByteToWideChar) \
+    CALL(ReadFile) \
+    CALL(RegCloseKey) \
+    CALL(RegCreateKeyExW) \
+    CALL(RegDeleteKeyW) \
+    CALL(RegDeleteValueW) \
+    CALL(RegEnumKeyExW) \
+    CALL(RegOpenKeyExW) \
+    CALL(RegQueryValueExW) \
+    CALL(RegSetValueExW) \
+    CALL(SetFilePointer) \
+    CALL(WideCharToMultiByte) \
+    CALL(WriteFile)
+// clang-format on
+
+enum class PlatformCall
+{
+#define PLATFORM_CALL_ENUMERATOR(NAME) NAME,
+    PLATFORM_CALLS(PLATFORM_CALL_ENUMERATOR)
+#undef PLATFORM_CALL_ENUMERATOR
+};
+
+/// One call or several.
+class CPlatformCalls
+{
+public:
+    constexpr CPlatformCalls(PlatformCall call) noexcept : m_bits(std::uint64_t(1) << static_cast<int>(call)) {}
+
+    constexpr bool Contains(CPlatformCalls calls) const noexcept { return (m_bits & calls.m_bits) != 0; }
+    friend constexpr CPlatformCalls operator|(CPlatformCalls left, CPlatformCalls right) noexcept
+    {
+        left.m_bits |= right.m_bits;
+        return left;
+    }
+
+private:
+    std::uint64_t m_bits;
+};
+
+inline constexpr CPlatformCalls REGISTRY_WRITES =
+    CPlatformCalls(PlatformCall::RegCreateKeyExW) | PlatformCall::RegSetValueExW |
+    PlatformCall::RegDeleteValueW | PlatformCall::RegDeleteKeyW;
+
+enum class FaultRepeat
+{
+    Once,
+    FromThenOn,
+};
+
+/// A failure to come, in force as long as the object exists. Several may be in force; the one made first
+/// decides when they coincide, and each counts every use that is its business.
+class CFaultInjection
+{
+public:
+    /// The dwUse-th use from now fails with dwError; 1 is the next one. szName restricts it to uses with
+    /// that name, compared without case: the value, the subkey as it is passed, the file, directory or DLL
+    /// as it is passed, or the export. The name is not copied.
+    CFaultInjection(CPlatformCalls calls, DWORD dwUse, DWORD dwError, LPCWSTR szName = nullptr,
+                    FaultRepeat repeat = FaultRepeat::Once);
+    ~CFaultInjection();
+    CFaultInjection(const CFaultInjection&) = delete;
+    CFaultInjection& operator=(const CFaultInjection&) = delete;
+
+    /// As if the machine stopped at the dwUse-th change of the registry: that and every later one fails.
+    static CFaultInjection StopMachine(DWORD dwUse)
+    {
+        return {REGISTRY_WRITES, dwUse, ERROR_IO_DEVICE, nullptr, FaultRepeat::FromThenOn};
+    }
+
+    /// How many uses were counted, the failed ones included.
+    DWORD GetUses() const noexcept;
+    /// Whether a use has failed.
+    bool HasFired() const noexcept { return GetUses() >= m_dwUse; }
+
+    /// For the layer: counts a use, and gives the error that it is to fail with, or ERROR_SUCCESS.
+    DWORD Take(PlatformCall call, LPCWSTR szName) noexcept;
+
+private:
+    const CPlatformCalls m_calls;
+    const DWORD m_dwUse;
+    const DWORD m_dwError;
+    const LPCWSTR m_szName;
+    const FaultRepeat m_repeat;
+    DWORD m_dwUses = 0;
+};

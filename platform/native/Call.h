@@ -1,0 +1,70 @@
+#pragma once
+
+#include <atomic>
+#include <new>
+
+#include "platform/FaultInjection.h"
+
+// The frame around every call of the layer that can fail. It is the one place where failures are injected,
+// and where what went wrong inside becomes an error code: memory as much as anything else, since no C++
+// exception may reach a caller of Win32.
+
+namespace Native {
+
+/// What ends a call that reports through the last error.
+struct CCallError
+{
+    DWORD dwError;
+};
+
+extern std::atomic<int> g_nInjections;
+DWORD TakeInjectedFault(PlatformCall call, LPCWSTR szName) noexcept;
+
+inline DWORD TakeFault(PlatformCall call, LPCWSTR szName) noexcept
+{
+    return g_nInjections.load(std::memory_order_relaxed) == 0 ? ERROR_SUCCESS
+                                                              : TakeInjectedFault(call, szName);
+}
+
+/// A call that returns its error code.
+template <typename Body>
+LONG CodeCall(PlatformCall call, LPCWSTR szName, Body body) noexcept
+{
+    const DWORD dwFault = TakeFault(call, szName);
+    if (dwFault != ERROR_SUCCESS) {
+        return static_cast<LONG>(dwFault);
+    }
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return ERROR_NOT_ENOUGH_MEMORY;
+    }
+}
+
+/// A call that returns `failure` and sets the last error when its body throws CCallError.
+template <typename Result, typename Body>
+Result LastErrorCall(PlatformCall call, LPCWSTR szName, Result failure, Body body) noexcept
+{
+    DWORD dwError = TakeFault(call, szName);
+    if (dwError == ERROR_SUCCESS) {
+        try {
+            return body();
+        } catch (const CCallError& error) {
+            dwError = error.dwError;
+        } catch (const std::bad_alloc&) {
+            dwError = ERROR_NOT_ENOUGH_MEMORY;
+        }
+    }
+    SetLastError(dwError);
+    return failure;
+}
+
+/// Throws CCallError unless bCondition holds.
+inline void Require(bool bCondition, DWORD dwError)
+{
+    if (!bCondition) {
+        throw CCallError{dwError};
+    }
+}
+
+} // namespace Native

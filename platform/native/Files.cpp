@@ -1,0 +1,95 @@
+#include <cerrno>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <windows.h>
+
+#include "Call.h"
+#include "FileObject.h"
+#include "SystemError.h"
+#include "Text.h"
+
+using namespace Native;
+
+namespace {
+
+std::shared_ptr<CFileObject> GetFile(HANDLE hFile)
+{
+    std::shared_ptr<CFileObject> pFile = HandleTable::Find<CFileObject>(hFile);
+    Require(pFile != nullptr, ERROR_INVALID_HANDLE);
+    return pFile;
+}
+
+/// What reading and writing have in common.
+template <typename Move>
+BOOL Transfer(PlatformCall call, HANDLE hFile, LPDWORD pcbMoved, LPOVERLAPPED pOverlapped, Move move) noexcept
+{
+    return LastErrorCall(call, nullptr, FALSE, [&] {
+        Require(pOverlapped == nullptr, ERROR_NOT_SUPPORTED);
+        Require(pcbMoved != nullptr, ERROR_NOACCESS);
+        *pcbMoved = 0;
+        *pcbMoved = move(*GetFile(hFile));
+        return TRUE;
+    });
+}
+
+} // namespace
+
+BOOL WINAPI CreateDirectoryW(LPCWSTR szPath, LPSECURITY_ATTRIBUTES) noexcept
+{
+    return LastErrorCall(PlatformCall::CreateDirectoryW, szPath, FALSE, [&] {
+        Require(szPath != nullptr && *szPath != 0, ERROR_PATH_NOT_FOUND);
+        if (mkdir(ToPath(szPath).c_str(), 0777) != 0) {
+            throw CCallError{errno == ENOENT ? ERROR_PATH_NOT_FOUND : FromErrno(errno)};
+        }
+        return TRUE;
+    });
+}
+
+HANDLE WINAPI CreateFileW(LPCWSTR szPath, DWORD dwAccess, DWORD dwShareMode, LPSECURITY_ATTRIBUTES,
+                          DWORD dwDisposition, DWORD, HANDLE) noexcept
+{
+    return LastErrorCall(PlatformCall::CreateFileW, szPath, INVALID_HANDLE_VALUE, [&] {
+        Require(szPath != nullptr, ERROR_PATH_NOT_FOUND);
+        const auto pFile = std::make_shared<CFileObject>(
+            CFileObject::COpening{ToPath(szPath), dwAccess, dwShareMode, dwDisposition});
+        const HANDLE hFile = HandleTable::Add(pFile);
+        // This call speaks through the last error when it succeeds, too.
+        SetLastError(pFile->HasExisted() ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+        return hFile;
+    });
+}
+
+DWORD WINAPI SetFilePointer(HANDLE hFile, LONG lDistance, PLONG plDistanceHigh, DWORD dwMethod) noexcept
+{
+    return LastErrorCall(PlatformCall::SetFilePointer, nullptr, INVALID_SET_FILE_POINTER, [&] {
+        static constexpr int ORIGINS[] = {SEEK_SET, SEEK_CUR, SEEK_END};
+        Require(dwMethod < std::size(ORIGINS), ERROR_INVALID_PARAMETER);
+        off_t distance = lDistance;
+        if (plDistanceHigh != nullptr) {
+            distance = static_cast<off_t>(*plDistanceHigh) * 0x100000000 + static_cast<DWORD>(lDistance);
+        }
+        const off_t position = GetFile(hFile)->Seek(distance, ORIGINS[dwMethod]);
+        if (plDistanceHigh != nullptr) {
+            *plDistanceHigh = static_cast<LONG>(position >> 32);
+        }
+        // The lower half may look like a failure and be none.
+        SetLastError(ERROR_SUCCESS);
+        return static_cast<DWORD>(position);
+    });
+}
+
+BOOL WINAPI ReadFile(HANDLE hFile, LPVOID pBuffer, DWORD cbBuffer, LPDWORD pcbRead,
+                     LPOVERLAPPED pOverlapped) noexcept
+{
+    return Transfer(PlatformCall::ReadFile, hFile, pcbRead, pOverlapped,
+                    [&](const CFileObject& file) { return file.Read(pBuffer, cbBuffer); });
+}
+
+BOOL WINAPI WriteFile(HANDLE hFile, LPCVOID pBuffer, DWORD cbBuffer, LPDWORD pcbWritten,
+                      LPOVERLAPPED pOverlapped) noexcept
+{
+    return Transfer(PlatformCall::WriteFile, hFile, pcbWritten, pOverlapped,
+                    [&](const CFileObject& file) { return file.Write(pBuffer, cbBuffer); });
+}

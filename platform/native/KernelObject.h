@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+
+#include <windows.h>
+
+namespace Native {
+
+/// Something behind a handle. It lives until its last handle is closed and no call uses it any more.
+class CKernelObject
+{
+public:
+    virtual ~CKernelObject() = default;
+};
+
+/// The handles of the process, of all kinds of objects. A value is never given out twice, so that the use
+/// of a closed handle is always noticed. Any thread may use it.
+namespace HandleTable {
+
+HANDLE Add(std::shared_ptr<CKernelObject> pObject);
+
+/// Null when there is no such handle.
+std::shared_ptr<CKernelObject> Find(HANDLE hObject) noexcept;
+
+/// Null when there is no such handle, or when it is of another kind.
+template <typename Object>
+std::shared_ptr<Object> Find(HANDLE hObject) noexcept
+{
+    return std::dynamic_pointer_cast<Object>(Find(hObject));
+}
+
+/// False when there is no such handle.
+bool Close(HANDLE hObject) noexcept;
+
+} // namespace HandleTable
+
+} // namespace Native

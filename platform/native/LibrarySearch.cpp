@@ -1,0 +1,64 @@
+#include "LibrarySearch.h"
+
+#include <filesystem>
+#include <mutex>
+
+#include "platform/NativeLibraries.h"
+
+namespace Native {
+namespace {
+
+std::mutex g_mutex;
+std::string g_systemDirectory;
+
+/// The file of that name, in whatever case of its letters; empty when there is none.
+std::string FindIn(const std::string& directory, const WideText& name)
+{
+    const std::filesystem::path exact = std::filesystem::path(directory) / ToUtf8(name);
+    std::error_code error;
+    if (std::filesystem::exists(exact, error)) {
+        return exact.string();
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
+        WideText found;
+        if (FromUtf8(entry.path().filename().string(), found) && CompareNoCase(found, name) == 0) {
+            return entry.path().string();
+        }
+    }
+    return std::string();
+}
+
+std::string GetSystemDirectory()
+{
+    const std::lock_guard lock(g_mutex);
+    return g_systemDirectory;
+}
+
+} // namespace
+
+std::string GetProgramPath()
+{
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error).string();
+}
+
+std::string FindLibrary(const WideText& name)
+{
+    const std::string program = GetProgramPath();
+    for (const std::string& directory : {program.substr(0, program.find_last_of('/')), GetSystemDirectory(), std::string(".")}) {
+        const std::string path = directory.empty() ? directory : FindIn(directory, name);
+        if (!path.empty()) {
+            return path;
+        }
+    }
+    return std::string();
+}
+
+} // namespace Native
+
+void NativeLibraries::SetSystemDirectory(LPCWSTR szDirectory)
+{
+    std::string directory = szDirectory != nullptr ? Native::ToPath(szDirectory) : std::string();
+    const std::lock_guard lock(Native::g_mutex);
+    Native::g_systemDirectory.swap(directory);
+}

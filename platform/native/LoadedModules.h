@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include <windows.h>
+
+#include "Text.h"
+
+namespace Native {
+
+/// The DLLs that are loaded, with their reference counts. The operations throw CCallError. Any thread may
+/// use them, and a DllMain too; like Windows' own loader they let one thread in at a time.
+namespace LoadedModules {
+
+/// Loads the file, or takes one more reference to it. The first time its DllMain is called.
+HMODULE Load(const std::string& path);
+
+/// Takes one more reference to a loaded DLL of that file name; null when there is none.
+HMODULE LoadAgain(const WideText& name);
+
+/// Gives a reference back. With the last one its DllMain is called, and the DLL goes.
+void Free(HMODULE hModule);
+
+/// Null when the DLL itself has no such export, whatever the libraries have that it uses.
+void* FindExport(HMODULE hModule, const char* szName);
+
+std::string GetPath(HMODULE hModule);
+
+} // namespace LoadedModules
+
+} // namespace Native

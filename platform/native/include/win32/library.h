@@ -1,0 +1,21 @@
+#pragma once
+
+#include "win32/types.h"
+
+// DLLs are shared objects with a Windows name. The loader calls DllMain, if it is exported, as Windows does.
+
+#define DLL_PROCESS_DETACH 0
+#define DLL_PROCESS_ATTACH 1
+#define DLL_THREAD_ATTACH 2
+#define DLL_THREAD_DETACH 3
+
+/// A name without a directory is that of a loaded DLL, or is searched for, in any case of its letters, in
+/// the program's directory, the system directory (see platform/NativeLibraries.h) and the current directory.
+HMODULE WINAPI LoadLibraryW(LPCWSTR szFile) noexcept;
+BOOL WINAPI FreeLibrary(HMODULE hModule) noexcept;
+
+/// Names only, no ordinals.
+FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR szName) noexcept;
+
+/// Null stands for the program.
+DWORD WINAPI GetModuleFileNameW(HMODULE hModule, LPWSTR szFile, DWORD cchFile) noexcept;

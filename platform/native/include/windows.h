@@ -1,0 +1,14 @@
+#pragma once
+
+// The part of Win32 that this system uses, for a system that has none: Windows' own names, values and
+// error codes. Code that compiles against this compiles on Windows; what is missing here is not used.
+// One header for each group of calls, which tells where the group falls short of Windows.
+
+#include "win32/types.h"
+#include "win32/errors.h"
+#include "win32/files.h"
+#include "win32/library.h"
+#include "win32/memory.h"
+#include "win32/registry.h"
+#include "win32/sync.h"
+#include "win32/text.h"

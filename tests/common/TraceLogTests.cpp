@@ -1,0 +1,168 @@
+#include <regex>
+
+#include "GlobalObject.h"
+#include "Operation.h"
+#include "TestMachine.h"
+
+namespace {
+
+class TraceLog : public CTestMachine
+{
+};
+
+class CTraced : public CGlobalObject
+{
+public:
+    CTraced() : CGlobalObject(LUM_GINA_APP, LUM_GINA_MTM) {}
+    ~CTraced() = default;
+
+    template <typename Body>
+    auto Do(Body body)
+    {
+        const COperation op(*this, TEXT("CTraced"), TEXT("Do"));
+        return op.Run(Absorb<>(), body);
+    }
+};
+
+constexpr const char* LEVELS[] = {
+    "DEBUG",     "ENTRY",    "EXIT ", "NOTIFICATION",       "WARNING",           "EXCEPTION",
+    "CRITICAL",  "ERROR",    "CONSTRUCTION ENTRY", "CONSTRUCTION EXIT", "DESTRUCTION ENTRY",
+    "DESTRUCTION EXIT",
+};
+
+void WriteAllLevels()
+{
+    for (DWORD dwBit = 0; dwBit < std::size(LEVELS); ++dwBit) {
+        CMessageArgList(1u << dwBit, LUM_GINA_APP, LUM_GINA_MTM, true, TEXT("text"));
+    }
+}
+
+TEST_F(TraceLog, MaskSelectsLevels)
+{
+    for (const DWORD dwMask : {0xFFFu, 0x0u, 0x6u, 0x801u}) {
+        ClearLog();
+        SetTraceMask(dwMask);
+        WriteAllLevels();
+        std::vector<std::string> expected;
+        for (DWORD dwBit = 0; dwBit < std::size(LEVELS); ++dwBit) {
+            if ((dwMask & 1u << dwBit) != 0) {
+                expected.push_back(std::string("[") + LEVELS[dwBit] + "] text");
+            }
+        }
+        EXPECT_EQ(expected, Log()) << dwMask;
+    }
+}
+
+TEST_F(TraceLog, DefaultMaskWithoutAUsableValue)
+{
+    const std::vector<std::string> expected = {"[WARNING] text", "[EXCEPTION] text", "[CRITICAL] text",
+                                               "[ERROR] text"};
+    WriteAllLevels();
+    EXPECT_EQ(expected, Log());
+    ClearLog();
+    SetBytes(OWN_KEY, TEXT("Debug"), REG_BINARY, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 8);
+    WriteAllLevels();
+    EXPECT_EQ(expected, Log());
+}
+
+TEST_F(TraceLog, LineHasTimeTagLabelAndLineEnd)
+{
+    SetTraceMask(0xFFF);
+    CTraced().Do([] { return true; });
+    static const std::regex pattern(
+        "(Sun|Mon|Tue|Wed|Thu|Fri|Sat) (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) "
+        "\\d\\d \\d\\d:\\d\\d:\\d\\d \\d{4} LUM_GINA: \\[ENTRY\\] CTraced::Do, \\( \\d+ \\) TraceLogTests.cpp\r\n"
+        ".{24} LUM_GINA: \\[EXIT \\] CTraced::Do, Return: 0x1, \\( \\d+ \\) TraceLogTests.cpp\r\n");
+    EXPECT_TRUE(std::regex_match(RawLog(), pattern)) << RawLog();
+}
+
+TEST_F(TraceLog, LevelOutsideTheTableIsAHeader)
+{
+    SetTraceMask(0xFFFFFFFF);
+    CMessageArgList(LEVEL_ENTRY | LEVEL_EXIT, LUM_GINA_APP, LUM_GINA_MTM, true, TEXT("text"));
+    EXPECT_EQ(std::vector<std::string>{"[HEADER] text"}, Log());
+}
+
+TEST_F(TraceLog, NothingIsWrittenWithoutADestination)
+{
+    SetTraceMask(0xFFF);
+    const WCHAR szDebugValue[] = TEXT("LUM_GINA");
+    HKEY hKey = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, DEBUG_KEY, 0, KEY_ALL_ACCESS, &hKey));
+    RegDeleteValueW(hKey, szDebugValue);
+    RegCloseKey(hKey);
+    WriteAllLevels();
+    EXPECT_TRUE(Log().empty());
+    EXPECT_FALSE(WriteLogLine(LUM_GINA_APP, TEXT("ERROR"), TEXT("text")));
+    EXPECT_TRUE(LogMessage(ERR_MESSAGE_APP, TEXT("WARNING"), TEXT("text")));
+    EXPECT_EQ(std::vector<std::string>{"[WARNING] text"}, InternalLog());
+}
+
+TEST_F(TraceLog, DirectoryIsMadeOneLevelDeep)
+{
+    const auto write = [](const WCHAR* szPath) {
+        SetString(DEBUG_KEY, TEXT("LUM_GINA"), szPath);
+        return WriteLogLine(LUM_GINA_APP, TEXT("ERROR"), TEXT("text"));
+    };
+    EXPECT_TRUE(write(TEXT("TraceLogNew\\trace.log")));
+    EXPECT_TRUE(write(TEXT("TraceLogNew\\trace.log")));
+    EXPECT_FALSE(write(TEXT("TraceLogDeep\\below\\trace.log")));
+    EXPECT_EQ(0, std::remove("TraceLogNew/trace.log"));
+    // A path that is not terminated, or longer than its room, is not followed beyond it.
+    const std::basic_string<WCHAR> longPath(300, 'x');
+    SetBytes(DEBUG_KEY, TEXT("LUM_GINA"), REG_SZ, longPath.data(), 600);
+    EXPECT_FALSE(WriteLogLine(LUM_GINA_APP, TEXT("ERROR"), TEXT("text")));
+}
+
+TEST_F(TraceLog, MaskedOutStatementsFormatNothing)
+{
+    SetTraceMask(0);
+    const CWarning warning(LUM_GINA_ORIGIN, ERR_OPERATION_FAILED);
+    EXPECT_EQ(nullptr, warning.m_szMessage);
+    EXPECT_TRUE(warning.m_bWritten);
+}
+
+TEST_F(TraceLog, OperationsReportHowTheyEnd)
+{
+    SetTraceMask(0xFFF);
+    CTraced traced;
+    EXPECT_FALSE(traced.Do([] { return false; }));
+    EXPECT_EQ(2, traced.Do([]() -> int { throw 1; }));
+    traced.Do([]() -> void { throw 1; });
+    EXPECT_EQ((std::vector<std::string>{
+                  "[ENTRY] CTraced::Do", "[WARNING] The requested operation failed or it was cancelled",
+                  "[EXIT ] CTraced::Do, Return: 0x0", "[ENTRY] CTraced::Do",
+                  "[WARNING] An unhandled exception occurred",
+                  "[WARNING] The requested operation failed or it was cancelled",
+                  "[EXIT ] CTraced::Do, Return: 0x2", "[ENTRY] CTraced::Do",
+                  "[WARNING] An unhandled exception occurred", "[EXIT ] CTraced::Do"}),
+              Log());
+}
+
+TEST_F(TraceLog, FileNames)
+{
+    EXPECT_STREQ("c.cpp", GetFileName("a\\b\\c.cpp"));
+    EXPECT_STREQ("c.cpp", GetFileName("/a/b/c.cpp"));
+    EXPECT_STREQ("c.cpp", GetFileName("c.cpp"));
+    EXPECT_EQ(nullptr, GetFileName(nullptr));
+    EXPECT_EQ(std::vector<std::string>{"[EXCEPTION] Null source file"}, InternalLog());
+}
+
+TEST_F(TraceLog, ObjectsWithoutTagOrKeyReportThemselves)
+{
+    class CLoose : public CGlobalObject
+    {
+    public:
+        using CGlobalObject::CGlobalObject;
+        ~CLoose() = default;
+    };
+    EXPECT_STREQ("MESSAGE_APP", Narrow(CLoose(nullptr, LUM_GINA_MTM).szAPP).c_str());
+    const CLoose keyless(LUM_GINA_APP, nullptr);
+    EXPECT_EQ(nullptr, keyless.szAPP);
+    EXPECT_EQ(nullptr, keyless.szMTM);
+    EXPECT_EQ((std::vector<std::string>{"[EXCEPTION] A bad argument was provided, Argument: szAPP",
+                                        "[EXCEPTION] A bad argument was provided, Argument: szMTM"}),
+              InternalLog());
+}
+
+} // namespace

@@ -1,0 +1,238 @@
+#include <cstring>
+#include <memory>
+
+#include "Exceptions.h"
+#include "GinaStandardObject.h"
+#include "Standin.h"
+#include "TestMachine.h"
+
+namespace {
+
+HINSTANCE const HOST = reinterpret_cast<HINSTANCE>(0x1000);
+PVOID const CONTEXT = reinterpret_cast<PVOID>(0x2000);
+
+struct CDestroyObject
+{
+    void operator()(CGinaObject* pObject) const { DestroyListItem(pObject); }
+};
+using ObjectPtr = std::unique_ptr<CGinaObject, CDestroyObject>;
+
+ObjectPtr MakeObject(const WCHAR* szDLL, DWORD dwLUMVersion = LUM_INTERFACE_VERSION,
+                     DWORD dwWlxVersion = WLX_VERSION_1_4)
+{
+    return ObjectPtr(
+        new CGinaStandardObject(LUM_GINA_APP, LUM_GINA_MTM, HOST, szDLL, dwLUMVersion, dwWlxVersion));
+}
+
+class GinaStandardObject : public CTestMachine
+{
+protected:
+    GinaStandardObject() : standin(TEXT("standin_gina.dll")), node(LUM_GINA_APP, LUM_GINA_MTM, nullptr, 0) {}
+
+    CStandin standin;
+    /// A node at the end of a list.
+    GinaNode node;
+};
+
+TEST_F(GinaStandardObject, SlotsStandWherePluginsCallThem)
+{
+    // A pointer to a virtual operation holds its place in the table.
+    const auto slotOf = [](auto pfnOperation) {
+        ULONG_PTR nPlace = 0;
+        std::memcpy(&nPlace, &pfnOperation, sizeof(nPlace));
+        return static_cast<int>((nPlace - 1) / sizeof(PVOID));
+    };
+    const int slots[] = {
+        slotOf(&CGinaObject::DeletingDestructor),
+        slotOf(&CGinaObject::ActivateUserShell),
+        slotOf(&CGinaObject::DisconnectNotify),
+        slotOf(&CGinaObject::DisplayLockedNotice),
+        slotOf(&CGinaObject::DisplaySASNotice),
+        slotOf(&CGinaObject::DisplayStatusMessage),
+        slotOf(&CGinaObject::DynamicUnload),
+        slotOf(&CGinaObject::GetConsoleSwitchCredentials),
+        slotOf(&CGinaObject::GetStatusMessage),
+        slotOf(&CGinaObject::Initialize),
+        slotOf(&CGinaObject::IsLockOk),
+        slotOf(&CGinaObject::IsLogoffOk),
+        slotOf(&CGinaObject::LoggedOnSAS),
+        slotOf(&CGinaObject::LoggedOutSAS),
+        slotOf(&CGinaObject::Logoff),
+        slotOf(&CGinaObject::Negotiate),
+        slotOf(&CGinaObject::NetworkProviderLoad),
+        slotOf(&CGinaObject::QueryPlugin),
+        slotOf(&CGinaObject::QueryPluginInfo),
+        slotOf(&CGinaObject::ReconnectNotify),
+        slotOf(&CGinaObject::RemoveStatusMessage),
+        slotOf(&CGinaObject::ScreenSaverNotify),
+        slotOf(&CGinaObject::Shutdown),
+        slotOf(&CGinaObject::StartApplication),
+        slotOf(&CGinaObject::WkstaLockedSAS),
+    };
+    for (int nSlot = 0; nSlot < static_cast<int>(std::size(slots)); ++nSlot) {
+        EXPECT_EQ(nSlot, slots[nSlot]);
+    }
+}
+
+TEST_F(GinaStandardObject, ConstructionFails)
+{
+    struct
+    {
+        const WCHAR* szDLL;
+        DWORD dwLUMVersion;
+        DWORD dwWlxVersion;
+        const char* szLine;
+    } const rows[] = {
+        {nullptr, 0, 0, "A bad argument was provided, Argument: szGinaDLLName"},
+        {TEXT(""), 0, 0, "A bad argument was provided, Argument: dwUsingWlxVersion"},
+        {TEXT(""), 0, WLX_VERSION_1_0, "A bad argument was provided, Argument: dwUsingLUMVersion"},
+        {TEXT(""), 1, WLX_VERSION_1_0, "A bad argument was provided, Argument: szGinaDLLName"},
+        {TEXT("nowhere.dll"), 1, WLX_VERSION_1_4, "Unable to load DLL, Filename: nowhere.dll, Error: 0x7e"},
+        {TEXT("standin_gina_no_negotiate.dll"), 1, WLX_VERSION_1_4,
+         "Unable to load function from DLL, Function: WlxNegotiate, Error: 0x7f"},
+        {TEXT("standin_gina_no_logoff.dll"), 1, WLX_VERSION_1_4,
+         "Unable to load function from DLL, Function: WlxLogoff, Error: 0x7f"},
+    };
+    for (const auto& row : rows) {
+        ClearLog();
+        EXPECT_THROW(MakeObject(row.szDLL, row.dwLUMVersion, row.dwWlxVersion), CMessage) << row.szLine;
+        EXPECT_EQ(std::vector<std::string>{std::string("[EXCEPTION] ") + row.szLine}, [this] {
+            std::vector<std::string> lines = Log();
+            std::erase_if(lines, [](const std::string& line) { return line.find("[WARNING]") == 0; });
+            return lines;
+        }());
+    }
+}
+
+TEST_F(GinaStandardObject, RefusedNegotiation)
+{
+    standin->SetResult(StandinCall::WlxNegotiate, FALSE);
+    EXPECT_THROW(MakeObject(TEXT("standin_gina.dll")), CFailedGinaNegotiationsException);
+    EXPECT_EQ(1, Count("[EXCEPTION] Negotiation failed while loading gina dll, Error: 0x0"));
+    standin->SetResult(StandinCall::WlxNegotiate, TRUE);
+    standin->SetFailure(StandinCall::WlxNegotiate, StandinFailure::ReadNull, 0);
+    EXPECT_THROW(MakeObject(TEXT("standin_gina.dll")), CUnhandledExceptionException);
+    standin->SetFailure(StandinCall::WlxNegotiate, StandinFailure::None, 0);
+    EXPECT_NO_THROW(MakeObject(TEXT("standin_gina.dll")));
+}
+
+TEST_F(GinaStandardObject, NegotiatedVersionDecidesWhatIsCalled)
+{
+    standin->SetVersion(WLX_VERSION_1_0);
+    const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
+    EXPECT_EQ(WLX_VERSION_1_0, static_cast<int>(object->m_pGinaPluginContext->m_GinaPluginInfo.m_dwWlxVersion));
+    standin->Reset();
+    EXPECT_TRUE(object->IsLockOk(&node, CONTEXT));
+    // Four exports a GINA may do without; the others it would have to have.
+    EXPECT_FALSE(object->StartApplication(&node, CONTEXT, nullptr, nullptr, nullptr));
+    EXPECT_FALSE(object->ScreenSaverNotify(&node, CONTEXT, nullptr));
+    object->DisconnectNotify(&node, CONTEXT);
+    object->ReconnectNotify(&node, CONTEXT);
+    EXPECT_EQ(4, Count("[EXCEPTION] Null function handle.  Unable to execute function call, Plugin: "
+                       "standin_gina.dll"));
+    EXPECT_EQ(2, Count("[WARNING] The requested operation failed or it was cancelled"));
+    EXPECT_THROW(object->NetworkProviderLoad(&node, CONTEXT, nullptr), CNullFunctionHandleException);
+    EXPECT_THROW(object->RemoveStatusMessage(&node, CONTEXT), CNullFunctionHandleException);
+    EXPECT_THROW(object->GetConsoleSwitchCredentials(&node, CONTEXT, nullptr), CNullFunctionHandleException);
+    EXPECT_EQ(std::vector<std::string>{"WlxIsLockOk"}, standin.Calls());
+}
+
+TEST_F(GinaStandardObject, OptionalExportsMayBeMissing)
+{
+    const ObjectPtr object = MakeObject(TEXT("standin_gina_no_optional.dll"));
+    for (const char* szName : {"WlxStartApplication", "WlxScreenSaverNotify", "WlxReconnectNotify",
+                               "WlxDisconnectNotify"}) {
+        EXPECT_EQ(1, Count(std::string("[EXCEPTION] Unable to load function from DLL, Function: ") + szName +
+                           ", Error: 0x7f"));
+    }
+    object->ReconnectNotify(&node, CONTEXT);
+    EXPECT_TRUE(object->IsLogoffOk(&node, CONTEXT));
+    GinaNode next(LUM_GINA_APP, LUM_GINA_MTM, nullptr, 0);
+    node.pNext = &next;
+    EXPECT_THROW(object->ReconnectNotify(&node, CONTEXT), CUnexpectedGinaException);
+}
+
+TEST_F(GinaStandardObject, PassesArgumentsAndResultsThrough)
+{
+    const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
+    standin->Reset();
+    ClearLog();
+    standin->SetResult(StandinCall::WlxIsLockOk, 7);
+    EXPECT_TRUE(object->IsLockOk(&node, CONTEXT));
+    standin->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_LOCK_WKSTA);
+    EXPECT_EQ(WLX_SAS_ACTION_LOCK_WKSTA,
+              object->LoggedOnSAS(&node, CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));
+    EXPECT_TRUE(Log().empty());
+    standin->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_NONE);
+    EXPECT_EQ(WLX_SAS_ACTION_NONE, object->LoggedOnSAS(&node, CONTEXT, WLX_SAS_TYPE_TIMEOUT, nullptr));
+    EXPECT_EQ(1, Count("[WARNING] The requested operation failed or it was cancelled"));
+
+    PVOID pNewContext = nullptr;
+    EXPECT_TRUE(object->Initialize(nullptr, 1, nullptr, reinterpret_cast<HANDLE>(5), nullptr, CONTEXT,
+                                   &pNewContext, 0, 0));
+    const StandinRecord* pRecord = standin->GetRecord(3);
+    ASSERT_NE(nullptr, pRecord);
+    EXPECT_EQ(StandinCall::WlxInitialize, pRecord->call);
+    EXPECT_EQ(5u, pRecord->argument[1]);
+    EXPECT_EQ(reinterpret_cast<ULONG_PTR>(CONTEXT), pRecord->argument[3]);
+    EXPECT_NE(nullptr, pNewContext);
+}
+
+TEST_F(GinaStandardObject, RefusesToBeFollowed)
+{
+    const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
+    standin->Reset();
+    GinaNode next(LUM_GINA_APP, LUM_GINA_MTM, nullptr, 0);
+    node.pNext = &next;
+    EXPECT_THROW(object->IsLockOk(&node, CONTEXT), CUnexpectedGinaException);
+    EXPECT_THROW(object->Logoff(&node, CONTEXT), CUnexpectedGinaException);
+    EXPECT_EQ(0u, standin->GetRecordCount());
+}
+
+TEST_F(GinaStandardObject, FaultsEndAsExceptionsAndTheNextCallWorks)
+{
+    const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
+    for (const StandinFailure failure :
+         {StandinFailure::ReadNull, StandinFailure::DivideByZero, StandinFailure::ExhaustStack,
+          StandinFailure::ExhaustStack, StandinFailure::Throw, StandinFailure::StructuredException}) {
+        if (!standin->SetFailure(StandinCall::WlxIsLockOk, failure, 0xE0000001)) {
+            continue;
+        }
+        ClearLog();
+        EXPECT_THROW(object->IsLockOk(&node, CONTEXT), CUnhandledPluginException);
+        EXPECT_EQ(std::vector<std::string>{"[EXCEPTION] Plugin has generated an unknown exception, Plugin: "
+                                           "standin_gina.dll"},
+                  Log());
+        EXPECT_TRUE(object->IsLogoffOk(&node, CONTEXT));
+    }
+}
+
+TEST_F(GinaStandardObject, AnswersQueriesFromItsOwnRecord)
+{
+    const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
+    CGinaPluginInfo info(LUM_GINA_APP, LUM_GINA_MTM);
+    EXPECT_TRUE(object->QueryPluginInfo(&info));
+    EXPECT_STREQ("standin_gina.dll", Narrow(info.m_szGinaDLL).c_str());
+    EXPECT_EQ(LUM_INTERFACE_VERSION, info.m_dwLUMVersion);
+    EXPECT_FALSE(object->QueryPlugin(&info, 1, 2, 3));
+    object->DynamicUnload();
+    EXPECT_TRUE(object->IsLockOk(&node, CONTEXT));
+    EXPECT_TRUE(*object == TEXT("STANDIN_Gina.DLL"));
+    EXPECT_FALSE(*object == TEXT("msgina.dll"));
+    EXPECT_TRUE(*object == *MakeObject(TEXT("Standin_Gina.dll")));
+}
+
+TEST_F(GinaStandardObject, TracesOperationsUnderItsOwnName)
+{
+    const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
+    SetTraceMask(LEVEL_ENTRY | LEVEL_EXIT);
+    object->IsLockOk(&node, CONTEXT);
+    object->Logoff(&node, CONTEXT);
+    EXPECT_EQ((std::vector<std::string>{"[ENTRY] CGinaStandardObject::IsLockOk",
+                                        "[EXIT ] CGinaStandardObject::IsLockOk, Return: 0x1",
+                                        "[ENTRY] CGinaStandardObject::Logoff",
+                                        "[EXIT ] CGinaStandardObject::Logoff"}),
+              Log());
+}
+
+} // namespace

@@ -1,0 +1,216 @@
+#include <memory>
+
+#include "Exceptions.h"
+#include "FailingAllocation.h"
+#include "LUMGina.h"
+#include "Standin.h"
+#include "TestMachine.h"
+
+namespace {
+
+HINSTANCE const HOST = reinterpret_cast<HINSTANCE>(0x1000);
+HANDLE const WLX = reinterpret_cast<HANDLE>(0x2000);
+PVOID const CONTEXT = reinterpret_cast<PVOID>(0x3000);
+
+constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
+constexpr const char* NOTHING_TO_CALL = "[EXCEPTION] There is no plugin or GINA to call. Unable to process "
+                                        "function. Returning failure";
+
+class LUMGina : public CTestMachine
+{
+protected:
+    LUMGina() : msgina(TEXT("msgina.dll")), other(TEXT("standin_gina.dll")), host(new CLUMGina(HOST))
+    {
+        s_dwTimeout = 0;
+        m_table.WlxSetTimeout = [](HANDLE hWlx, DWORD dwTimeout) -> BOOL {
+            EXPECT_EQ(WLX, hWlx);
+            s_dwTimeout = dwTimeout;
+            return TRUE;
+        };
+    }
+
+    bool Negotiate() { return host->LUMWlxNegotiate(WLX_VERSION_1_4, &m_dwVersion) != FALSE; }
+    bool Initialize() { return host->LUMWlxInitialize(nullptr, WLX, nullptr, &m_table, &m_pContext) != FALSE; }
+    void Start()
+    {
+        ASSERT_TRUE(Negotiate());
+        ASSERT_TRUE(Initialize());
+        msgina->Reset();
+        ClearLog();
+    }
+
+    static inline DWORD s_dwTimeout = 0;
+    WLX_DISPATCH_VERSION_1_4 m_table{};
+    DWORD m_dwVersion = 0;
+    PVOID m_pContext = nullptr;
+    CStandin msgina;
+    CStandin other;
+    std::unique_ptr<CLUMGina> host;
+};
+
+TEST_F(LUMGina, NeedsAModuleHandle)
+{
+    EXPECT_THROW(CLUMGina{nullptr}, CLUMInitializeFailException);
+    EXPECT_EQ(1, Count("[CRITICAL] Can't instantiate LUMGina object with null Instance handle. Aborting..."));
+}
+
+TEST_F(LUMGina, TellsWinlogonTheVersionOfThePassthroughGina)
+{
+    struct
+    {
+        DWORD dwOfGina;
+        bool bAccepted;
+        DWORD dwTold;
+    } const rows[] = {{WLX_VERSION_1_3, true, WLX_VERSION_1_3},
+                      {WLX_VERSION_1_4, true, WLX_VERSION_1_4},
+                      {0x00010005, true, WLX_VERSION_1_4},
+                      {0x00020000, true, WLX_VERSION_1_4},
+                      {0, false, 77}};
+    for (const auto& row : rows) {
+        host = std::make_unique<CLUMGina>(HOST);
+        msgina->SetVersion(row.dwOfGina);
+        m_dwVersion = 77;
+        EXPECT_EQ(row.bAccepted, Negotiate()) << row.dwOfGina;
+        EXPECT_EQ(row.dwTold, m_dwVersion);
+    }
+}
+
+TEST_F(LUMGina, FallsBackToMsgina)
+{
+    struct
+    {
+        const WCHAR* szConfigured;
+        const char* szUsed;
+    } const rows[] = {{TEXT("standin_gina.dll"), "standin_gina.dll"},
+                      {TEXT(""), "msgina.dll"},
+                      {TEXT("nowhere.dll"), "msgina.dll"},
+                      {TEXT("standin_gina_no_logoff.dll"), "msgina.dll"}};
+    for (const auto& row : rows) {
+        host = std::make_unique<CLUMGina>(HOST);
+        SetString(OWN_KEY, TEXT("GinaDLL"), row.szConfigured);
+        ASSERT_TRUE(Negotiate());
+        ASSERT_EQ(1u, host->m_pGinaObjectList->m_dwCount);
+        EXPECT_EQ(row.szUsed, Narrow(host->m_pGinaObjectList->m_pHead->m_pItem->GetGinaDLLName()));
+    }
+    host = std::make_unique<CLUMGina>(HOST);
+    SetString(OWN_KEY, TEXT("GinaDLL"), TEXT("standin_gina.dll"));
+    other->SetResult(StandinCall::WlxNegotiate, FALSE);
+    EXPECT_TRUE(Negotiate());
+    // With msgina.dll refusing too there is nothing left, and the export says so.
+    host = std::make_unique<CLUMGina>(HOST);
+    msgina->SetResult(StandinCall::WlxNegotiate, FALSE);
+    EXPECT_THROW(Negotiate(), CFailedGinaNegotiationsException);
+}
+
+TEST_F(LUMGina, InitialisesInOneGo)
+{
+    SetDword(OWN_KEY, TEXT("Timeout"), 300);
+    ASSERT_TRUE(Negotiate());
+    ASSERT_TRUE(Initialize());
+    EXPECT_EQ(300u, s_dwTimeout);
+    EXPECT_NE(nullptr, m_pContext);
+    EXPECT_EQ("1", GetValue(VOLATILE_KEY, TEXT("Enabled")));
+    EXPECT_EQ("1", GetValue(VOLATILE_KEY, TEXT("InstanceCount")));
+    host->LUMWlxShutdown(CONTEXT, 0);
+    EXPECT_EQ("0", GetValue(VOLATILE_KEY, TEXT("Enabled")));
+    EXPECT_TRUE(Initialize());
+    EXPECT_EQ("2", GetValue(VOLATILE_KEY, TEXT("InstanceCount")));
+}
+
+TEST_F(LUMGina, RefusedInitialisation)
+{
+    EXPECT_FALSE(Initialize());
+    EXPECT_EQ(1, Count(NOTHING_TO_CALL));
+    EXPECT_EQ(0u, s_dwTimeout);
+    ASSERT_TRUE(Negotiate());
+    msgina->SetFailure(StandinCall::WlxInitialize, StandinFailure::ReadNull, 0);
+    ClearLog();
+    EXPECT_FALSE(Initialize());
+    EXPECT_EQ((std::vector<std::string>{
+                  "[EXCEPTION] Plugin has generated an unknown exception, Plugin: msgina.dll",
+                  "[EXCEPTION] An unhandled exception occurred", "[WARNING] An unhandled exception occurred",
+                  FAILED}),
+              Log());
+    EXPECT_EQ(1u, host->m_pGinaObjectList->m_dwCount);
+    msgina->SetFailure(StandinCall::WlxInitialize, StandinFailure::None, 0);
+    msgina->SetResult(StandinCall::WlxInitialize, FALSE);
+    EXPECT_FALSE(Initialize());
+    EXPECT_EQ(0u, host->m_pGinaObjectList->m_dwCount);
+    EXPECT_EQ(0u, s_dwTimeout == 0 ? 0u : s_dwTimeout - 120);
+}
+
+TEST_F(LUMGina, DispatchesToTheFirstObject)
+{
+    Start();
+    msgina->SetResult(StandinCall::WlxIsLockOk, 7);
+    EXPECT_EQ(1, host->LUMWlxIsLockOk(CONTEXT));
+    EXPECT_EQ(WLX_SAS_ACTION_LOGON,
+              host->LUMWlxLoggedOutSAS(CONTEXT, 1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    host->LUMWlxLogoff(CONTEXT);
+    EXPECT_TRUE(Log().empty());
+    EXPECT_EQ((std::vector<std::string>{"WlxIsLockOk", "WlxLoggedOutSAS", "WlxLogoff"}), msgina.Calls());
+    msgina->SetResult(StandinCall::WlxIsLockOk, FALSE);
+    EXPECT_EQ(FALSE, host->LUMWlxIsLockOk(CONTEXT));
+    EXPECT_EQ(2, Count(FAILED));
+}
+
+TEST_F(LUMGina, FaultsEndAsTheDefaultResult)
+{
+    Start();
+    msgina->SetFailure(StandinCall::WlxLoggedOnSAS, StandinFailure::DivideByZero, 0);
+    EXPECT_EQ(WLX_SAS_ACTION_NONE, host->LUMWlxLoggedOnSAS(CONTEXT, 1, nullptr));
+    EXPECT_EQ((std::vector<std::string>{
+                  "[EXCEPTION] Plugin has generated an unknown exception, Plugin: msgina.dll", FAILED}),
+              Log());
+    EXPECT_EQ(TRUE, host->LUMWlxIsLockOk(CONTEXT));
+}
+
+TEST_F(LUMGina, AnEmptyListIsTheExportsAffair)
+{
+    EXPECT_THROW(host->LUMWlxIsLockOk(CONTEXT), CNoGINAorPluginToCallException);
+    EXPECT_THROW(host->LUMWlxLogoff(CONTEXT), CNoGINAorPluginToCallException);
+    SetDword(VOLATILE_KEY, TEXT("Enabled"), 1);
+    EXPECT_THROW(host->LUMWlxShutdown(CONTEXT, 0), CNoGINAorPluginToCallException);
+    EXPECT_EQ("0", GetValue(VOLATILE_KEY, TEXT("Enabled")));
+    EXPECT_EQ(3, Count(NOTHING_TO_CALL));
+}
+
+TEST_F(LUMGina, SurvivesAnyFailedAllocation)
+{
+    SetTraceMask(0);
+    for (int nBefore = 0; nBefore < 60; ++nBefore) {
+        std::unique_ptr<CLUMGina> crippled;
+        {
+            const CFailingAllocation noMemory(nBefore);
+            crippled.reset(new CLUMGina(HOST));
+        }
+        crippled->LUMWlxNegotiate(WLX_VERSION_1_4, &m_dwVersion);
+        crippled->LUMWlxInitialize(nullptr, WLX, nullptr, &m_table, &m_pContext);
+        try {
+            crippled->LUMWlxIsLockOk(CONTEXT);
+        } catch (const CNoGINAorPluginToCallException&) {
+            continue;
+        }
+    }
+}
+
+TEST_F(LUMGina, SurvivesAFailedAllocationWhileNegotiating)
+{
+    SetTraceMask(0);
+    for (int nBefore = 0; nBefore < 60; ++nBefore) {
+        host = std::make_unique<CLUMGina>(HOST);
+        try {
+            const CFailingAllocation noMemory(nBefore);
+            Negotiate();
+        } catch (const CMessage&) {
+            EXPECT_EQ(0u, host->m_pGinaObjectList->m_dwCount);
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(0u, host->m_pGinaObjectList->m_dwCount);
+        }
+        for (GinaNode* pNode = host->m_pGinaObjectList->m_pHead; pNode != nullptr; pNode = pNode->pNext) {
+            EXPECT_NE(nullptr, pNode->m_pItem);
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,124 @@
+#include "Exceptions.h"
+#include "LUMRegistry.h"
+#include "TestMachine.h"
+
+namespace {
+
+constexpr WCHAR PLUGINS[] = TEXT("Plugins");
+
+class LUMRegistry : public CTestMachine
+{
+protected:
+    static std::string Entries(CLUMRegistry& registry)
+    {
+        std::string text;
+        const DWORD dwPlugins = registry.GetNumPlugins(true);
+        for (DWORD dwIndex = 0; dwIndex < dwPlugins; ++dwIndex) {
+            WCHAR szPlugin[260];
+            EXPECT_TRUE(registry.GetPlugin(szPlugin, 260, dwIndex));
+            text += "[" + Narrow(szPlugin) + "]";
+        }
+        return text;
+    }
+};
+
+TEST_F(LUMRegistry, FirstStartLeavesExactlyTheseValues)
+{
+    SetTraceMask(LEVEL_WARNING | LEVEL_NOTIFICATION);
+    CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
+    EXPECT_EQ("\"\"", GetValue(OWN_KEY, PLUGINS));
+    EXPECT_EQ("\"\"", GetValue(OWN_KEY, TEXT("GinaDLL")));
+    EXPECT_EQ("0", GetValue(OWN_KEY, TEXT("Timeout")));
+    EXPECT_EQ("(none)", GetValue(OWN_KEY, TEXT("PipeInterval")));
+    EXPECT_EQ("(none)", GetValue(OWN_KEY, TEXT("MonitorInterval")));
+    EXPECT_EQ("0", GetValue(VOLATILE_KEY, TEXT("Enabled")));
+    EXPECT_EQ("0", GetValue(VOLATILE_KEY, TEXT("InstanceCount")));
+    for (const char* szName : {"PipeInterval", "MonitorInterval"}) {
+        EXPECT_EQ(1, Count(std::string("[WARNING] LUM Registry key could not be loaded, Key: ") + szName));
+    }
+    EXPECT_EQ(1, Count("[NOTIFICATION] No plugins where found for LUM Gina to load"));
+    DWORD dwValue = 0;
+    EXPECT_THROW(registry.GetPipeInterval(&dwValue, true), CUnableToReadRegistryException);
+    EXPECT_THROW(registry.GetRegistryMonitorInterval(&dwValue, true), CUnableToReadRegistryException);
+    EXPECT_EQ(0u, registry.GetNumPlugins(false));
+}
+
+TEST_F(LUMRegistry, ReadsWhatIsConfigured)
+{
+    SetString(OWN_KEY, PLUGINS, TEXT("a.dll"));
+    SetString(OWN_KEY, TEXT("GinaDLL"), TEXT("next.dll"));
+    SetDword(OWN_KEY, TEXT("Timeout"), 30);
+    SetDword(OWN_KEY, TEXT("PipeInterval"), 1);
+    SetDword(OWN_KEY, TEXT("MonitorInterval"), 2);
+    CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
+    EXPECT_EQ(1u, registry.GetNumPlugins(false));
+    WCHAR szGina[260];
+    EXPECT_TRUE(registry.GetGinaDLL(szGina, 260, true));
+    EXPECT_EQ("next.dll", Narrow(szGina));
+    DWORD dwValue = 0;
+    EXPECT_TRUE(registry.GetTimeout(&dwValue, true) && dwValue == 30);
+    EXPECT_TRUE(registry.GetPipeInterval(&dwValue, true) && dwValue == 1);
+    EXPECT_TRUE(registry.GetRegistryMonitorInterval(&dwValue, true) && dwValue == 2);
+    EXPECT_TRUE(registry.IncreaseInstanceCount());
+    EXPECT_TRUE(registry.IncreaseInstanceCount());
+    EXPECT_TRUE(registry.GetInstanceCount(&dwValue, true) && dwValue == 2);
+    EXPECT_TRUE(registry.SetEnabled(1));
+    EXPECT_EQ("1", GetValue(VOLATILE_KEY, TEXT("Enabled")));
+}
+
+TEST_F(LUMRegistry, PluginsAreParsed)
+{
+    CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
+    const std::pair<const char*, const char*> rows[] = {
+        {"", ""},          {"a.dll,b.dll", "[a.dll][b.dll]"}, {"a.dll,,b.dll", "[a.dll][][b.dll]"},
+        {"a.dll,", "[a.dll][]"}, {",", "[][]"},               {" a.dll ", "[ a.dll ]"},
+    };
+    for (const auto& [szValue, szEntries] : rows) {
+        SetString(OWN_KEY, PLUGINS, Widen(szValue).c_str());
+        EXPECT_EQ(szEntries, Entries(registry)) << szValue;
+    }
+    WCHAR szPlugin[4];
+    SetString(OWN_KEY, PLUGINS, TEXT("abcdef"));
+    EXPECT_EQ(1u, registry.GetNumPlugins(true));
+    EXPECT_TRUE(registry.GetPlugin(szPlugin, 4, 0));
+    EXPECT_EQ("abc", Narrow(szPlugin));
+    EXPECT_EQ(1, Count("[WARNING] String length to long, String: abcdef"));
+    EXPECT_FALSE(registry.GetPlugin(szPlugin, 4, 1));
+    EXPECT_FALSE(registry.GetPlugin(nullptr, 4, 0));
+}
+
+TEST_F(LUMRegistry, PluginsAreEdited)
+{
+    CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
+    const std::string longName(250, 'l');
+    struct
+    {
+        std::string before;
+        bool bAdd;
+        std::string name;
+        std::string after;
+    } const rows[] = {
+        {"a.dll,b.dll", true, "c.dll", "a.dll,b.dll,c.dll"},
+        {"", true, "c.dll", "c.dll"},
+        {"a.dll", true, "A.DLL", "a.dll"},
+        {longName, true, "ninechars.dll", (longName + ",ninechars.dll").substr(0, 259)},
+        {"a.dll,b.dll,c.dll", false, "b.dll", "a.dll,c.dll"},
+        {"a.dll,b.dll,c.dll", false, "C.dll", "a.dll,b.dll"},
+        {"a.dll,b.dll,c.dll", false, "a.dll", "b.dll,c.dll"},
+        {"a.dll", false, "a.dll", ""},
+        {"a.dll", false, "x.dll", "a.dll"},
+        {"xab.dll,ab.dll", false, "ab.dll", "xab.dll"},
+        {"a.dll,,a.dll", false, "a.dll", ",a.dll"},
+        {"a.dll,,b.dll", false, "b.dll", "a.dll,"},
+    };
+    for (const auto& row : rows) {
+        SetString(OWN_KEY, PLUGINS, Widen(row.before).c_str());
+        const std::basic_string<WCHAR> name = Widen(row.name);
+        EXPECT_TRUE(row.bAdd ? registry.AddPlugin(name.c_str()) : registry.RemovePlugin(name.c_str()));
+        EXPECT_EQ('"' + row.after + '"', GetValue(OWN_KEY, PLUGINS)) << row.before << " " << row.name;
+    }
+    EXPECT_FALSE(registry.AddPlugin(nullptr));
+    EXPECT_FALSE(registry.RemovePlugin(nullptr));
+}
+
+} // namespace
