@@ -6,32 +6,29 @@
 
 namespace FaultGuard {
 
-/// The guard of a system that looks for a handler of an exception in the thread's list of frames: a
-/// frame of that list around the call.
+/// The guard of a system that looks for the handler of an exception in the thread's list of frames: an
+/// entry of that list around the call. The list itself tells which guard is the innermost, so nothing
+/// is left over when a frame further out ends the call in its own way.
 class CFrameGuard : public CGuard
 {
 public:
     CFrameGuard() noexcept = default;
 
-    /// Runs pfnCall(pContext). False when an exception ended it, which the guard then holds.
-    bool Run(void (*pfnCall)(void*), void* pContext) noexcept;
+    /// Runs pfnCall(pContext). False when an exception ended it; this holds it then.
+    bool Run(void (*pfnCall)(void*), void* pContext);
 
     /// The code of the exception that ended the call.
     DWORD GetCode() const noexcept { return m_dwCode; }
 
-    /// The host's exception that ended the call; null when it was none of the host's.
+    /// The exception that ended the call when it was the host's own, otherwise null.
     const std::exception_ptr& GetHostException() const noexcept { return m_pHostException; }
 
-    /// Raises the host's exception for the frames of the DLL that the call is in.
-    [[noreturn]] void RaiseHostException(std::exception_ptr pException);
-
-    /// Whether the exception ends the call. Takes it then.
+    /// Whether the exception ends the call; it has been taken then. For the exception handler.
     bool Take(const EXCEPTION_RECORD& exception) noexcept;
 
 private:
     DWORD m_dwCode = 0;
     std::exception_ptr m_pHostException;
-    std::exception_ptr m_pLastRaised;
 };
 
 } // namespace FaultGuard

@@ -1,0 +1,66 @@
+#include "platform/FaultGuard.h"
+
+#include "../ThreadState.h"
+#include "ForeignException.h"
+#include "FrameGuard.h"
+#include "StackGuardPage.h"
+
+namespace FaultGuard {
+namespace {
+
+struct CCall
+{
+    void (*pfnCall)(void*);
+    void* pContext;
+    std::exception_ptr pException;
+};
+
+// The host's compiler cannot unwind the guard's frame: its exceptions are carried around it.
+void Call(void* pContext)
+{
+    auto& call = *static_cast<CCall*>(pContext);
+    try {
+        call.pfnCall(call.pContext);
+    } catch (...) {
+        call.pException = std::current_exception();
+    }
+}
+
+void Recover(const CThreadState& state, DWORD dwCode) noexcept
+{
+    state.Restore();
+    if (dwCode == EXCEPTION_STACK_OVERFLOW) {
+        RestoreStackGuardPage();
+    }
+}
+
+} // namespace
+
+void RunGuarded(void (*pfnCall)(void*), void* pContext)
+{
+    CFrameGuard guard;
+    const CThreadState state;
+    CCall call{pfnCall, pContext, nullptr};
+    if (guard.Run(Call, &call)) {
+        if (call.pException != nullptr) {
+            std::rethrow_exception(std::move(call.pException));
+        }
+        return;
+    }
+    Recover(state, guard.GetCode());
+    if (guard.GetHostException() != nullptr) {
+        std::rethrow_exception(guard.GetHostException());
+    }
+    throw CForeignFault(guard.GetCode());
+}
+
+void ThrowToCaller(std::exception_ptr pException)
+{
+    const CGuard* const pGuard = CGuard::GetInnermost();
+    if (pGuard == nullptr || pGuard->IsInHostFrames()) {
+        std::rethrow_exception(std::move(pException));
+    }
+    RaiseHostException(std::move(pException));
+}
+
+} // namespace FaultGuard

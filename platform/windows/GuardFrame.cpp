@@ -1,0 +1,97 @@
+#include "GuardFrame.h"
+
+namespace FaultGuard {
+namespace {
+
+/// An entry as the system knows it, and what the assembly below pushes behind it.
+struct CEntry
+{
+    CEntry* pOuter;
+    void* pfnHandler;
+    CFrameGuard* pGuard;
+};
+
+CEntry* const END_OF_LIST = reinterpret_cast<CEntry*>(-1);
+
+constexpr DWORD UNWIND_FLAGS = 0x2 | 0x4; // EXCEPTION_UNWINDING, EXCEPTION_EXIT_UNWIND
+
+} // namespace
+
+extern "C" {
+
+/// Gives 0 when the call returned, 1 when LumEndGuardFrame ended it.
+int LumRunGuardFrame(CFrameGuard* pGuard, void (*pfnCall)(void*), void* pContext);
+
+/// Unwinds all frames inside the entry and lets its LumRunGuardFrame return.
+[[noreturn]] void LumEndGuardFrame(CEntry* pEntry, EXCEPTION_RECORD* pException);
+
+__attribute__((used)) EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pException, CEntry* pEntry,
+                                                           CONTEXT*, void*)
+{
+    if ((pException->ExceptionFlags & UNWIND_FLAGS) == 0 && pEntry->pGuard->Take(*pException)) {
+        LumEndGuardFrame(pEntry, pException);
+    }
+    return ExceptionContinueSearch;
+}
+}
+
+// Assembly, because the entry must be found again when no register is what it was: the unwinding keeps
+// the stack pointer alone.
+asm(R"(
+    .text
+    .p2align 4
+    .globl _LumRunGuardFrame
+_LumRunGuardFrame:
+    pushl %ebp
+    movl %esp, %ebp
+    pushl %ebx
+    pushl %esi
+    pushl %edi
+    pushl 8(%ebp)
+    pushl $_LumOnException
+    pushl %fs:0
+    movl %esp, %fs:0
+    pushl 16(%ebp)
+    call *12(%ebp)
+    addl $4, %esp
+    xorl %eax, %eax
+1:  popl %fs:0
+    addl $8, %esp
+    popl %edi
+    popl %esi
+    popl %ebx
+    popl %ebp
+    ret
+
+    .p2align 4
+    .globl _LumEndGuardFrame
+_LumEndGuardFrame:
+    movl 4(%esp), %eax
+    movl 8(%esp), %ecx
+    pushl %eax
+    pushl $0
+    pushl %ecx
+    pushl $2f
+    pushl %eax
+    call _RtlUnwind@16
+2:  popl %esp
+    movl $1, %eax
+    cld
+    jmp 1b
+)");
+
+bool GuardFrame::Run(CFrameGuard& guard, void (*pfnCall)(void*), void* pContext)
+{
+    return LumRunGuardFrame(&guard, pfnCall, pContext) == 0;
+}
+
+CFrameGuard* GuardFrame::FindInnermost() noexcept
+{
+    auto* pEntry = reinterpret_cast<CEntry*>(__readfsdword(0));
+    while (pEntry != END_OF_LIST && pEntry->pfnHandler != reinterpret_cast<void*>(LumOnException)) {
+        pEntry = pEntry->pOuter;
+    }
+    return pEntry == END_OF_LIST ? nullptr : pEntry->pGuard;
+}
+
+} // namespace FaultGuard
