@@ -3,6 +3,7 @@
 #include <windows.h>
 #include <winwlx.h>
 
+#include "CallGate.h"
 #include "GinaContext.h"
 #include "GinaObject.h"
 #include "LUMRegistry.h"
@@ -65,6 +66,8 @@ public:
     CGinaObjectList* m_pGinaObjectList;
     CLUMRegistry* m_pLUMRegistry;
     CWinlogonObject* m_pWinlogonObject;
+    /// Over m_pGinaObjectList.
+    CCallGate m_gate;
 
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CLUMGina");
@@ -86,6 +89,7 @@ private:
     void InitializeObjects(Initialize initialize);
     void SetWinlogonTimeout(HANDLE hWlx) noexcept;
 
+    GinaNode* FindFirst(CGinaObject*& pFirst);
     template <typename Result, typename... Params, typename... Args>
     Result CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params...), Args... args);
     template <typename Result, typename... Params, typename... Args>

@@ -16,13 +16,20 @@ using DispatchHandler =
 template <typename Result, typename... Params, typename... Args>
 Result CLUMGina::CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params...), Args... args)
 {
+    const CCallGate::CCall call(m_gate);
+    CGinaObject* pFirst = nullptr;
+    GinaNode* pNode = FindFirst(pFirst);
+    return pFirst != nullptr ? (pFirst->*pfnOperation)(pNode, args...) : FailureResult<Result>();
+}
+
+/// Moves the cursor to the head and gives the node there, and the object that it holds.
+GinaNode* CLUMGina::FindFirst(CGinaObject*& pFirst)
+{
+    const CCriticalSection::CLock lock(m_gate.GetListLock());
     RequireGinaObjects();
     m_pGinaObjectList->Begin();
-    CGinaObject* pFirst = nullptr;
-    if (!m_pGinaObjectList->GetItem(pFirst) || pFirst == nullptr) {
-        return FailureResult<Result>();
-    }
-    return (pFirst->*pfnOperation)(m_pGinaObjectList->m_pCursor, args...);
+    m_pGinaObjectList->GetItem(pFirst);
+    return m_pGinaObjectList->m_pCursor;
 }
 
 template <typename Result, typename... Params, typename... Args>

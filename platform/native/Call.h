@@ -17,20 +17,30 @@ struct CCallError
     DWORD dwError;
 };
 
-extern std::atomic<int> g_nInjections;
-DWORD TakeInjectedFault(PlatformCall call, LPCWSTR szName) noexcept;
-
-inline DWORD TakeFault(PlatformCall call, LPCWSTR szName) noexcept
+/// What a use of a call is about, by which a failure can be restricted to it.
+struct CCallName
 {
-    return g_nInjections.load(std::memory_order_relaxed) == 0 ? ERROR_SUCCESS
-                                                              : TakeInjectedFault(call, szName);
+    constexpr CCallName(std::nullptr_t) noexcept {}
+    constexpr CCallName(LPCWSTR szName) noexcept : szWide(szName) {}
+    constexpr CCallName(LPCSTR szName) noexcept : szNarrow(szName) {}
+
+    LPCWSTR szWide = nullptr;
+    LPCSTR szNarrow = nullptr;
+};
+
+extern std::atomic<int> g_nInjections;
+DWORD TakeInjectedFault(PlatformCall call, CCallName name) noexcept;
+
+inline DWORD TakeFault(PlatformCall call, CCallName name) noexcept
+{
+    return g_nInjections.load(std::memory_order_relaxed) == 0 ? ERROR_SUCCESS : TakeInjectedFault(call, name);
 }
 
 /// A call that returns its error code.
 template <typename Body>
-LONG CodeCall(PlatformCall call, LPCWSTR szName, Body body) noexcept
+LONG CodeCall(PlatformCall call, CCallName name, Body body) noexcept
 {
-    const DWORD dwFault = TakeFault(call, szName);
+    const DWORD dwFault = TakeFault(call, name);
     if (dwFault != ERROR_SUCCESS) {
         return static_cast<LONG>(dwFault);
     }
@@ -43,9 +53,9 @@ LONG CodeCall(PlatformCall call, LPCWSTR szName, Body body) noexcept
 
 /// A call that returns `failure` and sets the last error when its body throws CCallError.
 template <typename Result, typename Body>
-Result LastErrorCall(PlatformCall call, LPCWSTR szName, Result failure, Body body) noexcept
+Result LastErrorCall(PlatformCall call, CCallName name, Result failure, Body body) noexcept
 {
-    DWORD dwError = TakeFault(call, szName);
+    DWORD dwError = TakeFault(call, name);
     if (dwError == ERROR_SUCCESS) {
         try {
             return body();

@@ -16,14 +16,23 @@ namespace {
 std::mutex g_mutex;
 std::vector<CFaultInjection*> g_injections;
 
+bool IsNamed(CCallName name, LPCWSTR szName)
+{
+    if (name.szNarrow != nullptr) {
+        const std::string narrow = name.szNarrow;
+        return CompareNoCase(WideText(narrow.begin(), narrow.end()), szName) == 0;
+    }
+    return name.szWide != nullptr && CompareNoCase(name.szWide, szName) == 0;
+}
+
 } // namespace
 
-DWORD TakeInjectedFault(PlatformCall call, LPCWSTR szName) noexcept
+DWORD TakeInjectedFault(PlatformCall call, CCallName name) noexcept
 {
     const std::lock_guard lock(g_mutex);
     DWORD dwFault = ERROR_SUCCESS;
     for (CFaultInjection* pInjection : g_injections) {
-        const DWORD dwError = pInjection->Take(call, szName);
+        const DWORD dwError = pInjection->Take(call, name);
         dwFault = dwFault != ERROR_SUCCESS ? dwFault : dwError;
     }
     return dwFault;
@@ -55,10 +64,9 @@ DWORD CFaultInjection::GetUses() const noexcept
     return m_dwUses;
 }
 
-DWORD CFaultInjection::Take(PlatformCall call, LPCWSTR szName) noexcept
+DWORD CFaultInjection::Take(PlatformCall call, const CCallName& name) noexcept
 {
-    const bool bMine = m_calls.Contains(call) &&
-                       (m_szName == nullptr || (szName != nullptr && CompareNoCase(m_szName, szName) == 0));
+    const bool bMine = m_calls.Contains(call) && (m_szName == nullptr || IsNamed(name, m_szName));
     if (!bMine) {
         return ERROR_SUCCESS;
     }

@@ -57,11 +57,7 @@ FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR szName) noexcept
 {
     // Anything below is an ordinal.
     const bool bName = reinterpret_cast<ULONG_PTR>(szName) > 0xFFFF;
-    WideText name;
-    if (bName) {
-        name.assign(szName, szName + std::char_traits<char>::length(szName));
-    }
-    return LastErrorCall<FARPROC>(PlatformCall::GetProcAddress, name.c_str(), nullptr, [&] {
+    return LastErrorCall<FARPROC>(PlatformCall::GetProcAddress, bName ? szName : nullptr, nullptr, [&] {
         Require(bName, ERROR_PROC_NOT_FOUND);
         void* pExport = LoadedModules::FindExport(hModule, szName);
         Require(pExport != nullptr, ERROR_PROC_NOT_FOUND);

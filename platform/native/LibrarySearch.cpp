@@ -19,10 +19,11 @@ std::string FindIn(const std::string& directory, const WideText& name)
     if (std::filesystem::exists(exact, error)) {
         return exact.string();
     }
-    for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
+    const std::filesystem::directory_iterator end;
+    for (std::filesystem::directory_iterator entry(directory, error); entry != end; entry.increment(error)) {
         WideText found;
-        if (FromUtf8(entry.path().filename().string(), found) && CompareNoCase(found, name) == 0) {
-            return entry.path().string();
+        if (FromUtf8(entry->path().filename().string(), found) && CompareNoCase(found, name) == 0) {
+            return entry->path().string();
         }
     }
     return std::string();

@@ -1,6 +1,8 @@
 #include "LoadedModules.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <list>
@@ -81,8 +83,9 @@ void* FindOwnSymbol(void* pLibrary, const char* szName)
     void* pSymbol = dlsym(pLibrary, szName);
     Dl_info info = {};
     void* pOwner = nullptr;
+    void* pSelf = nullptr;
     const bool bOwn = pSymbol != nullptr && dladdr1(pSymbol, &info, &pOwner, RTLD_DL_LINKMAP) != 0 &&
-                      pOwner == pLibrary;
+                      dlinfo(pLibrary, RTLD_DI_LINKMAP, &pSelf) == 0 && pOwner == pSelf;
     return bOwn ? pSymbol : nullptr;
 }
 
@@ -152,6 +155,8 @@ HMODULE LoadedModules::Load(const std::string& path)
     const auto loaded = FindModule(pLibrary);
     if (loaded != GetModules().end()) {
         dlclose(pLibrary);
+        // A DLL that is being told to go cannot be held.
+        Require(loaded->dwReferences != 0, ERROR_DLL_INIT_FAILED);
         ++loaded->dwReferences;
         return loaded->GetHandle();
     }
@@ -164,7 +169,7 @@ HMODULE LoadedModules::LoadAgain(const WideText& name)
     for (CModule& module : GetModules()) {
         WideText path;
         FromUtf8(module.path.substr(module.path.find_last_of('/') + 1), path);
-        if (CompareNoCase(path, name) == 0) {
+        if (module.dwReferences != 0 && CompareNoCase(path, name) == 0) {
             ++module.dwReferences;
             return module.GetHandle();
         }

@@ -39,6 +39,10 @@
     CALL(WriteFile)
 // clang-format on
 
+namespace Native {
+struct CCallName;
+}
+
 enum class PlatformCall
 {
 #define PLATFORM_CALL_ENUMERATOR(NAME) NAME,
@@ -99,7 +103,7 @@ public:
     bool HasFired() const noexcept { return GetUses() >= m_dwUse; }
 
     /// For the layer: counts a use, and gives the error that it is to fail with, or ERROR_SUCCESS.
-    DWORD Take(PlatformCall call, LPCWSTR szName) noexcept;
+    DWORD Take(PlatformCall call, const Native::CCallName& name) noexcept;
 
 private:
     const CPlatformCalls m_calls;
