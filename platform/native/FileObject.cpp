@@ -1,6 +1,7 @@
 #include "FileObject.h"
 
 #include <cerrno>
+#include <iterator>
 #include <mutex>
 #include <vector>
 
@@ -85,7 +86,8 @@ CFileObject::CFileObject(const COpening& opening)
     try {
         Share();
         // Not before it is certain that the file may be opened.
-        Require(!m_bExisted || !disposition.bTruncate || truncate(opening.path.c_str(), 0) == 0, FromErrno(errno));
+        Require(!m_bExisted || !disposition.bTruncate || truncate(opening.path.c_str(), 0) == 0,
+                FromErrno(errno));
         m_bExisted = m_bExisted && disposition.bCreate;
     } catch (...) {
         Close();

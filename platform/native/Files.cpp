@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <iterator>
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -46,7 +46,9 @@ std::string GetProgramPath()
 std::string FindLibrary(const WideText& name)
 {
     const std::string program = GetProgramPath();
-    for (const std::string& directory : {program.substr(0, program.find_last_of('/')), GetSystemDirectory(), std::string(".")}) {
+    for (const std::string& directory :
+         {program.substr(0, program.find_last_of('/')), GetSystemDirectory(), std::string(".")})
+    {
         const std::string path = directory.empty() ? directory : FindIn(directory, name);
         if (!path.empty()) {
             return path;

@@ -101,7 +101,8 @@ BOOL CallDllMain(const CModule& module, DWORD dwReason)
         return GuardedCall([&] { return pfnDllMain(hInstance, dwReason, nullptr); });
     } catch (const CForeignFault& fault) {
         constexpr DWORD ACCESS_VIOLATION = 0xC0000005;
-        throw CCallError{fault.GetCode() == ACCESS_VIOLATION ? ERROR_NOACCESS : ERROR_DLL_INIT_FAILED};
+        Require(fault.GetCode() != ACCESS_VIOLATION, ERROR_NOACCESS);
+        throw CCallError{ERROR_DLL_INIT_FAILED};
     } catch (...) {
         throw CCallError{ERROR_DLL_INIT_FAILED};
     }
@@ -148,7 +149,8 @@ HMODULE LoadedModules::Load(const std::string& path)
 {
     const std::lock_guard lock(g_mutex);
     // Without a '/' dlopen would search in places of its own.
-    void* pLibrary = dlopen((path.find('/') == std::string::npos ? "./" + path : path).c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* pLibrary =
+        dlopen((path.find('/') == std::string::npos ? "./" + path : path).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (pLibrary == nullptr) {
         throw CCallError{ExplainFailure(path)};
     }

@@ -28,7 +28,8 @@ LONG TakePath(LPCWSTR szSubKey, Path& path)
 }
 
 /// The key of a path, its last parts made where they are missing.
-LONG MakeKeys(std::shared_ptr<CTreeKey> pKey, const Path& path, bool bVolatile, std::shared_ptr<CTreeKey>& pResult)
+LONG MakeKeys(std::shared_ptr<CTreeKey> pKey, const Path& path, bool bVolatile,
+              std::shared_ptr<CTreeKey>& pResult)
 {
     for (const WideText& name : path) {
         if (pKey->bVolatile && !bVolatile && pKey->keys.count(name) == 0) {
@@ -52,7 +53,8 @@ LONG OpenHandle(HKEY hKey, LPCWSTR szSubKey, REGSAM samDesired, PHKEY phResult, 
     LONG lResult = TakePath(szSubKey, path);
     std::shared_ptr<CTreeKey> pResult;
     if (lResult == ERROR_SUCCESS) {
-        lResult = WithKey(hKey, 0, [&](const std::shared_ptr<CTreeKey>& pKey) { return find(pKey, path, pResult); });
+        lResult = WithKey(hKey, 0,
+                          [&](const std::shared_ptr<CTreeKey>& pKey) { return find(pKey, path, pResult); });
     }
     if (lResult == ERROR_SUCCESS) {
         const HANDLE hResult = HandleTable::Add(std::make_shared<CKeyObject>(pResult, samDesired));
@@ -66,10 +68,11 @@ LONG OpenHandle(HKEY hKey, LPCWSTR szSubKey, REGSAM samDesired, PHKEY phResult, 
 LSTATUS WINAPI RegOpenKeyExW(HKEY hKey, LPCWSTR szSubKey, DWORD, REGSAM samDesired, PHKEY phResult) noexcept
 {
     return CodeCall(PlatformCall::RegOpenKeyExW, szSubKey, [&] {
-        return OpenHandle(hKey, szSubKey, samDesired, phResult, [](auto& pKey, const Path& path, auto& pResult) {
-            pResult = CTreeKey::Find(pKey, path);
-            return pResult != nullptr ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
-        });
+        return OpenHandle(hKey, szSubKey, samDesired, phResult,
+                          [](auto& pKey, const Path& path, auto& pResult) {
+                              pResult = CTreeKey::Find(pKey, path);
+                              return pResult != nullptr ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+                          });
     });
 }
 
@@ -82,9 +85,10 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY hKey, LPCWSTR szSubKey, DWORD dwReserved, LP
             return ERROR_INVALID_PARAMETER;
         }
         DWORD dwDisposition = REG_OPENED_EXISTING_KEY;
-        const LONG lResult =
-            OpenHandle(hKey, szSubKey, samDesired, phResult, [&](auto& pKey, const Path& path, auto& pResult) {
-                dwDisposition = CTreeKey::Find(pKey, path) != nullptr ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
+        const LONG lResult = OpenHandle(
+            hKey, szSubKey, samDesired, phResult, [&](auto& pKey, const Path& path, auto& pResult) {
+                dwDisposition =
+                    CTreeKey::Find(pKey, path) != nullptr ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
                 return MakeKeys(pKey, path, (dwOptions & REG_OPTION_VOLATILE) != 0, pResult);
             });
         if (lResult == ERROR_SUCCESS && pdwDisposition != nullptr) {

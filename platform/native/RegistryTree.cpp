@@ -1,5 +1,7 @@
 #include "RegistryTree.h"
 
+#include <algorithm>
+
 namespace Native {
 
 std::mutex RegistryTree::g_mutex;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 
 #include <windows.h>
@@ -56,8 +57,8 @@ WideText TakeName(LPCWSTR szValue)
 
 } // namespace
 
-LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR szValue, LPDWORD pdwReserved, LPDWORD pdwType, LPBYTE pData,
-                                LPDWORD pcbData) noexcept
+LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR szValue, LPDWORD pdwReserved, LPDWORD pdwType,
+                                LPBYTE pData, LPDWORD pcbData) noexcept
 {
     return CodeCall(PlatformCall::RegQueryValueExW, szValue, [&]() -> LONG {
         if (pdwReserved != nullptr || (pData != nullptr && pcbData == nullptr)) {
@@ -65,14 +66,15 @@ LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR szValue, LPDWORD pdwReserved,
         }
         const WideText name = TakeName(szValue);
         CRegistryData data;
-        const LONG lResult = WithKey(hKey, KEY_QUERY_VALUE, [&](const std::shared_ptr<CTreeKey>& pKey) -> LONG {
-            const auto found = pKey->values.find(name);
-            if (found == pKey->values.end()) {
-                return ERROR_FILE_NOT_FOUND;
-            }
-            data = found->second;
-            return ERROR_SUCCESS;
-        });
+        const LONG lResult =
+            WithKey(hKey, KEY_QUERY_VALUE, [&](const std::shared_ptr<CTreeKey>& pKey) -> LONG {
+                const auto found = pKey->values.find(name);
+                if (found == pKey->values.end()) {
+                    return ERROR_FILE_NOT_FOUND;
+                }
+                data = found->second;
+                return ERROR_SUCCESS;
+            });
         return lResult == ERROR_SUCCESS ? GiveValue(data, pdwType, pData, pcbData) : lResult;
     });
 }

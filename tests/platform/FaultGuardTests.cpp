@@ -3,7 +3,6 @@
 #include <cfenv>
 #include <stdexcept>
 #include <string>
-#include <thread>
 
 #include "Faults.h"
 #include "platform/FaultGuard.h"
@@ -71,6 +70,12 @@ void ExpectEachFaultTwice()
     }
 }
 
+DWORD WINAPI ExpectEachFaultInThread(void*)
+{
+    ExpectEachFaultTwice();
+    return 0;
+}
+
 } // namespace
 
 TEST(FaultGuard, ReportsEachFaultByItsCode)
@@ -80,8 +85,13 @@ TEST(FaultGuard, ReportsEachFaultByItsCode)
 
 TEST(FaultGuard, GuardsEachThreadByItself)
 {
-    GuardedCall([] { std::thread(ExpectEachFaultTwice).join(); });
-    EXPECT_EQ(GetFault([] { std::thread([] { GetFault(ReadNull); }).join(); }), NO_FAULT);
+    const DWORD dwCode = GetFault([&] {
+        const HANDLE hThread = CreateThread(nullptr, 0, ExpectEachFaultInThread, nullptr, 0, nullptr);
+        EXPECT_EQ(WaitForSingleObject(hThread, INFINITE), WAIT_OBJECT_0);
+        CloseHandle(hThread);
+        ReadNull();
+    });
+    EXPECT_EQ(dwCode, 0xC0000005) << "the guard of the thread that waited is still there";
 }
 
 TEST(FaultGuard, ReportsAnyCodeThatIsRaised)

@@ -54,7 +54,9 @@ enum class PlatformCall
 class CPlatformCalls
 {
 public:
-    constexpr CPlatformCalls(PlatformCall call) noexcept : m_bits(std::uint64_t(1) << static_cast<int>(call)) {}
+    constexpr CPlatformCalls(PlatformCall call) noexcept : m_bits(std::uint64_t(1) << static_cast<int>(call))
+    {
+    }
 
     constexpr bool Contains(CPlatformCalls calls) const noexcept { return (m_bits & calls.m_bits) != 0; }
     friend constexpr CPlatformCalls operator|(CPlatformCalls left, CPlatformCalls right) noexcept
@@ -67,9 +69,9 @@ private:
     std::uint64_t m_bits;
 };
 
-inline constexpr CPlatformCalls REGISTRY_WRITES =
-    CPlatformCalls(PlatformCall::RegCreateKeyExW) | PlatformCall::RegSetValueExW |
-    PlatformCall::RegDeleteValueW | PlatformCall::RegDeleteKeyW;
+inline constexpr CPlatformCalls REGISTRY_WRITES = CPlatformCalls(PlatformCall::RegCreateKeyExW) |
+                                                  PlatformCall::RegSetValueExW |
+                                                  PlatformCall::RegDeleteValueW | PlatformCall::RegDeleteKeyW;
 
 enum class FaultRepeat
 {

@@ -2,7 +2,7 @@
 
 #include "win32/types.h"
 
-// Locks and time.
+// Locks, threads and time.
 
 /// May be entered again by the thread that is in it.
 struct CRITICAL_SECTION
@@ -15,6 +15,8 @@ void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION pSection);
 void WINAPI EnterCriticalSection(LPCRITICAL_SECTION pSection) noexcept;
 void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION pSection) noexcept;
 void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION pSection) noexcept;
+
+DWORD WINAPI GetCurrentThreadId() noexcept;
 
 struct SYSTEMTIME
 {

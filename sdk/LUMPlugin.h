@@ -1,0 +1,509 @@
+#pragma once
+
+#include <windows.h>
+#include <winwlx.h>
+
+// Everything that a plugin of the LUM GINA needs. It is the binary interface between the host and
+// plugins, and a class that makes a plugin of a few lines:
+//
+//     #include "LUMPlugin.h"
+//
+//     class CKioskPlugin : public lum::CPlugin
+//     {
+//     public:
+//         BOOL IsLockOk(lum::CGinaNode* pNode, PVOID pWlxContext)
+//         {
+//             return IsKiosk() ? FALSE : CPlugin::IsLockOk(pNode, pWlxContext);
+//         }
+//     };
+//
+//     static CKioskPlugin s_plugin;
+//     LUM_PLUGIN(s_plugin)
+//
+// A plugin is a 32-bit DLL that exports 24 functions under undecorated names: a .def file lists them. A
+// call that the class does not write goes on to the next object of the chain by itself.
+//
+// Any compiler will do whose member functions take "this" in ECX and remove their own arguments, which on
+// 32-bit Windows all do. C++98 is enough. plugin-guide.md leads from an empty folder to a loaded plugin.
+//
+//
+// Fixed tags of the contracts below
+//
+// Thread:
+//   [winlogon]  Winlogon's thread. Calls nest: while one of them has a dialog open, Winlogon may make
+//               another on the same thread.
+//   [control]   the thread that serves the control channel, also while a [winlogon] call is under way.
+//   [host]      Winlogon's thread when the system starts, a thread of the host for a plugin that is added
+//               or removed while the system runs.
+//
+// State:
+//   [loading]   The first call of all. Nothing of the chain exists for this plugin yet.
+//   [loaded]    From an accepted Negotiate on, until the DLL is unloaded. Before Initialize too.
+//   [running]   After Initialize. One exception: when the Initialize of an object further up fails with an
+//               exception, the host gives up and calls no other, yet leaves the plugins behind it loaded.
+//
+// Pointers:
+//   [lent]      The caller's. Valid until the call returns: do not free or keep it.
+//   [kept]      The host's or Winlogon's. Valid as long as the DLL is loaded: do not free it.
+//   [out]       The caller's, to store through, and only with the result that says so. May be null.
+//   [passed]    Of no meaning to a plugin; pass it on as it is.
+//   [secret]    Leads to passwords or tokens: do not log, copy or keep what it leads to.
+//
+// Result:
+//   [bool]      One byte: only the low byte of the result is looked at.
+//   [BOOL]      32 bits: FALSE is no, anything else yes.
+//   [action]    A WLX_SAS_ACTION_ value, which Winlogon acts upon.
+//
+// A call that faults, or that an exception leaves, has failed, and costs no more than itself: the host
+// writes the plugin's name to its trace log and answers Winlogon FALSE or WLX_SAS_ACTION_NONE. The plugin
+// stays in the chain and gets the next call. Only Negotiate, Initialize and DynamicUnload say otherwise.
+
+namespace lum {
+
+/// The host's control operations, which a plugin is handed and passes on.
+class CLUMObject;
+class CGinaObject;
+
+/// The plugin interface version of this header.
+const DWORD PLUGIN_INTERFACE_VERSION = 0x01000000;
+
+/// What is known of one GINA or plugin.
+///
+/// The record owns its two strings. They are made with LocalAlloc and released with LocalFree, by whoever
+/// fills or clears a record: see ReplaceString. Each is null when there is none.
+struct CGinaPluginInfo
+{
+    const WCHAR* szAPP; ///< of the creator; not to be touched, nor the next
+    const WCHAR* szMTM;
+    DWORD m_dwSpare1; ///< for plugins and their clients; the host only copies it
+    WCHAR* m_szFriendlyName;
+    WCHAR* m_szGinaDLL;   ///< as it is configured
+    DWORD m_dwWlxVersion; ///< Winlogon interface version, WLX_VERSION_1_0 to WLX_VERSION_1_4
+    DWORD m_dwLUMVersion; ///< plugin interface version
+    DWORD m_dwSpare2;     ///< as m_dwSpare1
+};
+
+/// What the host keeps for one loaded DLL. Read only; a plugin finds its own through the node of a call:
+/// pNode->m_pItem->m_pGinaPluginContext. Changes no more once Initialize has been called.
+struct CGinaPluginContext
+{
+    const WCHAR* szAPP;
+    const WCHAR* szMTM;
+    HINSTANCE m_hDLLInstance; ///< the DLL
+    HINSTANCE m_hInstance;    ///< the host
+    HANDLE m_hWlx;            ///< Winlogon's handle; null before Initialize, and always for the standard GINA
+    CGinaPluginInfo m_GinaPluginInfo;
+};
+
+/// One place in the chain. Read only. Valid during the call that hands it over, and pNext no longer
+/// either: objects come, go and change places while the system runs.
+struct CGinaNode
+{
+    const WCHAR* szAPP;
+    const WCHAR* szMTM;
+    CGinaObject* m_pItem; ///< the GINA or plugin at this place
+    DWORD m_dwTag;
+    CGinaNode* pNext; ///< never null in a call to a plugin: the standard GINA is the last
+    CGinaNode* pPrev; ///< null at the head
+};
+
+/// A GINA or plugin as the host drives it: the object of the next node is what a plugin calls.
+///
+/// The chained operations take the object's own node, then what the plugin's operation of that name takes.
+/// Their slots are the interface: their order is fixed, and a bool is one byte.
+class CGinaObject
+{
+    /// Slot 0 destroys the object, which only the host may do.
+    virtual void* DeletingDestructor(DWORD dwFlags) = 0;
+
+public:
+    virtual bool ActivateUserShell(CGinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
+                                   PWSTR pszMprLogonScript, PVOID pEnvironment) = 0;
+    virtual void DisconnectNotify(CGinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual void DisplayLockedNotice(CGinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual void DisplaySASNotice(CGinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual bool DisplayStatusMessage(CGinaNode* pNode, PVOID pWlxContext, HDESK hDesktop, DWORD dwOptions,
+                                      PWSTR pTitle, PWSTR pMessage) = 0;
+    virtual void DynamicUnload() = 0; ///< not for plugins to call
+    virtual bool GetConsoleSwitchCredentials(CGinaNode* pNode, PVOID pWlxContext, PVOID pCredInfo) = 0;
+    virtual bool GetStatusMessage(CGinaNode* pNode, PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
+                                  DWORD dwBufferSize) = 0;
+    virtual bool Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount, LPWSTR lpWinsta, HANDLE hWlx,
+                            PVOID pvReserved, PVOID pWinlogonFunctions, PVOID* pWlxContext, DWORD dwLoadFlag1,
+                            DWORD dwLoadFlag2) = 0; ///< not for plugins to call
+    virtual bool IsLockOk(CGinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual bool IsLogoffOk(CGinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual int LoggedOnSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) = 0;
+    virtual int LoggedOutSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
+                             PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
+                             PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile) = 0;
+    virtual void Logoff(CGinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual bool Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion,
+                           CGinaPluginInfo* pPluginInfo) = 0; ///< not for plugins to call
+    virtual bool NetworkProviderLoad(CGinaNode* pNode, PVOID pWlxContext,
+                                     PWLX_MPR_NOTIFY_INFO pNprNotifyInfo) = 0;
+    virtual bool QueryPlugin(CGinaPluginInfo* pPluginInfo, DWORD dwQueryParam1, DWORD dwQueryParam2,
+                             DWORD dwQueryParam3) = 0;
+    virtual bool QueryPluginInfo(CGinaPluginInfo* pPluginInfo) = 0;
+    virtual void ReconnectNotify(CGinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual bool RemoveStatusMessage(CGinaNode* pNode, PVOID pWlxContext) = 0;
+    virtual bool ScreenSaverNotify(CGinaNode* pNode, PVOID pWlxContext, BOOL* pSecure) = 0;
+    virtual void Shutdown(CGinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType) = 0;
+    virtual bool StartApplication(CGinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
+                                  PVOID pEnvironment, PWSTR pszCmdLine) = 0;
+    virtual int WkstaLockedSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) = 0;
+
+    const WCHAR* szAPP;
+    const WCHAR* szMTM;
+    CGinaPluginContext* m_pGinaPluginContext; ///< [kept] as long as the object is in the chain
+
+    // The host has more fields from here on.
+};
+
+// The sizes that host and plugins agree on. A compiler that packs structures otherwise stops here.
+typedef char CGinaPluginInfoHas32Bytes[sizeof(void*) != 4 || sizeof(CGinaPluginInfo) == 32 ? 1 : -1];
+typedef char CGinaPluginContextHas52Bytes[sizeof(void*) != 4 || sizeof(CGinaPluginContext) == 52 ? 1 : -1];
+typedef char CGinaNodeHas24Bytes[sizeof(void*) != 4 || sizeof(CGinaNode) == 24 ? 1 : -1];
+typedef char CGinaObjectHas16Bytes[sizeof(void*) != 4 || sizeof(CGinaObject) == 16 ? 1 : -1];
+typedef char WCHARHas2Bytes[sizeof(WCHAR) == 2 ? 1 : -1];
+typedef char BoolHas1Byte[sizeof(bool) == 1 ? 1 : -1];
+
+/// The object that a call at pNode is passed on to. Its chained operations take pNode->pNext. They may
+/// throw an exception of the host, which a plugin lets pass: on 32-bit Windows, frames of g++ are left
+/// without running destructors or handlers then, so hold nothing across the call that needs them.
+inline CGinaObject& NextObject(const CGinaNode* pNode)
+{
+    return *pNode->pNext->m_pItem;
+}
+
+/// Replaces a string of a record by a copy of szSource, or by none for null. When there is no memory for
+/// the copy, false, and the string is none.
+inline bool ReplaceString(WCHAR*& szTarget, const WCHAR* szSource)
+{
+    if (szTarget != 0) {
+        LocalFree(szTarget);
+        szTarget = 0;
+    }
+    if (szSource == 0) {
+        return true;
+    }
+    SIZE_T cchSource = 1;
+    while (szSource[cchSource - 1] != 0) {
+        ++cchSource;
+    }
+    szTarget = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, cchSource * sizeof(WCHAR)));
+    for (SIZE_T n = 0; szTarget != 0 && n < cchSource; ++n) {
+        szTarget[n] = szSource[n];
+    }
+    return szTarget != 0;
+}
+
+/// Gives a plugin a name for people to read. For the record that Negotiate or QueryPluginInfo is handed;
+/// results as for ReplaceString.
+inline bool SetFriendlyName(CGinaPluginInfo* pPluginInfo, const WCHAR* szFriendlyName)
+{
+    return ReplaceString(pPluginInfo->m_szFriendlyName, szFriendlyName);
+}
+
+/// A plugin that accepts what it is asked to take part in and passes every call on. Override what is to be
+/// otherwise: each operation is the export of its name with "LUM" in front. To pass a call on from an
+/// override, call the operation of this class.
+///
+/// Make one object of the class, with static storage, and name it in LUM_PLUGIN. It is constructed under
+/// the loader lock, so its constructor does no more than set fields. Where the compiler knows "override",
+/// write it: an operation whose name is misspelt is a call that is passed on.
+class CPlugin
+{
+public:
+    /// szFriendlyName must stay valid as long as the DLL is loaded; null for none.
+    explicit CPlugin(const WCHAR* szFriendlyName = 0)
+        : m_szFriendlyName(szFriendlyName), m_szGinaDLL(), m_dwWlxVersion(0), m_dwLUMVersion(0)
+    {
+    }
+
+    // Operations that are not chained.
+
+    /// Takes part, or not: true accepts. [host] [loading] [bool]
+    ///
+    /// pPluginInfo [kept]: the plugin's own record, with its DLL name and the versions offered. Either
+    /// version may be replaced by the one that the plugin implements, and the spare words and the friendly
+    /// name may be set. The host refuses a m_dwWlxVersion below WLX_VERSION_1_0 and a m_dwLUMVersion above
+    /// the one offered. The m_dwWlxVersion left here decides which exports the DLL must have: those
+    /// marked "from 1.x" below are neither looked up nor called for a lower one, and a chained call to
+    /// such a plugin fails: it does not reach the objects behind it.
+    ///
+    /// A plugin that does not accept, faults, throws or lacks an export is left out of the chain and
+    /// its DLL unloaded; the rest of the chain is loaded as if it were not configured.
+    virtual bool Negotiate(CGinaPluginInfo* pPluginInfo)
+    {
+        if (m_szFriendlyName != 0) {
+            SetFriendlyName(pPluginInfo, m_szFriendlyName);
+        }
+        return true;
+    }
+
+    /// Gets ready: anything but FALSE accepts. Called once. [host] [loaded] [BOOL]
+    ///
+    /// pLUMObject [passed]; dwInstanceCount: how often a host was initialised since the machine started,
+    /// this time included; lpWinsta [lent]: the window station's name; hWlx [kept]: Winlogon's handle, for
+    /// the functions of pWinlogonFunctions; pvReserved [passed]; pWinlogonFunctions [kept]: Winlogon's
+    /// dispatch table; pWlxContext [passed]: the standard GINA stores its context there; dwLoadFlag1 and
+    /// dwLoadFlag2: 0 when Winlogon initialises the host, 1 for a plugin that is added to the running
+    /// system, for which lpWinsta, pvReserved and pWlxContext are null.
+    ///
+    /// A plugin that does not accept is taken out of the chain and its DLL unloaded, without
+    /// DynamicUnload. One that faults or throws fails the host's own initialisation: Winlogon is told
+    /// FALSE, and the objects behind the plugin are not initialised.
+    virtual BOOL Initialize(CLUMObject*, DWORD, LPWSTR, HANDLE, PVOID, PVOID, PVOID*, DWORD, DWORD)
+    {
+        return TRUE;
+    }
+
+    /// The plugin is being removed from the running system: its DLL is unloaded next, and no other call is
+    /// under way in it. [host] [loaded]
+    ///
+    /// Not called when the system shuts down. Should it fail, the plugin is removed all the same.
+    virtual void DynamicUnload() {}
+
+    /// A query whose meaning lies between a client and the plugin, as have the three values. [control]
+    /// [loaded] [bool]
+    ///
+    /// pPluginInfo [lent]: the client's record, which the client gets back.
+    virtual bool QueryPlugin(CGinaPluginInfo*, DWORD, DWORD, DWORD) { return false; }
+
+    /// Fills the caller's record with what the plugin has to say of itself. [control] [loaded] [bool]
+    ///
+    /// pPluginInfo [lent]: strings in it are replaced with ReplaceString.
+    virtual bool QueryPluginInfo(CGinaPluginInfo* pPluginInfo)
+    {
+        pPluginInfo->m_dwWlxVersion = m_dwWlxVersion;
+        pPluginInfo->m_dwLUMVersion = m_dwLUMVersion;
+        return SetFriendlyName(pPluginInfo, m_szFriendlyName) &&
+               ReplaceString(pPluginInfo->m_szGinaDLL, m_szGinaDLL);
+    }
+
+    // Chained operations: the calls that Winlogon makes to a GINA, after the node of the plugin. All are
+    // [winlogon] [running]. pNode [lent] is the plugin's own; pWlxContext [passed] the standard GINA's.
+
+    /// Nobody is logged on: show how to.
+    virtual void DisplaySASNotice(CGinaNode* pNode, PVOID pWlxContext)
+    {
+        NextObject(pNode).DisplaySASNotice(pNode->pNext, pWlxContext);
+    }
+
+    /// Nobody is logged on and an event of type dwSasType came: log a user on, or not. [action]
+    ///
+    /// All [out], to be stored with WLX_SAS_ACTION_LOGON only and then by the standard GINA:
+    /// pAuthenticationId, pLogonSid, pdwOptions, phToken [secret], pNprNotifyInfo [secret] and pProfile.
+    /// To refuse a logon, return WLX_SAS_ACTION_NONE without passing the call on: what a GINA has stored
+    /// by the time that it returns is lost when the answer is changed.
+    virtual int LoggedOutSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
+                             PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
+                             PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile)
+    {
+        return NextObject(pNode).LoggedOutSAS(pNode->pNext, pWlxContext, dwSasType, pAuthenticationId,
+                                              pLogonSid, pdwOptions, phToken, pNprNotifyInfo, pProfile);
+    }
+
+    /// A user is logged on: start the shell on the desktop. FALSE ends the session. [BOOL]
+    ///
+    /// pszDesktopName, pszMprLogonScript [lent], the latter perhaps null. pEnvironment [lent]: the user's
+    /// environment block.
+    virtual BOOL ActivateUserShell(CGinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
+                                   PWSTR pszMprLogonScript, PVOID pEnvironment)
+    {
+        return NextObject(pNode).ActivateUserShell(pNode->pNext, pWlxContext, pszDesktopName,
+                                                   pszMprLogonScript, pEnvironment);
+    }
+
+    /// A user is logged on and an event came: what Winlogon is to do. pReserved [passed]. [action]
+    virtual int LoggedOnSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved)
+    {
+        return NextObject(pNode).LoggedOnSAS(pNode->pNext, pWlxContext, dwSasType, pReserved);
+    }
+
+    /// The workstation is locked: show how to unlock it.
+    virtual void DisplayLockedNotice(CGinaNode* pNode, PVOID pWlxContext)
+    {
+        NextObject(pNode).DisplayLockedNotice(pNode->pNext, pWlxContext);
+    }
+
+    /// May the workstation be locked, by something other than LoggedOnSAS? [BOOL]
+    virtual BOOL IsLockOk(CGinaNode* pNode, PVOID pWlxContext)
+    {
+        return NextObject(pNode).IsLockOk(pNode->pNext, pWlxContext);
+    }
+
+    /// The workstation is locked and an event came: unlock, stay, or end the session. [action]
+    virtual int WkstaLockedSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType)
+    {
+        return NextObject(pNode).WkstaLockedSAS(pNode->pNext, pWlxContext, dwSasType);
+    }
+
+    /// May the user log off, by something other than LoggedOnSAS? [BOOL]
+    virtual BOOL IsLogoffOk(CGinaNode* pNode, PVOID pWlxContext)
+    {
+        return NextObject(pNode).IsLogoffOk(pNode->pNext, pWlxContext);
+    }
+
+    /// The user is logging off; cannot be refused any more.
+    virtual void Logoff(CGinaNode* pNode, PVOID pWlxContext)
+    {
+        NextObject(pNode).Logoff(pNode->pNext, pWlxContext);
+    }
+
+    /// The machine is going down; dwShutdownType is a WLX_SAS_ACTION_SHUTDOWN value. The last call.
+    virtual void Shutdown(CGinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType)
+    {
+        NextObject(pNode).Shutdown(pNode->pNext, pWlxContext, dwShutdownType);
+    }
+
+    /// From 1.1. Start an application for the user. Texts and environment [lent]. [BOOL]
+    virtual BOOL StartApplication(CGinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
+                                  PVOID pEnvironment, PWSTR pszCmdLine)
+    {
+        return NextObject(pNode).StartApplication(pNode->pNext, pWlxContext, pszDesktopName, pEnvironment,
+                                                  pszCmdLine);
+    }
+
+    /// From 1.1. A screen saver is about to start: FALSE forbids it. *pSecure [out], TRUE on entry when
+    /// the screen saver locks the workstation, decides whether it does. [BOOL]
+    virtual BOOL ScreenSaverNotify(CGinaNode* pNode, PVOID pWlxContext, BOOL* pSecure)
+    {
+        return NextObject(pNode).ScreenSaverNotify(pNode->pNext, pWlxContext, pSecure);
+    }
+
+    /// From 1.3. Network providers want to log the user on. pNprNotifyInfo [out] [secret]. [BOOL]
+    virtual BOOL NetworkProviderLoad(CGinaNode* pNode, PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo)
+    {
+        return NextObject(pNode).NetworkProviderLoad(pNode->pNext, pWlxContext, pNprNotifyInfo);
+    }
+
+    /// From 1.3. Show a status message. hDesktop, pTitle and pMessage [lent]; dwOptions: STATUSMSG_OPTION_
+    /// bits. [BOOL]
+    virtual BOOL DisplayStatusMessage(CGinaNode* pNode, PVOID pWlxContext, HDESK hDesktop, DWORD dwOptions,
+                                      PWSTR pTitle, PWSTR pMessage)
+    {
+        return NextObject(pNode).DisplayStatusMessage(pNode->pNext, pWlxContext, hDesktop, dwOptions, pTitle,
+                                                      pMessage);
+    }
+
+    /// From 1.3. Tell the status message that is shown. pdwOptions [out]; pMessage [out] has room for
+    /// dwBufferSize characters, the terminator included. [BOOL]
+    virtual BOOL GetStatusMessage(CGinaNode* pNode, PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
+                                  DWORD dwBufferSize)
+    {
+        return NextObject(pNode).GetStatusMessage(pNode->pNext, pWlxContext, pdwOptions, pMessage,
+                                                  dwBufferSize);
+    }
+
+    /// From 1.3. Stop showing the status message. [BOOL]
+    virtual BOOL RemoveStatusMessage(CGinaNode* pNode, PVOID pWlxContext)
+    {
+        return NextObject(pNode).RemoveStatusMessage(pNode->pNext, pWlxContext);
+    }
+
+    /// From 1.4. Give the credentials of the user, who moves to another session. pCredInfo [out] [secret]:
+    /// a WLX_CONSOLESWITCH_CREDENTIALS_INFO. [BOOL]
+    virtual BOOL GetConsoleSwitchCredentials(CGinaNode* pNode, PVOID pWlxContext, PVOID pCredInfo)
+    {
+        return NextObject(pNode).GetConsoleSwitchCredentials(pNode->pNext, pWlxContext, pCredInfo);
+    }
+
+    /// From 1.4. The session was connected again.
+    virtual void ReconnectNotify(CGinaNode* pNode, PVOID pWlxContext)
+    {
+        NextObject(pNode).ReconnectNotify(pNode->pNext, pWlxContext);
+    }
+
+    /// From 1.4. The session was disconnected.
+    virtual void DisconnectNotify(CGinaNode* pNode, PVOID pWlxContext)
+    {
+        NextObject(pNode).DisconnectNotify(pNode->pNext, pWlxContext);
+    }
+
+    /// For LUM_PLUGIN: negotiates, and remembers what QueryPluginInfo is to tell.
+    bool NegotiateAndRemember(CGinaPluginInfo* pPluginInfo)
+    {
+        if (!Negotiate(pPluginInfo)) {
+            return false;
+        }
+        m_dwWlxVersion = pPluginInfo->m_dwWlxVersion;
+        m_dwLUMVersion = pPluginInfo->m_dwLUMVersion;
+        const WCHAR* szGinaDLL = pPluginInfo->m_szGinaDLL;
+        for (DWORD n = 0; szGinaDLL != 0 && szGinaDLL[n] != 0 && n + 1 < MAX_PATH; ++n) {
+            m_szGinaDLL[n] = szGinaDLL[n];
+            m_szGinaDLL[n + 1] = 0;
+        }
+        return true;
+    }
+
+private:
+    CPlugin(const CPlugin&);
+    CPlugin& operator=(const CPlugin&);
+
+    const WCHAR* m_szFriendlyName;
+    WCHAR m_szGinaDLL[MAX_PATH];
+    DWORD m_dwWlxVersion;
+    DWORD m_dwLUMVersion;
+};
+
+} // namespace lum
+
+// LUM_CALL(STATEMENT) is the body of an export. An exception of g++ cannot leave a DLL: on 32-bit Windows
+// it would end the process, and Winlogon with it. So it becomes one that the host understands. Exceptions
+// of other compilers leave as they are, and those of the host, on their way up, are not seen here.
+#if defined(_WIN32) && defined(__GNUC__) && defined(__EXCEPTIONS)
+namespace lum {
+
+const DWORD PLUGIN_EXCEPTION = 0xE04C554D;
+
+__attribute__((noreturn)) inline void RaisePluginException()
+{
+    for (;;) {
+        RaiseException(PLUGIN_EXCEPTION, EXCEPTION_NONCONTINUABLE, 0, 0);
+    }
+}
+
+} // namespace lum
+#define LUM_CALL(STATEMENT)                                                                                  \
+    try {                                                                                                    \
+        STATEMENT;                                                                                           \
+    } catch (...) {                                                                                          \
+    }                                                                                                        \
+    lum::RaisePluginException();
+#else
+#define LUM_CALL(STATEMENT) STATEMENT;
+#endif
+
+#define LUM_EXPORT(RESULT, NAME, PARAMETERS, STATEMENT)                                                      \
+    extern "C" RESULT WINAPI NAME PARAMETERS { LUM_CALL(return STATEMENT) }
+
+// Defines the 24 exports of a plugin: PLUGIN is the object that serves them. Once in a DLL, at file level.
+// clang-format off
+#define LUM_PLUGIN(PLUGIN) \
+    LUM_EXPORT(bool, LUMNegotiate, (lum::CGinaPluginInfo* pInfo), (PLUGIN).NegotiateAndRemember(pInfo)) \
+    LUM_EXPORT(bool, LUMQueryPlugin, (lum::CGinaPluginInfo* pInfo, DWORD dw1, DWORD dw2, DWORD dw3), (PLUGIN).QueryPlugin(pInfo, dw1, dw2, dw3)) \
+    LUM_EXPORT(bool, LUMQueryPluginInfo, (lum::CGinaPluginInfo* pInfo), (PLUGIN).QueryPluginInfo(pInfo)) \
+    LUM_EXPORT(void, LUMDynamicUnload, (), (PLUGIN).DynamicUnload()) \
+    LUM_EXPORT(BOOL, LUMInitialize, (lum::CLUMObject* pObject, DWORD dwInstances, LPWSTR szWinsta, HANDLE hWlx, PVOID pReserved, PVOID pFunctions, PVOID* ppContext, DWORD dwFlag1, DWORD dwFlag2), (PLUGIN).Initialize(pObject, dwInstances, szWinsta, hWlx, pReserved, pFunctions, ppContext, dwFlag1, dwFlag2)) \
+    LUM_EXPORT(void, LUMDisplaySASNotice, (lum::CGinaNode* pNode, PVOID pContext), (PLUGIN).DisplaySASNotice(pNode, pContext)) \
+    LUM_EXPORT(int, LUMLoggedOutSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile), (PLUGIN).LoggedOutSAS(pNode, pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, ppProfile)) \
+    LUM_EXPORT(BOOL, LUMActivateUserShell, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment), (PLUGIN).ActivateUserShell(pNode, pContext, szDesktop, szScript, pEnvironment)) \
+    LUM_EXPORT(int, LUMLoggedOnSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PVOID pReserved), (PLUGIN).LoggedOnSAS(pNode, pContext, dwSasType, pReserved)) \
+    LUM_EXPORT(void, LUMDisplayLockedNotice, (lum::CGinaNode* pNode, PVOID pContext), (PLUGIN).DisplayLockedNotice(pNode, pContext)) \
+    LUM_EXPORT(BOOL, LUMIsLockOk, (lum::CGinaNode* pNode, PVOID pContext), (PLUGIN).IsLockOk(pNode, pContext)) \
+    LUM_EXPORT(int, LUMWkstaLockedSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType), (PLUGIN).WkstaLockedSAS(pNode, pContext, dwSasType)) \
+    LUM_EXPORT(BOOL, LUMIsLogoffOk, (lum::CGinaNode* pNode, PVOID pContext), (PLUGIN).IsLogoffOk(pNode, pContext)) \
+    LUM_EXPORT(void, LUMLogoff, (lum::CGinaNode* pNode, PVOID pContext), (PLUGIN).Logoff(pNode, pContext)) \
+    LUM_EXPORT(void, LUMShutdown, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwType), (PLUGIN).Shutdown(pNode, pContext, dwType)) \
+    LUM_EXPORT(BOOL, LUMStartApplication, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand), (PLUGIN).StartApplication(pNode, pContext, szDesktop, pEnvironment, szCommand)) \
+    LUM_EXPORT(BOOL, LUMScreenSaverNotify, (lum::CGinaNode* pNode, PVOID pContext, BOOL* pSecure), (PLUGIN).ScreenSaverNotify(pNode, pContext, pSecure)) \
+    LUM_EXPORT(BOOL, LUMNetworkProviderLoad, (lum::CGinaNode* pNode, PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), (PLUGIN).NetworkProviderLoad(pNode, pContext, pInfo)) \
+    LUM_EXPORT(BOOL, LUMDisplayStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle, PWSTR szMessage), (PLUGIN).DisplayStatusMessage(pNode, pContext, hDesktop, dwOptions, szTitle, szMessage)) \
+    LUM_EXPORT(BOOL, LUMGetStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize), (PLUGIN).GetStatusMessage(pNode, pContext, pdwOptions, szMessage, dwSize)) \
+    LUM_EXPORT(BOOL, LUMRemoveStatusMessage, (lum::CGinaNode* pNode, PVOID pContext), (PLUGIN).RemoveStatusMessage(pNode, pContext)) \
+    LUM_EXPORT(BOOL, LUMGetConsoleSwitchCredentials, (lum::CGinaNode* pNode, PVOID pContext, PVOID pCredentials), (PLUGIN).GetConsoleSwitchCredentials(pNode, pContext, pCredentials)) \
+    LUM_EXPORT(void, LUMReconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), (PLUGIN).ReconnectNotify(pNode, pContext)) \
+    LUM_EXPORT(void, LUMDisconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), (PLUGIN).DisconnectNotify(pNode, pContext))
+// clang-format on
