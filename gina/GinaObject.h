@@ -1,7 +1,7 @@
 #pragma once
 
 #include <windows.h>
-#include <winwlx.h>
+#include "WlxInterface.h"
 
 #include "GinaExport.h"
 #include "GinaPluginContext.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <windows.h>
-#include <winwlx.h>
+#include "WlxInterface.h"
 
 #include "CallGate.h"
 #include "GinaContext.h"

@@ -262,7 +262,7 @@ public:
     /// The plugin is being removed from the running system: its DLL is unloaded next, and no other call is
     /// under way in it. [host] [loaded]
     ///
-    /// Not called when the system shuts down. Should it fail, the plugin is removed all the same.
+    /// Not called when the system shuts down. Should it fail, the plugin stays.
     virtual void DynamicUnload() {}
 
     /// A query whose meaning lies between a client and the plugin, as have the three values. [control]

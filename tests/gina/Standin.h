@@ -4,7 +4,7 @@
 #include <vector>
 
 #include <windows.h>
-#include <winwlx.h>
+#include "WlxInterface.h"
 
 #include "StandinGina.h"
 
