@@ -52,7 +52,8 @@ T& Needed(T* pMember)
 
 CLUMGina::CLUMGina(HINSTANCE hInstance)
     : m_dwNegotiatedWlxVersion(0), m_pGinaContext(nullptr), m_pGinaObjectList(nullptr),
-      m_pLUMRegistry(nullptr), m_pWinlogonObject(nullptr)
+      m_pWinlogonRegistry(nullptr), m_pLUMRegistry(nullptr), m_pRegistryManager(nullptr),
+      m_pWinlogonObject(nullptr)
 {
     const CConstructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
     if (hInstance == nullptr) {
@@ -70,18 +71,22 @@ CLUMGina::CLUMGina(HINSTANCE hInstance)
 CLUMGina::~CLUMGina()
 {
     const CDestructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
+    DestroyMember(m_pRegistryManager, TEXT("m_pRegistryManager"));
     DestroyMember(m_pWinlogonObject, TEXT("m_pWinlogonObject"));
     DestroyMember(m_pGinaObjectList, TEXT("m_pGinaObjectList"));
     DestroyMember(m_pLUMRegistry, TEXT("m_pLUMRegistry"));
+    DestroyMember(m_pWinlogonRegistry, TEXT("m_pWinlogonRegistry"));
     DestroyMember(m_pGinaContext, TEXT("m_pGinaContext"));
 }
 
 void CLUMGina::CreateMembers(HINSTANCE hInstance)
 {
     CreateMember(m_pGinaContext, TEXT("m_pGinaContext"), hInstance);
+    CreateMember(m_pWinlogonRegistry, TEXT("m_pWinlogonRegistry"));
     CreateMember(m_pLUMRegistry, TEXT("m_pLUMRegistry"));
     CreateMember(m_pGinaObjectList, TEXT("m_pGinaObjectList"));
     CreateMember(m_pWinlogonObject, TEXT("m_pWinlogonObject"));
+    CreateMember(m_pRegistryManager, TEXT("m_pRegistryManager"), m_pLUMRegistry, m_pWinlogonRegistry, false);
 }
 
 BOOL CLUMGina::LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion)

@@ -9,6 +9,8 @@
 #include "LUMRegistry.h"
 #include "Operation.h"
 #include "WinlogonObject.h"
+#include "WinlogonRegistry.h"
+#include "chaining/RegistryManager.h"
 
 /// The host: the one object behind the exported entry points. It owns every other long-lived object.
 ///
@@ -64,7 +66,9 @@ public:
     DWORD m_dwNegotiatedWlxVersion;
     CGinaContext* m_pGinaContext;
     CGinaObjectList* m_pGinaObjectList;
+    CWinlogonRegistry* m_pWinlogonRegistry;
     CLUMRegistry* m_pLUMRegistry;
+    CRegistryManager* m_pRegistryManager;
     CWinlogonObject* m_pWinlogonObject;
     /// Over m_pGinaObjectList.
     CCallGate m_gate;

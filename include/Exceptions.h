@@ -81,6 +81,12 @@ inline constexpr WCHAR TXT_REGISTRY_VALUE_INIT[] = TEXT("Unable to instantiate C
 inline constexpr WCHAR TXT_REGISTRY_STRING_INIT[] = TEXT("Unable to instantiate CRegistryString object");
 inline constexpr WCHAR TXT_REGISTRY_DWORD_INIT[] = TEXT("Unable to instantiate CRegistryDword object");
 inline constexpr WCHAR TXT_NO_PLUGINS[] = TEXT("No plugins where found for LUM Gina to load");
+inline constexpr WCHAR TXT_CHAINING_OBJECT_INIT[] = TEXT("Unable to instantiate CGinaChainingObject object");
+inline constexpr WCHAR TXT_CHAINING_INFO_OBJECT_INIT[] =
+    TEXT("Unable to instantiate CGinaChainingInfoObject object");
+inline constexpr WCHAR TXT_REGISTRY_MANAGER_INIT[] = TEXT("Unabled to instantiate CRegistryManager object");
+inline constexpr WCHAR TXT_INSERT_UNKNOWN_GINA[] =
+    TEXT("Can't insert gina dll into chaining list because it is unknown");
 
 // clang-format off
 
@@ -119,5 +125,11 @@ class CRegistryDwordInitException : public CTextException<TXT_REGISTRY_DWORD_INI
 
 // Own configuration
 class CNoPluginsNotification : public CTextException<TXT_NO_PLUGINS, LEVEL_NOTIFICATION> { using CTextException::CTextException; };
+
+// The chain of GINAs
+class CGinaChainingObjectInitException : public CTextException<TXT_CHAINING_OBJECT_INIT> { using CTextException::CTextException; };
+class CGinaChainingInfoObjectInitException : public CTextException<TXT_CHAINING_INFO_OBJECT_INIT> { using CTextException::CTextException; };
+class CRegistryManagerInitException : public CTextException<TXT_REGISTRY_MANAGER_INIT> { using CTextException::CTextException; };
+class CCantInsertUnknownGinaException : public CTextException<TXT_INSERT_UNKNOWN_GINA> { using CTextException::CTextException; };
 
 // clang-format on

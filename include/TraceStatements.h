@@ -39,6 +39,9 @@ using CStringWarning = CTraceStatement<LEVEL_WARNING, FMT_STRING, const WCHAR*, 
 using CKeyWarning = CTraceStatement<LEVEL_WARNING, FMT_KEY, const WCHAR*, const WCHAR*>;
 using CValueNameWarning = CTraceStatement<LEVEL_WARNING, FMT_VALUE_NAME, const WCHAR*, const WCHAR*>;
 using CPluginWarning = CTraceStatement<LEVEL_WARNING, FMT_PLUGIN, const WCHAR*, const WCHAR*>;
+using CGinaDLLWarning = CTraceStatement<LEVEL_WARNING, FMT_GINA_DLL, const WCHAR*, const WCHAR*>;
+using CPassthroughWarning =
+    CTraceStatement<LEVEL_WARNING, FMT_PASSTHROUGH, const WCHAR*, const WCHAR*, const WCHAR*>;
 using CCritical = CTraceStatement<LEVEL_CRITICAL, FMT_PLAIN, const WCHAR*>;
 using CNotification = CTraceStatement<LEVEL_NOTIFICATION, FMT_PLAIN, const WCHAR*>;
 /// The text itself, without the place of the statement.

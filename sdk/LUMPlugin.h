@@ -477,7 +477,10 @@ __attribute__((noreturn)) inline void RaisePluginException()
 #endif
 
 #define LUM_EXPORT(RESULT, NAME, PARAMETERS, STATEMENT)                                                      \
-    extern "C" RESULT WINAPI NAME PARAMETERS { LUM_CALL(return STATEMENT) }
+    extern "C" RESULT WINAPI NAME PARAMETERS                                                                 \
+    {                                                                                                        \
+        LUM_CALL(return STATEMENT)                                                                           \
+    }
 
 // Defines the 24 exports of a plugin: PLUGIN is the object that serves them. Once in a DLL, at file level.
 // clang-format off

@@ -36,3 +36,16 @@ std::string Format(const char* szFormat, ...)
     va_end(arguments);
     return text;
 }
+
+std::vector<std::string> Wrap(std::string text, std::size_t nWidth)
+{
+    std::vector<std::string> lines;
+    while (text.size() > nWidth) {
+        const std::size_t nBlank = text.rfind(' ', nWidth);
+        const bool bHasBlank = nBlank != std::string::npos && nBlank != 0;
+        lines.push_back(text.substr(0, bHasBlank ? nBlank : nWidth));
+        text.erase(0, bHasBlank ? nBlank + 1 : nWidth);
+    }
+    lines.push_back(text);
+    return lines;
+}

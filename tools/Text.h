@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <windows.h>
 
@@ -16,3 +17,6 @@ std::string ToNarrow(const WCHAR* szText);
 
 /// printf into a string.
 __attribute__((format(printf, 1, 2))) std::string Format(const char* szFormat, ...);
+
+/// Cuts a text into lines of at most nWidth characters, between words where that is possible. At least one.
+std::vector<std::string> Wrap(std::string text, std::size_t nWidth);

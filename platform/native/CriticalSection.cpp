@@ -1,33 +1,42 @@
-#include <mutex>
+#include <new>
+
+#include <pthread.h>
 
 #include <windows.h>
 
 namespace {
 
-std::recursive_mutex& GetMutex(LPCRITICAL_SECTION pSection)
+// In the structure itself, as on Windows, so that making one cannot fail for want of memory.
+static_assert(sizeof(pthread_mutex_t) <= sizeof(CRITICAL_SECTION));
+static_assert(alignof(pthread_mutex_t) <= alignof(CRITICAL_SECTION));
+
+pthread_mutex_t* GetMutex(LPCRITICAL_SECTION pSection) noexcept
 {
-    return *static_cast<std::recursive_mutex*>(pSection->LockSemaphore);
+    return std::launder(reinterpret_cast<pthread_mutex_t*>(pSection));
 }
 
 } // namespace
 
-void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION pSection)
+void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION pSection) noexcept
 {
-    pSection->LockSemaphore = new std::recursive_mutex;
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    pthread_mutex_init(new (pSection) pthread_mutex_t, &attributes);
+    pthread_mutexattr_destroy(&attributes);
 }
 
 void WINAPI EnterCriticalSection(LPCRITICAL_SECTION pSection) noexcept
 {
-    GetMutex(pSection).lock();
+    pthread_mutex_lock(GetMutex(pSection));
 }
 
 void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION pSection) noexcept
 {
-    GetMutex(pSection).unlock();
+    pthread_mutex_unlock(GetMutex(pSection));
 }
 
 void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION pSection) noexcept
 {
-    delete &GetMutex(pSection);
-    pSection->LockSemaphore = nullptr;
+    pthread_mutex_destroy(GetMutex(pSection));
 }

@@ -53,7 +53,8 @@ private:
 void ToWord(const WCHAR* szName, char (&szWord)[NAME_CAPACITY]) noexcept
 {
     if (szName == nullptr ||
-        WideCharToMultiByte(CP_ACP, 0, szName, -1, szWord, NAME_CAPACITY, nullptr, nullptr) == 0) {
+        WideCharToMultiByte(CP_ACP, 0, szName, -1, szWord, NAME_CAPACITY, nullptr, nullptr) == 0)
+    {
         std::strcpy(szWord, "?");
     }
     for (char* pChar = szWord; *pChar != 0; ++pChar) {
@@ -70,9 +71,9 @@ CAuditLine::CAuditLine(const char* szCall, const WCHAR* szCalled) noexcept
     GetLocalTime(&time);
     char szWord[NAME_CAPACITY];
     ToWord(szCalled, szWord);
-    m_cchHead = std::snprintf(m_szLine, CAPACITY, "%04u-%02u-%02u %02u:%02u:%02u.%03u  %s -> %s: ", time.wYear,
-                              time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond,
-                              time.wMilliseconds, szCall, szWord);
+    m_cchHead = std::snprintf(
+        m_szLine, CAPACITY, "%04u-%02u-%02u %02u:%02u:%02u.%03u  %s -> %s: ", time.wYear, time.wMonth,
+        time.wDay, time.wHour, time.wMinute, time.wSecond, time.wMilliseconds, szCall, szWord);
     SetResult("did not return");
     if (const CFile file; file.IsOpen()) {
         Write(file.GetHandle());
@@ -107,7 +108,8 @@ void CAuditLine::Write(HANDLE hFile) noexcept
         SetFilePointer(hFile, bNew ? 0 : m_lPosition, nullptr, bNew ? FILE_END : FILE_BEGIN);
     DWORD cbWritten = 0;
     if (dwPosition <= 0x7FFFFFFF &&
-        WriteFile(hFile, m_szLine, static_cast<DWORD>(std::strlen(m_szLine)), &cbWritten, nullptr) != FALSE) {
+        WriteFile(hFile, m_szLine, static_cast<DWORD>(std::strlen(m_szLine)), &cbWritten, nullptr) != FALSE)
+    {
         m_lPosition = static_cast<LONG>(dwPosition);
     }
 }

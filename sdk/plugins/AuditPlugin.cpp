@@ -1,98 +1,123 @@
 // Records every call as one line of an audit file: what was called, when, where the call went and what
 // came of it. See AuditFile.h for the file and its setting.
 //
-// Nothing of what the calls carry is recorded but the kind of event that came: some of it are passwords
-// and tokens, and a plugin in front may have put anything into the rest.
+// Nothing that the calls carry is recorded: some of it are passwords and tokens, and a plugin in front of
+// this one may have put anything into the rest.
 
 #include "AuditFile.h"
 #include "LUMPlugin.h"
 
 #include <cstdio>
+#include <type_traits>
 
 namespace {
 
-constexpr WCHAR SELF[] = TEXT("audit plugin");
-
-struct CName
+constexpr struct
 {
-    int nValue;
+    int nAction;
     const char* szName;
-};
-
-constexpr CName ACTIONS[] = {
-    {WLX_SAS_ACTION_LOGON, "LOGON"},
-    {WLX_SAS_ACTION_NONE, "NONE"},
-    {WLX_SAS_ACTION_LOCK_WKSTA, "LOCK_WKSTA"},
-    {WLX_SAS_ACTION_LOGOFF, "LOGOFF"},
-    {WLX_SAS_ACTION_SHUTDOWN, "SHUTDOWN"},
-    {WLX_SAS_ACTION_PWD_CHANGED, "PWD_CHANGED"},
-    {WLX_SAS_ACTION_TASKLIST, "TASKLIST"},
-    {WLX_SAS_ACTION_UNLOCK_WKSTA, "UNLOCK_WKSTA"},
-    {WLX_SAS_ACTION_FORCE_LOGOFF, "FORCE_LOGOFF"},
-    {WLX_SAS_ACTION_SHUTDOWN_POWER_OFF, "SHUTDOWN_POWER_OFF"},
-    {WLX_SAS_ACTION_SHUTDOWN_REBOOT, "SHUTDOWN_REBOOT"},
-    {WLX_SAS_ACTION_SHUTDOWN_SLEEP, "SHUTDOWN_SLEEP"},
-    {WLX_SAS_ACTION_SHUTDOWN_SLEEP2, "SHUTDOWN_SLEEP2"},
-    {WLX_SAS_ACTION_SHUTDOWN_HIBERNATE, "SHUTDOWN_HIBERNATE"},
-    {WLX_SAS_ACTION_RECONNECTED, "RECONNECTED"},
-    {WLX_SAS_ACTION_DELAYED_FORCE_LOGOFF, "DELAYED_FORCE_LOGOFF"},
-    {WLX_SAS_ACTION_SWITCH_CONSOLE, "SWITCH_CONSOLE"},
-};
-
-/// What a call gives, as the line shows it. BOOL and int are one type, so the call says which it is.
-enum class Kind
-{
-    YesNo,
-    Action
-};
-
-void FinishLine(CAuditLine& line, Kind kind, int nResult)
-{
-    if (kind == Kind::YesNo) {
-        line.Finish(nResult != FALSE ? "TRUE" : "FALSE");
-        return;
+} ACTIONS[] = {
+#define ACTION(NAME)                                                                                         \
+    {                                                                                                        \
+        WLX_SAS_ACTION_##NAME, #NAME                                                                         \
     }
-    char szNumber[CAuditLine::RESULT_WIDTH + 1];
-    std::snprintf(szNumber, sizeof(szNumber), "action %d", nResult);
-    const char* szResult = szNumber;
-    for (const CName& action : ACTIONS) {
-        szResult = action.nValue == nResult ? action.szName : szResult;
+    ACTION(LOGON),           ACTION(NONE),
+    ACTION(LOCK_WKSTA),      ACTION(LOGOFF),
+    ACTION(SHUTDOWN),        ACTION(PWD_CHANGED),
+    ACTION(TASKLIST),        ACTION(UNLOCK_WKSTA),
+    ACTION(FORCE_LOGOFF),    ACTION(SHUTDOWN_POWER_OFF),
+    ACTION(SHUTDOWN_REBOOT), ACTION(SHUTDOWN_SLEEP),
+    ACTION(SHUTDOWN_SLEEP2), ACTION(SHUTDOWN_HIBERNATE),
+    ACTION(RECONNECTED),     ACTION(DELAYED_FORCE_LOGOFF),
+    ACTION(SWITCH_CONSOLE),
+#undef ACTION
+};
+
+void Finish(CAuditLine& line, bool bResult)
+{
+    line.Finish(bResult ? "TRUE" : "FALSE");
+}
+
+void Finish(CAuditLine& line, int nAction)
+{
+    for (const auto& action : ACTIONS) {
+        if (action.nAction == nAction) {
+            line.Finish(action.szName);
+            return;
+        }
     }
+    char szResult[CAuditLine::RESULT_WIDTH + 1];
+    std::snprintf(szResult, sizeof(szResult), "action %d", nAction);
     line.Finish(szResult);
 }
 
-/// Makes a call with its line around it.
-template <Kind kind = Kind::YesNo, typename Call>
+/// Makes a call with its line around it. Nothing here needs a destructor: see lum::NextObject.
+template <typename Call>
 auto Record(const char* szCall, const WCHAR* szCalled, Call call)
 {
     CAuditLine line(szCall, szCalled);
-    if constexpr (std::is_void_v<decltype(call())>) {
+    if constexpr (std::is_void_v<std::invoke_result_t<Call>>) {
         call();
         line.Finish("returned");
     } else {
         const auto result = call();
-        FinishLine(line, kind, result);
+        Finish(line, result);
         return result;
     }
 }
 
-/// A chained call goes to the object behind this plugin.
-template <Kind kind = Kind::YesNo, typename Call>
-auto Record(const char* szCall, const lum::CGinaNode* pNode, Call call)
+/// Passes a call on to the object behind this plugin.
+template <typename Result, typename... Parameters, typename... Arguments>
+Result PassOn(const char* szCall, Result (lum::CGinaObject::*pfnCall)(lum::CGinaNode*, Parameters...),
+              lum::CGinaNode* pNode, Arguments... arguments)
 {
-    return Record<kind>(szCall, lum::NextObject(pNode).m_pGinaPluginContext->m_GinaPluginInfo.m_szGinaDLL,
-                        call);
+    lum::CGinaObject& next = lum::NextObject(pNode);
+    return Record(szCall, next.m_pGinaPluginContext->m_GinaPluginInfo.m_szGinaDLL,
+                  [&] { return (next.*pfnCall)(pNode->pNext, arguments...); });
 }
+
+// clang-format off
+#define AUDITED(RESULT, NAME, PARAMETERS, ...) \
+    RESULT NAME PARAMETERS override { return PassOn("LUM" #NAME, &lum::CGinaObject::NAME, pNode, __VA_ARGS__); }
+
+#define AUDITED_HERE(RESULT, NAME, PARAMETERS, CALL) \
+    RESULT NAME PARAMETERS override { return Record("LUM" #NAME, TEXT("this plugin"), [&] { return CALL; }); }
 
 class CAuditPlugin final : public lum::CPlugin
 {
 public:
     CAuditPlugin() : CPlugin(TEXT("Records every call")) {}
 
-    bool Negotiate(lum::CGinaPluginInfo* pPluginInfo) override
-    {
-        return Record("LUMNegotiate", SELF, [&] { return CPlugin::Negotiate(pPluginInfo); });
-    }
+    AUDITED_HERE(bool, Negotiate, (lum::CGinaPluginInfo* pInfo), CPlugin::Negotiate(pInfo))
+    AUDITED_HERE(BOOL, Initialize, (lum::CLUMObject*, DWORD, LPWSTR, HANDLE, PVOID, PVOID, PVOID*, DWORD, DWORD), true)
+    AUDITED_HERE(void, DynamicUnload, (), void())
+    AUDITED_HERE(bool, QueryPlugin, (lum::CGinaPluginInfo*, DWORD, DWORD, DWORD), false)
+    AUDITED_HERE(bool, QueryPluginInfo, (lum::CGinaPluginInfo* pInfo), CPlugin::QueryPluginInfo(pInfo))
+
+    AUDITED(void, DisplaySASNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    AUDITED(int, LoggedOutSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile), pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, ppProfile)
+    AUDITED(BOOL, ActivateUserShell, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment), pContext, szDesktop, szScript, pEnvironment)
+    AUDITED(int, LoggedOnSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PVOID pReserved), pContext, dwSasType, pReserved)
+    AUDITED(void, DisplayLockedNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    AUDITED(BOOL, IsLockOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    AUDITED(int, WkstaLockedSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType), pContext, dwSasType)
+    AUDITED(BOOL, IsLogoffOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    AUDITED(void, Logoff, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    AUDITED(void, Shutdown, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwType), pContext, dwType)
+    AUDITED(BOOL, StartApplication, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand), pContext, szDesktop, pEnvironment, szCommand)
+    AUDITED(BOOL, ScreenSaverNotify, (lum::CGinaNode* pNode, PVOID pContext, BOOL* pSecure), pContext, pSecure)
+    AUDITED(BOOL, NetworkProviderLoad, (lum::CGinaNode* pNode, PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), pContext, pInfo)
+    AUDITED(BOOL, DisplayStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle, PWSTR szMessage), pContext, hDesktop, dwOptions, szTitle, szMessage)
+    AUDITED(BOOL, GetStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize), pContext, pdwOptions, szMessage, dwSize)
+    AUDITED(BOOL, RemoveStatusMessage, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    AUDITED(BOOL, GetConsoleSwitchCredentials, (lum::CGinaNode* pNode, PVOID pContext, PVOID pCredentials), pContext, pCredentials)
+    AUDITED(void, ReconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    AUDITED(void, DisconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
 };
+// clang-format on
+
+CAuditPlugin s_plugin;
 
 } // namespace
+
+LUM_PLUGIN(s_plugin)

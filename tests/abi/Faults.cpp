@@ -4,13 +4,27 @@
 
 namespace {
 
-volatile int* volatile g_pNull = nullptr;
-volatile int g_nZero = 0;
+void WriteNullInFunction()
+{
+    volatile int* volatile pNull = nullptr;
+    *pNull = 1;
+}
+
+void DivideByZeroInFunction()
+{
+    volatile int nDividend = 100;
+    volatile int nDivisor = 0;
+    nDividend = nDividend / nDivisor;
+}
+
+// Called through pointers, so that the compiler must reckon with all that they may do.
+void (*volatile g_pfnWriteNull)() = WriteNullInFunction;
+void (*volatile g_pfnDivideByZero)() = DivideByZeroInFunction;
 
 /// A member of a plugin that cannot even be destroyed.
 struct CBroken
 {
-    ~CBroken() { *g_pNull = 1; }
+    ~CBroken() noexcept(false) { g_pfnWriteNull(); }
 };
 
 } // namespace
@@ -19,19 +33,19 @@ ABI_SCENARIO(WriteNull)
 {
     const CWitness witness(pReport);
     pfnOperation(pContext);
-    *g_pNull = 1;
+    g_pfnWriteNull();
 }
 
 ABI_SCENARIO(DivideByZero)
 {
     const CWitness witness(pReport);
     pfnOperation(pContext);
-    g_nZero = 1 / g_nZero;
+    g_pfnDivideByZero();
 }
 
 ABI_SCENARIO(FaultWhileUnwinding)
 {
-    const CWitness outer(pReport);
     const CBroken broken;
+    const CWitness witness(pReport);
     pfnOperation(pContext);
 }

@@ -4,28 +4,14 @@
 
 extern "C" unsigned long _exception_code();
 
-namespace {
-
-constexpr int HANDLE_IT = 1;
-constexpr int CONTINUE_IT = -1;
-
-} // namespace
+constexpr int EXCEPTION_EXECUTE_HANDLER = 1;
 
 ABI_SCENARIO(SwallowAsStructured)
 {
     __try {
         pfnOperation(pContext);
-    } __except (HANDLE_IT) {
+    } __except (EXCEPTION_EXECUTE_HANDLER) {
         pReport->dwCode = _exception_code();
-        ++pReport->nCaught;
-    }
-}
-
-ABI_SCENARIO(ContinueAfterException)
-{
-    __try {
-        pfnOperation(pContext);
-    } __except (pReport->dwCode = _exception_code(), CONTINUE_IT) {
         ++pReport->nCaught;
     }
 }

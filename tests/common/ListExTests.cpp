@@ -138,12 +138,10 @@ TEST_F(ListEx, FailedAllocationChangesNothing)
             Fill(list, {TEXT("a")});
         }
         const std::string before = Contents(list);
-        // Tracing allocates too when it is on, so that the node is the first allocation when it is off.
         auto item = std::make_unique<CItem>(TEXT("b"));
-        SetTraceMask(LEVEL_EXCEPTION | LEVEL_WARNING);
         bool bDone = true;
         {
-            const CFailingAllocation noMemory(0);
+            const CFailingAllocation noMemory(0, CFailingAllocation::Kind::Nothrow);
             bDone = row.bInsert ? list.Insert(item.get(), 0) : list.Add(item.get(), 0);
         }
         EXPECT_FALSE(bDone);

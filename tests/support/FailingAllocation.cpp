@@ -7,10 +7,12 @@ namespace {
 
 // Counts down to the allocation that fails; none fails below zero.
 thread_local int g_nBefore = -1;
+thread_local CFailingAllocation::Kind g_kind = CFailingAllocation::Kind::Any;
 
-void* Allocate(std::size_t cb) noexcept
+void* Allocate(std::size_t cb, CFailingAllocation::Kind kind) noexcept
 {
-    if (g_nBefore >= 0 && g_nBefore-- == 0) {
+    const bool bCounts = g_kind == CFailingAllocation::Kind::Any || g_kind == kind;
+    if (bCounts && g_nBefore >= 0 && g_nBefore-- == 0) {
         return nullptr;
     }
     return std::malloc(cb != 0 ? cb : 1);
@@ -18,7 +20,7 @@ void* Allocate(std::size_t cb) noexcept
 
 void* AllocateOrThrow(std::size_t cb)
 {
-    void* pMemory = Allocate(cb);
+    void* pMemory = Allocate(cb, CFailingAllocation::Kind::Any);
     if (pMemory == nullptr) {
         throw std::bad_alloc();
     }
@@ -27,8 +29,9 @@ void* AllocateOrThrow(std::size_t cb)
 
 } // namespace
 
-CFailingAllocation::CFailingAllocation(int nBefore)
+CFailingAllocation::CFailingAllocation(int nBefore, Kind kind)
 {
+    g_kind = kind;
     g_nBefore = nBefore;
 }
 
@@ -49,12 +52,12 @@ void* operator new[](std::size_t cb)
 
 void* operator new(std::size_t cb, const std::nothrow_t&) noexcept
 {
-    return Allocate(cb);
+    return Allocate(cb, CFailingAllocation::Kind::Nothrow);
 }
 
 void* operator new[](std::size_t cb, const std::nothrow_t&) noexcept
 {
-    return Allocate(cb);
+    return Allocate(cb, CFailingAllocation::Kind::Nothrow);
 }
 
 void operator delete(void* pMemory) noexcept

@@ -33,6 +33,8 @@ public:
     /// The word for a number, or the number itself.
     std::string Describe(DWORD dwValue) const;
 
+    const char* GetKind() const { return m_szKind; }
+
     /// What Parse understands, as an error message or a usage text puts it.
     std::string GetExpected() const;
 

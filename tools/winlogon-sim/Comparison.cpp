@@ -41,6 +41,12 @@ std::string DescribeArgument(const CArgument& argument, ULONG_PTR passed, ULONG_
     return reached == passed ? name : name + ' ' + OUT_POINTER.pfnDescribe({reached, {}});
 }
 
+/// A library negotiates with its GINA by itself, so the version goes to a place of the library's first.
+bool IsLibrarysOwn(const CArgument& argument)
+{
+    return argument.pOut == &OUT_VERSION;
+}
+
 bool IsAlwaysNull(const CArgument& argument)
 {
     return !argument.CanBeSet() && argument.given == WinlogonValue::Nothing;
@@ -67,7 +73,7 @@ void CompareArguments(const CCallFrame& frame, const StandinRecord& record,
     ForEachArgument(frame, [&](DWORD dwIndex, const CArgument& argument) {
         const ULONG_PTR passed = frame.GetValues()[dwIndex];
         const ULONG_PTR reached = record.argument[dwIndex];
-        if (reached != passed) {
+        if (reached != passed && !IsLibrarysOwn(argument)) {
             differences.push_back(std::string("Winlogon passed ") + argument.szName + ' ' +
                                   OUT_POINTER.pfnDescribe({passed, {}}) + ", " +
                                   OUT_POINTER.pfnDescribe({reached, {}}) + " reached the GINA");
@@ -119,7 +125,7 @@ std::string DescribeReached(const CCallFrame& frame, const StandinRecord& record
         const ULONG_PTR passed = frame.GetValues()[dwIndex];
         const ULONG_PTR reached = record.argument[dwIndex];
         const bool bSaysNothing = argument.pOut != nullptr || IsAlwaysNull(argument);
-        if (!bSaysNothing || reached != passed) {
+        if (!bSaysNothing || (reached != passed && !IsLibrarysOwn(argument))) {
             AppendListed(text, DescribeArgument(argument, passed, reached, record.szText[dwIndex]));
         }
     });

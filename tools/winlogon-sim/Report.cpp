@@ -9,20 +9,6 @@ constexpr std::size_t CALL_WIDTH = 31;
 constexpr std::size_t REACHED_WIDTH = 36;
 constexpr std::size_t CAME_BACK_WIDTH = 33;
 
-/// Cuts a cell into lines of at most nWidth characters, between words where that is possible.
-std::vector<std::string> Wrap(std::string text, std::size_t nWidth)
-{
-    std::vector<std::string> lines;
-    while (text.size() > nWidth) {
-        const std::size_t nBlank = text.rfind(' ', nWidth);
-        const bool bHasBlank = nBlank != std::string::npos && nBlank != 0;
-        lines.push_back(text.substr(0, bHasBlank ? nBlank : nWidth));
-        text.erase(0, bHasBlank ? nBlank + 1 : nWidth);
-    }
-    lines.push_back(text);
-    return lines;
-}
-
 void PrintLine(const std::string& mark, const std::string& line, const std::string& step,
                const std::string& reached, const std::string& cameBack)
 {

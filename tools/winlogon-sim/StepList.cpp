@@ -6,28 +6,36 @@
 
 namespace {
 
-void PrintArgument(const CArgument& argument)
+const char* GetKind(const CArgument& argument)
 {
-    if (argument.bText) {
-        const char* szDefault = argument.szDefault != nullptr ? argument.szDefault : "NULL";
-        std::printf("    %s=\"a text\", otherwise %s\n", argument.szName, szDefault);
-    } else {
-        const char* szDefault = argument.szDefault != nullptr ? argument.szDefault : "what --version says";
-        std::printf("    %s=%s; otherwise %s\n", argument.szName, argument.pCodes->GetExpected().c_str(),
-                    szDefault);
-    }
+    return argument.bText ? "a text" : argument.pCodes->GetKind();
+}
+
+const char* GetDefault(const CArgument& argument)
+{
+    const char* szNone = argument.bText ? "NULL" : "what --version says";
+    return argument.szDefault != nullptr ? argument.szDefault : szNone;
 }
 
 void PrintCall(const CWlxCall& call)
 {
-    const char* szResult = call.result == ResultKind::None   ? "returns nothing"
-                           : call.result == ResultKind::Bool ? "returns a BOOL"
-                                                             : "returns a SAS action";
-    std::printf("%s (from version %s, %s)\n", call.szName, VERSIONS.Describe(call.dwSince).c_str(), szResult);
+    const char* szResult = call.result == ResultKind::None ? "nothing" : call.GetResultCodes().GetKind();
+    std::printf("%s\n    from version %s, returns %s\n", call.szName, VERSIONS.Describe(call.dwSince).c_str(),
+                szResult);
     for (const CArgument& argument : call.arguments) {
         if (argument.CanBeSet()) {
-            PrintArgument(argument);
+            std::printf("    %s= %s, otherwise %s\n", argument.szName, GetKind(argument),
+                        GetDefault(argument));
         }
+    }
+}
+
+void PrintWords(const CCodes& codes)
+{
+    const char* szIndent = "";
+    for (const std::string& line : Wrap(codes.GetExpected(), 96)) {
+        std::printf("%s%s\n", szIndent, line.c_str());
+        szIndent = "    ";
     }
 }
 
@@ -35,12 +43,15 @@ void PrintCall(const CWlxCall& call)
 
 void PrintSteps()
 {
-    std::printf("Attach (loads the library)\nDetach (frees it)\n");
+    std::printf("Attach\n    loads the library\nDetach\n    frees it\n");
     for (const CWlxCall& call : GetCalls()) {
         PrintCall(call);
     }
-    std::printf("\nBehind a call: gina returns RESULT, gina negotiates VERSION, gina fails FAILURE,\n"
-                "expect RESULT or expect SKIPPED.\n%s\n%s\n%s (followed by the code, on Windows only)\n",
-                BOOLS.GetExpected().c_str(), SAS_ACTIONS.GetExpected().c_str(),
-                FAILURES.GetExpected().c_str());
+    std::printf("\nBehind a call: ARGUMENT=VALUE, gina returns RESULT, gina negotiates VERSION,\n"
+                "gina fails WAY (RAISE is followed by the code), expect RESULT, expect SKIPPED.\n\n");
+    for (const CCodes* pCodes :
+         {&VERSIONS, &BOOLS, &SAS_TYPES, &SAS_ACTIONS, &STATUS_OPTIONS, &BUFFER_SIZES, &FAILURES})
+    {
+        PrintWords(*pCodes);
+    }
 }

@@ -7,11 +7,11 @@
 /// May be entered again by the thread that is in it.
 struct CRITICAL_SECTION
 {
-    PVOID LockSemaphore;
+    PVOID Opaque[5];
 };
 using LPCRITICAL_SECTION = CRITICAL_SECTION*;
 
-void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION pSection);
+void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION pSection) noexcept;
 void WINAPI EnterCriticalSection(LPCRITICAL_SECTION pSection) noexcept;
 void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION pSection) noexcept;
 void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION pSection) noexcept;

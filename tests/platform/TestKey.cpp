@@ -1,4 +1,4 @@
-#include "RegistryKeys.h"
+#include "TestKey.h"
 
 #include <string>
 

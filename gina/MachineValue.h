@@ -1,0 +1,20 @@
+#pragma once
+
+#include <memory>
+
+#include "RegistryClasses.h"
+
+/// Makes the object of a value of HKEY_LOCAL_MACHINE, whose key it opens; every read goes to the registry and
+/// every write is immediate. bCreate: make the key, and on reading the value, when they are missing.
+/// bReadNow: read the value once here. Throws what the constructor of Value throws.
+template <typename Value>
+std::unique_ptr<Value> OpenMachineValue(const CMessageOrigin& origin, const WCHAR* szSubKey,
+                                        const WCHAR* szValueName, bool bCreate, bool bReadNow)
+{
+    return std::make_unique<Value>(origin.szAPP, origin.szMTM, HKEY_LOCAL_MACHINE, szSubKey, szValueName,
+                                   KEY_ALL_ACCESS, bCreate, true, true, true, bReadNow,
+                                   REG_OPTION_NON_VOLATILE);
+}
+
+/// The error code of a value whose object does not exist.
+inline constexpr DWORD NO_VALUE_OBJECT = 0xFFFFFFFF;

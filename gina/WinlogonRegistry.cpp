@@ -1,0 +1,88 @@
+#include "WinlogonRegistry.h"
+
+#include "Exceptions.h"
+#include "MachineValue.h"
+#include "Operation.h"
+
+namespace {
+
+constexpr WCHAR TXT_KEY_NOT_LOADED[] = TEXT("Winlogon key could not be loaded");
+
+/// Makes a value object; one that cannot be made is done without.
+template <typename Value>
+void LoadValue(const CMessageOrigin& origin, std::unique_ptr<Value>& pValue,
+               const WCHAR* szValueName) noexcept
+{
+    try {
+        pValue = OpenMachineValue<Value>(origin, WINLOGON_KEY, szValueName, false, false);
+        pValue->ReadRegistry();
+    } catch (...) {
+        // Most machines lack most of the values. Their objects stay, and find what is written later.
+        if (pValue == nullptr || !IsHandling<CUnableToReadRegistryException>()) {
+            pValue.reset();
+            CKeyWarning(origin, TXT_KEY_NOT_LOADED, szValueName);
+        }
+    }
+}
+
+} // namespace
+
+CWinlogonRegistry::CWinlogonRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg) noexcept
+    : CGlobalObject(szAPPArg, szMTMArg)
+{
+    const CConstructionTrace trace(*this, s_szClass);
+#define WINLOGON_LOAD(NAME, KIND) LoadValue(*this, m_p##NAME, TEXT(#NAME));
+    WINLOGON_VALUES(WINLOGON_LOAD)
+#undef WINLOGON_LOAD
+}
+
+CWinlogonRegistry::~CWinlogonRegistry()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+#define WINLOGON_DELETE(NAME, KIND) DeleteVariable(*this, TEXT("m_p" #NAME), [this] { m_p##NAME.reset(); });
+    WINLOGON_VALUES(WINLOGON_DELETE)
+#undef WINLOGON_DELETE
+}
+
+bool CWinlogonRegistry::GetGinaDLL(WCHAR* szDest, DWORD cchDest, bool bRefresh) noexcept
+{
+    const COperation op(*this, s_szClass, TEXT("GetGinaDLL"));
+    const CCriticalSection::CLock lock(m_GinaDLLLock);
+    return op.Run(Absorb<CUnableToReadRegistryException>(), [&] {
+        if (m_pGinaDLL == nullptr) {
+            throw CUnableToReadRegistryException(*this, WINLOGON_GINA_DLL, NO_VALUE_OBJECT);
+        }
+        return m_pGinaDLL->GetRegistryString(szDest, cchDest, bRefresh);
+    });
+}
+
+bool CWinlogonRegistry::SetGinaDLL(const WCHAR* szValue) noexcept
+{
+    const COperation op(*this, s_szClass, TEXT("SetGinaDLL"));
+    const CCriticalSection::CLock lock(m_GinaDLLLock);
+    return op.Run(Absorb<CUnableToWriteRegistryException>(), [&] {
+        if (szValue == nullptr) {
+            op.Warn(ERR_PUSHING_NULL);
+        } else if (m_pGinaDLL == nullptr) {
+            MakeGinaDLL();
+        }
+        try {
+            if (m_pGinaDLL != nullptr) {
+                m_pGinaDLL->SetRegistryString(szValue, true);
+            }
+        } catch (...) {
+            // The value has reported why; a caller that writes a chain goes on all the same.
+            Absorb<CMessage>()(op);
+        }
+        return true;
+    });
+}
+
+void CWinlogonRegistry::MakeGinaDLL()
+{
+    try {
+        m_pGinaDLL = OpenMachineValue<CRegistryString>(*this, WINLOGON_KEY, WINLOGON_GINA_DLL, true, true);
+    } catch (...) {
+        throw CUnableToWriteRegistryException(*this, WINLOGON_GINA_DLL, NO_VALUE_OBJECT);
+    }
+}

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <memory>
+
+#include "CriticalSection.h"
+#include "GlobalObject.h"
+#include "RegistryClasses.h"
+
+inline constexpr WCHAR WINLOGON_KEY[] = TEXT("SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon");
+/// The value that names the GINA which Winlogon loads.
+inline constexpr WCHAR WINLOGON_GINA_DLL[] = TEXT("GinaDLL");
+
+// Winlogon's values, in the order in which they are opened, held and closed.
+// clang-format off
+#define WINLOGON_VALUES(VALUE) \
+    VALUE(AutoAdminLogon, CRegistryDword) \
+    VALUE(AutoLogonCount, CRegistryDword) \
+    VALUE(AutoRestartShell, CRegistryDword) \
+    VALUE(AllowMultipleTSSessions, CRegistryDword) \
+    VALUE(DisableCAD, CRegistryDword) \
+    VALUE(DisableLockWorkstation, CRegistryDword) \
+    VALUE(ForceUnlockLogon, CRegistryDword) \
+    VALUE(HibernationPreviouslyEnabled, CRegistryDword) \
+    VALUE(IgnoreShiftOverride, CRegistryDword) \
+    VALUE(Key, CRegistryDword) \
+    VALUE(LogonType, CRegistryDword) \
+    VALUE(PasswordExpiryWarning, CRegistryDword) \
+    VALUE(SFCDisable, CRegistryDword) \
+    VALUE(SFCQuota, CRegistryDword) \
+    VALUE(ShowLogonOptions, CRegistryDword) \
+    VALUE(AllocateCdroms, CRegistryString) \
+    VALUE(AllocateDasd, CRegistryString) \
+    VALUE(AllocateFloppies, CRegistryString) \
+    VALUE(AltDefaultDomainName, CRegistryString) \
+    VALUE(AltDefaultUserName, CRegistryString) \
+    VALUE(CachedLogonsCount, CRegistryString) \
+    VALUE(DebugServerCommand, CRegistryString) \
+    VALUE(DefaultDomainName, CRegistryString) \
+    VALUE(DefaultPassword, CRegistryString) \
+    VALUE(DefaultUserName, CRegistryString) \
+    VALUE(DontDisplayLastUserName, CRegistryString) \
+    VALUE(GinaDLL, CRegistryString) \
+    VALUE(LegalNoticeCaption, CRegistryString) \
+    VALUE(LegalNoticeText, CRegistryString) \
+    VALUE(NoPopupsOnBoot, CRegistryString) \
+    VALUE(PowerdownAfterShutdown, CRegistryString) \
+    VALUE(ReportBootOk, CRegistryString) \
+    VALUE(ScRemoveOption, CRegistryString) \
+    VALUE(Shell, CRegistryString) \
+    VALUE(ShutdownWithoutLogon, CRegistryString) \
+    VALUE(System, CRegistryString) \
+    VALUE(UIHost, CRegistryString) \
+    VALUE(Userinit, CRegistryString) \
+    VALUE(VmApplet, CRegistryString) \
+    VALUE(WinStationsDisabled, CRegistryString)
+// clang-format on
+
+/// Winlogon's own configuration key. Of its values only GinaDLL is ever written.
+///
+/// Operations never throw. GetGinaDLL and SetGinaDLL may be called from all threads.
+class CWinlogonRegistry : public CGlobalObject
+{
+public:
+    /// Opens the values and reads each once. Nothing is created: a value that is missing keeps an object
+    /// with an empty cache; the object is null, and that is warned of, when the key cannot be opened.
+    CWinlogonRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg) noexcept;
+    ~CWinlogonRegistry();
+    CWinlogonRegistry(const CWinlogonRegistry&) = delete;
+    CWinlogonRegistry& operator=(const CWinlogonRegistry&) = delete;
+
+    /// Copies the name of the GINA that Winlogon loads, as the registry has it now, into a buffer of cchDest
+    /// characters, cut to fit and terminated. False when there is none or it cannot be read.
+    bool GetGinaDLL(WCHAR* szDest, DWORD cchDest, bool bRefresh) noexcept;
+
+    /// Writes the name of the GINA that Winlogon is to load; the key is made when it could not be opened
+    /// before. A failed write is reported and gives true all the same; false when there is nothing to write
+    /// to. A null name is warned of, and nothing is written.
+    bool SetGinaDLL(const WCHAR* szValue) noexcept;
+
+#define WINLOGON_MEMBER(NAME, KIND) std::unique_ptr<KIND> m_p##NAME;
+    WINLOGON_VALUES(WINLOGON_MEMBER)
+#undef WINLOGON_MEMBER
+
+private:
+    static constexpr const WCHAR* s_szClass = TEXT("CWinlogonRegistry");
+
+    void MakeGinaDLL();
+
+    /// Over m_pGinaDLL: its cache is shared between reads and writes.
+    CCriticalSection m_GinaDLLLock;
+};

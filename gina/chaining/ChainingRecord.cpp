@@ -1,0 +1,65 @@
+#include "ChainingRecord.h"
+
+#include <algorithm>
+#include <string>
+
+#include "CompareNames.h"
+#include "Exceptions.h"
+
+namespace {
+
+using Text = CChainingRecord::Text;
+
+constexpr WCHAR SEPARATOR = ',';
+constexpr int SEPARATORS = 6;
+constexpr WCHAR EMPTY_TEXT[] = TEXT("NULL");
+
+void Require(const CMessageOrigin& origin, bool bGood, const WCHAR* szArgument)
+{
+    if (!bGood) {
+        throw CBadArgException(origin, szArgument);
+    }
+}
+
+Text CutField(Text& rest)
+{
+    const std::size_t cchField = std::min(rest.find(SEPARATOR), rest.size());
+    const Text field = rest.substr(0, cchField);
+    rest.remove_prefix(std::min(cchField + 1, rest.size()));
+    return field;
+}
+
+Text CutText(Text& rest)
+{
+    const Text field = CutField(rest);
+    const bool bEmpty = field.size() == Text(EMPTY_TEXT).size() &&
+                        EqualNames(std::basic_string<WCHAR>(field).c_str(), EMPTY_TEXT);
+    return bEmpty ? Text() : field;
+}
+
+/// Reads a number as _wtoi does: blanks, a sign, digits, and whatever follows does not count. Whether it is 0
+/// is seen from its digits, however many there are.
+bool CutFlag(Text& rest)
+{
+    Text number = CutField(rest);
+    number.remove_prefix(std::min(number.find_first_not_of(TEXT(" \t\n\v\f\r")), number.size()));
+    if (!number.empty() && (number.front() == '-' || number.front() == '+')) {
+        number.remove_prefix(1);
+    }
+    const Text digits = number.substr(0, number.find_first_not_of(TEXT("0123456789")));
+    return digits.find_first_not_of('0') != Text::npos;
+}
+
+} // namespace
+
+CChainingRecord ParseChainingRecord(const CMessageOrigin& origin, const WCHAR* szCommaDelimitedStr)
+{
+    Require(origin, szCommaDelimitedStr != nullptr, TEXT("szCommaDelimitedStr"));
+    Require(origin, *szCommaDelimitedStr != 0, TEXT("szCommaDelmitedStr"));
+    Text rest(szCommaDelimitedStr);
+    Require(origin, std::count(rest.begin(), rest.end(), SEPARATOR) == SEPARATORS,
+            TEXT("szCommaDelimitedStr"));
+    // The fields of a braced list are cut in the order in which they stand.
+    return {CutText(rest), CutText(rest), CutText(rest), CutFlag(rest),
+            CutFlag(rest), CutFlag(rest), CutFlag(rest)};
+}

@@ -1,0 +1,150 @@
+#include "GinaChainingInfoObject.h"
+
+#include "MachineValue.h"
+#include "ChainingRecord.h"
+#include "Exceptions.h"
+#include "OwnedText.h"
+
+namespace {
+
+using Text = CChainingRecord::Text;
+
+/// A key or value name that must be there; a null and an empty one have names of their own in the log.
+Text Required(const CMessageOrigin& origin, const WCHAR* szText, const WCHAR* szNull, const WCHAR* szEmpty)
+{
+    if (szText == nullptr) {
+        throw CBadArgException(origin, szNull);
+    }
+    if (*szText == 0) {
+        throw CBadArgException(origin, szEmpty);
+    }
+    return szText;
+}
+
+CChainingRecord DescriptionOf(const CGinaChainingInfoObject& object)
+{
+    return {object.m_szSubKey,    object.m_szOldGinaDLLKey, object.m_szDefaultGinaDLL, object.m_bTerminator,
+            object.m_bStandalone, object.m_bMustBeFirst,    object.m_bIsIncompatible};
+}
+
+} // namespace
+
+CGinaChainingInfoObject::CGinaChainingInfoObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg,
+                                                 const WCHAR* szGinaDLL, const WCHAR* szSubKey,
+                                                 const WCHAR* szOldGinaDLLKey, const WCHAR* szDefaultGinaDLL,
+                                                 bool bTerminator, bool bStandalone, bool bMustBeFirst,
+                                                 bool bIsIncompatible)
+try : CGinaChainingObject(szAPPArg, szMTMArg, szGinaDLL) {
+    const CConstructionTrace trace(*this, s_szClass);
+    CChainingRecord record{{}, {}, {}, bTerminator, bStandalone, bMustBeFirst, bIsIncompatible};
+    if (!bTerminator) {
+        record.szSubKey = Required(*this, szSubKey, TEXT("szSubKey"), TEXT("szSubkey"));
+        record.szOldGinaDLLKey =
+            Required(*this, szOldGinaDLLKey, TEXT("szOldGinaDLLKey"), TEXT("szOldGinaDLLKey"));
+    }
+    if (szDefaultGinaDLL != nullptr) {
+        record.szDefaultGinaDLL = szDefaultGinaDLL;
+    }
+    Describe(record);
+} catch (...) {
+    FailConstruction<CGinaChainingInfoObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
+}
+
+CGinaChainingInfoObject::CGinaChainingInfoObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg,
+                                                 const WCHAR* szGinaDLL, const WCHAR* szCommaDelimitedStr)
+try : CGinaChainingObject(szAPPArg, szMTMArg, szGinaDLL) {
+    const CConstructionTrace trace(*this, s_szClass);
+    Describe(ParseChainingRecord(*this, szCommaDelimitedStr));
+} catch (...) {
+    FailConstruction<CGinaChainingInfoObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
+}
+
+CGinaChainingInfoObject::CGinaChainingInfoObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg,
+                                                 const CGinaChainingInfoObject* pGinaChainingInfoObject)
+try : CGinaChainingObject(szAPPArg, szMTMArg, pGinaChainingInfoObject) {
+    const CConstructionTrace trace(*this, s_szClass);
+    Describe(DescriptionOf(*pGinaChainingInfoObject));
+} catch (...) {
+    FailConstruction<CGinaChainingInfoObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
+}
+
+CGinaChainingInfoObject::~CGinaChainingInfoObject()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+    DeleteVariable(*this, TEXT("m_pOldGinaDLL"), [this] { m_pOldGinaDLL.reset(); });
+}
+
+void CGinaChainingInfoObject::Describe(const CChainingRecord& record)
+{
+    m_szSubKey = CopyText(*this, record.szSubKey, TEXT("m_szSubKey"));
+    m_szOldGinaDLLKey = CopyText(*this, record.szOldGinaDLLKey, TEXT("m_szOldGinaDLLKey"));
+    if (record.szDefaultGinaDLL) {
+        m_szDefaultGinaDLL = CopyText(*this, *record.szDefaultGinaDLL, TEXT("m_szDefaultGinaDLL"));
+    }
+    m_bTerminator = record.bTerminator;
+    m_bStandalone = record.bStandalone;
+    m_bMustBeFirst = record.bMustBeFirst;
+    m_bIsIncompatible = record.bIsIncompatible;
+    if (m_bTerminator) {
+        return;
+    }
+    try {
+        OpenOldGinaDLL(false);
+    } catch (...) {
+        // Most of the GINAs that are known are not installed.
+        IsHandling<CMessage>();
+    }
+}
+
+void CGinaChainingInfoObject::OpenOldGinaDLL(bool bCreate)
+{
+    m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey.c_str(), m_szOldGinaDLLKey.c_str(),
+                                                      bCreate, true);
+}
+
+bool CGinaChainingInfoObject::operator==(const WCHAR* szGinaDLL) const noexcept
+{
+    return IsNamed(s_szClass, TEXT("operator=="), szGinaDLL);
+}
+
+bool CGinaChainingInfoObject::GetOldGinaDLL(WCHAR* szDest, DWORD cchDest) noexcept
+{
+    const COperation op(*this, s_szClass, TEXT("GetOldGinaDLL"));
+    return op.Run(
+        Absorb<CBadArgException, CUnableToReadRegistryException>(),
+        [&] {
+            if (m_bTerminator) {
+                return false;
+            }
+            if (m_pOldGinaDLL == nullptr) {
+                throw CUnableToReadRegistryException(*this, m_szOldGinaDLLKey.c_str(), NO_VALUE_OBJECT);
+            }
+            return m_pOldGinaDLL->GetRegistryString(szDest, cchDest, true);
+        },
+        FailureWarning::UnlessRaised);
+}
+
+void CGinaChainingInfoObject::SetOldGinaDLL(const WCHAR* szValue) noexcept
+{
+    const COperation op(*this, s_szClass, TEXT("SetOldGinaDLL"));
+    op.Run(Absorb<CMessage>(), [&] {
+        if (szValue == nullptr) {
+            op.Warn(ERR_PUSHING_NULL);
+        }
+        if (m_bTerminator) {
+            return;
+        }
+        // For null nothing may be written, so nothing is made either.
+        if (m_pOldGinaDLL == nullptr && szValue != nullptr) {
+            OpenOldGinaDLL(true);
+        }
+        if (m_pOldGinaDLL != nullptr) {
+            m_pOldGinaDLL->SetRegistryString(szValue, true);
+        }
+    });
+}
+
+const WCHAR* CGinaChainingInfoObject::GetDefaultGinaDLL() const noexcept
+{
+    return m_szDefaultGinaDLL && !m_szDefaultGinaDLL->empty() ? m_szDefaultGinaDLL->c_str() : nullptr;
+}

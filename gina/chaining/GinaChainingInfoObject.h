@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "GinaChainingObject.h"
+#include "RegistryString.h"
+
+struct CChainingRecord;
+
+/// What is known of one GINA: where it keeps the name of the GINA that it passes through to, whether it ends
+/// a chain, and what it passes through to by default.
+///
+/// Not for use by several threads at once; the owner of the list of records has the lock.
+class CGinaChainingInfoObject final : public CGinaChainingObject
+{
+public:
+    /// szSubKey: the GINA's own key below HKEY_LOCAL_MACHINE, szOldGinaDLLKey: its passthrough value there;
+    /// a terminator needs neither. szDefaultGinaDLL: may be null. A GINA whose key or value does not exist
+    /// has a record all the same. All constructors throw CBadArgException for a name or key that is
+    /// missing, CGinaChainingInfoObjectInitException for any other failure.
+    CGinaChainingInfoObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const WCHAR* szGinaDLL,
+                            const WCHAR* szSubKey, const WCHAR* szOldGinaDLLKey,
+                            const WCHAR* szDefaultGinaDLL, bool bTerminator, bool bStandalone,
+                            bool bMustBeFirst, bool bIsIncompatible);
+
+    /// The GINA as a chaining record describes it (see CChainingRecord).
+    CGinaChainingInfoObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const WCHAR* szGinaDLL,
+                            const WCHAR* szCommaDelimitedStr);
+
+    /// A copy, which opens the passthrough value for itself.
+    CGinaChainingInfoObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg,
+                            const CGinaChainingInfoObject* pGinaChainingInfoObject);
+    ~CGinaChainingInfoObject();
+
+    bool operator==(const WCHAR* szGinaDLL) const noexcept;
+
+    /// Copies the passthrough value, as the registry has it now, into a buffer of cchDest characters. False
+    /// for a terminator, and when there is no such value.
+    bool GetOldGinaDLL(WCHAR* szDest, DWORD cchDest) noexcept;
+
+    /// Writes the passthrough value; the GINA's key and the value are made when they are missing, the value
+    /// empty at first. Nothing is written for a terminator, or for null, of which is warned.
+    void SetOldGinaDLL(const WCHAR* szValue) noexcept;
+
+    /// The default, null when there is none. An empty one, which a record may have, is none: no GINA can pass
+    /// through to it.
+    const WCHAR* GetDefaultGinaDLL() const noexcept;
+
+    std::basic_string<WCHAR> m_szSubKey;
+    std::basic_string<WCHAR> m_szOldGinaDLLKey;
+    std::optional<std::basic_string<WCHAR>> m_szDefaultGinaDLL;
+    bool m_bTerminator = false;
+    bool m_bStandalone = false;
+    bool m_bMustBeFirst = false;
+    bool m_bIsIncompatible = false;
+    /// Null for a terminator, and while the key or the value does not exist.
+    std::unique_ptr<CRegistryString> m_pOldGinaDLL;
+
+private:
+    static constexpr const WCHAR* s_szClass = TEXT("CGinaChainingInfoObject");
+
+    void Describe(const CChainingRecord& record);
+    void OpenOldGinaDLL(bool bCreate);
+};

@@ -1,0 +1,66 @@
+#include "GinaChainingObject.h"
+
+#include "CompareNames.h"
+#include "Exceptions.h"
+#include "OwnedText.h"
+
+namespace {
+
+std::basic_string<WCHAR> CopyName(const CMessageOrigin& origin, const WCHAR* szGinaDLL,
+                                  const WCHAR* szArgument)
+{
+    if (szGinaDLL == nullptr || *szGinaDLL == 0) {
+        throw CBadArgException(origin, szArgument);
+    }
+    return CopyText(origin, szGinaDLL, TEXT("m_szGinaDLL"));
+}
+
+const WCHAR* NameOf(const CMessageOrigin& origin, const CGinaChainingObject* pGinaChainingObject)
+{
+    if (pGinaChainingObject == nullptr) {
+        throw CBadArgException(origin, TEXT("pGinaChainingObject"));
+    }
+    return pGinaChainingObject->m_szGinaDLL.c_str();
+}
+
+} // namespace
+
+CGinaChainingObject::CGinaChainingObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const WCHAR* szGinaDLL)
+try : CGlobalObject(szAPPArg, szMTMArg), m_szGinaDLL(CopyName(*this, szGinaDLL, TEXT("szGinaDLL"))) {
+    const CConstructionTrace trace(*this, s_szClass);
+} catch (...) {
+    FailConstruction<CGinaChainingObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
+}
+
+CGinaChainingObject::CGinaChainingObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg,
+                                         const CGinaChainingObject* pGinaChainingObject)
+try : CGlobalObject(szAPPArg, szMTMArg),
+    m_szGinaDLL(CopyName(*this, NameOf(*this, pGinaChainingObject), TEXT("pGinaChainingObject->szGinaDLL")))
+{
+    const CConstructionTrace trace(*this, s_szClass);
+} catch (...) {
+    FailConstruction<CGinaChainingObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
+}
+
+CGinaChainingObject::~CGinaChainingObject()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+}
+
+bool CGinaChainingObject::IsNamed(const WCHAR* szClass, CTracePoint point,
+                                  const WCHAR* szGinaDLL) const noexcept
+{
+    const COperation op(*this, szClass, point);
+    return op.Run(
+        Absorb<>(), [&] { return EqualNames(m_szGinaDLL.c_str(), szGinaDLL); }, FailureWarning::Never);
+}
+
+bool CGinaChainingObject::operator==(const WCHAR* szGinaDLL) const noexcept
+{
+    return IsNamed(s_szClass, TEXT("operator=="), szGinaDLL);
+}
+
+bool CGinaChainingObject::operator==(const CGinaChainingObject& other) const noexcept
+{
+    return IsNamed(s_szClass, TEXT("operator=="), other.m_szGinaDLL.c_str());
+}

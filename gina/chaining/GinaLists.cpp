@@ -1,0 +1,67 @@
+#include "GinaLists.h"
+
+#include "MachineValue.h"
+#include "CompareNames.h"
+#include "KnownGinas.h"
+
+std::unique_ptr<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* szGinaDLL)
+{
+    return std::make_unique<CGinaChainingObject>(origin.szAPP, origin.szMTM, szGinaDLL);
+}
+
+bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL)
+{
+    std::unique_ptr<CGinaChainingObject> pLink = MakeLink(chain, szGinaDLL);
+    const bool bInserted = chain.Insert(pLink.get(), 0);
+    if (bInserted) {
+        pLink.release();
+    }
+    return bInserted;
+}
+
+const WCHAR* NameOf(const CGinaLink& link) noexcept
+{
+    return link.m_pItem->m_szGinaDLL.c_str();
+}
+
+bool IsInChain(const CGinaChain& chain, const WCHAR* szGinaDLL) noexcept
+{
+    const CGinaLink* pLink = chain.m_pHead;
+    while (pLink != nullptr && !EqualNames(NameOf(*pLink), szGinaDLL)) {
+        pLink = pLink->pNext;
+    }
+    return pLink != nullptr;
+}
+
+void AddKnownGinas(CKnownGinaList& knownGinas)
+{
+    for (const CKnownGina& gina : KNOWN_GINAS) {
+        Append(knownGinas, std::make_unique<CGinaChainingInfoObject>(
+                               knownGinas.szAPP, knownGinas.szMTM, gina.szGinaDLL, gina.szSubKey,
+                               gina.szOldGinaDLLKey, gina.szDefaultGinaDLL, gina.bTerminator,
+                               gina.bStandalone, gina.bMustBeFirst, gina.bIsIncompatible));
+    }
+}
+
+CGinaChainingInfoObject* FindGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL)
+{
+    CGinaChainingInfoObject* pInfo = nullptr;
+    return knownGinas.MoveTo(szGinaDLL) && knownGinas.GetItem(pInfo) ? pInfo : nullptr;
+}
+
+CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL) noexcept
+{
+    try {
+        const auto pRecord =
+            OpenMachineValue<CRegistryString>(knownGinas, LUM_GINA_MTM, szGinaDLL, false, false);
+        WCHAR szRecord[CRegistryString::MAX_CHARACTERS + 1] = {};
+        pRecord->GetRegistryString(szRecord, CRegistryString::MAX_CHARACTERS + 1, true);
+        return &Append(knownGinas, std::make_unique<CGinaChainingInfoObject>(
+                                       knownGinas.szAPP, knownGinas.szMTM, szGinaDLL, szRecord));
+    } catch (...) {
+        if (!IsHandling<CMessage>()) {
+            CWarning(LUM_GINA_ORIGIN, ERR_UNHANDLED_EXCEPTION);
+        }
+        return nullptr;
+    }
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+
+#include "GinaChainingInfoObject.h"
+#include "ListEx.h"
+
+// The two lists of GINAs: what is known of each, and the chain that Winlogon loads, first to last.
+
+using CKnownGinaList = CListEx<CGinaChainingInfoObject>;
+using CGinaChain = CListEx<CGinaChainingObject>;
+using CGinaLink = CGinaChain::Node;
+
+/// Gives an item to the list, at its end. Throws CMemAllocException.
+template <typename T>
+T& Append(CListEx<T>& list, std::unique_ptr<T> pItem)
+{
+    if (!list.Add(pItem.get(), 0)) {
+        throw CMemAllocException(list, TEXT("pItem"));
+    }
+    return *pItem.release();
+}
+
+/// A new link for the chain. Throws as the constructor of CGinaChainingObject.
+std::unique_ptr<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* szGinaDLL);
+
+/// Inserts a new link before the current one. False when there is no memory; throws as MakeLink.
+bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL);
+
+const WCHAR* NameOf(const CGinaLink& link) noexcept;
+
+/// Whether a GINA of that name is in the chain. Not to be is nothing to warn of, and the cursor stays.
+bool IsInChain(const CGinaChain& chain, const WCHAR* szGinaDLL) noexcept;
+
+/// Appends the built-in table. Throws when there is no memory.
+void AddKnownGinas(CKnownGinaList& knownGinas);
+
+/// What is known of a GINA, null when it is unknown.
+CGinaChainingInfoObject* FindGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL);
+
+/// Looks for a chaining record of that name and appends what it says. Null when there is none that can be
+/// read; why is reported.
+CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL) noexcept;

@@ -1,0 +1,224 @@
+#include "RegistryManager.h"
+
+#include <functional>
+#include <new>
+
+#include "LUMRegistry.h"
+#include "WinlogonRegistry.h"
+#include "ChainBuilder.h"
+#include "ChainResync.h"
+#include "ChainWriter.h"
+#include "Exceptions.h"
+#include "KnownGinas.h"
+
+namespace {
+
+/// Holds the locks of two managers, always in the same order, so that two threads may do so the other way
+/// round.
+class CBothLocks
+{
+public:
+    CBothLocks(const CRegistryManager& left, const CRegistryManager& right) noexcept
+        : m_first(Ordered(left, right) ? left.m_lock : right.m_lock),
+          m_second(Ordered(left, right) ? right.m_lock : left.m_lock)
+    {
+    }
+
+private:
+    static bool Ordered(const CRegistryManager& left, const CRegistryManager& right) noexcept
+    {
+        return std::less<const CRegistryManager*>()(&left, &right);
+    }
+
+    const CCriticalSection::CLock m_first;
+    const CCriticalSection::CLock m_second;
+};
+
+template <typename List>
+std::unique_ptr<List> MakeList(const CMessageOrigin& origin, const WCHAR* szMember)
+{
+    std::unique_ptr<List> pList(new (std::nothrow) List(origin.szAPP, origin.szMTM));
+    if (pList == nullptr) {
+        throw CMemAllocException(origin, szMember);
+    }
+    return pList;
+}
+
+void RequireArgument(const CMessageOrigin& origin, const void* pArgument, const WCHAR* szArgument)
+{
+    if (pArgument == nullptr) {
+        throw CBadArgException(origin, szArgument);
+    }
+}
+
+} // namespace
+
+CRegistryManager::CRegistryManager(const WCHAR* szAPPArg, const WCHAR* szMTMArg, CLUMRegistry* pLUMRegistry,
+                                   CWinlogonRegistry* pWinlogonRegistry, bool bNoRepair)
+try : CGlobalObject(szAPPArg, szMTMArg), m_pWinlogonRegistry(pWinlogonRegistry), m_pLUMRegistry(pLUMRegistry),
+    m_bChainIncomplete(false)
+{
+    const CConstructionTrace trace(*this, s_szClass);
+    RequireArgument(*this, pLUMRegistry, TEXT("pLUMRegistry"));
+    RequireArgument(*this, pWinlogonRegistry, TEXT("pWinlogonRegistry"));
+    m_pKnownGinaList = MakeList<CKnownGinaList>(*this, TEXT("m_pKnownGinaList"));
+    m_pGinaChainingList = MakeList<CGinaChain>(*this, TEXT("m_pGinaChainingList"));
+    AddKnownGinas(*m_pKnownGinaList);
+    CChainBuilder builder(*m_pKnownGinaList, *m_pGinaChainingList, *pWinlogonRegistry, bNoRepair);
+    m_bChainIncomplete = !builder.Build();
+} catch (...) {
+    const CMessageOrigin origin{szAPPArg, szMTMArg};
+    if (!IsHandling<CBadArgException>() && !IsHandling<CMemAllocException>()) {
+        CWarning(origin, ERR_UNHANDLED_EXCEPTION);
+    }
+    FailConstruction<CRegistryManagerInitException, CBadArgException>(origin);
+}
+
+CRegistryManager::~CRegistryManager()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+    DeleteVariable(*this, TEXT("m_pKnownGinaList"), [this] { m_pKnownGinaList.reset(); });
+    DeleteVariable(*this, TEXT("m_pGinaChainingList"), [this] { m_pGinaChainingList.reset(); });
+}
+
+template <typename Body>
+bool CRegistryManager::RunChange(CTracePoint point, Body body) noexcept
+{
+    const COperation op(*this, s_szClass, point);
+    const CCriticalSection::CLock lock(m_lock);
+    return op.Run(Absorb<CMessage>(), body, FailureWarning::UnlessRaised);
+}
+
+bool CRegistryManager::InsertGinaIntoChainingList(const WCHAR* szGinaDLL, const WCHAR* szInsertBefore,
+                                                  bool bAtFront) noexcept
+{
+    return RunChange(TEXT("InsertGinaIntoChainingList"), [&] {
+        const bool bInserted = Place(szGinaDLL, szInsertBefore, bAtFront);
+        if (bInserted) {
+            WriteOutListToRegistry();
+        }
+        return bInserted;
+    });
+}
+
+bool CRegistryManager::Place(const WCHAR* szGinaDLL, const WCHAR* szInsertBefore, bool bAtFront)
+{
+    CGinaChain& chain = *m_pGinaChainingList;
+    if (chain.m_dwCount == 0) {
+        return InsertLink(chain, szGinaDLL);
+    }
+    if (m_bChainIncomplete || IsInChain(chain, szGinaDLL)) {
+        return false;
+    }
+    const CGinaChainingInfoObject& info = NeedKnown(szGinaDLL);
+    if (szInsertBefore != nullptr) {
+        return chain.MoveTo(szInsertBefore) && !info.m_bTerminator && InsertLink(chain, szGinaDLL);
+    }
+    if (bAtFront) {
+        chain.Begin();
+        return InsertLink(chain, szGinaDLL);
+    }
+    return PlaceLast(info);
+}
+
+CGinaChainingInfoObject& CRegistryManager::NeedKnown(const WCHAR* szGinaDLL)
+{
+    CGinaChainingInfoObject* pInfo = FindGina(*m_pKnownGinaList, szGinaDLL);
+    if (pInfo == nullptr) {
+        pInfo = LearnGina(*m_pKnownGinaList, szGinaDLL);
+    }
+    if (pInfo == nullptr) {
+        throw CCantInsertUnknownGinaException(LUM_GINA_ORIGIN);
+    }
+    return *pInfo;
+}
+
+/// A terminator keeps the end of the chain to itself.
+bool CRegistryManager::PlaceLast(const CGinaChainingInfoObject& info)
+{
+    CGinaChain& chain = *m_pGinaChainingList;
+    chain.End();
+    const CGinaChainingInfoObject* pLast = FindGina(*m_pKnownGinaList, NameOf(*chain.m_pTail));
+    const WCHAR* szGinaDLL = info.m_szGinaDLL.c_str();
+    if (pLast == nullptr || !pLast->m_bTerminator) {
+        Append(chain, MakeLink(chain, szGinaDLL));
+        return true;
+    }
+    return info.m_bTerminator ? chain.SetItem(MakeLink(chain, szGinaDLL).get())
+                              : InsertLink(chain, szGinaDLL);
+}
+
+bool CRegistryManager::RemoveGinaFromChainingList(const WCHAR* szGinaDLL) noexcept
+{
+    return RunChange(TEXT("RemoveGinaFromChainingList"), [&] {
+        CGinaChain& chain = *m_pGinaChainingList;
+        if (m_bChainIncomplete || !m_pKnownGinaList->IsInList(szGinaDLL) || !chain.Remove(szGinaDLL)) {
+            return false;
+        }
+        bool bRemoved = true;
+        if (chain.m_dwCount == 1 && *chain.m_pHead->m_pItem == SYSTEM_GINA) {
+            bRemoved = chain.Remove(SYSTEM_GINA);
+        }
+        WriteOutListToRegistry();
+        return bRemoved;
+    });
+}
+
+/// What a query denies is an answer, not a failure.
+template <typename Body>
+bool CRegistryManager::RunQuery(CTracePoint point, Body body) const noexcept
+{
+    const COperation op(*this, s_szClass, point);
+    return op.Run(Absorb<CMessage>(), body, FailureWarning::Never);
+}
+
+bool CRegistryManager::IsGinaInChainingList(const WCHAR* szGinaDLL) const noexcept
+{
+    return RunQuery(TEXT("IsGinaInChainingList"), [&] {
+        const CCriticalSection::CLock lock(m_lock);
+        return m_pGinaChainingList->IsInList(szGinaDLL);
+    });
+}
+
+bool CRegistryManager::IsGinaKnown(const WCHAR* szGinaDLL) const noexcept
+{
+    return RunQuery(TEXT("IsGinaKnown"), [&] {
+        const CCriticalSection::CLock lock(m_lock);
+        return m_pKnownGinaList->IsInList(szGinaDLL);
+    });
+}
+
+bool CRegistryManager::operator==(const CRegistryManager& other) const noexcept
+{
+    return RunQuery(TEXT("operator=="), [&] { return IsEqual(other); });
+}
+
+bool CRegistryManager::operator!=(const CRegistryManager& other) const noexcept
+{
+    return RunQuery(TEXT("operator!="), [&] { return !IsEqual(other); });
+}
+
+bool CRegistryManager::IsEqual(const CRegistryManager& other) const
+{
+    const CBothLocks locks(*this, other);
+    return m_bChainIncomplete == other.m_bChainIncomplete &&
+           *m_pGinaChainingList == *other.m_pGinaChainingList;
+}
+
+void CRegistryManager::WriteOutListToRegistry() noexcept
+{
+    const COperation op(*this, s_szClass, TEXT("WriteOutListToRegistry"));
+    const CCriticalSection::CLock lock(m_lock);
+    op.Run(Absorb<CMessage>(), [this] {
+        if (!m_bChainIncomplete) {
+            WriteChain(*m_pKnownGinaList, *m_pGinaChainingList, *m_pWinlogonRegistry);
+        }
+    });
+}
+
+void CRegistryManager::ResyncWithRegistry(const CRegistryManager& other) noexcept
+{
+    const COperation op(*this, s_szClass, TEXT("ResyncWithRegistry"));
+    const CBothLocks locks(*this, other);
+    op.Run(Absorb<CMessage>(), [&] { CChainResync(*this, other).Run(); });
+}

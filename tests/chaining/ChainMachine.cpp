@@ -1,0 +1,166 @@
+#include "ChainMachine.h"
+
+#include <sstream>
+
+#include "CompareNames.h"
+
+namespace {
+
+constexpr WCHAR RECORDED_KEY[] = TEXT("SOFTWARE\\ORX\\Test");
+
+// Where each GINA keeps its passthrough value.
+struct CPassthrough
+{
+    const char* szGinaDLL;
+    const WCHAR* szKey;
+    const WCHAR* szValue;
+} const PASSTHROUGHS[] = {
+    {"Winlogon", WINLOGON_KEY, TEXT("GinaDLL")},
+    {"wpnGina.dll", TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"), TEXT("OldGinaDLL")},
+    {"PLinkGina.dll", TEXT("SOFTWARE\\ORX\\PortLink\\PLinkGina"), TEXT("OldGinaDLL")},
+    {"BVGina01.DLL", TEXT("SOFTWARE\\Brevik Systems\\Gina"), TEXT("GinaDLL")},
+    {"lum_gina.dll", OWN_KEY, TEXT("GinaDLL")},
+    {"kvs_gina.dll", TEXT("SOFTWARE\\ORX\\KVS\\Gina"), TEXT("GinaDLL")},
+    {"rec.dll", RECORDED_KEY, TEXT("rec.dll")},
+    {"inc.dll", RECORDED_KEY, TEXT("inc.dll")},
+    {"nodef.dll", RECORDED_KEY, TEXT("nodef.dll")},
+};
+
+// Bottom up, since a key with subkeys cannot be deleted.
+const WCHAR* const KEYS[] = {
+    TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"),
+    TEXT("SOFTWARE\\Tamsin\\Airlink"),
+    TEXT("SOFTWARE\\Tamsin"),
+    TEXT("SOFTWARE\\ORX\\PortLink\\PLinkGina"),
+    TEXT("SOFTWARE\\ORX\\PortLink"),
+    TEXT("SOFTWARE\\ORX\\KVS\\Gina"),
+    TEXT("SOFTWARE\\ORX\\KVS"),
+    RECORDED_KEY,
+    WINLOGON_KEY,
+    TEXT("SOFTWARE\\Brevik Systems\\Gina"),
+    TEXT("SOFTWARE\\Brevik Systems"),
+};
+
+/// Null for a GINA without such a value.
+const CPassthrough* FindPassthrough(const std::string& name)
+{
+    for (const CPassthrough& row : PASSTHROUGHS) {
+        if (EqualNames(Widen(row.szGinaDLL).c_str(), Widen(name).c_str())) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+void DeleteValue(const WCHAR* szKey, const WCHAR* szValue)
+{
+    HKEY hKey = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, KEY_WRITE, &hKey) == ERROR_SUCCESS) {
+        RegDeleteValueW(hKey, szValue);
+        RegCloseKey(hKey);
+    }
+}
+
+} // namespace
+
+CChainMachine::CChainMachine()
+{
+    DeleteKeys();
+    SetString(WINLOGON_KEY, TEXT("Shell"), TEXT("Explorer.exe"));
+    StartHost();
+    ClearLog();
+}
+
+CChainMachine::~CChainMachine()
+{
+    m_pConfiguration.reset();
+    m_pWinlogon.reset();
+    DeleteKeys();
+}
+
+void CChainMachine::DeleteKeys()
+{
+    for (const WCHAR* szKey : KEYS) {
+        RegDeleteKeyW(HKEY_LOCAL_MACHINE, szKey);
+    }
+}
+
+void CChainMachine::SetValues(const Values& values)
+{
+    for (const CPassthrough& row : PASSTHROUGHS) {
+        const auto found = values.find(row.szGinaDLL);
+        if (found != values.end()) {
+            SetString(row.szKey, row.szValue, Widen(found->second).c_str());
+        } else {
+            DeleteValue(row.szKey, row.szValue);
+        }
+    }
+}
+
+CChainMachine::Values CChainMachine::GetValues()
+{
+    Values values;
+    for (const CPassthrough& row : PASSTHROUGHS) {
+        const std::string quoted = GetValue(row.szKey, row.szValue);
+        if (quoted != "(none)") {
+            values[row.szGinaDLL] = quoted.substr(1, quoted.size() - 2);
+        }
+    }
+    return values;
+}
+
+CChainMachine::Values CChainMachine::ValuesOf(const std::string& chain)
+{
+    Values values;
+    LeadThrough(SplitNames(chain), values);
+    return values;
+}
+
+void CChainMachine::LeadThrough(const std::vector<std::string>& chain, Values& values)
+{
+    const CPassthrough* pFrom = PASSTHROUGHS;
+    for (const std::string& name : chain) {
+        if (pFrom != nullptr) {
+            values[pFrom->szGinaDLL] = name;
+        }
+        pFrom = FindPassthrough(name);
+    }
+}
+
+void CChainMachine::SetRecord(const char* szGinaDLL, const char* szDefaultAndFlags)
+{
+    const std::string record = std::string("SOFTWARE\\ORX\\Test,") + szGinaDLL + "," + szDefaultAndFlags;
+    SetString(OWN_KEY, Widen(szGinaDLL).c_str(), Widen(record).c_str());
+}
+
+void CChainMachine::StartHost()
+{
+    m_pWinlogon = std::make_unique<CWinlogonRegistry>(LUM_GINA_APP, LUM_GINA_MTM);
+    m_pConfiguration = std::make_unique<CLUMRegistry>(LUM_GINA_APP, LUM_GINA_MTM);
+}
+
+std::unique_ptr<CRegistryManager> CChainMachine::Build(bool bNoRepair)
+{
+    return std::make_unique<CRegistryManager>(LUM_GINA_APP, LUM_GINA_MTM, m_pConfiguration.get(),
+                                              m_pWinlogon.get(), bNoRepair);
+}
+
+std::string CChainMachine::ChainOf(const CRegistryManager& manager)
+{
+    std::string chain;
+    for (const CGinaLink* pLink = manager.m_pGinaChainingList->m_pHead; pLink != nullptr;
+         pLink = pLink->pNext) {
+        chain += (chain.empty() ? "" : " ") + Narrow(NameOf(*pLink));
+    }
+    return manager.m_bChainIncomplete ? chain + "..." : chain;
+}
+
+std::vector<std::string> SplitNames(const std::string& chain)
+{
+    std::istringstream text(chain);
+    std::vector<std::string> names;
+    for (std::string name; text >> name;) {
+        names.push_back(name);
+    }
+    return names;
+}

@@ -1,0 +1,150 @@
+// The 24 exports of the test plugin and the one more through which a test drives it. They are written out
+// rather than made by LUM_PLUGIN, because they also answer what no well-behaved plugin does.
+
+#include <type_traits>
+
+#include "Failures.h"
+#include "LUMPlugin.h"
+#include "TestPluginState.h"
+
+namespace {
+
+template <typename T>
+ULONG_PTR AsValue(T argument)
+{
+    if constexpr (std::is_pointer_v<T>) {
+        return reinterpret_cast<ULONG_PTR>(argument);
+    } else {
+        return static_cast<ULONG_PTR>(argument);
+    }
+}
+
+/// Records a call and does what comes before anything else. A call may end here for good, so nothing here
+/// needs a destructor.
+template <typename... Arguments>
+PluginRecord& Begin(PluginCall call, Arguments... arguments)
+{
+    static_assert(sizeof...(Arguments) <= PLUGIN_MAX_ARGUMENTS);
+    PluginRecord& record = g_TestPlugin.AddRecord(call);
+    DWORD dwIndex = 0;
+    ((record.argument[dwIndex++] = AsValue(arguments)), ...);
+    const CTestPluginState::CBehaviour behaviour = g_TestPlugin.GetBehaviour(call);
+    if (behaviour.pfnHook != nullptr) {
+        behaviour.pfnHook(behaviour.pHookContext, &record);
+    }
+    if (behaviour.failure == PLUGIN_THROW_OWN) {
+        throw 1;
+    }
+    Fail(behaviour.failure, behaviour.dwCode);
+    return record;
+}
+
+LONG End(PluginRecord& record, LONG nResult)
+{
+    record.bReturned = TRUE;
+    record.nResult = nResult;
+    return nResult;
+}
+
+/// Calls the next object; 0 for what has no result.
+template <typename Result, typename... Parameters, typename... Arguments>
+LONG CallNext(Result (lum::CGinaObject::*pfnCall)(lum::CGinaNode*, Parameters...), lum::CGinaNode* pNode,
+              Arguments... arguments)
+{
+    lum::CGinaObject& next = lum::NextObject(pNode);
+    if constexpr (std::is_void_v<Result>) {
+        (next.*pfnCall)(pNode->pNext, arguments...);
+        return 0;
+    } else {
+        return (next.*pfnCall)(pNode->pNext, arguments...);
+    }
+}
+
+/// Serves a chained call.
+template <typename Call, typename... Arguments>
+LONG Chain(PluginCall call, Call pfnCall, lum::CGinaNode* pNode, Arguments... arguments)
+{
+    PluginRecord& record = Begin(call, pNode, arguments...);
+    const CTestPluginState::CBehaviour behaviour = g_TestPlugin.GetBehaviour(call);
+    LONG nResult = behaviour.nAnswer;
+    if (behaviour.action != PluginAction::Answer) {
+        const LONG nNext = CallNext(pfnCall, pNode, arguments...);
+        nResult = behaviour.action == PluginAction::Change ? nResult : nNext;
+    }
+    return End(record, nResult);
+}
+
+/// Serves a call that is not chained.
+template <typename... Arguments>
+LONG Serve(PluginCall call, Arguments... arguments)
+{
+    PluginRecord& record = Begin(call, arguments...);
+    return End(record, g_TestPlugin.GetBehaviour(call).nAnswer);
+}
+
+LONG Negotiate(lum::CGinaPluginInfo* pInfo)
+{
+    const LONG nResult = Serve(PluginCall::Negotiate, pInfo);
+    const auto replace = [](DWORD& dwVersion, DWORD dwNew) { dwVersion = dwNew != 0 ? dwNew : dwVersion; };
+    replace(pInfo->m_dwWlxVersion, g_TestPlugin.GetWlxVersion());
+    replace(pInfo->m_dwLUMVersion, g_TestPlugin.GetLUMVersion());
+    return nResult;
+}
+
+/// The operation of g_TestPlugin as a function of the interface.
+template <auto Operation>
+struct Exposed;
+template <typename Result, typename... Arguments, Result (CTestPluginState::*Operation)(Arguments...)>
+struct Exposed<Operation>
+{
+    static Result WINAPI Call(Arguments... arguments) { return (g_TestPlugin.*Operation)(arguments...); }
+};
+
+constexpr TestPluginInterface INTERFACE = {
+    sizeof(TestPluginInterface),
+    Exposed<&CTestPluginState::Reset>::Call,
+    Exposed<&CTestPluginState::SetVersions>::Call,
+    Exposed<&CTestPluginState::SetAction>::Call,
+    Exposed<&CTestPluginState::SetFailure>::Call,
+    Exposed<&CTestPluginState::SetHook>::Call,
+    Exposed<&CTestPluginState::SetCounter>::Call,
+    Exposed<&CTestPluginState::GetRecordCount>::Call,
+    Exposed<&CTestPluginState::GetRecord>::Call,
+};
+
+} // namespace
+
+// clang-format off
+#define SERVED(NAME, PARAMETERS, ...) LUM_EXPORT(LONG, LUM##NAME, PARAMETERS, Serve(PluginCall::NAME, __VA_ARGS__))
+#define CHAINED(NAME, PARAMETERS, ...) LUM_EXPORT(LONG, LUM##NAME, PARAMETERS, Chain(PluginCall::NAME, &lum::CGinaObject::NAME, pNode, __VA_ARGS__))
+
+LUM_EXPORT(LONG, LUMNegotiate, (lum::CGinaPluginInfo* pInfo), Negotiate(pInfo))
+SERVED(QueryPlugin, (lum::CGinaPluginInfo* pInfo, DWORD dw1, DWORD dw2, DWORD dw3), pInfo, dw1, dw2, dw3)
+SERVED(QueryPluginInfo, (lum::CGinaPluginInfo* pInfo), pInfo)
+LUM_EXPORT(LONG, LUMDynamicUnload, (), Serve(PluginCall::DynamicUnload))
+SERVED(Initialize, (lum::CLUMObject* pObject, DWORD dwInstances, LPWSTR szWinsta, HANDLE hWlx, PVOID pReserved, PVOID pFunctions, PVOID* ppContext, DWORD dwFlag1, DWORD dwFlag2), pObject, dwInstances, szWinsta, hWlx, pReserved, pFunctions, ppContext, dwFlag1, dwFlag2)
+CHAINED(DisplaySASNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+CHAINED(LoggedOutSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile), pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, ppProfile)
+CHAINED(ActivateUserShell, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment), pContext, szDesktop, szScript, pEnvironment)
+CHAINED(LoggedOnSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PVOID pReserved), pContext, dwSasType, pReserved)
+CHAINED(DisplayLockedNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+CHAINED(IsLockOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+CHAINED(WkstaLockedSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType), pContext, dwSasType)
+CHAINED(IsLogoffOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+CHAINED(Logoff, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+CHAINED(Shutdown, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwType), pContext, dwType)
+CHAINED(StartApplication, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand), pContext, szDesktop, pEnvironment, szCommand)
+CHAINED(ScreenSaverNotify, (lum::CGinaNode* pNode, PVOID pContext, BOOL* pSecure), pContext, pSecure)
+CHAINED(NetworkProviderLoad, (lum::CGinaNode* pNode, PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), pContext, pInfo)
+CHAINED(DisplayStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle, PWSTR szMessage), pContext, hDesktop, dwOptions, szTitle, szMessage)
+CHAINED(GetStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize), pContext, pdwOptions, szMessage, dwSize)
+CHAINED(RemoveStatusMessage, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+CHAINED(GetConsoleSwitchCredentials, (lum::CGinaNode* pNode, PVOID pContext, PVOID pCredentials), pContext, pCredentials)
+CHAINED(ReconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+CHAINED(DisconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+// clang-format on
+
+extern "C" const TestPluginInterface* WINAPI TestPlugin()
+{
+    return &INTERFACE;
+}

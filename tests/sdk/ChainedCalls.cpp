@@ -1,0 +1,72 @@
+#include "ChainedCalls.h"
+
+#include <tuple>
+#include <type_traits>
+
+namespace {
+
+// What a GINA reads is there to be read, and what it would write to is null.
+WCHAR g_szText[] = TEXT("text");
+
+template <typename T>
+T MakeArgument(int nPosition)
+{
+    if constexpr (std::is_same_v<T, PWSTR>) {
+        return g_szText;
+    } else if constexpr (std::is_same_v<T, PVOID> || std::is_same_v<T, HDESK>) {
+        return reinterpret_cast<T>(static_cast<ULONG_PTR>(0x1000 + nPosition));
+    } else if constexpr (std::is_pointer_v<T>) {
+        return nullptr;
+    } else {
+        return static_cast<T>(nPosition);
+    }
+}
+
+template <auto Operation>
+struct Call;
+template <typename Result, typename... Parameters, Result (CGinaObject::*Operation)(GinaNode*, Parameters...)>
+struct Call<Operation>
+{
+    static int Make(CGinaObject& object, GinaNode* pNode)
+    {
+        int nPosition = 0;
+        // Only braces make the arguments in their order.
+        const std::tuple<Parameters...> arguments{MakeArgument<Parameters>(nPosition++)...};
+        const auto call = [&](Parameters... argument) { return (object.*Operation)(pNode, argument...); };
+        if constexpr (std::is_void_v<Result>) {
+            std::apply(call, arguments);
+            return 0;
+        } else {
+            return std::apply(call, arguments);
+        }
+    }
+};
+
+} // namespace
+
+const CChainedCall CHAINED_CALLS[19] = {
+#define CHAINED_CALL(NAME)                                                                                   \
+    {                                                                                                        \
+#NAME, Call < &CGinaObject::NAME> ::Make                                                             \
+    }
+    CHAINED_CALL(ActivateUserShell),
+    CHAINED_CALL(DisconnectNotify),
+    CHAINED_CALL(DisplayLockedNotice),
+    CHAINED_CALL(DisplaySASNotice),
+    CHAINED_CALL(DisplayStatusMessage),
+    CHAINED_CALL(GetConsoleSwitchCredentials),
+    CHAINED_CALL(GetStatusMessage),
+    CHAINED_CALL(IsLockOk),
+    CHAINED_CALL(IsLogoffOk),
+    CHAINED_CALL(LoggedOnSAS),
+    CHAINED_CALL(LoggedOutSAS),
+    CHAINED_CALL(Logoff),
+    CHAINED_CALL(NetworkProviderLoad),
+    CHAINED_CALL(ReconnectNotify),
+    CHAINED_CALL(RemoveStatusMessage),
+    CHAINED_CALL(ScreenSaverNotify),
+    CHAINED_CALL(Shutdown),
+    CHAINED_CALL(StartApplication),
+    CHAINED_CALL(WkstaLockedSAS),
+#undef CHAINED_CALL
+};

@@ -1,0 +1,24 @@
+// Compiles only: the header is all that a plugin needs, in the oldest dialect that the system's own headers
+// can be read in, and without exceptions and run-time type information.
+
+#include "LUMPlugin.h"
+
+namespace {
+
+class CSmallPlugin : public lum::CPlugin
+{
+public:
+    BOOL IsLockOk(lum::CGinaNode* pNode, PVOID pWlxContext)
+    {
+        return m_bOpen ? FALSE : CPlugin::IsLockOk(pNode, pWlxContext);
+    }
+
+private:
+    bool m_bOpen;
+};
+
+CSmallPlugin s_plugin;
+
+} // namespace
+
+LUM_PLUGIN(s_plugin)

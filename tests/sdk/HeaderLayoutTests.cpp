@@ -1,0 +1,104 @@
+// What the header for plugin authors says of the host's classes, compared with the classes.
+
+#include <cstddef>
+#include <cstring>
+
+#include <gtest/gtest.h>
+
+#include "GinaObject.h"
+#include "LUMPlugin.h"
+
+namespace {
+
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+
+#define SAME_PLACE(AUTHORS, HOSTS, FIELD) static_assert(offsetof(AUTHORS, FIELD) == offsetof(HOSTS, FIELD))
+
+static_assert(sizeof(lum::CGinaPluginInfo) == sizeof(CGinaPluginInfo));
+SAME_PLACE(lum::CGinaPluginInfo, CGinaPluginInfo, szAPP);
+SAME_PLACE(lum::CGinaPluginInfo, CGinaPluginInfo, szMTM);
+SAME_PLACE(lum::CGinaPluginInfo, CGinaPluginInfo, m_dwSpare1);
+SAME_PLACE(lum::CGinaPluginInfo, CGinaPluginInfo, m_szFriendlyName);
+SAME_PLACE(lum::CGinaPluginInfo, CGinaPluginInfo, m_szGinaDLL);
+SAME_PLACE(lum::CGinaPluginInfo, CGinaPluginInfo, m_dwWlxVersion);
+SAME_PLACE(lum::CGinaPluginInfo, CGinaPluginInfo, m_dwLUMVersion);
+SAME_PLACE(lum::CGinaPluginInfo, CGinaPluginInfo, m_dwSpare2);
+
+static_assert(sizeof(lum::CGinaPluginContext) == sizeof(CGinaPluginContext));
+SAME_PLACE(lum::CGinaPluginContext, CGinaPluginContext, szAPP);
+SAME_PLACE(lum::CGinaPluginContext, CGinaPluginContext, szMTM);
+SAME_PLACE(lum::CGinaPluginContext, CGinaPluginContext, m_hDLLInstance);
+SAME_PLACE(lum::CGinaPluginContext, CGinaPluginContext, m_hInstance);
+SAME_PLACE(lum::CGinaPluginContext, CGinaPluginContext, m_hWlx);
+SAME_PLACE(lum::CGinaPluginContext, CGinaPluginContext, m_GinaPluginInfo);
+
+static_assert(sizeof(lum::CGinaNode) == sizeof(GinaNode));
+SAME_PLACE(lum::CGinaNode, GinaNode, szAPP);
+SAME_PLACE(lum::CGinaNode, GinaNode, szMTM);
+SAME_PLACE(lum::CGinaNode, GinaNode, m_pItem);
+SAME_PLACE(lum::CGinaNode, GinaNode, m_dwTag);
+SAME_PLACE(lum::CGinaNode, GinaNode, pNext);
+SAME_PLACE(lum::CGinaNode, GinaNode, pPrev);
+
+SAME_PLACE(lum::CGinaObject, CGinaObject, szAPP);
+SAME_PLACE(lum::CGinaObject, CGinaObject, szMTM);
+SAME_PLACE(lum::CGinaObject, CGinaObject, m_pGinaPluginContext);
+
+static_assert(lum::PLUGIN_INTERFACE_VERSION == LUM_INTERFACE_VERSION);
+
+/// A pointer to a virtual operation holds its place in the table.
+template <typename Operation>
+ULONG_PTR PlaceOf(Operation pfnOperation)
+{
+    ULONG_PTR nPlace = 0;
+    std::memcpy(&nPlace, &pfnOperation, sizeof(nPlace));
+    return nPlace;
+}
+
+TEST(PluginHeader, SlotsAreThoseOfTheHost)
+{
+#define SAME_SLOT(NAME) EXPECT_EQ(PlaceOf(&CGinaObject::NAME), PlaceOf(&lum::CGinaObject::NAME)) << #NAME
+    SAME_SLOT(ActivateUserShell);
+    SAME_SLOT(DisconnectNotify);
+    SAME_SLOT(DisplayLockedNotice);
+    SAME_SLOT(DisplaySASNotice);
+    SAME_SLOT(DisplayStatusMessage);
+    SAME_SLOT(DynamicUnload);
+    SAME_SLOT(GetConsoleSwitchCredentials);
+    SAME_SLOT(GetStatusMessage);
+    SAME_SLOT(Initialize);
+    SAME_SLOT(IsLockOk);
+    SAME_SLOT(IsLogoffOk);
+    SAME_SLOT(LoggedOnSAS);
+    SAME_SLOT(LoggedOutSAS);
+    SAME_SLOT(Logoff);
+    SAME_SLOT(Negotiate);
+    SAME_SLOT(NetworkProviderLoad);
+    SAME_SLOT(QueryPlugin);
+    SAME_SLOT(QueryPluginInfo);
+    SAME_SLOT(ReconnectNotify);
+    SAME_SLOT(RemoveStatusMessage);
+    SAME_SLOT(ScreenSaverNotify);
+    SAME_SLOT(Shutdown);
+    SAME_SLOT(StartApplication);
+    SAME_SLOT(WkstaLockedSAS);
+#undef SAME_SLOT
+}
+
+TEST(PluginHeader, StringsMayCrossTheBoundaryBothWays)
+{
+    CGinaPluginInfo info(TEXT("LUM_GINA"), TEXT("SOFTWARE\\ORX\\Test"));
+    ASSERT_TRUE(info.SetGinaDLL(TEXT("host.dll")));
+    auto& authors = reinterpret_cast<lum::CGinaPluginInfo&>(info);
+    EXPECT_TRUE(lum::ReplaceString(authors.m_szGinaDLL, TEXT("author.dll")));
+    EXPECT_TRUE(lum::SetFriendlyName(&authors, TEXT("")));
+    EXPECT_TRUE(lum::SetFriendlyName(&authors, TEXT("friendly")));
+    CGinaPluginInfo copy(TEXT("LUM_GINA"), TEXT("SOFTWARE\\ORX\\Test"));
+    copy = info;
+    EXPECT_EQ(std::basic_string<WCHAR>(TEXT("author.dll")), copy.m_szGinaDLL);
+    EXPECT_EQ(std::basic_string<WCHAR>(TEXT("friendly")), copy.m_szFriendlyName);
+    EXPECT_TRUE(lum::SetFriendlyName(&authors, nullptr));
+    EXPECT_EQ(nullptr, info.m_szFriendlyName);
+}
+
+} // namespace

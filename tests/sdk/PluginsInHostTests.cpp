@@ -1,0 +1,200 @@
+#include <memory>
+
+#include "LUMGina.h"
+#include "PluginDriver.h"
+#include "Standin.h"
+#include "TestMachine.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+HANDLE const WLX = reinterpret_cast<HANDLE>(0x2000);
+PVOID const CONTEXT = reinterpret_cast<PVOID>(0x3000);
+
+constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
+
+/// A host with three plugins and a GINA, configured through the registry alone.
+class PluginsInHost : public CTestMachine
+{
+protected:
+    PluginsInHost()
+    {
+        for (const CPluginDriver& plugin : plugins) {
+            plugin->SetCounter(&m_nCounter);
+        }
+        SetString(OWN_KEY, TEXT("GinaDLL"), TEXT("standin_gina.dll"));
+        SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_a.dll,test_plugin_b.dll,test_plugin_c.dll"));
+    }
+
+    void Load()
+    {
+        host = std::make_unique<CLUMGina>(reinterpret_cast<HINSTANCE>(0x1000));
+        DWORD dwVersion = 0;
+        EXPECT_TRUE(host->LUMWlxNegotiate(WLX_VERSION_1_4, &dwVersion));
+        ClearLog();
+    }
+    BOOL Initialize() { return host->LUMWlxInitialize(nullptr, WLX, nullptr, &m_table, &m_pContext); }
+
+    Lines Chain() const
+    {
+        Lines names;
+        for (GinaNode* pNode = host->m_pGinaObjectList->m_pHead; pNode != nullptr; pNode = pNode->pNext) {
+            names.push_back(Narrow(pNode->m_pItem->GetGinaDLLName()));
+        }
+        return names;
+    }
+
+    WLX_DISPATCH_VERSION_1_4 m_table{};
+    PVOID m_pContext = nullptr;
+    LONG m_nCounter = 0;
+    CPluginDriver plugins[3] = {CPluginDriver(TEXT("test_plugin_a.dll")),
+                                CPluginDriver(TEXT("test_plugin_b.dll")),
+                                CPluginDriver(TEXT("test_plugin_c.dll"))};
+    CStandin gina{TEXT("standin_gina.dll")};
+    std::unique_ptr<CLUMGina> host;
+};
+
+TEST_F(PluginsInHost, OneThatCannotBeUsedIsLeftOut)
+{
+    struct
+    {
+        const char* szSecond;
+        const char* szReason;
+    } const rows[] = {
+        {"nowhere.dll", "Unable to load DLL, Filename: nowhere.dll, Error: 0x7e"},
+        {"test_plugin_no_unload.dll",
+         "Unable to load function from DLL, Function: LUMDynamicUnload, Error: 0x7f"},
+        {"test_plugin_b.dll", "Negotiation failed while loading gina dll, Error: 0x0"},
+    };
+    plugins[1]->SetAction(PluginCall::Negotiate, PluginAction::Answer, FALSE);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.szSecond);
+        SetString(OWN_KEY, TEXT("Plugins"),
+                  Widen(std::string("test_plugin_a.dll,") + row.szSecond + ",test_plugin_c.dll").c_str());
+        host = std::make_unique<CLUMGina>(reinterpret_cast<HINSTANCE>(0x1000));
+        DWORD dwVersion = 0;
+        ClearLog();
+        EXPECT_TRUE(host->LUMWlxNegotiate(WLX_VERSION_1_4, &dwVersion));
+        EXPECT_EQ((Lines{"test_plugin_a.dll", "test_plugin_c.dll", "standin_gina.dll"}), Chain());
+        EXPECT_EQ((Lines{std::string("[EXCEPTION] ") + row.szReason,
+                         std::string("[WARNING] Unable to create gina plugin, Plugin: ") + row.szSecond}),
+                  Log());
+    }
+}
+
+TEST_F(PluginsInHost, AreInitialisedInOrderAndCalledInOrder)
+{
+    SetDword(VOLATILE_KEY, TEXT("InstanceCount"), 4);
+    Load();
+    ASSERT_TRUE(Initialize());
+    for (int n = 0; n < 3; ++n) {
+        const PluginRecord& record = plugins[n].LastRecord();
+        EXPECT_EQ(PluginCall::Initialize, record.call);
+        EXPECT_EQ(4 + n, record.nOrder) << "behind three negotiations";
+        EXPECT_EQ(5u, record.argument[1]) << "instance count";
+        EXPECT_EQ(0u, record.argument[7] | record.argument[8]) << "load flags";
+    }
+    plugins[1]->SetAction(PluginCall::LoggedOnSAS, PluginAction::Answer, WLX_SAS_ACTION_LOGOFF);
+    gina->Reset();
+    EXPECT_EQ(WLX_SAS_ACTION_LOGOFF, host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));
+    EXPECT_EQ(7, plugins[0].LastRecord().nOrder);
+    EXPECT_EQ(8, plugins[1].LastRecord().nOrder);
+    EXPECT_EQ(8, m_nCounter) << "what a plugin answers itself goes no further";
+    EXPECT_EQ(Lines(), gina.Calls());
+}
+
+TEST_F(PluginsInHost, ThoseThatRefuseInitialisationGo)
+{
+    // Every subset of the three refuses.
+    for (unsigned uRefusing = 0; uRefusing < 8; ++uRefusing) {
+        SCOPED_TRACE(uRefusing);
+        Lines expected;
+        for (unsigned n = 0; n < 3; ++n) {
+            const bool bRefuses = (uRefusing & 1 << n) != 0;
+            plugins[n]->Reset();
+            plugins[n]->SetAction(PluginCall::Initialize, PluginAction::Answer, bRefuses ? FALSE : TRUE);
+            if (!bRefuses) {
+                expected.push_back(Narrow(plugins[n].GetName()));
+            }
+        }
+        expected.push_back("standin_gina.dll");
+        Load();
+        gina->Reset();
+        EXPECT_TRUE(Initialize());
+        EXPECT_EQ(expected, Chain());
+        EXPECT_EQ(static_cast<int>(4 - expected.size()), Count(FAILED));
+        EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+        for (unsigned n = 0; n < 3; ++n) {
+            const bool bRefuses = (uRefusing & 1 << n) != 0;
+            EXPECT_EQ(bRefuses ? (Lines{"Negotiate", "Initialize"})
+                               : (Lines{"Negotiate", "Initialize", "IsLockOk"}),
+                      plugins[n].Calls());
+        }
+        EXPECT_EQ((Lines{"WlxInitialize", "WlxIsLockOk"}), gina.Calls());
+    }
+}
+
+TEST_F(PluginsInHost, OneThatFailsInitialisationEndsIt)
+{
+    for (const StandinFailure failure : {StandinFailure::ReadNull, StandinFailure::Throw, PLUGIN_THROW_OWN}) {
+        for (int nFailing = 0; nFailing < 3; ++nFailing) {
+            SCOPED_TRACE(testing::Message() << static_cast<int>(failure) << " in " << nFailing);
+            for (const CPluginDriver& plugin : plugins) {
+                plugin->Reset();
+            }
+            plugins[nFailing]->SetFailure(PluginCall::Initialize, failure, 0);
+            Load();
+            gina->Reset();
+            EXPECT_FALSE(Initialize());
+            EXPECT_EQ((Lines{"[EXCEPTION] Plugin has generated an unknown exception, Plugin: " +
+                                 Narrow(plugins[nFailing].GetName()),
+                             "[EXCEPTION] An unhandled exception occurred",
+                             "[WARNING] An unhandled exception occurred", FAILED}),
+                      Log());
+            for (int n = 0; n < 3; ++n) {
+                EXPECT_EQ(n <= nFailing ? (Lines{"Negotiate", "Initialize"}) : Lines{"Negotiate"},
+                          plugins[n].Calls());
+            }
+            EXPECT_EQ(4u, host->m_pGinaObjectList->m_dwCount);
+            EXPECT_EQ(Lines(), gina.Calls());
+        }
+    }
+}
+
+TEST_F(PluginsInHost, AFailingPluginCostsTheCallItsDefaultResultAndNoMore)
+{
+    Load();
+    ASSERT_TRUE(Initialize());
+    plugins[2]->SetFailure(PluginCall::LoggedOnSAS, StandinFailure::ReadNull, 0);
+    ClearLog();
+    EXPECT_EQ(WLX_SAS_ACTION_NONE, host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));
+    // The fault is the third's; the first two saw an exception pass.
+    const std::string unknown = "[EXCEPTION] Plugin has generated an unknown exception, Plugin: ";
+    EXPECT_EQ((Lines{unknown + "test_plugin_c.dll", unknown + "test_plugin_b.dll",
+                     unknown + "test_plugin_a.dll", FAILED}),
+              Log());
+    EXPECT_EQ(4u, host->m_pGinaObjectList->m_dwCount);
+    plugins[2]->SetFailure(PluginCall::LoggedOnSAS, StandinFailure::None, 0);
+    gina->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_LOCK_WKSTA);
+    EXPECT_EQ(WLX_SAS_ACTION_LOCK_WKSTA,
+              host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));
+}
+
+TEST_F(PluginsInHost, CallsNestThroughTheWholeChain)
+{
+    Load();
+    ASSERT_TRUE(Initialize());
+    plugins[1]->SetHook(
+        PluginCall::LoggedOnSAS,
+        [](void* pHost, const PluginRecord*) {
+            EXPECT_TRUE(static_cast<CLUMGina*>(pHost)->LUMWlxIsLogoffOk(CONTEXT));
+        },
+        host.get());
+    gina->Reset();
+    gina->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_LOGOFF);
+    EXPECT_EQ(WLX_SAS_ACTION_LOGOFF, host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));
+    EXPECT_EQ((Lines{"WlxIsLogoffOk", "WlxLoggedOnSAS"}), gina.Calls());
+}
+
+} // namespace

@@ -1,0 +1,251 @@
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <regex>
+#include <sstream>
+
+#include "ChainedCalls.h"
+#include "LUMGina.h"
+#include "Standin.h"
+#include "TestMachine.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+PVOID const CONTEXT = reinterpret_cast<PVOID>(0x3000);
+
+constexpr WCHAR PLUGINS_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Plugins");
+constexpr WCHAR AUDIT_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Plugins\\Audit");
+constexpr WCHAR VETO_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Plugins\\Veto");
+constexpr char AUDIT_FILE[] = "audit.txt";
+
+class SamplePlugins : public CTestMachine
+{
+protected:
+    SamplePlugins()
+    {
+        DeleteSettings();
+        std::remove(AUDIT_FILE);
+    }
+    ~SamplePlugins() override { DeleteSettings(); }
+
+    void Start(const char* szPlugins)
+    {
+        SetString(OWN_KEY, TEXT("Plugins"), Widen(szPlugins).c_str());
+        host = std::make_unique<CLUMGina>(reinterpret_cast<HINSTANCE>(0x1000));
+        DWORD dwVersion = 0;
+        EXPECT_TRUE(host->LUMWlxNegotiate(WLX_VERSION_1_4, &dwVersion));
+        EXPECT_TRUE(host->LUMWlxInitialize(nullptr, CONTEXT, nullptr, nullptr, &m_pContext));
+        gina->Reset();
+        ClearLog();
+    }
+    void StartAudited(const char* szPlugins)
+    {
+        SetString(AUDIT_KEY, TEXT("File"), Widen(AUDIT_FILE).c_str());
+        Start(szPlugins);
+    }
+
+    GinaNode* FirstNode() const { return host->m_pGinaObjectList->m_pHead; }
+
+    static std::string RawAudit()
+    {
+        std::ostringstream text;
+        text << std::ifstream(AUDIT_FILE, std::ios::binary).rdbuf();
+        return text.str();
+    }
+    /// The lines of the audit file without their time and the blanks behind the result.
+    static Lines Audit()
+    {
+        static const std::regex pattern(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}  (.*?) *\r)");
+        Lines lines;
+        std::istringstream text(RawAudit());
+        for (std::string line; std::getline(text, line);) {
+            std::smatch match;
+            lines.push_back(std::regex_match(line, match, pattern) ? match[1].str() : "malformed: " + line);
+        }
+        return lines;
+    }
+
+    PVOID m_pContext = nullptr;
+    CStandin gina{TEXT("msgina.dll")};
+    std::unique_ptr<CLUMGina> host;
+
+private:
+    static void DeleteSettings()
+    {
+        for (const WCHAR* szKey : {AUDIT_KEY, VETO_KEY, PLUGINS_KEY}) {
+            RegDeleteKeyW(HKEY_LOCAL_MACHINE, szKey);
+        }
+    }
+};
+
+TEST_F(SamplePlugins, PassEveryCallOn)
+{
+    // One of them may be built by another compiler.
+    for (const char* szPlugin : {LUM_PASSING_PLUGINS}) {
+        SCOPED_TRACE(szPlugin);
+        Start(szPlugin);
+        for (const CChainedCall& call : CHAINED_CALLS) {
+            SCOPED_TRACE(call.szName);
+            gina->Reset();
+            const int nResult = call.pfnCall(*FirstNode()->m_pItem, FirstNode());
+            ASSERT_EQ(Lines{std::string("Wlx") + call.szName}, gina.Calls());
+            const StandinRecord through = *gina->GetRecord(0);
+            gina->Reset();
+            EXPECT_EQ(call.pfnCall(*FirstNode()->pNext->m_pItem, FirstNode()->pNext), nResult);
+            EXPECT_TRUE(std::equal(through.argument, through.argument + STANDIN_MAX_ARGUMENTS,
+                                   gina->GetRecord(0)->argument));
+        }
+        CGinaPluginInfo info(LUM_GINA_APP, LUM_GINA_MTM);
+        EXPECT_TRUE(FirstNode()->m_pItem->QueryPluginInfo(&info));
+        EXPECT_EQ(szPlugin, Narrow(info.m_szGinaDLL));
+        EXPECT_EQ(WLX_VERSION_1_4, static_cast<int>(info.m_dwWlxVersion));
+        EXPECT_STRNE("", Narrow(info.m_szFriendlyName).c_str());
+    }
+}
+
+TEST_F(SamplePlugins, VetoRefusesWhatItsSettingsSay)
+{
+    Start("veto_plugin.dll");
+    gina->SetResult(StandinCall::WlxLoggedOutSAS, WLX_SAS_ACTION_LOGON);
+    const auto onSAS = [this](int nAction) {
+        gina->SetResult(StandinCall::WlxLoggedOnSAS, nAction);
+        return host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
+    };
+    const auto calls = [&] {
+        return std::vector<int>{host->LUMWlxLoggedOutSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr, nullptr,
+                                                         nullptr, nullptr, nullptr, nullptr),
+                                host->LUMWlxIsLockOk(CONTEXT),
+                                onSAS(WLX_SAS_ACTION_LOCK_WKSTA),
+                                host->LUMWlxIsLogoffOk(CONTEXT),
+                                onSAS(WLX_SAS_ACTION_LOGOFF),
+                                onSAS(WLX_SAS_ACTION_FORCE_LOGOFF)};
+    };
+    const std::vector<int> all = {WLX_SAS_ACTION_LOGON,      TRUE,
+                                  WLX_SAS_ACTION_LOCK_WKSTA, TRUE,
+                                  WLX_SAS_ACTION_LOGOFF,     WLX_SAS_ACTION_FORCE_LOGOFF};
+    struct
+    {
+        const WCHAR* szSetting;
+        std::vector<int> refused; ///< indices of the calls
+    } const rows[] = {
+        {TEXT("RefuseLogon"), {0}}, {TEXT("RefuseLock"), {1, 2}}, {TEXT("RefuseLogoff"), {3, 4}}};
+    EXPECT_EQ(all, calls()) << "no settings, no veto";
+    for (const auto& row : rows) {
+        std::vector<int> expected = all;
+        for (const int nCall : row.refused) {
+            expected[nCall] = all[nCall] == TRUE && nCall != 0 ? FALSE : WLX_SAS_ACTION_NONE;
+        }
+        SetDword(VETO_KEY, row.szSetting, 2);
+        EXPECT_EQ(expected, calls()) << Narrow(row.szSetting);
+        SetDword(VETO_KEY, row.szSetting, 0);
+        EXPECT_EQ(all, calls());
+        // A setting of another type is a mistake, and locks nobody out.
+        SetString(VETO_KEY, row.szSetting, TEXT("1"));
+        EXPECT_EQ(all, calls());
+    }
+}
+
+TEST_F(SamplePlugins, ARefusedLogonDoesNotReachTheGina)
+{
+    Start("pass_plugin.dll,veto_plugin.dll");
+    SetDword(VETO_KEY, TEXT("RefuseLogon"), 1);
+    EXPECT_EQ(WLX_SAS_ACTION_NONE, host->LUMWlxLoggedOutSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr,
+                                                            nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(Lines(), gina.Calls());
+}
+
+TEST_F(SamplePlugins, AuditTellsWhatWasCalledAndWhatCameOfIt)
+{
+    StartAudited("audit_plugin.dll,pass_plugin.dll");
+    gina->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_SHUTDOWN_POWER_OFF);
+    host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
+    gina->SetResult(StandinCall::WlxLoggedOnSAS, 99);
+    host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
+    gina->SetResult(StandinCall::WlxIsLockOk, FALSE);
+    host->LUMWlxIsLockOk(CONTEXT);
+    gina->SetFailure(StandinCall::WlxIsLogoffOk, StandinFailure::ReadNull, 0);
+    host->LUMWlxIsLogoffOk(CONTEXT);
+    host->LUMWlxLogoff(CONTEXT);
+    EXPECT_EQ(
+        (Lines{"LUMNegotiate -> this plugin: TRUE", "LUMInitialize -> this plugin: TRUE",
+               "LUMLoggedOnSAS -> pass_plugin.dll: SHUTDOWN_POWER_OFF",
+               "LUMLoggedOnSAS -> pass_plugin.dll: action 99", "LUMIsLockOk -> pass_plugin.dll: FALSE",
+               "LUMIsLogoffOk -> pass_plugin.dll: did not return", "LUMLogoff -> pass_plugin.dll: returned"}),
+        Audit());
+}
+
+TEST_F(SamplePlugins, AuditHasOneLineForEachCallWhileCallsNest)
+{
+    StartAudited("audit_plugin.dll");
+    static Lines s_seen;
+    gina->SetHook(
+        StandinCall::WlxLoggedOnSAS,
+        [](void* pHost, const StandinRecord*) {
+            static_cast<CLUMGina*>(pHost)->LUMWlxIsLockOk(CONTEXT);
+            s_seen = Audit();
+        },
+        host.get());
+    host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
+    s_seen.erase(s_seen.begin(), s_seen.begin() + 2);
+    EXPECT_EQ((Lines{"LUMLoggedOnSAS -> msgina.dll: did not return", "LUMIsLockOk -> msgina.dll: TRUE"}),
+              s_seen);
+    // Somebody puts the file away while a call is under way.
+    gina->SetHook(
+        StandinCall::WlxLoggedOnSAS, [](void*, const StandinRecord*) { std::remove(AUDIT_FILE); }, nullptr);
+    host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
+    EXPECT_EQ(Lines{"LUMLoggedOnSAS -> msgina.dll: NONE"}, Audit());
+}
+
+TEST_F(SamplePlugins, AuditHasNoSecret)
+{
+    StartAudited("audit_plugin.dll");
+    WLX_MPR_NOTIFY_INFO info = {};
+    PVOID pProfile = nullptr;
+    HANDLE hToken = nullptr;
+    DWORD dwOptions = 0;
+    LUID id = {};
+    EXPECT_EQ(WLX_SAS_ACTION_LOGON, host->LUMWlxLoggedOutSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, &id, nullptr,
+                                                             &dwOptions, &hToken, &info, &pProfile));
+    EXPECT_TRUE(host->LUMWlxNetworkProviderLoad(CONTEXT, &info));
+    WCHAR szSecret[] = TEXT("open sesame, standin");
+    EXPECT_TRUE(host->LUMWlxStartApplication(CONTEXT, szSecret, szSecret, szSecret));
+    EXPECT_TRUE(host->LUMWlxActivateUserShell(CONTEXT, szSecret, szSecret, szSecret));
+    EXPECT_TRUE(host->LUMWlxDisplayStatusMessage(CONTEXT, nullptr, 0, szSecret, szSecret));
+    const std::string audit = RawAudit();
+    EXPECT_EQ(7u, Audit().size());
+    for (const std::basic_string<WCHAR>& secret :
+         {std::basic_string<WCHAR>(STANDIN_PASSWORD), std::basic_string<WCHAR>(STANDIN_USER),
+          std::basic_string<WCHAR>(STANDIN_PROFILE)})
+    {
+        const std::string wide(reinterpret_cast<const char*>(secret.data()), secret.size() * sizeof(WCHAR));
+        EXPECT_EQ(std::string::npos, audit.find(Narrow(secret.c_str())));
+        EXPECT_EQ(std::string::npos, audit.find(wide));
+    }
+    for (const WCHAR* szText : {info.pszUserName, info.pszDomain, info.pszPassword}) {
+        LocalFree(const_cast<WCHAR*>(szText));
+    }
+    LocalFree(static_cast<PWLX_PROFILE_V1_0>(pProfile)->pszProfile);
+    LocalFree(pProfile);
+}
+
+TEST_F(SamplePlugins, AuditThatCannotBeWrittenStopsNothing)
+{
+    Start("audit_plugin.dll");
+    EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+    SetString(AUDIT_KEY, TEXT("File"), TEXT("no_such_folder/audit.txt"));
+    EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+    SetDword(AUDIT_KEY, TEXT("File"), 0x00610061);
+    EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+    const std::basic_string<WCHAR> tooLong(MAX_PATH, 'x');
+    SetString(AUDIT_KEY, TEXT("File"), tooLong.c_str());
+    EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+    EXPECT_EQ("", RawAudit());
+    // A text without its terminator, as a registry may hold it, is a text.
+    SetBytes(AUDIT_KEY, TEXT("File"), REG_SZ, Widen(AUDIT_FILE).c_str(), 9 * sizeof(WCHAR));
+    EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+    EXPECT_EQ(Lines{"LUMIsLockOk -> msgina.dll: TRUE"}, Audit());
+}
+
+} // namespace
