@@ -81,7 +81,7 @@ void PassOn(int nSignal, siginfo_t* pInfo, void* pMachine) noexcept
 
 void OnSignal(int nSignal, siginfo_t* pInfo, void* pMachine) noexcept
 {
-    auto* const pGuard = static_cast<CSignalGuard*>(CGuard::GetInnermost());
+    CSignalGuard* const pGuard = CSignalGuard::GetInnermost();
     if (pGuard != nullptr && pGuard->TakesFaults() && IsFault(*pInfo)) {
         pGuard->Abandon(GetCode(*pInfo, pMachine, *pGuard));
     }

@@ -75,11 +75,8 @@ DWORD WINAPI GetModuleFileNameW(HMODULE hModule, LPWSTR szFile, DWORD cchFile) n
             szFile[path.size()] = 0;
             return static_cast<DWORD>(path.size());
         }
-        // What fits is given, and the size of the buffer tells that it was too small.
-        if (cchFile != 0) {
-            path.copy(szFile, cchFile - 1);
-            szFile[cchFile - 1] = 0;
-        }
+        // What fits is given without a terminator, and the size of the buffer tells that it was too small.
+        path.copy(szFile, cchFile);
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return cchFile;
     });

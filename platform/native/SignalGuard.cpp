@@ -11,7 +11,7 @@ __attribute__((tls_model("initial-exec"))) constinit thread_local FaultGuard::CS
 
 namespace FaultGuard {
 
-CGuard* CGuard::GetInnermost() noexcept
+CSignalGuard* CSignalGuard::GetInnermost() noexcept
 {
     return t_pInnermost;
 }

@@ -2,19 +2,29 @@
 
 #include <csetjmp>
 
-#include "../Guard.h"
+#include <windows.h>
 
 namespace FaultGuard {
 
 /// The guard of a system that reports faults as signals; the innermost of its thread while it exists.
-class CSignalGuard : public CGuard
+class CSignalGuard
 {
 public:
+    /// The innermost guard of this thread; null outside all guards.
+    static CSignalGuard* GetInnermost() noexcept;
+
     CSignalGuard() noexcept;
     ~CSignalGuard();
+    CSignalGuard(const CSignalGuard&) = delete;
+    CSignalGuard& operator=(const CSignalGuard&) = delete;
 
     /// Gives what pfnCall(pContext) gives, or the code of the fault that ended it.
     DWORD Run(DWORD (*pfnCall)(void*), void* pContext);
+
+    /// From the one to the other, the guard takes no faults. Pairs of them nest.
+    void BeginDefaultFaults() noexcept { m_nDefaultFaults = m_nDefaultFaults + 1; }
+    void EndDefaultFaults() noexcept { m_nDefaultFaults = m_nDefaultFaults - 1; }
+    bool TakesFaults() const noexcept { return m_nDefaultFaults == 0; }
 
     /// Ends the call because of a fault. For the signal handler.
     [[noreturn]] void Abandon(DWORD dwCode) noexcept;
@@ -26,6 +36,7 @@ private:
     CSignalGuard* m_pOuter;
     const void* m_pFirstFrame = nullptr;
     sigjmp_buf m_ReturnPoint;
+    volatile int m_nDefaultFaults = 0;
     volatile DWORD m_dwFault = 0;
 };
 

@@ -3,6 +3,8 @@
 #include "../ThreadState.h"
 #include "ForeignException.h"
 #include "FrameGuard.h"
+#include "GuardFrame.h"
+#include "HostFrames.h"
 #include "StackGuardPage.h"
 
 namespace FaultGuard {
@@ -34,6 +36,16 @@ void Recover(const CThreadState& state, DWORD dwCode) noexcept
     }
 }
 
+/// Whether what is thrown here would be thrown into a DLL.
+bool IsDLLInnermost() noexcept
+{
+    const CExceptionFrame* pFrame = CExceptionFrame::GetInnermost();
+    while (!pFrame->IsEnd() && !IsHostFrames(*pFrame) && !CGuardFrame::Is(*pFrame)) {
+        pFrame = pFrame->pOuter;
+    }
+    return !pFrame->IsEnd() && CGuardFrame::Is(*pFrame);
+}
+
 } // namespace
 
 void RunGuarded(void (*pfnCall)(void*), void* pContext)
@@ -56,8 +68,7 @@ void RunGuarded(void (*pfnCall)(void*), void* pContext)
 
 void ThrowToCaller(std::exception_ptr pException)
 {
-    const CGuard* const pGuard = CGuard::GetInnermost();
-    if (pGuard == nullptr || pGuard->IsInHostFrames()) {
+    if (!IsDLLInnermost()) {
         std::rethrow_exception(std::move(pException));
     }
     RaiseHostException(std::move(pException));

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "ExceptionFrame.h"
 #include "platform/FaultGuard.h"
 
 namespace FaultGuard {
@@ -76,20 +77,17 @@ const CCatchableType s_IntType = {COPIED_AS_BYTES, &s_IntName, 0, -1, 0, sizeof(
 const CCatchableTypes s_IntTypes = {1, &s_IntType};
 const CThrowInfo s_IntThrow = {0, nullptr, nullptr, &s_IntTypes};
 
-/// An entry of the thread's list of frames for the frame that holds the object. A DLL that swallows the
-/// exception as a structured one knows nothing of the object in it.
-struct CThrowingFrame
+/// The entry of the frame that holds the object. A DLL that swallows the exception as a structured one
+/// knows nothing of the object in it.
+struct __attribute__((may_alias)) CThrowingFrame : CExceptionFrame
 {
-    CThrowingFrame* pOuter;
-    EXCEPTION_DISPOSITION (*pfnHandler)(EXCEPTION_RECORD*, CThrowingFrame*, CONTEXT*, void*);
     std::exception_ptr* pObject;
 };
 
-EXCEPTION_DISPOSITION OnUnwind(EXCEPTION_RECORD* pException, CThrowingFrame* pFrame, CONTEXT*, void*)
+EXCEPTION_DISPOSITION OnUnwind(EXCEPTION_RECORD* pException, CExceptionFrame* pFrame, CONTEXT*, void*)
 {
-    constexpr DWORD UNWINDING = 0x2; // EXCEPTION_UNWINDING
-    if ((pException->ExceptionFlags & UNWINDING) != 0 && pException->ExceptionCode != FOREIGN_EXCEPTION) {
-        *pFrame->pObject = nullptr;
+    if (IsUnwinding(*pException) && pException->ExceptionCode != FOREIGN_EXCEPTION) {
+        *static_cast<CThrowingFrame*>(pFrame)->pObject = nullptr;
     }
     return ExceptionContinueSearch;
 }
@@ -100,8 +98,8 @@ void RaiseHostException(std::exception_ptr pException) noexcept
 {
     // Taken over, since the caller's is not destroyed.
     std::exception_ptr pObject(std::move(pException));
-    CThrowingFrame frame{reinterpret_cast<CThrowingFrame*>(__readfsdword(0)), OnUnwind, &pObject};
-    __writefsdword(0, reinterpret_cast<DWORD>(&frame));
+    CThrowingFrame frame{{CExceptionFrame::GetInnermost(), reinterpret_cast<const void*>(OnUnwind)}, &pObject};
+    CExceptionFrame::SetInnermost(&frame);
     Raise(&pObject, s_HostThrow);
 }
 

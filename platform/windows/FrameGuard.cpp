@@ -24,19 +24,14 @@ bool IsNotification(DWORD dwCode) noexcept
 
 } // namespace
 
-CGuard* CGuard::GetInnermost() noexcept
-{
-    return GuardFrame::FindInnermost();
-}
-
 bool CFrameGuard::Run(void (*pfnCall)(void*), void* pContext)
 {
-    return GuardFrame::Run(*this, pfnCall, pContext);
+    return CGuardFrame::Run(*this, pfnCall, pContext);
 }
 
 bool CFrameGuard::Take(const EXCEPTION_RECORD& exception) noexcept
 {
-    if (!TakesFaults() || IsNotification(exception.ExceptionCode)) {
+    if (IsNotification(exception.ExceptionCode)) {
         return false;
     }
     m_dwCode = exception.ExceptionCode;

@@ -2,17 +2,17 @@
 
 #include <exception>
 
-#include "../Guard.h"
+#include <windows.h>
 
 namespace FaultGuard {
 
-/// The guard of a system that looks for the handler of an exception in the thread's list of frames: an
-/// entry of that list around the call. The list itself tells which guard is the innermost, so nothing
-/// is left over when a frame further out ends the call in its own way.
-class CFrameGuard : public CGuard
+/// The guard of a system that looks for the handler of an exception in a list of frames.
+class CFrameGuard
 {
 public:
     CFrameGuard() noexcept = default;
+    CFrameGuard(const CFrameGuard&) = delete;
+    CFrameGuard& operator=(const CFrameGuard&) = delete;
 
     /// Runs pfnCall(pContext). False when an exception ended it; this holds it then.
     bool Run(void (*pfnCall)(void*), void* pContext);

@@ -1,21 +1,8 @@
 #include "GuardFrame.h"
 
+#include "HostFrames.h"
+
 namespace FaultGuard {
-namespace {
-
-/// An entry as the system knows it, and what the assembly below pushes behind it.
-struct CEntry
-{
-    CEntry* pOuter;
-    void* pfnHandler;
-    CFrameGuard* pGuard;
-};
-
-CEntry* const END_OF_LIST = reinterpret_cast<CEntry*>(-1);
-
-constexpr DWORD UNWIND_FLAGS = 0x2 | 0x4; // EXCEPTION_UNWINDING, EXCEPTION_EXIT_UNWIND
-
-} // namespace
 
 extern "C" {
 
@@ -23,13 +10,14 @@ extern "C" {
 int LumRunGuardFrame(CFrameGuard* pGuard, void (*pfnCall)(void*), void* pContext);
 
 /// Unwinds all frames inside the entry and lets its LumRunGuardFrame return.
-[[noreturn]] void LumEndGuardFrame(CEntry* pEntry, EXCEPTION_RECORD* pException);
+[[noreturn]] void LumEndGuardFrame(CExceptionFrame* pFrame, EXCEPTION_RECORD* pException);
 
-__attribute__((used)) EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pException, CEntry* pEntry,
+__attribute__((used)) EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pException, CExceptionFrame* pFrame,
                                                            CONTEXT*, void*)
 {
-    if ((pException->ExceptionFlags & UNWIND_FLAGS) == 0 && pEntry->pGuard->Take(*pException)) {
-        LumEndGuardFrame(pEntry, pException);
+    if (!IsUnwinding(*pException) && !HasDefaultFaultsInside(pFrame) &&
+        static_cast<CGuardFrame*>(pFrame)->pGuard->Take(*pException)) {
+        LumEndGuardFrame(pFrame, pException);
     }
     return ExceptionContinueSearch;
 }
@@ -80,18 +68,14 @@ _LumEndGuardFrame:
     jmp 1b
 )");
 
-bool GuardFrame::Run(CFrameGuard& guard, void (*pfnCall)(void*), void* pContext)
+bool CGuardFrame::Run(CFrameGuard& guard, void (*pfnCall)(void*), void* pContext)
 {
     return LumRunGuardFrame(&guard, pfnCall, pContext) == 0;
 }
 
-CFrameGuard* GuardFrame::FindInnermost() noexcept
+bool CGuardFrame::Is(const CExceptionFrame& frame) noexcept
 {
-    auto* pEntry = reinterpret_cast<CEntry*>(__readfsdword(0));
-    while (pEntry != END_OF_LIST && pEntry->pfnHandler != reinterpret_cast<void*>(LumOnException)) {
-        pEntry = pEntry->pOuter;
-    }
-    return pEntry == END_OF_LIST ? nullptr : pEntry->pGuard;
+    return frame.pfnHandler == reinterpret_cast<const void*>(LumOnException);
 }
 
 } // namespace FaultGuard

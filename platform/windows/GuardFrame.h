@@ -1,16 +1,21 @@
 #pragma once
 
+#include "ExceptionFrame.h"
 #include "FrameGuard.h"
 
-// The entries of the thread's list of exception frames, which no C++ compiler of the host makes.
+namespace FaultGuard {
 
-namespace FaultGuard::GuardFrame {
+/// The entry of a guard. Only the assembly that it comes with makes one.
+struct __attribute__((may_alias)) CGuardFrame : CExceptionFrame
+{
+    CFrameGuard* pGuard;
 
-/// Runs pfnCall(pContext) with an entry for the guard. False when the guard has taken an exception of it;
-/// the frames inside have been unwound by their own handlers then, as far as they have any.
-bool Run(CFrameGuard& guard, void (*pfnCall)(void*), void* pContext);
+    /// Runs pfnCall(pContext) inside an entry for the guard. False when the guard has taken an exception;
+    /// the frames inside have been unwound by their own handlers then, as far as they have any.
+    static bool Run(CFrameGuard& guard, void (*pfnCall)(void*), void* pContext);
 
-/// The guard of the innermost entry; null when the list has none.
-CFrameGuard* FindInnermost() noexcept;
+    /// Whether an entry is one of these.
+    static bool Is(const CExceptionFrame& frame) noexcept;
+};
 
-} // namespace FaultGuard::GuardFrame
+} // namespace FaultGuard

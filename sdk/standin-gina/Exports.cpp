@@ -72,10 +72,15 @@ constexpr StandinInterface INTERFACE = {
     extern "C" RESULT WINAPI NAME PARAMETERS { return Serve<RESULT>(StandinCall::NAME, __VA_ARGS__); }
 
 ENTRY(BOOL, WlxNegotiate, (DWORD dwVersion, PDWORD pdwVersion), dwVersion, CVersionOut{pdwVersion})
-ENTRY(BOOL, WlxInitialize, (LPWSTR szWinsta, HANDLE hWlx, PVOID pvReserved, PVOID pFunctions, PVOID* ppContext), szWinsta, hWlx, pvReserved, pFunctions, ppContext)
+ENTRY(BOOL, WlxInitialize, (LPWSTR szWinsta, HANDLE hWlx, PVOID pvReserved, PVOID pFunctions,
+      PVOID* ppContext),
+      szWinsta, hWlx, pvReserved, pFunctions, ppContext)
 ENTRY(VOID, WlxDisplaySASNotice, (PVOID pContext), pContext)
-ENTRY(int, WlxLoggedOutSAS, (PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile), pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, CProfileOut{ppProfile})
-ENTRY(BOOL, WlxActivateUserShell, (PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment), pContext, szDesktop, szScript, pEnvironment)
+ENTRY(int, WlxLoggedOutSAS, (PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions,
+      PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile),
+      pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, CProfileOut{ppProfile})
+ENTRY(BOOL, WlxActivateUserShell, (PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment),
+      pContext, szDesktop, szScript, pEnvironment)
 ENTRY(int, WlxLoggedOnSAS, (PVOID pContext, DWORD dwSasType, PVOID pReserved), pContext, dwSasType, pReserved)
 ENTRY(VOID, WlxDisplayLockedNotice, (PVOID pContext), pContext)
 ENTRY(int, WlxWkstaLockedSAS, (PVOID pContext, DWORD dwSasType), pContext, dwSasType)
@@ -84,10 +89,14 @@ ENTRY(BOOL, WlxIsLogoffOk, (PVOID pContext), pContext)
 ENTRY(VOID, WlxLogoff, (PVOID pContext), pContext)
 ENTRY(VOID, WlxShutdown, (PVOID pContext, DWORD dwType), pContext, dwType)
 ENTRY(BOOL, WlxScreenSaverNotify, (PVOID pContext, BOOL* pSecure), pContext, pSecure)
-ENTRY(BOOL, WlxStartApplication, (PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand), pContext, szDesktop, pEnvironment, szCommand)
+ENTRY(BOOL, WlxStartApplication, (PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand),
+      pContext, szDesktop, pEnvironment, szCommand)
 ENTRY(BOOL, WlxNetworkProviderLoad, (PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), pContext, pInfo)
-ENTRY(BOOL, WlxDisplayStatusMessage, (PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle, PWSTR szMessage), pContext, hDesktop, dwOptions, szTitle, szMessage)
-ENTRY(BOOL, WlxGetStatusMessage, (PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize), pContext, pdwOptions, (CStatusOut{szMessage, dwSize}), dwSize)
+ENTRY(BOOL, WlxDisplayStatusMessage, (PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle,
+      PWSTR szMessage),
+      pContext, hDesktop, dwOptions, szTitle, szMessage)
+ENTRY(BOOL, WlxGetStatusMessage, (PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize),
+      pContext, pdwOptions, (CStatusOut{szMessage, dwSize}), dwSize)
 ENTRY(BOOL, WlxRemoveStatusMessage, (PVOID pContext), pContext)
 ENTRY(BOOL, WlxGetConsoleSwitchCredentials, (PVOID pContext, PVOID pCredentials), pContext, pCredentials)
 ENTRY(VOID, WlxReconnectNotify, (PVOID pContext), pContext)

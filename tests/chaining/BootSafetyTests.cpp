@@ -144,4 +144,45 @@ TEST_F(BootSafety, OfReadingTheChain)
               repair("wpnGina.dll"));
 }
 
+// Chains are written first to last, so that a GINA may be loaded before its passthrough value is right.
+TEST_F(BootSafety, WhatTheOrderOfWritesLeavesUnsafe)
+{
+    struct
+    {
+        const char* szWhat;
+        std::function<std::function<void()>()> before;
+        std::set<std::string> missing; ///< GINAs whose DLL is no longer there
+        Moments moments;
+    } const rows[] = {
+        {"another GINA is put first", Change("msgina.dll", Insert("wpnGina.dll", nullptr, true)), {}, {}},
+        {"another GINA is put first2", Change("lum_gina.dll msgina.dll", Insert("wpnGina.dll", nullptr, true)), {}, {}},
+        {"behind", Change("wpnGina.dll msgina.dll", Insert("PLinkGina.dll", "msgina.dll", false)), {}, {}},
+        {"behind", Change("wpnGina.dll msgina.dll", Insert("rec.dll", "msgina.dll", false)), {}, {}},
+        {"empty", Change("", Insert("kvs_gina.dll", nullptr, true)), {}, {}},
+        {"empty", Change("", Insert("x.dll", nullptr, true)), {}, {}},
+        {"two GINAs took the host's place", Resync("lum_gina.dll msgina.dll",
+         {{"Winlogon", "wpnGina.dll"}, {"wpnGina.dll", "PLinkGina.dll"}, {"PLinkGina.dll", "msgina.dll"}}), {}, {}},
+        {"uninst", Resync("wpnGina.dll msgina.dll",
+         {{"Winlogon", "msgina.dll"}, {"wpnGina.dll", ""}}), {"wpnGina.dll"}, {}},
+        {"uninst2", Resync("wpnGina.dll lum_gina.dll msgina.dll",
+         {{"Winlogon", "msgina.dll"}, {"wpnGina.dll", ""}}), {"wpnGina.dll"}, {}},
+        {"uninst3", Resync("wpnGina.dll lum_gina.dll msgina.dll",
+         {{"Winlogon", "qslogon.dll"}}), {"wpnGina.dll"}, {}},
+        {"uninst4", Resync("wpnGina.dll lum_gina.dll msgina.dll",
+         {{"Winlogon", "lum_gina.dll"}}), {"wpnGina.dll"}, {}},
+        {"taken out by itself", Resync("lum_gina.dll wpnGina.dll msgina.dll",
+         {{"lum_gina.dll", "msgina.dll"}}), {"wpnGina.dll"}, {}},
+        {"x", Resync("wpnGina.dll PLinkGina.dll lum_gina.dll msgina.dll",
+         {{"Winlogon", "wpnGina.dll"}, {"wpnGina.dll", ""}}), {}, {}},
+        {"y", Resync("lum_gina.dll wpnGina.dll msgina.dll",
+         {{"lum_gina.dll", "kvs_gina.dll"}, {"kvs_gina.dll", "wpnGina.dll"}}), {}, {}},
+        {"z", Resync("wpnGina.dll lum_gina.dll msgina.dll",
+         {{"Winlogon", "PLinkGina.dll"}, {"PLinkGina.dll", "kvs_gina.dll"}, {"kvs_gina.dll", "msgina.dll"}, {"wpnGina.dll",""}}), {}, {}},
+    };
+    for (const auto& row : rows) {
+        SetRecord("rec.dll", "msgina.dll,0,0,0,0");
+        EXPECT_EQ(row.moments, UnsafeMoments(row.before, row.missing)) << row.szWhat;
+    }
+}
+
 } // namespace

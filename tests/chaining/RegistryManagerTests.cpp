@@ -138,7 +138,6 @@ TEST_F(RegistryManager, Inserts)
         {"lum_gina.dll msgina.dll", "wpnGina.dll", "", false, "lum_gina.dll wpnGina.dll msgina.dll"},
         {"wpnGina.dll msgina.dll", "qslogon.dll", "", false, "wpnGina.dll qslogon.dll"},
         {"msgina.dll", "term.dll", "", false, "term.dll"},
-        {"msgina.dll", "qslogon.dll", "", true, "qslogon.dll msgina.dll"},
         {"lum_gina.dll msgina.dll", "LUM_gina.dll", "", true, nullptr},
         {"lum_gina.dll msgina.dll", "wpnGina.dll", "PLinkGina.dll", false, nullptr},
         {"lum_gina.dll msgina.dll", "qslogon.dll", "msgina.dll", false, nullptr},
@@ -166,8 +165,18 @@ TEST_F(RegistryManager, Inserts)
     EXPECT_EQ(3, Count("[EXCEPTION] Can't insert gina dll into chaining list because it is unknown"));
 }
 
+TEST_F(RegistryManager, TheFirstGinaMayBeATerminator)
+{
+    SetValues(ValuesOf("msgina.dll"));
+    const auto manager = Build();
+    EXPECT_TRUE(manager->InsertGinaIntoChainingList(TEXT("qslogon.dll"), nullptr, true));
+    EXPECT_EQ("qslogon.dll msgina.dll", ChainOf(*manager));
+    EXPECT_EQ("qslogon.dll", ChainOf(*Build(true)));
+}
+
 TEST_F(RegistryManager, AppendsBehindAChainWithoutAnEnd)
 {
+    SetValues({});
     const auto manager = Build();
     EXPECT_TRUE(manager->InsertGinaIntoChainingList(TEXT("wpnGina.dll"), nullptr, false));
     EXPECT_TRUE(manager->InsertGinaIntoChainingList(TEXT("kvs_gina.dll"), nullptr, false));

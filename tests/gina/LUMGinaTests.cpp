@@ -24,11 +24,14 @@ protected:
     {
         s_dwTimeout = 0;
         std::fill_n(reinterpret_cast<PVOID*>(&m_table), sizeof(m_table) / sizeof(PVOID), CONTEXT);
-        m_table.WlxSetTimeout = [](HANDLE hWlx, DWORD dwTimeout) -> BOOL {
-            EXPECT_EQ(WLX, hWlx);
-            s_dwTimeout = dwTimeout;
-            return TRUE;
-        };
+        m_table.WlxSetTimeout = SetTimeout;
+    }
+
+    static BOOL WINAPI SetTimeout(HANDLE hWlx, DWORD dwTimeout)
+    {
+        EXPECT_EQ(WLX, hWlx);
+        s_dwTimeout = dwTimeout;
+        return TRUE;
     }
 
     bool Negotiate() { return host->LUMWlxNegotiate(WLX_VERSION_1_4, &m_dwVersion) != FALSE; }

@@ -1,7 +1,8 @@
 #include "ChainedCalls.h"
 
-#include <tuple>
+#include <cstddef>
 #include <type_traits>
+#include <utility>
 
 namespace {
 
@@ -9,12 +10,12 @@ namespace {
 WCHAR g_szText[] = TEXT("text");
 
 template <typename T>
-T MakeArgument(int nPosition)
+T MakeArgument(std::size_t nPosition)
 {
     if constexpr (std::is_same_v<T, PWSTR>) {
         return g_szText;
     } else if constexpr (std::is_same_v<T, PVOID> || std::is_same_v<T, HDESK>) {
-        return reinterpret_cast<T>(static_cast<ULONG_PTR>(0x1000 + nPosition));
+        return reinterpret_cast<T>(0x1000 + nPosition);
     } else if constexpr (std::is_pointer_v<T>) {
         return nullptr;
     } else {
@@ -29,15 +30,16 @@ struct Call<Operation>
 {
     static int Make(CGinaObject& object, GinaNode* pNode)
     {
-        int nPosition = 0;
-        // Only braces make the arguments in their order.
-        const std::tuple<Parameters...> arguments{MakeArgument<Parameters>(nPosition++)...};
-        const auto call = [&](Parameters... argument) { return (object.*Operation)(pNode, argument...); };
+        const auto call = [&]<std::size_t... Position>(std::index_sequence<Position...>)
+        {
+            return (object.*Operation)(pNode, MakeArgument<Parameters>(Position)...);
+        };
+        constexpr auto positions = std::index_sequence_for<Parameters...>();
         if constexpr (std::is_void_v<Result>) {
-            std::apply(call, arguments);
+            call(positions);
             return 0;
         } else {
-            return std::apply(call, arguments);
+            return call(positions);
         }
     }
 };

@@ -89,15 +89,17 @@ TEST(PluginHeader, StringsMayCrossTheBoundaryBothWays)
 {
     CGinaPluginInfo info(TEXT("LUM_GINA"), TEXT("SOFTWARE\\ORX\\Test"));
     ASSERT_TRUE(info.SetGinaDLL(TEXT("host.dll")));
-    auto& authors = reinterpret_cast<lum::CGinaPluginInfo&>(info);
-    EXPECT_TRUE(lum::ReplaceString(authors.m_szGinaDLL, TEXT("author.dll")));
-    EXPECT_TRUE(lum::SetFriendlyName(&authors, TEXT("")));
-    EXPECT_TRUE(lum::SetFriendlyName(&authors, TEXT("friendly")));
+    // A compiler that knew both classes would take it that they are never the same object.
+    void* volatile pRecord = &info;
+    auto* pAuthors = static_cast<lum::CGinaPluginInfo*>(pRecord);
+    EXPECT_TRUE(lum::ReplaceString(pAuthors->m_szGinaDLL, TEXT("author.dll")));
+    EXPECT_TRUE(lum::SetFriendlyName(pAuthors, TEXT("")));
+    EXPECT_TRUE(lum::SetFriendlyName(pAuthors, TEXT("friendly")));
     CGinaPluginInfo copy(TEXT("LUM_GINA"), TEXT("SOFTWARE\\ORX\\Test"));
     copy = info;
     EXPECT_EQ(std::basic_string<WCHAR>(TEXT("author.dll")), copy.m_szGinaDLL);
     EXPECT_EQ(std::basic_string<WCHAR>(TEXT("friendly")), copy.m_szFriendlyName);
-    EXPECT_TRUE(lum::SetFriendlyName(&authors, nullptr));
+    EXPECT_TRUE(lum::SetFriendlyName(pAuthors, nullptr));
     EXPECT_EQ(nullptr, info.m_szFriendlyName);
 }
 

@@ -4,7 +4,7 @@
 #include "GinaPluginObject.h"
 #include "GinaStandardObject.h"
 #include "PluginDriver.h"
-#include "Standin.h"
+#include "../gina/Standin.h"
 #include "TestMachine.h"
 
 /// A chain that a test puts together itself, and the DLLs that it is made of.

@@ -90,7 +90,7 @@ TEST_F(GinaPluginObject, LoadingFailsWithTheReason)
     for (const auto& row : rows) {
         ClearLog();
         EXPECT_THROW(AddPlugin(Widen(row.szDLL).c_str()), CMessage) << row.szLine;
-        EXPECT_EQ(Lines{std::string("[EXCEPTION] ") + row.szLine}, Log());
+        EXPECT_EQ(1, Count(std::string("[EXCEPTION] ") + row.szLine)) << row.szLine;
     }
     for (const StandinFailure failure : FAILURES) {
         if (a->SetFailure(PluginCall::Negotiate, failure, 0xE0000001)) {
@@ -268,6 +268,7 @@ TEST_F(GinaPluginObject, TheRecordIsWhatNegotiationLeftAndAnswersComeFromThePlug
     EXPECT_EQ(nullptr, info.m_szGinaDLL) << "the host adds nothing to what the plugin fills in";
     EXPECT_EQ(reinterpret_cast<ULONG_PTR>(&info), a.LastRecord().argument[0]);
     plugin.DynamicUnload();
+    a->SetHook(PluginCall::Negotiate, nullptr, nullptr);
     EXPECT_TRUE(plugin.Negotiate(1, nullptr, &info));
     EXPECT_EQ((Lines{"Negotiate", "QueryPluginInfo", "DynamicUnload", "Negotiate"}), a.Calls());
 }

@@ -6,7 +6,7 @@
 
 #include "ChainedCalls.h"
 #include "LUMGina.h"
-#include "Standin.h"
+#include "../gina/Standin.h"
 #include "TestMachine.h"
 
 namespace {

@@ -77,14 +77,19 @@ constexpr CArgument DESKTOP_NAME = Text("desktop", "winsta0\\default");
 
 // clang-format off
 #define CALL(NAME, SINCE, RESULT, ...) \
-    {#NAME, StandinCall::NAME, WLX_VERSION_##SINCE, ResultKind::RESULT, Invocation<decltype(&NAME)>::Invoke, {__VA_ARGS__}}
+    {#NAME, StandinCall::NAME, WLX_VERSION_##SINCE, ResultKind::RESULT, Invocation<decltype(&NAME)>::Invoke, \
+     {__VA_ARGS__}}
 
 constexpr CWlxCall CALLS[] = {
     CALL(WlxNegotiate, 1_0, Bool, Number("version", VERSIONS, nullptr), Out("version", OUT_VERSION)),
-    CALL(WlxInitialize, 1_0, Bool, Text("station", "WinSta0"), Given("handle", WinlogonValue::WlxHandle), RESERVED, Given("dispatch table", WinlogonValue::DispatchTable), Out("context", OUT_POINTER)),
+    CALL(WlxInitialize, 1_0, Bool, Text("station", "WinSta0"), Given("handle", WinlogonValue::WlxHandle),
+         RESERVED, Given("dispatch table", WinlogonValue::DispatchTable), Out("context", OUT_POINTER)),
     CALL(WlxDisplaySASNotice, 1_0, None, CONTEXT_ARGUMENT),
-    CALL(WlxLoggedOutSAS, 1_0, SasAction, CONTEXT_ARGUMENT, SAS_ARGUMENT, Out("id", OUT_LUID), Given("logon SID", WinlogonValue::LogonSid), Out("options", OUT_DWORD), Out("token", OUT_POINTER), Out("user", OUT_NOTIFY_INFO), Out("profile", OUT_PROFILE)),
-    CALL(WlxActivateUserShell, 1_0, Bool, CONTEXT_ARGUMENT, DESKTOP_NAME, Text("script", nullptr), ENVIRONMENT),
+    CALL(WlxLoggedOutSAS, 1_0, SasAction, CONTEXT_ARGUMENT, SAS_ARGUMENT, Out("id", OUT_LUID),
+         Given("logon SID", WinlogonValue::LogonSid), Out("options", OUT_DWORD), Out("token", OUT_POINTER),
+         Out("user", OUT_NOTIFY_INFO), Out("profile", OUT_PROFILE)),
+    CALL(WlxActivateUserShell, 1_0, Bool, CONTEXT_ARGUMENT, DESKTOP_NAME, Text("script", nullptr),
+         ENVIRONMENT),
     CALL(WlxLoggedOnSAS, 1_0, SasAction, CONTEXT_ARGUMENT, SAS_ARGUMENT, RESERVED),
     CALL(WlxDisplayLockedNotice, 1_0, None, CONTEXT_ARGUMENT),
     CALL(WlxWkstaLockedSAS, 1_0, SasAction, CONTEXT_ARGUMENT, SAS_ARGUMENT),
@@ -93,12 +98,16 @@ constexpr CWlxCall CALLS[] = {
     CALL(WlxLogoff, 1_0, None, CONTEXT_ARGUMENT),
     CALL(WlxShutdown, 1_0, None, CONTEXT_ARGUMENT, Number("type", SAS_ACTIONS, "SHUTDOWN")),
     CALL(WlxScreenSaverNotify, 1_1, Bool, CONTEXT_ARGUMENT, InOut("secure", BOOLS, "FALSE", OUT_BOOL)),
-    CALL(WlxStartApplication, 1_1, Bool, CONTEXT_ARGUMENT, DESKTOP_NAME, ENVIRONMENT, Text("command", "explorer.exe")),
+    CALL(WlxStartApplication, 1_1, Bool, CONTEXT_ARGUMENT, DESKTOP_NAME, ENVIRONMENT,
+         Text("command", "explorer.exe")),
     CALL(WlxNetworkProviderLoad, 1_3, Bool, CONTEXT_ARGUMENT, Out("user", OUT_NOTIFY_INFO)),
-    CALL(WlxDisplayStatusMessage, 1_3, Bool, CONTEXT_ARGUMENT, Given("desktop", WinlogonValue::Desktop), Number("options", STATUS_OPTIONS, "0"), Text("title", "Windows"), Text("message", "Please wait...")),
-    CALL(WlxGetStatusMessage, 1_3, Bool, CONTEXT_ARGUMENT, Out("options", OUT_DWORD), Out("message", OUT_STATUS), Number("size", BUFFER_SIZES, "256")),
+    CALL(WlxDisplayStatusMessage, 1_3, Bool, CONTEXT_ARGUMENT, Given("desktop", WinlogonValue::Desktop),
+         Number("options", STATUS_OPTIONS, "0"), Text("title", "Windows"), Text("message", "Please wait...")),
+    CALL(WlxGetStatusMessage, 1_3, Bool, CONTEXT_ARGUMENT, Out("options", OUT_DWORD),
+         Out("message", OUT_STATUS), Number("size", BUFFER_SIZES, "256")),
     CALL(WlxRemoveStatusMessage, 1_3, Bool, CONTEXT_ARGUMENT),
-    CALL(WlxGetConsoleSwitchCredentials, 1_4, Bool, CONTEXT_ARGUMENT, Given("credentials", WinlogonValue::Credentials)),
+    CALL(WlxGetConsoleSwitchCredentials, 1_4, Bool, CONTEXT_ARGUMENT,
+         Given("credentials", WinlogonValue::Credentials)),
     CALL(WlxReconnectNotify, 1_4, None, CONTEXT_ARGUMENT),
     CALL(WlxDisconnectNotify, 1_4, None, CONTEXT_ARGUMENT),
 };

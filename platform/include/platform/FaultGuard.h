@@ -18,7 +18,8 @@
 //   CHostFrames    marks the frames from here on as the host's again, for a call that comes back
 //                  from Winlogon while a DLL of the same thread is in a guarded call.
 //
-// Each module that links this has its own: a guard of one module is only a frame to another.
+// On Windows each module that links this has its own: to one module, the guard of another is a frame
+// like any other. Natively all modules of the process share one.
 //
 // All of it is per thread, and guarded calls nest. A fault outside a guarded call keeps its default
 // effect: the host does not hide its own bugs.
@@ -64,8 +65,6 @@ void RunGuarded(void (*pfnCall)(void*), void* pContext);
 /// For stand-in DLLs that must fail like a plugin; never returns.
 [[noreturn]] void RaiseForeignException();
 
-class CGuard;
-
 } // namespace FaultGuard
 
 /// What a fault in host frames means to the guarded call that is further out.
@@ -86,7 +85,10 @@ public:
     CHostFrames& operator=(const CHostFrames&) = delete;
 
 private:
-    FaultGuard::CGuard* m_pGuard; ///< the guard that the frames are in; null outside all guards
+    // On Windows this is an entry of the thread's list of exception frames, which fixes the first two;
+    // natively m_pOuter is the guard that the frames are in, and there is no handler.
+    void* m_pOuter;
+    void* m_pfnHandler;
     HostFaults m_Faults;
 };
 
@@ -117,8 +119,10 @@ auto GuardedCall(Call call)
 /// Runs an operation that a loaded DLL may have called. What the operation throws goes through
 /// ThrowToCaller, and a fault in it fails the DLL's call: a DLL can hand over any pointer. Operations
 /// may call each other. The arguments that operation captures must have trivial destructors.
+///
+/// Not inlined, because a list of exception frames has to lie on the stack in its order.
 template <typename Operation>
-auto CalledFromDLL(Operation operation) -> std::invoke_result_t<Operation>
+__attribute__((noinline)) auto CalledFromDLL(Operation operation) -> std::invoke_result_t<Operation>
 {
     static_assert(std::is_trivially_destructible_v<Operation>);
     std::exception_ptr pException;
