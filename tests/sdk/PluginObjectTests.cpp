@@ -27,6 +27,28 @@ constexpr StandinFailure FAILURES[] = {StandinFailure::ReadNull,
                                        StandinFailure::StructuredException,
                                        PLUGIN_THROW_OWN};
 
+/// Notes Winlogon's handle as the plugin sees it during a call.
+struct CContextReader
+{
+    static void WINAPI Read(void* pReader, const PluginRecord*)
+    {
+        auto& self = *static_cast<CContextReader*>(pReader);
+        self.hWlx = self.plugin.m_pGinaPluginContext->m_hWlx;
+    }
+
+    const CGinaObject& plugin;
+    HANDLE hWlx;
+};
+
+void WINAPI CheckOffer(void*, const PluginRecord* pRecord)
+{
+    auto* pInfo = reinterpret_cast<CGinaPluginInfo*>(pRecord->argument[0]);
+    EXPECT_STREQ("test_plugin_a.dll", Narrow(pInfo->m_szGinaDLL).c_str());
+    EXPECT_EQ(WLX_VERSION_1_4, static_cast<int>(pInfo->m_dwWlxVersion));
+    EXPECT_EQ(0x01000000u, pInfo->m_dwLUMVersion);
+    pInfo->m_dwSpare1 = 5;
+}
+
 using GinaPluginObject = CPluginChain;
 
 TEST_F(GinaPluginObject, NegotiationDecidesOnConstruction)
@@ -186,24 +208,14 @@ TEST_F(GinaPluginObject, InitializeHandsOverEverythingAndKeepsWinlogonsHandle)
     CGinaObject& plugin = AddPlugin(a.GetName());
     const auto place = [](int n) { return reinterpret_cast<PVOID>(static_cast<ULONG_PTR>(0x100 + n)); };
     PVOID pContext = nullptr;
-    struct CSeen
-    {
-        const CGinaObject& plugin;
-        HANDLE hWlx;
-    } seen{plugin, nullptr};
-    a->SetHook(
-        PluginCall::Initialize,
-        [](void* pSeen, const PluginRecord*) {
-            static_cast<CSeen*>(pSeen)->hWlx =
-                static_cast<CSeen*>(pSeen)->plugin.m_pGinaPluginContext->m_hWlx;
-        },
-        &seen);
+    CContextReader reader{plugin, nullptr};
+    a->SetHook(PluginCall::Initialize, CContextReader::Read, &reader);
     EXPECT_TRUE(plugin.Initialize(static_cast<CLUMObject*>(place(0)), 7, nullptr, place(3), place(4),
                                   place(5), &pContext, 8, 9));
     const ULONG_PTR expected[] = {0x100, 7, 0, 0x103, 0x104, 0x105, reinterpret_cast<ULONG_PTR>(&pContext),
                                   8,     9};
     EXPECT_EQ(0, std::memcmp(expected, a.LastRecord().argument, sizeof(expected)));
-    EXPECT_EQ(place(3), seen.hWlx) << "the plugin may look for it in its context already";
+    EXPECT_EQ(place(3), reader.hWlx) << "the plugin may look for it in its context already";
 }
 
 TEST_F(GinaPluginObject, FailuresCostOneCall)
@@ -251,16 +263,7 @@ TEST_F(GinaPluginObject, ExceptionsFromBelow)
 
 TEST_F(GinaPluginObject, TheRecordIsWhatNegotiationLeftAndAnswersComeFromThePlugin)
 {
-    a->SetHook(
-        PluginCall::Negotiate,
-        [](void*, const PluginRecord* pRecord) {
-            auto* pInfo = reinterpret_cast<CGinaPluginInfo*>(pRecord->argument[0]);
-            EXPECT_STREQ("test_plugin_a.dll", Narrow(pInfo->m_szGinaDLL).c_str());
-            EXPECT_EQ(WLX_VERSION_1_4, static_cast<int>(pInfo->m_dwWlxVersion));
-            EXPECT_EQ(0x01000000u, pInfo->m_dwLUMVersion);
-            pInfo->m_dwSpare1 = 5;
-        },
-        nullptr);
+    a->SetHook(PluginCall::Negotiate, CheckOffer, nullptr);
     CGinaObject& plugin = AddPlugin(a.GetName());
     EXPECT_EQ(5u, plugin.m_pGinaPluginContext->m_GinaPluginInfo.m_dwSpare1);
     CGinaPluginInfo info(LUM_GINA_APP, LUM_GINA_MTM);

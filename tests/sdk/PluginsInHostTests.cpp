@@ -14,6 +14,16 @@ PVOID const CONTEXT = reinterpret_cast<PVOID>(0x3000);
 
 constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
 
+BOOL WINAPI SetTimeout(HANDLE, DWORD)
+{
+    return TRUE;
+}
+
+void WINAPI AskForLogoff(void* pHost, const PluginRecord*)
+{
+    EXPECT_TRUE(static_cast<CLUMGina*>(pHost)->LUMWlxIsLogoffOk(CONTEXT));
+}
+
 /// A host with three plugins and a GINA, configured through the registry alone.
 class PluginsInHost : public CTestMachine
 {
@@ -21,9 +31,8 @@ protected:
     PluginsInHost()
     {
         // Winlogon leaves no entry of its table null; only this one is called.
-        const PWLX_SET_TIMEOUT pfnSetTimeout = [](HANDLE, DWORD) -> BOOL { return TRUE; };
         for (PVOID& pEntry : m_table) {
-            pEntry = reinterpret_cast<PVOID>(pfnSetTimeout);
+            pEntry = reinterpret_cast<PVOID>(SetTimeout);
         }
         for (const CPluginDriver& plugin : plugins) {
             plugin->SetCounter(&m_nCounter);
@@ -186,12 +195,7 @@ TEST_F(PluginsInHost, CallsNestThroughTheWholeChain)
 {
     Load();
     ASSERT_TRUE(Initialize());
-    plugins[1]->SetHook(
-        PluginCall::LoggedOnSAS,
-        [](void* pHost, const PluginRecord*) {
-            EXPECT_TRUE(static_cast<CLUMGina*>(pHost)->LUMWlxIsLogoffOk(CONTEXT));
-        },
-        host.get());
+    plugins[1]->SetHook(PluginCall::LoggedOnSAS, AskForLogoff, host.get());
     gina->Reset();
     gina->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_LOGOFF);
     EXPECT_EQ(WLX_SAS_ACTION_LOGOFF, host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));

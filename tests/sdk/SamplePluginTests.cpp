@@ -20,6 +20,45 @@ constexpr WCHAR AUDIT_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Plugins\\Audit");
 constexpr WCHAR VETO_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Plugins\\Veto");
 constexpr char AUDIT_FILE[] = "audit.txt";
 
+std::string RawAudit()
+{
+    std::ostringstream text;
+    text << std::ifstream(AUDIT_FILE, std::ios::binary).rdbuf();
+    return text.str();
+}
+/// The lines of the audit file without their time and the blanks behind the result.
+Lines Audit()
+{
+    static const std::regex pattern(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}  (.*?) *\r)");
+    Lines lines;
+    std::istringstream text(RawAudit());
+    for (std::string line; std::getline(text, line);) {
+        std::smatch match;
+        lines.push_back(std::regex_match(line, match, pattern) ? match[1].str() : "malformed: " + line);
+    }
+    return lines;
+}
+
+void WINAPI RemoveAudit(void*, const StandinRecord*)
+{
+    std::remove(AUDIT_FILE);
+}
+
+/// Calls the host from inside a call, and notes the last two lines of the audit file.
+struct CNestedCall
+{
+    static void WINAPI Make(void* pNested, const StandinRecord*)
+    {
+        auto& self = *static_cast<CNestedCall*>(pNested);
+        self.host.LUMWlxIsLockOk(CONTEXT);
+        const Lines lines = Audit();
+        self.seen.assign(lines.end() - 2, lines.end());
+    }
+
+    CLUMGina& host;
+    Lines seen;
+};
+
 class SamplePlugins : public CTestMachine
 {
 protected:
@@ -47,25 +86,6 @@ protected:
     }
 
     GinaNode* FirstNode() const { return host->m_pGinaObjectList->m_pHead; }
-
-    static std::string RawAudit()
-    {
-        std::ostringstream text;
-        text << std::ifstream(AUDIT_FILE, std::ios::binary).rdbuf();
-        return text.str();
-    }
-    /// The lines of the audit file without their time and the blanks behind the result.
-    static Lines Audit()
-    {
-        static const std::regex pattern(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}  (.*?) *\r)");
-        Lines lines;
-        std::istringstream text(RawAudit());
-        for (std::string line; std::getline(text, line);) {
-            std::smatch match;
-            lines.push_back(std::regex_match(line, match, pattern) ? match[1].str() : "malformed: " + line);
-        }
-        return lines;
-    }
 
     PVOID m_pContext = nullptr;
     CStandin gina{TEXT("msgina.dll")};
@@ -179,21 +199,13 @@ TEST_F(SamplePlugins, AuditTellsWhatWasCalledAndWhatCameOfIt)
 TEST_F(SamplePlugins, AuditHasOneLineForEachCallWhileCallsNest)
 {
     StartAudited("audit_plugin.dll");
-    static Lines s_seen;
-    gina->SetHook(
-        StandinCall::WlxLoggedOnSAS,
-        [](void* pHost, const StandinRecord*) {
-            static_cast<CLUMGina*>(pHost)->LUMWlxIsLockOk(CONTEXT);
-            s_seen = Audit();
-        },
-        host.get());
+    CNestedCall nested{*host, {}};
+    gina->SetHook(StandinCall::WlxLoggedOnSAS, CNestedCall::Make, &nested);
     host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
-    s_seen.erase(s_seen.begin(), s_seen.begin() + 2);
     EXPECT_EQ((Lines{"LUMLoggedOnSAS -> msgina.dll: did not return", "LUMIsLockOk -> msgina.dll: TRUE"}),
-              s_seen);
+              nested.seen);
     // Somebody puts the file away while a call is under way.
-    gina->SetHook(
-        StandinCall::WlxLoggedOnSAS, [](void*, const StandinRecord*) { std::remove(AUDIT_FILE); }, nullptr);
+    gina->SetHook(StandinCall::WlxLoggedOnSAS, RemoveAudit, nullptr);
     host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
     EXPECT_EQ(Lines{"LUMLoggedOnSAS -> msgina.dll: NONE"}, Audit());
 }

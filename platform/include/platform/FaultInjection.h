@@ -18,6 +18,7 @@
     CALL(CloseHandle) \
     CALL(CreateDirectoryW) \
     CALL(CreateFileW) \
+    CALL(CreateThread) \
     CALL(FreeLibrary) \
     CALL(GetModuleFileNameW) \
     CALL(GetProcAddress) \
@@ -35,6 +36,7 @@
     CALL(RegQueryValueExW) \
     CALL(RegSetValueExW) \
     CALL(SetFilePointer) \
+    CALL(WaitForSingleObject) \
     CALL(WideCharToMultiByte) \
     CALL(WriteFile)
 // clang-format on

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "win32/files.h"
 #include "win32/types.h"
 
 // Locks, threads and time.
@@ -16,7 +17,18 @@ void WINAPI EnterCriticalSection(LPCRITICAL_SECTION pSection) noexcept;
 void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION pSection) noexcept;
 void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION pSection) noexcept;
 
+constexpr DWORD WAIT_OBJECT_0 = 0;
+constexpr DWORD WAIT_TIMEOUT = 258;
+constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
+
+using LPTHREAD_START_ROUTINE = DWORD(WINAPI*)(LPVOID pParameter);
+
 DWORD WINAPI GetCurrentThreadId() noexcept;
+/// Without creation flags: the thread runs at once.
+HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES pSecurity, SIZE_T cbStack, LPTHREAD_START_ROUTINE pfnStart,
+                           LPVOID pParameter, DWORD dwCreationFlags, DWORD* pdwThreadId) noexcept;
+/// Waits for a thread to end.
+DWORD WINAPI WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds) noexcept;
 
 struct SYSTEMTIME
 {
