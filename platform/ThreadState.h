@@ -25,7 +25,10 @@ private:
         unsigned int nUncaught;
     };
 
-    static CHandling& GetHandling() noexcept { return *reinterpret_cast<CHandling*>(abi::__cxa_get_globals()); }
+    static CHandling& GetHandling() noexcept
+    {
+        return *reinterpret_cast<CHandling*>(abi::__cxa_get_globals());
+    }
 
     void RestoreFloatingPoint() const noexcept
     {

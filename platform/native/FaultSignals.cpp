@@ -9,7 +9,7 @@
 namespace FaultGuard {
 namespace {
 
-constexpr DWORD ANY_FAULT = 0xC0000005;      // an access violation, which is what odd faults are reported as
+constexpr DWORD ANY_FAULT = 0xC0000005; // an access violation, which is what odd faults are reported as
 constexpr DWORD STACK_OVERFLOW = 0xC00000FD;
 
 /// The exception code for a signal; nDetail 0 stands for every detail that has no row.

@@ -5,16 +5,16 @@
 using FaultGuard::CSignalGuard;
 
 CHostFrames::CHostFrames(HostFaults faults) noexcept
-    : m_pOuter(CSignalGuard::GetInnermost()), m_pfnHandler(nullptr), m_Faults(faults)
+    : m_pOuter(faults == HostFaults::Default ? CSignalGuard::GetInnermost() : nullptr), m_pfnHandler(nullptr)
 {
-    if (m_pOuter != nullptr && m_Faults == HostFaults::Default) {
+    if (m_pOuter != nullptr) {
         static_cast<CSignalGuard*>(m_pOuter)->BeginDefaultFaults();
     }
 }
 
 CHostFrames::~CHostFrames()
 {
-    if (m_pOuter != nullptr && m_Faults == HostFaults::Default) {
+    if (m_pOuter != nullptr) {
         static_cast<CSignalGuard*>(m_pOuter)->EndDefaultFaults();
     }
 }

@@ -5,7 +5,8 @@
 namespace {
 
 // The signal handler reads it, and must not be what makes the thread allocate its variables.
-__attribute__((tls_model("initial-exec"))) constinit thread_local FaultGuard::CSignalGuard* t_pInnermost = nullptr;
+__attribute__((tls_model("initial-exec"))) constinit thread_local FaultGuard::CSignalGuard* t_pInnermost =
+    nullptr;
 
 } // namespace
 

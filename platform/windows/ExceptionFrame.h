@@ -25,8 +25,8 @@ struct __attribute__((may_alias)) CExceptionFrame
 };
 
 /// How the system calls the handler of an entry.
-using ExceptionHandler = EXCEPTION_DISPOSITION(EXCEPTION_RECORD* pException, CExceptionFrame* pFrame, CONTEXT*,
-                                               void*);
+using ExceptionHandler = EXCEPTION_DISPOSITION(EXCEPTION_RECORD* pException, CExceptionFrame* pFrame,
+                                               CONTEXT*, void*);
 
 /// Whether a handler is called because the frames are being unwound, not to handle the exception.
 inline bool IsUnwinding(const EXCEPTION_RECORD& exception) noexcept

@@ -98,7 +98,8 @@ void RaiseHostException(std::exception_ptr pException) noexcept
 {
     // Taken over, since the caller's is not destroyed.
     std::exception_ptr pObject(std::move(pException));
-    CThrowingFrame frame{{CExceptionFrame::GetInnermost(), reinterpret_cast<const void*>(OnUnwind)}, &pObject};
+    CThrowingFrame frame{{CExceptionFrame::GetInnermost(), reinterpret_cast<const void*>(OnUnwind)},
+                         &pObject};
     CExceptionFrame::SetInnermost(&frame);
     Raise(&pObject, s_HostThrow);
 }
@@ -107,7 +108,8 @@ std::exception_ptr TakeHostException(const EXCEPTION_RECORD& exception) noexcept
 {
     const auto* const pArguments = exception.ExceptionInformation;
     if (exception.ExceptionCode != FOREIGN_EXCEPTION || exception.NumberParameters != 3 ||
-        pArguments[2] != reinterpret_cast<ULONG_PTR>(&s_HostThrow)) {
+        pArguments[2] != reinterpret_cast<ULONG_PTR>(&s_HostThrow))
+    {
         return nullptr;
     }
     return std::exchange(*reinterpret_cast<std::exception_ptr*>(pArguments[1]), nullptr);

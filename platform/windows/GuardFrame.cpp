@@ -12,11 +12,12 @@ int LumRunGuardFrame(CFrameGuard* pGuard, void (*pfnCall)(void*), void* pContext
 /// Unwinds all frames inside the entry and lets its LumRunGuardFrame return.
 [[noreturn]] void LumEndGuardFrame(CExceptionFrame* pFrame, EXCEPTION_RECORD* pException);
 
-__attribute__((used)) EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pException, CExceptionFrame* pFrame,
-                                                           CONTEXT*, void*)
+__attribute__((used)) EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pException,
+                                                           CExceptionFrame* pFrame, CONTEXT*, void*)
 {
     if (!IsUnwinding(*pException) && !HasDefaultFaultsInside(pFrame) &&
-        static_cast<CGuardFrame*>(pFrame)->pGuard->Take(*pException)) {
+        static_cast<CGuardFrame*>(pFrame)->pGuard->Take(*pException))
+    {
         LumEndGuardFrame(pFrame, pException);
     }
     return ExceptionContinueSearch;

@@ -14,9 +14,9 @@ EXCEPTION_DISPOSITION OnException(EXCEPTION_RECORD*, CExceptionFrame*, CONTEXT*,
 
 ExceptionHandler* const s_Handlers[] = {OnException<HostFaults::Default>, OnException<HostFaults::Guarded>};
 
-void* GetHandler(HostFaults faults) noexcept
+const void* GetHandler(HostFaults faults) noexcept
 {
-    return reinterpret_cast<void*>(s_Handlers[static_cast<int>(faults)]);
+    return reinterpret_cast<const void*>(s_Handlers[static_cast<int>(faults)]);
 }
 
 } // namespace
@@ -41,7 +41,7 @@ bool HasDefaultFaultsInside(const CExceptionFrame* pFrame) noexcept
 using FaultGuard::CExceptionFrame;
 
 CHostFrames::CHostFrames(HostFaults faults) noexcept
-    : m_pOuter(CExceptionFrame::GetInnermost()), m_pfnHandler(FaultGuard::GetHandler(faults)), m_Faults(faults)
+    : m_pOuter(CExceptionFrame::GetInnermost()), m_pfnHandler(FaultGuard::GetHandler(faults))
 {
     static_assert(offsetof(CHostFrames, m_pOuter) == offsetof(CExceptionFrame, pOuter));
     static_assert(offsetof(CHostFrames, m_pfnHandler) == offsetof(CExceptionFrame, pfnHandler));

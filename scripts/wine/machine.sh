@@ -1,8 +1,6 @@
 # Host side of the emulated machine: a Linux with 32-bit programs, for kernels that refuse them.
 # It sees this machine's file system at the same paths, so only commands have to be passed.
-# Sourced by run-wine, which sets $scripts and $state.
-
-machine_files=/usr/local/lib/lum-wine-machine
+# Sourced by run-wine, which sets $scripts and $state and sources kernel.sh.
 
 machine_runs() {
     local pid
@@ -94,7 +92,7 @@ machine_runs_or_starts() {
 
 machine_start_locked() {
     machine_runs && return
-    [[ -e $machine_files/version ]] && command -v qemu-system-x86_64 >/dev/null ||
+    machine_is_installed ||
         fail "this kernel refuses 32-bit programs and the emulated machine is missing: run scripts/install-windows-toolchain"
     rm -f "$state"/{ready,pid,control.in,control.out}
     mkdir -p "$state/jobs"

@@ -6,9 +6,9 @@
 /// What the frames of the plugin saw during one scenario.
 struct AbiReport
 {
-    int nEntered;   ///< objects constructed
-    int nDestroyed; ///< objects destroyed
-    int nCaught;    ///< exceptions that a handler of the plugin got
+    int nEntered;         ///< objects constructed
+    int nDestroyed;       ///< objects destroyed
+    int nCaught;          ///< exceptions that a handler of the plugin got
     unsigned long dwCode; ///< the code that a structured handler saw
 };
 

@@ -18,7 +18,10 @@ public:
     static int s_nAlive;
 
     explicit CHostError(int nNumber) : std::runtime_error("host"), m_nNumber(nNumber) { ++s_nAlive; }
-    CHostError(const CHostError& other) : std::runtime_error(other), m_nNumber(other.m_nNumber) { ++s_nAlive; }
+    CHostError(const CHostError& other) : std::runtime_error(other), m_nNumber(other.m_nNumber)
+    {
+        ++s_nAlive;
+    }
     ~CHostError() override { --s_nAlive; }
 
     int m_nNumber;
@@ -137,8 +140,8 @@ TEST_F(AbiPlugin, NotificationsAndFaultsOfHostFramesGoToWhoeverHandlesThemFurthe
         AbiOperation pfnOperation;
         DWORD dwCode;
     } rows[] = {
-        {pfnNotify, 0x80000001}, {pfnNotify, 0x80000003}, {pfnNotify, 0x80000004}, {pfnNotify, 0x40010006},
-        {pfnNotify, 0x406D1388}, {pfnFault, 0xC0000005},
+        {pfnNotify, 0x80000001}, {pfnNotify, 0x80000003}, {pfnNotify, 0x80000004},
+        {pfnNotify, 0x40010006}, {pfnNotify, 0x406D1388}, {pfnFault, 0xC0000005},
     };
     for (auto& row : rows) {
         AbiReport report = {};

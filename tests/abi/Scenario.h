@@ -3,8 +3,8 @@
 #include "AbiPlugin.h"
 
 /// Defines an exported scenario.
-#define ABI_SCENARIO(name)                                                                                       \
-    extern "C" __declspec(dllexport) void __cdecl name(AbiOperation pfnOperation, void* pContext,                \
+#define ABI_SCENARIO(name)                                                                                   \
+    extern "C" __declspec(dllexport) void __cdecl name(AbiOperation pfnOperation, void* pContext,            \
                                                        AbiReport* pReport)
 
 /// An object in a frame, of which the report tells whether it was destroyed.

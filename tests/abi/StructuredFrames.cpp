@@ -8,9 +8,11 @@ constexpr int EXCEPTION_EXECUTE_HANDLER = 1;
 
 ABI_SCENARIO(SwallowAsStructured)
 {
-    __try {
+    __try
+    {
         pfnOperation(pContext);
-    } __except (EXCEPTION_EXECUTE_HANDLER) {
+    } __except (EXCEPTION_EXECUTE_HANDLER)
+    {
         pReport->dwCode = _exception_code();
         ++pReport->nCaught;
     }
@@ -19,9 +21,11 @@ ABI_SCENARIO(SwallowAsStructured)
 ABI_SCENARIO(EndWithFinally)
 {
     ++pReport->nEntered;
-    __try {
+    __try
+    {
         pfnOperation(pContext);
-    } __finally {
+    } __finally
+    {
         ++pReport->nDestroyed;
     }
 }

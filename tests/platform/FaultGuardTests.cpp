@@ -206,9 +206,8 @@ TEST(FaultGuard, KeepsTheHostsExceptionsOrdinaryInHostFrames)
 
 TEST(FaultGuard, LetsOneOperationHandleTheExceptionOfAnother)
 {
-    const int nResult = GuardedCall([] {
-        return CalledFromDLL([] { return GetHostError([] { FailingOperation(7); }); });
-    });
+    const int nResult =
+        GuardedCall([] { return CalledFromDLL([] { return GetHostError([] { FailingOperation(7); }); }); });
     EXPECT_EQ(nResult, 7);
 }
 

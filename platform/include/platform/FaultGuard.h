@@ -85,11 +85,10 @@ public:
     CHostFrames& operator=(const CHostFrames&) = delete;
 
 private:
-    // On Windows this is an entry of the thread's list of exception frames, which fixes the first two;
-    // natively m_pOuter is the guard that the frames are in, and there is no handler.
+    // On Windows this is an entry of the thread's list of exception frames, which fixes the fields;
+    // natively m_pOuter is the guard that takes no faults in this scope, if there is one.
     void* m_pOuter;
-    void* m_pfnHandler;
-    HostFaults m_Faults;
+    [[maybe_unused]] const void* m_pfnHandler;
 };
 
 /// Calls into a loaded DLL: runs call() inside a guard and returns its result. Throws as RunGuarded.
