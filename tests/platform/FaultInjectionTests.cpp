@@ -104,7 +104,13 @@ TEST_F(FaultInjection, ReachesEveryCall)
          [&] { return lastError(GetModuleFileNameW(nullptr, szWide, 4) == 0); }},
         {PlatformCall::GetProcAddress, [&] { return lastError(GetProcAddress(nullptr, "name") == nullptr); }},
         {PlatformCall::LoadLibraryW, [&] { return lastError(LoadLibraryW(nullptr) == nullptr); }},
-        {PlatformCall::LocalAlloc, [&] { return lastError(LocalAlloc(LPTR, 1) == nullptr); }},
+        {PlatformCall::LocalAlloc,
+         [&] {
+             const HLOCAL hNew = LocalAlloc(LPTR, 1);
+             const LONG lError = lastError(hNew == nullptr);
+             LocalFree(hNew);
+             return lError;
+         }},
         {PlatformCall::LocalFree, [&] { return lastError(LocalFree(hMemory) != nullptr); }},
         {PlatformCall::MultiByteToWideChar,
          [&] { return lastError(MultiByteToWideChar(CP_ACP, 0, "a", 1, szWide, 4) == 0); }},

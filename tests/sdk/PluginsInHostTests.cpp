@@ -130,6 +130,7 @@ TEST_F(PluginsInHost, ThoseThatRefuseInitialisationGo)
         }
         expected.push_back("standin_gina.dll");
         Load();
+        ClearLog();
         gina->Reset();
         EXPECT_TRUE(Initialize());
         EXPECT_EQ(expected, Chain());
@@ -155,6 +156,7 @@ TEST_F(PluginsInHost, OneThatFailsInitialisationEndsIt)
             }
             plugins[nFailing]->SetFailure(PluginCall::Initialize, failure, 0);
             Load();
+            ClearLog();
             gina->Reset();
             EXPECT_FALSE(Initialize());
             EXPECT_EQ((Lines{"[EXCEPTION] Plugin has generated an unknown exception, Plugin: " +

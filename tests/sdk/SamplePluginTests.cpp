@@ -213,14 +213,14 @@ TEST_F(SamplePlugins, AuditHasOneLineForEachCallWhileCallsNest)
 TEST_F(SamplePlugins, AuditHasNoSecret)
 {
     StartAudited("audit_plugin.dll");
-    WLX_MPR_NOTIFY_INFO info = {};
+    WLX_MPR_NOTIFY_INFO info[2] = {};
     PVOID pProfile = nullptr;
     HANDLE hToken = nullptr;
     DWORD dwOptions = 0;
     LUID id = {};
     EXPECT_EQ(WLX_SAS_ACTION_LOGON, host->LUMWlxLoggedOutSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, &id, nullptr,
-                                                             &dwOptions, &hToken, &info, &pProfile));
-    EXPECT_TRUE(host->LUMWlxNetworkProviderLoad(CONTEXT, &info));
+                                                             &dwOptions, &hToken, &info[0], &pProfile));
+    EXPECT_TRUE(host->LUMWlxNetworkProviderLoad(CONTEXT, &info[1]));
     WCHAR szSecret[] = TEXT("open sesame, standin");
     EXPECT_TRUE(host->LUMWlxStartApplication(CONTEXT, szSecret, szSecret, szSecret));
     EXPECT_TRUE(host->LUMWlxActivateUserShell(CONTEXT, szSecret, szSecret, szSecret));
@@ -235,8 +235,10 @@ TEST_F(SamplePlugins, AuditHasNoSecret)
         EXPECT_EQ(std::string::npos, audit.find(Narrow(secret.c_str())));
         EXPECT_EQ(std::string::npos, audit.find(wide));
     }
-    for (const WCHAR* szText : {info.pszUserName, info.pszDomain, info.pszPassword}) {
-        LocalFree(const_cast<WCHAR*>(szText));
+    for (const WLX_MPR_NOTIFY_INFO& strings : info) {
+        LocalFree(strings.pszUserName);
+        LocalFree(strings.pszDomain);
+        LocalFree(strings.pszPassword);
     }
     LocalFree(static_cast<PWLX_PROFILE_V1_0>(pProfile)->pszProfile);
     LocalFree(pProfile);
