@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <regex>
@@ -11,9 +12,14 @@ namespace {
 
 // Bottom up, since a key with subkeys cannot be deleted.
 const WCHAR* const USED_KEYS[] = {
-    TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile"), TEXT("SOFTWARE\\ORX\\LUM\\Gina"), TEXT("SOFTWARE\\ORX\\LUM"),
-    TEXT("Software\\ORX\\Security\\Debug"),     TEXT("Software\\ORX\\Security"),  TEXT("SOFTWARE\\ORX\\Test\\Volatile"),
-    TEXT("SOFTWARE\\ORX\\Test"),                TEXT("SOFTWARE\\ORX"),
+    TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile"),
+    TEXT("SOFTWARE\\ORX\\LUM\\Gina"),
+    TEXT("SOFTWARE\\ORX\\LUM"),
+    TEXT("Software\\ORX\\Security\\Debug"),
+    TEXT("Software\\ORX\\Security"),
+    TEXT("SOFTWARE\\ORX\\Test\\Volatile"),
+    TEXT("SOFTWARE\\ORX\\Test"),
+    TEXT("SOFTWARE\\ORX"),
 };
 
 void DeleteUsedKeys()
@@ -21,6 +27,14 @@ void DeleteUsedKeys()
     for (const WCHAR* szKey : USED_KEYS) {
         RegDeleteKeyW(HKEY_LOCAL_MACHINE, szKey);
     }
+}
+
+/// On Windows the user's own temporary folder: each line opens the file anew, which is slow on a network
+/// file system, as the build folder may lie on.
+std::string GetLogFolder()
+{
+    const char* szTemp = std::getenv("TEMP");
+    return szTemp != nullptr ? std::string(szTemp) + "\\" : std::string();
 }
 
 std::string ReadFile(const std::string& path)
@@ -51,10 +65,8 @@ CTestMachine::CTestMachine()
 {
     const testing::TestInfo* pTest = testing::UnitTest::GetInstance()->current_test_info();
     const std::string name = std::string(pTest->test_suite_name()) + "." + pTest->name();
-    m_szLog = name + ".log";
-    m_szInternalLog = name + ".internal.log";
-    std::replace(m_szLog.begin(), m_szLog.end(), '/', '_');
-    std::replace(m_szInternalLog.begin(), m_szInternalLog.end(), '/', '_');
+    m_szLog = GetLogFolder() + name + ".log";
+    m_szInternalLog = GetLogFolder() + name + ".internal.log";
     DeleteUsedKeys();
     ClearLog();
     SetString(DEBUG_KEY, TEXT("LUM_GINA"), Widen(m_szLog).c_str());
@@ -89,8 +101,8 @@ void CTestMachine::SetBytes(const WCHAR* szKey, const WCHAR* szValue, DWORD dwTy
                             DWORD cbData)
 {
     HKEY hKey = nullptr;
-    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                                             &hKey, nullptr));
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, nullptr, 0, KEY_ALL_ACCESS,
+                                             nullptr, &hKey, nullptr));
     EXPECT_EQ(ERROR_SUCCESS,
               RegSetValueExW(hKey, szValue, 0, dwType, static_cast<const BYTE*>(pData), cbData));
     RegCloseKey(hKey);
