@@ -177,25 +177,28 @@ inline CGinaObject& NextObject(const CGinaNode* pNode)
 }
 
 /// Replaces a string of a record by a copy of szSource, or by none for null. When there is no memory for
-/// the copy, false, and the string is none.
+/// the copy, false, and nothing has changed.
 inline bool ReplaceString(WCHAR*& szTarget, const WCHAR* szSource)
 {
+    WCHAR* szCopy = 0;
+    if (szSource != 0) {
+        SIZE_T cchSource = 1;
+        while (szSource[cchSource - 1] != 0) {
+            ++cchSource;
+        }
+        szCopy = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, cchSource * sizeof(WCHAR)));
+        if (szCopy == 0) {
+            return false;
+        }
+        for (SIZE_T n = 0; n < cchSource; ++n) {
+            szCopy[n] = szSource[n];
+        }
+    }
     if (szTarget != 0) {
         LocalFree(szTarget);
-        szTarget = 0;
     }
-    if (szSource == 0) {
-        return true;
-    }
-    SIZE_T cchSource = 1;
-    while (szSource[cchSource - 1] != 0) {
-        ++cchSource;
-    }
-    szTarget = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, cchSource * sizeof(WCHAR)));
-    for (SIZE_T n = 0; szTarget != 0 && n < cchSource; ++n) {
-        szTarget[n] = szSource[n];
-    }
-    return szTarget != 0;
+    szTarget = szCopy;
+    return true;
 }
 
 /// Gives a plugin a name for people to read. For the record that Negotiate or QueryPluginInfo is handed;
@@ -254,7 +257,9 @@ public:
     /// A plugin that does not accept is taken out of the chain and its DLL unloaded, without
     /// DynamicUnload. One that faults or throws fails the host's own initialisation: Winlogon is told
     /// FALSE, and the objects behind the plugin are not initialised.
-    virtual BOOL Initialize(CLUMObject*, DWORD, LPWSTR, HANDLE, PVOID, PVOID, PVOID*, DWORD, DWORD)
+    virtual BOOL Initialize(CLUMObject* /*pLUMObject*/, DWORD /*dwInstanceCount*/, LPWSTR /*lpWinsta*/,
+                            HANDLE /*hWlx*/, PVOID /*pvReserved*/, PVOID /*pWinlogonFunctions*/,
+                            PVOID* /*pWlxContext*/, DWORD /*dwLoadFlag1*/, DWORD /*dwLoadFlag2*/)
     {
         return TRUE;
     }
@@ -269,7 +274,11 @@ public:
     /// [loaded] [bool]
     ///
     /// pPluginInfo [lent]: the client's record, which the client gets back.
-    virtual bool QueryPlugin(CGinaPluginInfo*, DWORD, DWORD, DWORD) { return false; }
+    virtual bool QueryPlugin(CGinaPluginInfo* /*pPluginInfo*/, DWORD /*dwQueryParam1*/,
+                             DWORD /*dwQueryParam2*/, DWORD /*dwQueryParam3*/)
+    {
+        return false;
+    }
 
     /// Fills the caller's record with what the plugin has to say of itself. [control] [loaded] [bool]
     ///
@@ -293,10 +302,10 @@ public:
 
     /// Nobody is logged on and an event of type dwSasType came: log a user on, or not. [action]
     ///
-    /// All [out], to be stored with WLX_SAS_ACTION_LOGON only and then by the standard GINA:
-    /// pAuthenticationId, pLogonSid, pdwOptions, phToken [secret], pNprNotifyInfo [secret] and pProfile.
-    /// To refuse a logon, return WLX_SAS_ACTION_NONE without passing the call on: what a GINA has stored
-    /// by the time that it returns is lost when the answer is changed.
+    /// pLogonSid [lent]: the SID of the logon session. All others are [out], to be stored by the standard
+    /// GINA and with WLX_SAS_ACTION_LOGON only: pAuthenticationId, pdwOptions, phToken [secret],
+    /// pNprNotifyInfo [secret] and pProfile. To refuse a logon, return WLX_SAS_ACTION_NONE without passing
+    /// the call on: what a GINA has stored by the time that it returns is lost when the answer is changed.
     virtual int LoggedOutSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
                              PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
                              PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile)

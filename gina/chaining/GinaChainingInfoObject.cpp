@@ -102,6 +102,21 @@ void CGinaChainingInfoObject::OpenOldGinaDLL(bool bCreate)
                                                       bCreate, true);
 }
 
+/// A GINA that has been installed anew has another key than the one that is open, to which no write gets
+/// through any more.
+void CGinaChainingInfoObject::ReopenOldGinaDLL()
+{
+    try {
+        if (m_pOldGinaDLL != nullptr && m_pOldGinaDLL->OpenKey()) {
+            return;
+        }
+    } catch (...) {
+        IsHandling<CMessage>();
+    }
+    m_pOldGinaDLL.reset();
+    OpenOldGinaDLL(true);
+}
+
 bool CGinaChainingInfoObject::operator==(const WCHAR* szGinaDLL) const noexcept
 {
     return IsNamed(s_szClass, TEXT("operator=="), szGinaDLL);
@@ -135,8 +150,8 @@ void CGinaChainingInfoObject::SetOldGinaDLL(const WCHAR* szValue) noexcept
             return;
         }
         // For null nothing may be written, so nothing is made either.
-        if (m_pOldGinaDLL == nullptr && szValue != nullptr) {
-            OpenOldGinaDLL(true);
+        if (szValue != nullptr) {
+            ReopenOldGinaDLL();
         }
         if (m_pOldGinaDLL != nullptr) {
             m_pOldGinaDLL->SetRegistryString(szValue, true);

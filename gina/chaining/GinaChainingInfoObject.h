@@ -62,4 +62,5 @@ private:
 
     void Describe(const CChainingRecord& record);
     void OpenOldGinaDLL(bool bCreate);
+    void ReopenOldGinaDLL();
 };

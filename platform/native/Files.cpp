@@ -53,8 +53,10 @@ HANDLE WINAPI CreateFileW(LPCWSTR szPath, DWORD dwAccess, DWORD dwShareMode, LPS
 {
     return LastErrorCall(PlatformCall::CreateFileW, szPath, INVALID_HANDLE_VALUE, [&] {
         Require(szPath != nullptr, ERROR_PATH_NOT_FOUND);
-        const auto pFile = std::make_shared<CFileObject>(
-            CFileObject::COpening{ToPath(szPath), dwAccess, dwShareMode, dwDisposition});
+        const std::string path = ToPath(szPath);
+        Require(!path.ends_with('/'), ERROR_INVALID_NAME);
+        const auto pFile =
+            std::make_shared<CFileObject>(CFileObject::COpening{path, dwAccess, dwShareMode, dwDisposition});
         const HANDLE hFile = HandleTable::Add(pFile);
         // This call speaks through the last error when it succeeds, too.
         SetLastError(pFile->HasExisted() ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
@@ -75,8 +77,10 @@ DWORD WINAPI SetFilePointer(HANDLE hFile, LONG lDistance, PLONG plDistanceHigh, 
         if (plDistanceHigh != nullptr) {
             *plDistanceHigh = static_cast<LONG>(position >> 32);
         }
-        // The lower half may look like a failure and be none.
-        SetLastError(ERROR_SUCCESS);
+        if (static_cast<DWORD>(position) == INVALID_SET_FILE_POINTER) {
+            // It looks like a failure and is none.
+            SetLastError(ERROR_SUCCESS);
+        }
         return static_cast<DWORD>(position);
     });
 }

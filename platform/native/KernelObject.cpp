@@ -58,7 +58,9 @@ using namespace Native;
 BOOL WINAPI CloseHandle(HANDLE hObject) noexcept
 {
     return LastErrorCall(PlatformCall::CloseHandle, nullptr, FALSE, [&] {
-        Require(HandleTable::Close(hObject), ERROR_INVALID_HANDLE);
+        // What a failed CreateFileW gives is also the process's handle of itself, which closes without
+        // effect.
+        Require(hObject == INVALID_HANDLE_VALUE || HandleTable::Close(hObject), ERROR_INVALID_HANDLE);
         return TRUE;
     });
 }

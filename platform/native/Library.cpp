@@ -58,7 +58,8 @@ FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR szName) noexcept
     // Anything below is an ordinal.
     const bool bName = reinterpret_cast<ULONG_PTR>(szName) > 0xFFFF;
     return LastErrorCall<FARPROC>(PlatformCall::GetProcAddress, bName ? szName : nullptr, nullptr, [&] {
-        Require(bName, ERROR_PROC_NOT_FOUND);
+        // A program, which null stands for, exports nothing.
+        Require(bName && hModule != nullptr, ERROR_PROC_NOT_FOUND);
         void* pExport = LoadedModules::FindExport(hModule, szName);
         Require(pExport != nullptr, ERROR_PROC_NOT_FOUND);
         return reinterpret_cast<FARPROC>(pExport);

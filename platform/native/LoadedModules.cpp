@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <list>
 #include <mutex>
@@ -53,6 +53,7 @@ CModule& GetModule(HMODULE hModule)
     return *module;
 }
 
+/// Whether the file is meant for this system at all.
 bool IsLibrary(const std::string& path)
 {
     char header[SELFMAG] = {};
@@ -67,6 +68,9 @@ DWORD ExplainFailure(const std::string& path)
     const std::string text = szText != nullptr ? szText : "";
     if (access(path.c_str(), R_OK) != 0) {
         return errno == ENOENT ? ERROR_MOD_NOT_FOUND : FromErrno(errno);
+    }
+    if (std::filesystem::is_directory(path)) {
+        return ERROR_ACCESS_DENIED;
     }
     if (!IsLibrary(path)) {
         return ERROR_BAD_EXE_FORMAT;
@@ -137,10 +141,8 @@ HMODULE Attach(CModule& module)
 
 std::string GetFullPath(const std::string& path)
 {
-    char* szFull = realpath(path.c_str(), nullptr);
-    const std::string full = szFull != nullptr ? szFull : path;
-    std::free(szFull);
-    return full;
+    std::error_code error;
+    return std::filesystem::absolute(path, error).lexically_normal().string();
 }
 
 } // namespace
@@ -148,21 +150,23 @@ std::string GetFullPath(const std::string& path)
 HMODULE LoadedModules::Load(const std::string& path)
 {
     const std::lock_guard lock(g_mutex);
-    // Without a '/' dlopen would search in places of its own.
-    void* pLibrary =
-        dlopen((path.find('/') == std::string::npos ? "./" + path : path).c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (pLibrary == nullptr) {
-        throw CCallError{ExplainFailure(path)};
+    // Made before the file is opened, so that want of memory leaves nothing behind.
+    std::list<CModule> loading = {{nullptr, GetFullPath(path), 1}};
+    CModule& module = loading.front();
+    module.pLibrary = dlopen(module.path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (module.pLibrary == nullptr) {
+        throw CCallError{ExplainFailure(module.path)};
     }
-    const auto loaded = FindModule(pLibrary);
+    const auto loaded = FindModule(module.pLibrary);
     if (loaded != GetModules().end()) {
-        dlclose(pLibrary);
+        dlclose(module.pLibrary);
         // A DLL that is being told to go cannot be held.
         Require(loaded->dwReferences != 0, ERROR_DLL_INIT_FAILED);
         ++loaded->dwReferences;
         return loaded->GetHandle();
     }
-    return Attach(GetModules().emplace_back(CModule{pLibrary, GetFullPath(path), 1}));
+    GetModules().splice(GetModules().end(), loading);
+    return Attach(module);
 }
 
 HMODULE LoadedModules::LoadAgain(const WideText& name)

@@ -112,7 +112,7 @@ LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR szSubKey) noexcept
         Path path;
         const LONG lResult = szSubKey == nullptr ? ERROR_INVALID_PARAMETER : TakePath(szSubKey, path);
         if (lResult != ERROR_SUCCESS || path.empty()) {
-            return lResult != ERROR_SUCCESS ? lResult : ERROR_ACCESS_DENIED;
+            return lResult != ERROR_SUCCESS ? lResult : ERROR_CALL_NOT_IMPLEMENTED;
         }
         return WithKey(hKey, 0, [&](const std::shared_ptr<CTreeKey>& pKey) -> LONG {
             const WideText name = std::move(path.back());

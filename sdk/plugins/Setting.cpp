@@ -27,7 +27,11 @@ DWORD ReadNumber(const WCHAR* szKey, const WCHAR* szValue) noexcept
 
 void ReadText(const WCHAR* szKey, const WCHAR* szValue, WCHAR* szText, DWORD cchText) noexcept
 {
+    const DWORD cchRead = ReadValue(szKey, szValue, REG_SZ, szText, cchText * sizeof(WCHAR)) / sizeof(WCHAR);
     // The registry keeps what was written, with or without a terminator.
-    const DWORD cbRead = ReadValue(szKey, szValue, REG_SZ, szText, (cchText - 1) * sizeof(WCHAR));
-    szText[cbRead / sizeof(WCHAR)] = 0;
+    if (cchRead < cchText) {
+        szText[cchRead] = 0;
+    } else if (szText[cchText - 1] != 0) {
+        *szText = 0;
+    }
 }

@@ -157,6 +157,20 @@ TEST_F(GinaChainingObject, PassthroughIsMadeWhenItIsWritten)
     EXPECT_NE(nullptr, Wpn().m_pOldGinaDLL);
 }
 
+TEST_F(GinaChainingObject, PassthroughOfAGinaThatWasInstalledAnew)
+{
+    SetString(WPN_KEY, OLD_GINA_DLL, SYSTEM_GINA);
+    CGinaChainingInfoObject gina = Wpn();
+    ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, WPN_KEY));
+    SetString(WPN_KEY, OLD_GINA_DLL, TEXT("lum_gina.dll"));
+    gina.SetOldGinaDLL(TEXT("PLinkGina.dll"));
+    EXPECT_EQ("\"PLinkGina.dll\"", GetValue(WPN_KEY, OLD_GINA_DLL));
+    ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, WPN_KEY));
+    gina.SetOldGinaDLL(SYSTEM_GINA);
+    EXPECT_EQ("msgina.dll", Passthrough(gina));
+    EXPECT_EQ("\"msgina.dll\"", GetValue(WPN_KEY, OLD_GINA_DLL));
+}
+
 TEST_F(GinaChainingObject, CopiesHaveAnObjectOfTheirOwn)
 {
     SetString(OWN_KEY, TEXT("x.dll"), TEXT("next.dll"));

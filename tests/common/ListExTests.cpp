@@ -146,9 +146,10 @@ TEST_F(ListEx, FailedAllocationChangesNothing)
         }
         EXPECT_FALSE(bDone);
         EXPECT_EQ(before, Contents(list));
-        EXPECT_EQ(std::vector<std::string>{std::string("[EXCEPTION] Memory could not be allocated, Variable: ") +
-                                           row.szVariable},
-                  Log());
+        EXPECT_EQ(
+            std::vector<std::string>{std::string("[EXCEPTION] Memory could not be allocated, Variable: ") +
+                                     row.szVariable},
+            Log());
     }
 }
 

@@ -24,7 +24,8 @@ TEST_F(Messages, TextsFollowTheirFormat)
         CMessageArgList message;
     } rows[] = {
         {"plain 100%", Make(TEXT("plain 100%%"))},
-        {"a and null (null)", Make(TEXT("%s and %s %s"), TEXT("a"), "null", static_cast<const WCHAR*>(nullptr))},
+        {"a and null (null)",
+         Make(TEXT("%s and %s %s"), TEXT("a"), "null", static_cast<const WCHAR*>(nullptr))},
         {"-1 2147483647 -2147483648", Make(TEXT("%d %d %d"), -1, 2147483647, -2147483647 - 1)},
         {"0x0 0xdeadbeef", Make(TEXT("0x%x 0x%x"), 0, 0xDEADBEEF)},
         {"surplus", Make(TEXT("surplus"), 1, 2)},
@@ -46,8 +47,9 @@ TEST_F(Messages, ExceptionsCarryTheirDetails)
     EXPECT_EQ("Unable to create thread, Thread: worker, Error: 8, ( 158 ) ThreadObject.cpp",
               Narrow(decimal.m_szMessage.get()));
     const CNullFunctionHandleException twoBlanks(LUM_GINA_ORIGIN, TEXT("x.dll"), WHERE);
-    EXPECT_EQ("Null function handle.  Unable to execute function call, Plugin: x.dll, ( 158 ) ThreadObject.cpp",
-              Narrow(twoBlanks.m_szMessage.get()));
+    EXPECT_EQ(
+        "Null function handle.  Unable to execute function call, Plugin: x.dll, ( 158 ) ThreadObject.cpp",
+        Narrow(twoBlanks.m_szMessage.get()));
     const CUnableToLoadDLLException named(LUM_GINA_ORIGIN, TEXT("x.dll"), 0x7E);
     EXPECT_NE(std::string::npos, Narrow(named.m_szMessage.get()).find(") MessagesTests.cpp"));
 }

@@ -19,14 +19,14 @@ class RegistryClasses : public CTestMachine
 protected:
     static CRegistryString String(bool bCreate, bool bReadThrough, bool bReadNow)
     {
-        return CRegistryString(LUM_GINA_APP, LUM_GINA_MTM, HKEY_LOCAL_MACHINE, KEY, NAME, KEY_ALL_ACCESS, bCreate,
-                               true, bReadThrough, true, bReadNow, 0);
+        return CRegistryString(LUM_GINA_APP, LUM_GINA_MTM, HKEY_LOCAL_MACHINE, KEY, NAME, KEY_ALL_ACCESS,
+                               bCreate, true, bReadThrough, true, bReadNow, 0);
     }
 
     static CRegistryDword Dword(bool bCreate, bool bReadNow)
     {
-        return CRegistryDword(LUM_GINA_APP, LUM_GINA_MTM, HKEY_LOCAL_MACHINE, KEY, NAME, KEY_ALL_ACCESS, bCreate,
-                              true, true, true, bReadNow, 0);
+        return CRegistryDword(LUM_GINA_APP, LUM_GINA_MTM, HKEY_LOCAL_MACHINE, KEY, NAME, KEY_ALL_ACCESS,
+                              bCreate, true, true, true, bReadNow, 0);
     }
 
     static std::string Read(CRegistryString& value, DWORD cch = 260)
@@ -48,7 +48,8 @@ TEST_F(RegistryClasses, KeysAreMadeWhenThatIsAllowed)
         EXPECT_TRUE(key.OpenKey());
     };
     EXPECT_THROW(make(false, 0), CUnableToOpenRegistryKeyException);
-    EXPECT_EQ(1, Count("[EXCEPTION] Unable to open registry key, Registry Key: SOFTWARE\\ORX\\Test, Error: 0x2"));
+    EXPECT_EQ(
+        1, Count("[EXCEPTION] Unable to open registry key, Registry Key: SOFTWARE\\ORX\\Test, Error: 0x2"));
     make(true, REG_OPTION_NON_VOLATILE);
     EXPECT_EQ(1, Count("[WARNING] Unable to close the registry key because it is already closed"));
     make(false, 0);
@@ -159,7 +160,9 @@ TEST_F(RegistryClasses, CacheAnswersWithoutReadThrough)
 
 TEST_F(RegistryClasses, VolatileKeysCanBeMade)
 {
-    { const CRegistryString parent = String(true, true, true); }
+    {
+        const CRegistryString parent = String(true, true, true);
+    }
     const CRegistryDword number(LUM_GINA_APP, LUM_GINA_MTM, HKEY_LOCAL_MACHINE, TEMPORARY_KEY, NAME,
                                 KEY_ALL_ACCESS, true, true, true, true, true, REG_OPTION_VOLATILE);
     EXPECT_EQ("0", GetValue(TEMPORARY_KEY, NAME));

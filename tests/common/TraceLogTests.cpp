@@ -25,8 +25,17 @@ public:
 };
 
 constexpr const char* LEVELS[] = {
-    "DEBUG",     "ENTRY",    "EXIT ", "NOTIFICATION",       "WARNING",           "EXCEPTION",
-    "CRITICAL",  "ERROR",    "CONSTRUCTION ENTRY", "CONSTRUCTION EXIT", "DESTRUCTION ENTRY",
+    "DEBUG",
+    "ENTRY",
+    "EXIT ",
+    "NOTIFICATION",
+    "WARNING",
+    "EXCEPTION",
+    "CRITICAL",
+    "ERROR",
+    "CONSTRUCTION ENTRY",
+    "CONSTRUCTION EXIT",
+    "DESTRUCTION ENTRY",
     "DESTRUCTION EXIT",
 };
 
@@ -71,7 +80,8 @@ TEST_F(TraceLog, LineHasTimeTagLabelAndLineEnd)
     CTraced().Do([] { return true; });
     static const std::regex pattern(
         "(Sun|Mon|Tue|Wed|Thu|Fri|Sat) (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) "
-        "\\d\\d \\d\\d:\\d\\d:\\d\\d \\d{4} LUM_GINA: \\[ENTRY\\] CTraced::Do, \\( \\d+ \\) TraceLogTests.cpp\r\n"
+        "\\d\\d \\d\\d:\\d\\d:\\d\\d \\d{4} LUM_GINA: \\[ENTRY\\] CTraced::Do, \\( \\d+ \\) "
+        "TraceLogTests.cpp\r\n"
         ".{24} LUM_GINA: \\[EXIT \\] CTraced::Do, Return: 0x1, \\( \\d+ \\) TraceLogTests.cpp\r\n");
     EXPECT_TRUE(std::regex_match(RawLog(), pattern)) << RawLog();
 }
@@ -129,13 +139,13 @@ TEST_F(TraceLog, OperationsReportHowTheyEnd)
     EXPECT_FALSE(traced.Do([] { return false; }));
     EXPECT_EQ(2, traced.Do([]() -> int { throw 1; }));
     traced.Do([]() -> void { throw 1; });
-    EXPECT_EQ((std::vector<std::string>{
-                  "[ENTRY] CTraced::Do", "[WARNING] The requested operation failed or it was cancelled",
-                  "[EXIT ] CTraced::Do, Return: 0x0", "[ENTRY] CTraced::Do",
-                  "[WARNING] An unhandled exception occurred",
-                  "[WARNING] The requested operation failed or it was cancelled",
-                  "[EXIT ] CTraced::Do, Return: 0x2", "[ENTRY] CTraced::Do",
-                  "[WARNING] An unhandled exception occurred", "[EXIT ] CTraced::Do"}),
+    EXPECT_EQ((std::vector<std::string>{"[ENTRY] CTraced::Do",
+                                        "[WARNING] The requested operation failed or it was cancelled",
+                                        "[EXIT ] CTraced::Do, Return: 0x0", "[ENTRY] CTraced::Do",
+                                        "[WARNING] An unhandled exception occurred",
+                                        "[WARNING] The requested operation failed or it was cancelled",
+                                        "[EXIT ] CTraced::Do, Return: 0x2", "[ENTRY] CTraced::Do",
+                                        "[WARNING] An unhandled exception occurred", "[EXIT ] CTraced::Do"}),
               Log());
 }
 

@@ -120,7 +120,8 @@ TEST_F(GinaStandardObject, NegotiatedVersionDecidesWhatIsCalled)
 {
     standin->SetVersion(WLX_VERSION_1_0);
     const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
-    EXPECT_EQ(WLX_VERSION_1_0, static_cast<int>(object->m_pGinaPluginContext->m_GinaPluginInfo.m_dwWlxVersion));
+    EXPECT_EQ(WLX_VERSION_1_0,
+              static_cast<int>(object->m_pGinaPluginContext->m_GinaPluginInfo.m_dwWlxVersion));
     standin->Reset();
     EXPECT_TRUE(object->IsLockOk(&node, CONTEXT));
     // Four exports a GINA may do without; the others it would have to have.
@@ -140,8 +141,9 @@ TEST_F(GinaStandardObject, NegotiatedVersionDecidesWhatIsCalled)
 TEST_F(GinaStandardObject, OptionalExportsMayBeMissing)
 {
     const ObjectPtr object = MakeObject(TEXT("standin_gina_no_optional.dll"));
-    for (const char* szName : {"WlxStartApplication", "WlxScreenSaverNotify", "WlxReconnectNotify",
-                               "WlxDisconnectNotify"}) {
+    for (const char* szName :
+         {"WlxStartApplication", "WlxScreenSaverNotify", "WlxReconnectNotify", "WlxDisconnectNotify"})
+    {
         EXPECT_EQ(1, Count(std::string("[EXCEPTION] Unable to load function from DLL, Function: ") + szName +
                            ", Error: 0x7f"));
     }
@@ -194,7 +196,8 @@ TEST_F(GinaStandardObject, FaultsEndAsExceptionsAndTheNextCallWorks)
     const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
     for (const StandinFailure failure :
          {StandinFailure::ReadNull, StandinFailure::DivideByZero, StandinFailure::ExhaustStack,
-          StandinFailure::ExhaustStack, StandinFailure::Throw, StandinFailure::StructuredException}) {
+          StandinFailure::ExhaustStack, StandinFailure::Throw, StandinFailure::StructuredException})
+    {
         if (!standin->SetFailure(StandinCall::WlxIsLockOk, failure, 0xE0000001)) {
             continue;
         }

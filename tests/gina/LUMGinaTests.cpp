@@ -35,7 +35,10 @@ protected:
     }
 
     bool Negotiate() { return host->LUMWlxNegotiate(WLX_VERSION_1_4, &m_dwVersion) != FALSE; }
-    bool Initialize() { return host->LUMWlxInitialize(nullptr, WLX, nullptr, &m_table, &m_pContext) != FALSE; }
+    bool Initialize()
+    {
+        return host->LUMWlxInitialize(nullptr, WLX, nullptr, &m_table, &m_pContext) != FALSE;
+    }
     void Start()
     {
         ASSERT_TRUE(Negotiate());
@@ -131,11 +134,11 @@ TEST_F(LUMGina, RefusedInitialisation)
     msgina->SetFailure(StandinCall::WlxInitialize, StandinFailure::ReadNull, 0);
     ClearLog();
     EXPECT_FALSE(Initialize());
-    EXPECT_EQ((std::vector<std::string>{
-                  "[EXCEPTION] Plugin has generated an unknown exception, Plugin: msgina.dll",
-                  "[EXCEPTION] An unhandled exception occurred", "[WARNING] An unhandled exception occurred",
-                  FAILED}),
-              Log());
+    EXPECT_EQ(
+        (std::vector<std::string>{"[EXCEPTION] Plugin has generated an unknown exception, Plugin: msgina.dll",
+                                  "[EXCEPTION] An unhandled exception occurred",
+                                  "[WARNING] An unhandled exception occurred", FAILED}),
+        Log());
     EXPECT_EQ(1u, host->m_pGinaObjectList->m_dwCount);
     msgina->SetFailure(StandinCall::WlxInitialize, StandinFailure::None, 0);
     msgina->SetResult(StandinCall::WlxInitialize, FALSE);

@@ -70,8 +70,12 @@ TEST_F(LUMRegistry, PluginsAreParsed)
 {
     CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
     const std::pair<const char*, const char*> rows[] = {
-        {"", ""},          {"a.dll,b.dll", "[a.dll][b.dll]"}, {"a.dll,,b.dll", "[a.dll][][b.dll]"},
-        {"a.dll,", "[a.dll][]"}, {",", "[][]"},               {" a.dll ", "[ a.dll ]"},
+        {"", ""},
+        {"a.dll,b.dll", "[a.dll][b.dll]"},
+        {"a.dll,,b.dll", "[a.dll][][b.dll]"},
+        {"a.dll,", "[a.dll][]"},
+        {",", "[][]"},
+        {" a.dll ", "[ a.dll ]"},
     };
     for (const auto& [szValue, szEntries] : rows) {
         SetString(OWN_KEY, PLUGINS, Widen(szValue).c_str());

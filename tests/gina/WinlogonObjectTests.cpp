@@ -33,8 +33,8 @@ protected:
 
 TEST_F(WinlogonObject, CopiesWhatTheVersionHas)
 {
-    const std::vector<int> all = {4, 12, 16, 17, 15, 6, 8, 9, 7,  23, 19, 13, 5, 21,
-                                  25, 22, 24, 26, 2, 1, 18, 14, 3, 10, 11, 0, 20};
+    const std::vector<int> all = {4,  12, 16, 17, 15, 6, 8,  9,  7, 23, 19, 13, 5, 21,
+                                  25, 22, 24, 26, 2,  1, 18, 14, 3, 10, 11, 0,  20};
     struct
     {
         DWORD dwVersion;
@@ -58,9 +58,10 @@ TEST_F(WinlogonObject, RefusesNoTableAndWarnsOfGaps)
 {
     EXPECT_TRUE(object.SetWinlogonObject(nullptr, WLX_VERSION_1_4));
     EXPECT_EQ(std::vector<int>(ENTRIES, -1), Members());
-    EXPECT_EQ((std::vector<std::string>{"[EXCEPTION] A bad argument was provided, Argument: pWinlogonFunctions",
-                                        "[WARNING] The requested operation failed or it was cancelled"}),
-              Log());
+    EXPECT_EQ(
+        (std::vector<std::string>{"[EXCEPTION] A bad argument was provided, Argument: pWinlogonFunctions",
+                                  "[WARNING] The requested operation failed or it was cancelled"}),
+        Log());
     ClearLog();
     m_pTable[3] = nullptr;
     EXPECT_TRUE(object.SetWinlogonObject(m_pTable, WLX_VERSION_1_0));

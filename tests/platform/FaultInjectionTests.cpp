@@ -1,7 +1,9 @@
 #include <functional>
+#include <iterator>
 
 #include <gtest/gtest.h>
 
+#include "FailingAllocation.h"
 #include "platform/FaultInjection.h"
 #include "platform/MachineRegistry.h"
 
@@ -99,6 +101,8 @@ TEST_F(FaultInjection, ReachesEveryCall)
          [&] {
              return lastError(CreateFileW(TEXT(""), 0, 0, nullptr, 1, 0, nullptr) == INVALID_HANDLE_VALUE);
          }},
+        {PlatformCall::CreateThread,
+         [&] { return lastError(CreateThread(nullptr, 0, nullptr, nullptr, 1, nullptr) == nullptr); }},
         {PlatformCall::FreeLibrary, [&] { return lastError(!FreeLibrary(nullptr)); }},
         {PlatformCall::GetModuleFileNameW,
          [&] { return lastError(GetModuleFileNameW(nullptr, szWide, 4) == 0); }},
@@ -128,18 +132,58 @@ TEST_F(FaultInjection, ReachesEveryCall)
         {PlatformCall::RegSetValueExW, [&] { return RegSetValueExW(nullptr, TEXT("v"), 0, 0, nullptr, 0); }},
         {PlatformCall::SetFilePointer,
          [&] { return lastError(SetFilePointer(nullptr, 0, nullptr, 0) == INVALID_SET_FILE_POINTER); }},
+        {PlatformCall::WaitForSingleObject,
+         [&] { return lastError(WaitForSingleObject(nullptr, 0) == WAIT_FAILED); }},
         {PlatformCall::WideCharToMultiByte,
          [&] {
              return lastError(WideCharToMultiByte(CP_ACP, 0, TEXT("a"), 1, szAnsi, 4, nullptr, nullptr) == 0);
          }},
         {PlatformCall::WriteFile, [&] { return lastError(!WriteFile(nullptr, "x", 1, &dw, nullptr)); }},
     };
+#define COUNT_CALL(NAME) +1
+    EXPECT_EQ(std::size(rows), PLATFORM_CALLS(COUNT_CALL)) << "a call without a row";
     for (const auto& row : rows) {
         constexpr LONG CHOSEN = 4711;
         const CFaultInjection fault(row.call, 1, CHOSEN);
         EXPECT_EQ(row.use(), CHOSEN) << static_cast<int>(row.call);
         EXPECT_NE(row.use(), CHOSEN) << static_cast<int>(row.call);
     }
+}
+
+/// Makes each allocation of the call fail in turn, until the call succeeds.
+template <typename Use>
+void ExpectOutOfMemory(const char* szWhat, Use use)
+{
+    int nAllocations = 0;
+    LONG lResult = ERROR_NOT_ENOUGH_MEMORY;
+    for (; lResult != ERROR_SUCCESS && nAllocations < 100; ++nAllocations) {
+        const CFailingAllocation failure(nAllocations);
+        lResult = use();
+        EXPECT_TRUE(lResult == ERROR_SUCCESS || lResult == ERROR_NOT_ENOUGH_MEMORY)
+            << szWhat << ": " << lResult;
+    }
+    EXPECT_EQ(lResult, ERROR_SUCCESS) << szWhat;
+    EXPECT_GT(nAllocations, 1) << szWhat << " is not under test here";
+}
+
+TEST(OutOfMemory, IsAnErrorCodeLikeOthers)
+{
+    MachineRegistry::Clear();
+    HKEY hKey = nullptr;
+    HMODULE hModule = nullptr;
+    ExpectOutOfMemory("create a key", [&] {
+        return RegCreateKeyExW(HKEY_LOCAL_MACHINE, KEY, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &hKey,
+                               nullptr);
+    });
+    ExpectOutOfMemory("set a value", [&] {
+        return RegSetValueExW(hKey, TEXT("v"), 0, REG_SZ, reinterpret_cast<const BYTE*>("1"), 1);
+    });
+    ExpectOutOfMemory("load a DLL", [&] {
+        hModule = LoadLibraryW(TEXT("loader_test_outer.dll"));
+        return hModule != nullptr ? ERROR_SUCCESS : LONG(GetLastError());
+    });
+    EXPECT_TRUE(FreeLibrary(hModule));
+    EXPECT_EQ(RegCloseKey(hKey), ERROR_SUCCESS);
 }
 
 TEST_F(FaultInjection, LetsTheFirstDecideAndAllCount)

@@ -110,6 +110,7 @@ TEST_F(Files, TellsWhyAFileCannotBeOpened)
     } rows[] = {
         {TEXT("files_test\\no\\file.txt"), ERROR_PATH_NOT_FOUND},
         {TEXT("files_test"), ERROR_ACCESS_DENIED},
+        {TEXT("files_test\\file.txt\\"), ERROR_INVALID_NAME},
         {TEXT(""), ERROR_PATH_NOT_FOUND},
         {nullptr, ERROR_PATH_NOT_FOUND},
     };
@@ -172,6 +173,10 @@ TEST_F(Files, ReadsAndWritesWhereThePointerIs)
     LONG lHigh = 1;
     EXPECT_EQ(SetFilePointer(hFile, 5, &lHigh, FILE_BEGIN), 5u);
     EXPECT_EQ(lHigh, 1);
+    lHigh = 0;
+    SetLastError(ERROR_GEN_FAILURE);
+    EXPECT_EQ(SetFilePointer(hFile, -1, &lHigh, FILE_BEGIN), INVALID_SET_FILE_POINTER);
+    EXPECT_EQ(GetLastError(), DWORD(ERROR_SUCCESS)) << "a position, not a failure";
     EXPECT_TRUE(CloseHandle(hFile));
     EXPECT_EQ(Contents(), "abCdef");
 }

@@ -96,6 +96,8 @@ TEST_F(Library, FindsOnlyWhatTheDllItselfExports)
         EXPECT_EQ(GetLastError(), DWORD(ERROR_PROC_NOT_FOUND)) << szName;
     }
     FreeLibrary(hModule);
+    EXPECT_EQ(GetProcAddress(nullptr, "GetOwnInstance"), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD(ERROR_PROC_NOT_FOUND));
 }
 
 TEST_F(Library, TellsWhyADllCannotBeLoaded)
@@ -114,6 +116,8 @@ TEST_F(Library, TellsWhyADllCannotBeLoaded)
         {TEXT("garbage.dll"), LOADER_TEST_ACCEPT, ERROR_BAD_EXE_FORMAT},
         {TEXT(".\\garbage"), LOADER_TEST_ACCEPT, ERROR_BAD_EXE_FORMAT},
         {TEXT("empty.dll"), LOADER_TEST_ACCEPT, ERROR_BAD_EXE_FORMAT},
+        {TEXT("."), LOADER_TEST_ACCEPT, ERROR_ACCESS_DENIED},
+        {TEXT(""), LOADER_TEST_ACCEPT, ERROR_MOD_NOT_FOUND},
         {nullptr, LOADER_TEST_ACCEPT, ERROR_INVALID_PARAMETER},
         {TEXT("loader_test_outer.dll"), LOADER_TEST_REFUSE, ERROR_DLL_INIT_FAILED},
         {TEXT("loader_test_outer.dll"), LOADER_TEST_FAULT, ERROR_NOACCESS},

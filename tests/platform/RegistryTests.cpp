@@ -97,6 +97,8 @@ TEST_F(Registry, FindsKeysByPathWithoutRegardToCase)
         {"open the key itself", [&] { return Open(m_hRoot, TEXT("")); }, ERROR_SUCCESS},
         {"open the key itself by null", [&] { return Open(m_hRoot, nullptr); }, ERROR_SUCCESS},
         {"create the key itself", [&] { return Create(m_hRoot, TEXT("")); }, ERROR_SUCCESS},
+        {"create the key itself by null", [&] { return Create(m_hRoot, nullptr); }, ERROR_SUCCESS},
+        {"doubled separators", [&] { return Open(m_hRoot, TEXT("One\\\\Two")); }, ERROR_SUCCESS},
         {"a trailing separator", [&] { return Open(m_hRoot, TEXT("One\\")); }, ERROR_SUCCESS},
         {"a leading separator", [&] { return Open(m_hRoot, TEXT("\\One")); }, ERROR_BAD_PATHNAME},
         {"a name of 255 characters", [&] { return Create(m_hRoot, WideText(255, 'n').c_str()); },

@@ -42,6 +42,7 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY hKey, LPCWSTR szSubKey, DWORD dwReserved, LP
                                REGSAM samDesired, SECURITY_ATTRIBUTES* pSecurity, PHKEY phResult,
                                LPDWORD pdwDisposition) noexcept;
 LSTATUS WINAPI RegCloseKey(HKEY hKey) noexcept;
+/// The key itself, which the empty path stands for, is not deleted: ERROR_CALL_NOT_IMPLEMENTED.
 LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR szSubKey) noexcept;
 LSTATUS WINAPI RegEnumKeyExW(HKEY hKey, DWORD dwIndex, LPWSTR szName, LPDWORD pcchName, LPDWORD pdwReserved,
                              LPWSTR szClass, LPDWORD pcchClass, PFILETIME pLastWriteTime) noexcept;
