@@ -95,6 +95,7 @@ TEST(PluginHeader, StringsMayCrossTheBoundaryBothWays)
     EXPECT_TRUE(lum::ReplaceString(pAuthors->m_szGinaDLL, TEXT("author.dll")));
     EXPECT_TRUE(lum::SetFriendlyName(pAuthors, TEXT("")));
     EXPECT_TRUE(lum::SetFriendlyName(pAuthors, TEXT("friendly")));
+    EXPECT_TRUE(lum::SetFriendlyName(pAuthors, pAuthors->m_szFriendlyName)) << "a copy of itself";
     CGinaPluginInfo copy(TEXT("LUM_GINA"), TEXT("SOFTWARE\\ORX\\Test"));
     copy = info;
     EXPECT_EQ(std::basic_string<WCHAR>(TEXT("author.dll")), copy.m_szGinaDLL);
