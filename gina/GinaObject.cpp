@@ -143,7 +143,9 @@ void CGinaObject::Resolve(CGinaExportBase& ginaExport) const
 void CGinaObject::ResolveAll(const CExportTable& table) const
 {
     for (CGinaExportBase* pExport = table.m_pFirst; pExport != nullptr; pExport = pExport->m_pNext) {
-        if (pExport->m_pfn == nullptr && GetPluginInfo().m_dwWlxVersion > pExport->m_dwAboveVersion) {
+        const bool bCalledFor =
+            pExport->m_dwAboveVersion == 0 || GetPluginInfo().m_dwWlxVersion > pExport->m_dwAboveVersion;
+        if (pExport->m_pfn == nullptr && bCalledFor) {
             Resolve(*pExport);
         }
     }

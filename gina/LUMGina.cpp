@@ -165,7 +165,13 @@ void CLUMGina::LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion
 void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
 {
     WCHAR szGinaDLL[NAME_CAPACITY] = {};
-    if (m_pLUMRegistry == nullptr || !m_pLUMRegistry->GetGinaDLL(szGinaDLL, NAME_CAPACITY, true)) {
+    bool bRead = false;
+    try {
+        bRead = m_pLUMRegistry != nullptr && m_pLUMRegistry->GetGinaDLL(szGinaDLL, NAME_CAPACITY, true);
+    } catch (CMessage& message) {
+        message.WriteIfUnwritten();
+    }
+    if (!bRead) {
         throw CUnableToLoadPassthroughGinaException(LUM_GINA_ORIGIN);
     }
     AddGinaObject<CGinaStandardObject>(szGinaDLL, dwWinlogonVersion);
@@ -233,8 +239,12 @@ void CLUMGina::SetStatus(const COperation& op, DWORD dwEnabled) noexcept
 {
     try {
         Needed(m_pLUMRegistry).SetEnabled(dwEnabled);
+    } catch (...) {
+        Absorb<CUnableToWriteRegistryException>()(op);
+    }
+    try {
         if (dwEnabled != 0) {
-            m_pLUMRegistry->IncreaseInstanceCount();
+            Needed(m_pLUMRegistry).IncreaseInstanceCount();
         }
     } catch (...) {
         Absorb<CUnableToWriteRegistryException>()(op);
