@@ -112,16 +112,14 @@ BOOL CallDllMain(const CModule& module, DWORD dwReason)
     }
 }
 
-/// Takes a DLL out of the list and unloads it; with a DllMain that still has to be told, after telling it.
-void Unload(CModule& module, bool bDetach)
+/// Tells a DLL to go, and unloads it.
+void Unload(CModule& module)
 {
     const auto position = FindModule(module.pLibrary);
-    if (bDetach) {
-        try {
-            CallDllMain(module, DLL_PROCESS_DETACH);
-        } catch (const CCallError&) {
-            // Nobody can refuse to be unloaded.
-        }
+    try {
+        CallDllMain(module, DLL_PROCESS_DETACH);
+    } catch (const CCallError&) {
+        // Nobody can refuse to be unloaded.
     }
     void* pLibrary = module.pLibrary;
     GetModules().erase(position);
@@ -133,7 +131,9 @@ HMODULE Attach(CModule& module)
     try {
         Require(CallDllMain(module, DLL_PROCESS_ATTACH) != FALSE, ERROR_DLL_INIT_FAILED);
     } catch (const CCallError&) {
-        Unload(module, false);
+        // It is also told when it refused to come.
+        module.dwReferences = 0;
+        Unload(module);
         throw;
     }
     return module.GetHandle();
@@ -190,7 +190,7 @@ void LoadedModules::Free(HMODULE hModule)
     // While its DllMain runs, the last reference is already gone.
     Require(module.dwReferences != 0, ERROR_MOD_NOT_FOUND);
     if (--module.dwReferences == 0) {
-        Unload(module, true);
+        Unload(module);
     }
 }
 

@@ -80,7 +80,7 @@ std::vector<CRegFileLine> JoinLines(const std::vector<CRegFileLine>& lines)
         } else if (!bSaysNothing) {
             joined.push_back(line);
         }
-        bContinued = !joined.empty() && IsContinued(joined.back().text) && (bContinued || !bSaysNothing);
+        bContinued = !joined.empty() && IsContinued(joined.back().text);
     }
     return joined;
 }

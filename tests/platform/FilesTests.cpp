@@ -103,6 +103,7 @@ TEST_F(Files, OpensAsTheDispositionSays)
 
 TEST_F(Files, TellsWhyAFileCannotBeOpened)
 {
+    std::ofstream(NARROW_NAME).flush();
     const struct
     {
         const WCHAR* szPath;

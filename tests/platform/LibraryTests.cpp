@@ -128,6 +128,7 @@ TEST_F(Library, TellsWhyADllCannotBeLoaded)
         EXPECT_EQ(LoadLibraryW(row.szFile), nullptr);
         EXPECT_EQ(GetLastError(), row.dwError) << (&row - rows);
     }
+    EXPECT_EQ(m_outer.Get(TEXT("Detached")), 2u) << "a DLL that refused is told to go";
     m_outer.SetBehaviour(LOADER_TEST_ACCEPT);
     const HMODULE hModule = LoadLibraryW(OUTER);
     EXPECT_NE(hModule, nullptr) << "a DLL that refused once may come another time";
@@ -175,6 +176,20 @@ TEST_F(Library, NamesItsFile)
 
     const WideText program(szFile, GetModuleFileNameW(nullptr, szFile, MAX_PATH));
     EXPECT_NE(program.find(TEXT("platform_tests")), WideText::npos);
+}
+
+TEST_F(Library, TakesADotAtTheEndForNoExtension)
+{
+    const HMODULE hModule = LoadLibraryW(OUTER);
+    WCHAR szFile[MAX_PATH];
+    GetModuleFileNameW(hModule, szFile, MAX_PATH);
+    FreeLibrary(hModule);
+    std::filesystem::copy_file(szFile, "no_extension", std::filesystem::copy_options::overwrite_existing);
+    EXPECT_EQ(LoadLibraryW(TEXT(".\\no_extension")), nullptr);
+    const HMODULE hCopy = LoadLibraryW(TEXT(".\\no_extension."));
+    EXPECT_NE(hCopy, nullptr);
+    FreeLibrary(hCopy);
+    std::remove("no_extension");
 }
 
 } // namespace

@@ -214,13 +214,17 @@ TEST_F(Registry, TerminatesTextsThatAreStoredWithoutEndIfThereIsRoom)
     const WCHAR szText[] = TEXT("abx");
     ASSERT_EQ(Set(m_hRoot, TEXT("sz"), REG_SZ, szText, 4), ERROR_SUCCESS);
     ASSERT_EQ(Set(m_hRoot, TEXT("bin"), REG_BINARY, szText, 4), ERROR_SUCCESS);
+    ASSERT_EQ(Set(m_hRoot, TEXT("ended"), REG_SZ, TEXT("a"), 4), ERROR_SUCCESS);
     const struct
     {
         const WCHAR* szName;
         DWORD cbBuffer;
         bool bTerminated;
-    } rows[] = {
-        {TEXT("sz"), 6, true}, {TEXT("sz"), 5, false}, {TEXT("sz"), 4, false}, {TEXT("bin"), 6, false}};
+    } rows[] = {{TEXT("sz"), 6, true},
+                {TEXT("sz"), 5, false},
+                {TEXT("sz"), 4, false},
+                {TEXT("bin"), 6, false},
+                {TEXT("ended"), 6, false}};
     for (const auto& row : rows) {
         BYTE buffer[8];
         std::memset(buffer, FILLER, sizeof(buffer));

@@ -9,7 +9,7 @@
 
 inline constexpr DWORD LOADER_TEST_ACCEPT = 0;
 inline constexpr DWORD LOADER_TEST_REFUSE = 1; ///< DllMain answers FALSE
-inline constexpr DWORD LOADER_TEST_FAULT = 2;  ///< DllMain writes through a null pointer
+inline constexpr DWORD LOADER_TEST_FAULT = 2;  ///< DllMain writes where no memory is
 
 /// The export "GetOwnInstance": what DllMain was given.
 using GetOwnInstanceFunction = HINSTANCE(WINAPI*)();
