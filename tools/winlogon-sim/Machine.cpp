@@ -56,6 +56,21 @@ void DeleteValue(const WCHAR* szKey, const WCHAR* szValue)
     });
 }
 
+/// The library's configured passthrough GINA; empty when there is none.
+std::string GetPassthrough()
+{
+    HKEY hKey = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, OWN_KEY, 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
+        return std::string();
+    }
+    WCHAR szName[MAX_PATH + 1] = {};
+    DWORD cbName = MAX_PATH * sizeof(WCHAR);
+    const LONG lResult =
+        RegQueryValueExW(hKey, PASSTHROUGH_VALUE, nullptr, nullptr, reinterpret_cast<BYTE*>(szName), &cbName);
+    RegCloseKey(hKey);
+    return lResult == ERROR_SUCCESS ? ToNarrow(szName) : std::string();
+}
+
 /// The registry file of the command line must be usable: nothing of a machine's state may get lost.
 void CheckFile(LONG lResult, const char* szVerb, const std::string& path, const std::string& reason = "")
 {
@@ -88,6 +103,8 @@ CMachine::CMachine(const COptions& options) : m_registry(options.registry)
     if (!options.standin.empty()) {
         SetText(OWN_KEY, PASSTHROUGH_VALUE, options.standin);
     }
+    const std::string passthrough = GetPassthrough();
+    m_standin = passthrough.empty() ? "msgina.dll" : passthrough;
 }
 
 void CMachine::Save() const

@@ -10,9 +10,14 @@ public:
     /// for. Throws CSetupError.
     explicit CMachine(const COptions& options);
 
+    /// The DLL that the library is going to pass its calls to: what its configuration names, or what it falls
+    /// back to.
+    const std::string& GetStandin() const { return m_standin; }
+
     /// Saves the registry when a file is named. Throws CSetupError.
     void Save() const;
 
 private:
     std::string m_registry;
+    std::string m_standin;
 };

@@ -18,12 +18,12 @@ enum ExitCode
 ExitCode LiveDay(const COptions& options)
 {
     const std::vector<CStep> steps = ReadDayFile(options.day);
-    CMachine machine(options);
+    const CMachine machine(options);
     CReport report;
     report.PrintHeading(options.day, options.gina);
     std::size_t nCalled = 0;
     {
-        CRunner runner(options.gina, options.GetStandin(), options.dwVersion);
+        CRunner runner(options.gina, machine.GetStandin(), options.dwVersion);
         for (const CStep& step : steps) {
             report.PrintStep(runner.Run(step));
         }

@@ -12,7 +12,7 @@ the two differ.
 
   --gina NAME         the library to load (lum_gina.dll)
   --standin NAME      the stand-in GINA that the library passes its calls to; is written to the
-                      library's configuration (msgina.dll, without writing it there)
+                      library's configuration (what that names already, or msgina.dll)
   --version VERSION   the interface version that Winlogon offers (1.4)
   --trace-log PATH    where the library writes its trace log (winlogon-sim.log)
   --trace-mask MASK   the trace levels that it writes (0xFFF, all of them)

@@ -10,8 +10,7 @@ struct COptions
 {
     std::string day;
     std::string gina = "lum_gina.dll";
-    /// Empty when the command line names none: then the library's own configuration is left alone, and
-    /// the stand-in is the one that the library falls back to.
+    /// Empty to leave the library's configuration alone.
     std::string standin;
     DWORD dwVersion = 0x00010004;
     /// Empty for no trace log.
@@ -21,8 +20,6 @@ struct COptions
     std::string registry;
     bool bHelp = false;
     bool bSteps = false;
-
-    std::string GetStandin() const { return standin.empty() ? "msgina.dll" : standin; }
 };
 
 /// A command line that cannot be followed; the text says why.

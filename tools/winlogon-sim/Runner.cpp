@@ -15,7 +15,7 @@ const StandinInterface* GetStandin(const CLibrary& library, const std::string& n
 {
     const FARPROC pfn = library.FindExport("StandinGina");
     if (pfn == nullptr) {
-        throw CSetupError(name + " is not the stand-in GINA: it does not export StandinGina");
+        throw CSetupError(name + " is not a stand-in GINA (see --standin): it does not export StandinGina");
     }
     const auto pfnStandinGina = reinterpret_cast<PFN_STANDIN_GINA>(reinterpret_cast<void*>(pfn));
     const StandinInterface* pStandin = pfnStandinGina();
@@ -64,7 +64,7 @@ void ReleaseOutValues(CCallFrame& frame, const StandinRecord& record)
 } // namespace
 
 CRunner::CRunner(const std::string& gina, const std::string& standin, DWORD dwVersion)
-    : m_gina(gina), m_dwVersion(dwVersion)
+    : m_gina(gina), m_standin(standin), m_dwVersion(dwVersion)
 {
     m_standinLibrary.Load(standin);
     m_pStandin = GetStandin(m_standinLibrary, standin);
@@ -129,7 +129,7 @@ void CRunner::Call(const CStep& step, CStepReport& report)
 
     const StandinRecord* pRecord = FindRecord(call.id);
     if (pRecord == nullptr) {
-        report.differences.push_back("the call did not reach the stand-in GINA");
+        report.differences.push_back("the call did not reach the stand-in GINA " + m_standin);
         return;
     }
     report.reached = DescribeReached(frame, *pRecord);

@@ -45,6 +45,7 @@ private:
     void NoteAgreement(const CCallFrame& frame, LONG nResult);
 
     std::string m_gina;
+    std::string m_standin;
     DWORD m_dwVersion;
     CLibrary m_standinLibrary;
     const StandinInterface* m_pStandin;
