@@ -24,10 +24,11 @@ struct CPassthrough
     {"rec.dll", RECORDED_KEY, TEXT("rec.dll")},
     {"inc.dll", RECORDED_KEY, TEXT("inc.dll")},
     {"nodef.dll", RECORDED_KEY, TEXT("nodef.dll")},
+    {"turned.dll", RECORDED_KEY, TEXT("turned.dll")},
 };
 
 // Bottom up, since a key with subkeys cannot be deleted.
-const WCHAR* const KEYS[] = {
+const WCHAR* const GINA_KEYS[] = {
     TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"),
     TEXT("SOFTWARE\\Tamsin\\Airlink"),
     TEXT("SOFTWARE\\Tamsin"),
@@ -35,10 +36,9 @@ const WCHAR* const KEYS[] = {
     TEXT("SOFTWARE\\ORX\\PortLink"),
     TEXT("SOFTWARE\\ORX\\KVS\\Gina"),
     TEXT("SOFTWARE\\ORX\\KVS"),
-    RECORDED_KEY,
-    WINLOGON_KEY,
     TEXT("SOFTWARE\\Brevik Systems\\Gina"),
     TEXT("SOFTWARE\\Brevik Systems"),
+    RECORDED_KEY,
 };
 
 /// Null for a GINA without such a value.
@@ -65,22 +65,26 @@ void DeleteValue(const WCHAR* szKey, const WCHAR* szValue)
 
 CChainMachine::CChainMachine()
 {
-    DeleteKeys();
+    DeleteGinaKeys();
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, WINLOGON_KEY);
     SetString(WINLOGON_KEY, TEXT("Shell"), TEXT("Explorer.exe"));
+    // What is missing on such a machine fills the log, and writing it takes most of the time under Wine.
+    SetTraceMask(0);
     StartHost();
-    ClearLog();
+    DeleteValue(OWN_KEY, TEXT("Debug"));
 }
 
 CChainMachine::~CChainMachine()
 {
     m_pConfiguration.reset();
     m_pWinlogon.reset();
-    DeleteKeys();
+    DeleteGinaKeys();
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, WINLOGON_KEY);
 }
 
-void CChainMachine::DeleteKeys()
+void CChainMachine::DeleteGinaKeys()
 {
-    for (const WCHAR* szKey : KEYS) {
+    for (const WCHAR* szKey : GINA_KEYS) {
         RegDeleteKeyW(HKEY_LOCAL_MACHINE, szKey);
     }
 }

@@ -32,6 +32,9 @@ protected:
     /// "msgina.dll,0,0,0,0".
     static void SetRecord(const char* szGinaDLL, const char* szDefaultAndFlags);
 
+    /// Uninstalls all GINAs but the host.
+    static void DeleteGinaKeys();
+
     /// The registries of a host that starts now.
     void StartHost();
     /// What a host, or with bNoRepair the registry monitor, reads from the registry.
@@ -41,9 +44,6 @@ protected:
 
     std::unique_ptr<CWinlogonRegistry> m_pWinlogon;
     std::unique_ptr<CLUMRegistry> m_pConfiguration;
-
-private:
-    static void DeleteKeys();
 };
 
 std::vector<std::string> SplitNames(const std::string& chain);

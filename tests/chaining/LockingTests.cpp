@@ -6,11 +6,12 @@ namespace {
 
 class Locking : public CChainMachine
 {
+protected:
+    Locking() { SetTraceMask(0); }
 };
 
 TEST_F(Locking, ManagersThatMeetEachOtherFromBothSidesGoOn)
 {
-    SetTraceMask(0);
     SetValues(ValuesOf("lum_gina.dll msgina.dll"));
     const auto left = Build();
     SetValues(ValuesOf("lum_gina.dll wpnGina.dll msgina.dll"));

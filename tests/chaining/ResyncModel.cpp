@@ -132,6 +132,18 @@ CManager Build(Values& values, const Ginas& records, bool bNoRepair)
     }
 }
 
+void Remove(CManager& manager, const std::string& name, Values& values)
+{
+    if (manager.bIncomplete) {
+        return;
+    }
+    Drop(manager.chain, name);
+    if (manager.chain.size() == 1 && IsSame(manager.chain[0], "msgina.dll")) {
+        manager.chain.clear();
+    }
+    Write(manager, values);
+}
+
 void Write(const CManager& manager, Values& values)
 {
     if (manager.bIncomplete) {

@@ -28,6 +28,7 @@ struct CManager
 
 /// Reads the chain, and repairs the values unless bNoRepair. records: the GINAs that have a record.
 CManager Build(Values& values, const Ginas& records, bool bNoRepair);
+void Remove(CManager& manager, const std::string& name, Values& values);
 void Write(const CManager& manager, Values& values);
 void Resync(CManager& own, const CManager& fresh, Values& values, const Ginas& records);
 

@@ -6,15 +6,24 @@
 
 namespace {
 
-const Model::Ginas RECORDS = {
-    {"rec.dll", "msgina.dll", false, false}, {"nodef.dll", "", false, false},
-    {"inc.dll", "wpnGina.dll", false, true}, {"term.dll", "", true, false},
-    {"incterm.dll", "", true, true},
-};
+Model::Ginas MakeRecords(bool bTurned)
+{
+    return {
+        {"rec.dll", "msgina.dll", false, false}, {"nodef.dll", "", false, false},
+        {"inc.dll", "wpnGina.dll", false, true}, {"term.dll", "", true, false},
+        {"incterm.dll", "", true, true},         {"turned.dll", "msgina.dll", bTurned, false},
+    };
+}
 
-const char* const NAMES[] = {"lum_gina.dll", "wpnGina.dll", "PLinkGina.dll", "kvs_gina.dll", "rec.dll",
-                             "nodef.dll",    "inc.dll",     "x.dll",         "BVGINA01.dll", "LUM_GINA.DLL"};
-const char* const ENDS[] = {"msgina.dll", "MSGINA.DLL", "qslogon.dll", "term.dll", "incterm.dll"};
+// One GINA comes to end chains in a later version.
+const Model::Ginas OLD_RECORDS = MakeRecords(false);
+const Model::Ginas RECORDS = MakeRecords(true);
+
+const char* const NAMES[] = {"lum_gina.dll", "wpnGina.dll",  "PLinkGina.dll", "kvs_gina.dll",
+                             "rec.dll",      "nodef.dll",    "inc.dll",       "x.dll",
+                             "BVGINA01.dll", "LUM_GINA.DLL", "turned.dll"};
+const char* const ENDS[] = {"msgina.dll", "MSGINA.DLL",  "qslogon.dll",
+                            "term.dll",   "incterm.dll", "turned.dll"};
 
 unsigned long GetSetting(const char* szName, unsigned long nDefault)
 {
@@ -25,9 +34,11 @@ unsigned long GetSetting(const char* szName, unsigned long nDefault)
 class Resync : public CChainMachine
 {
 protected:
-    void WriteRecords()
+    Resync() { SetTraceMask(0); }
+
+    void WriteRecords(const Model::Ginas& records)
     {
-        for (const Model::CGina& gina : RECORDS) {
+        for (const Model::CGina& gina : records) {
             const std::string fallback = gina.fallback.empty() ? "NULL" : gina.fallback;
             const std::string flags =
                 std::string(gina.bTerminator ? ",1" : ",0") + ",0,0," + (gina.bIncompatible ? "1" : "0");
@@ -113,24 +124,28 @@ private:
 
 TEST_F(Resync, DoesWhatTheModelDoes)
 {
-    SetTraceMask(0);
     const unsigned long nFirst = GetSetting("LUM_CHAIN_SEED", 1);
     const unsigned long nSeeds = GetSetting("LUM_CHAIN_COUNT", 20);
     for (unsigned long nSeed = nFirst; nSeed < nFirst + nSeeds; ++nSeed) {
         SCOPED_TRACE("LUM_CHAIN_SEED=" + std::to_string(nSeed) + " LUM_CHAIN_COUNT=1");
         CGenerator generate(static_cast<unsigned>(nSeed));
         const bool bKnownAtStart = !generate.OneIn(3);
-        bKnownAtStart ? WriteRecords() : DeleteRecords();
+        bKnownAtStart ? WriteRecords(OLD_RECORDS) : DeleteRecords();
 
         Values values;
         LeadThrough(generate.Chain(), values);
         LeadThrough(generate.Chain(), values);
         SetValues(values);
         const auto own = Build();
-        Model::CManager ownModel = Model::Build(values, bKnownAtStart ? RECORDS : Model::Ginas(), false);
+        Model::CManager ownModel = Model::Build(values, bKnownAtStart ? OLD_RECORDS : Model::Ginas(), false);
+        if (generate.OneIn(4) && !ownModel.chain.empty()) {
+            const std::string last = ownModel.chain.back();
+            own->RemoveGinaFromChainingList(Widen(last).c_str());
+            Model::Remove(ownModel, last, values);
+        }
         Compare(*own, ownModel, values);
 
-        WriteRecords();
+        WriteRecords(RECORDS);
         std::erase_if(values, [&](const auto&) { return generate.OneIn(8); });
         LeadThrough(generate.Change(ownModel.chain), values);
         SetValues(values);
@@ -235,7 +250,7 @@ TEST_F(Resync, SettlesWhatInstallersDo)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.szWhat);
-        WriteRecords();
+        WriteRecords(RECORDS);
         Values values = ValuesOf(row.szOwn);
         SetValues(values);
         const auto own = Build();
@@ -253,12 +268,27 @@ TEST_F(Resync, LearnsTheRecordsThatWereNeeded)
 {
     SetValues(ValuesOf("lum_gina.dll msgina.dll"));
     const auto own = Build();
-    WriteRecords();
+    WriteRecords(RECORDS);
     SetValues(ValuesOf("rec.dll lum_gina.dll msgina.dll"));
     own->ResyncWithRegistry(*Build(true));
     EXPECT_TRUE(own->IsGinaKnown(TEXT("rec.dll")));
     EXPECT_TRUE(own->RemoveGinaFromChainingList(TEXT("rec.dll")));
     EXPECT_EQ("lum_gina.dll", GetValues()["Winlogon"]);
+}
+
+TEST_F(Resync, AnEndWhoseRecordWasNotLearnedIsReplaced)
+{
+    WriteRecords(RECORDS);
+    SetValues(ValuesOf("rec.dll lum_gina.dll msgina.dll"));
+    const auto own = Build();
+    // As many records as the host has learned, though another one.
+    SetValues(ValuesOf("lum_gina.dll wpnGina.dll PLinkGina.dll term.dll"));
+    own->ResyncWithRegistry(*Build(true));
+    EXPECT_EQ("lum_gina.dll wpnGina.dll PLinkGina.dll term.dll", ChainOf(*own));
+    EXPECT_FALSE(own->IsGinaKnown(TEXT("term.dll")));
+    SetString(WINLOGON_KEY, WINLOGON_GINA_DLL, TEXT("qslogon.dll"));
+    own->ResyncWithRegistry(*Build(true));
+    EXPECT_EQ("lum_gina.dll wpnGina.dll PLinkGina.dll qslogon.dll", ChainOf(*own));
 }
 
 } // namespace
