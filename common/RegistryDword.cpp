@@ -17,9 +17,9 @@ try : CRegistryValue(szAPPArg, szMTMArg, hKeyRoot, szSubKey, szValueName, samDes
         throw CRegistryDwordInitException(*this);
     }
 } catch (...) {
-    FailConstruction<CRegistryDwordInitException, CRegistryDwordInitException, CBadArgException,
-                     CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException,
-                     CUnableToReadRegistryException>({szAPPArg, szMTMArg});
+    FailConstruction<CRegistryDwordInitException, CBadArgException, CUnableToOpenRegistryKeyException,
+                     CUnableToCreateRegistryKeyException, CUnableToReadRegistryException>(
+        {szAPPArg, szMTMArg});
 }
 
 CRegistryDword::~CRegistryDword()

@@ -24,8 +24,8 @@ CRegistryKey::CRegistryKey(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hK
             throw CRegistryKeyInitException(*this);
         }
     } catch (...) {
-        FailConstruction<CRegistryKeyInitException, CRegistryKeyInitException, CBadArgException,
-                         CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException>(*this);
+        FailConstruction<CRegistryKeyInitException, CBadArgException, CUnableToOpenRegistryKeyException,
+                         CUnableToCreateRegistryKeyException>(*this);
     }
 }
 

@@ -62,6 +62,7 @@ bool CWinlogonRegistry::SetGinaDLL(const WCHAR* szValue) noexcept
     const CCriticalSection::CLock lock(m_GinaDLLLock);
     return op.Run(Absorb<CUnableToWriteRegistryException>(), [&] {
         if (szValue == nullptr) {
+            // The value refuses it; nothing is made for it either.
             op.Warn(ERR_PUSHING_NULL);
         } else if (m_pGinaDLL == nullptr) {
             MakeGinaDLL();
@@ -81,7 +82,9 @@ bool CWinlogonRegistry::SetGinaDLL(const WCHAR* szValue) noexcept
 void CWinlogonRegistry::MakeGinaDLL()
 {
     try {
-        m_pGinaDLL = OpenMachineValue<CRegistryString>(*this, WINLOGON_KEY, WINLOGON_GINA_DLL, true, true);
+        OpenMachineValue<CRegistryString>(*this, WINLOGON_KEY, WINLOGON_GINA_DLL, true, true);
+        // The object that stays must not make the value again when it is read after it has been deleted.
+        m_pGinaDLL = OpenMachineValue<CRegistryString>(*this, WINLOGON_KEY, WINLOGON_GINA_DLL, false, true);
     } catch (...) {
         throw CUnableToWriteRegistryException(*this, WINLOGON_GINA_DLL, NO_VALUE_OBJECT);
     }

@@ -158,13 +158,13 @@ struct PassOn
     }
 };
 
-/// For the handler of a constructor: exceptions of the classes PassedOn leave it as they are, anything
-/// else leaves it as an InitException. All are reported. Never returns.
+/// For the handler of a constructor: an InitException and exceptions of the classes PassedOn leave it as they
+/// are, anything else leaves it as an InitException. All are reported. Never returns.
 template <typename InitException, typename... PassedOn>
 [[noreturn]] void FailConstruction(const CMessageOrigin& origin,
                                    CSourceLocation where = CSourceLocation::Current())
 {
-    if ((IsHandling<PassedOn>() || ...)) {
+    if (IsHandling<InitException>() || (IsHandling<PassedOn>() || ...)) {
         throw;
     }
     throw InitException(origin, where);

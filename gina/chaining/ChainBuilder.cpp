@@ -29,14 +29,14 @@ bool CChainBuilder::Build()
     if (!m_winlogonRegistry.GetGinaDLL(m_szCurrent, NAME_CAPACITY, false)) {
         *m_szCurrent = 0;
     }
-    while (m_pInfo == nullptr || !m_pInfo->m_bTerminator) {
-        if (*m_szCurrent == 0 && m_pInfo == nullptr) {
-            return true;
-        }
+    if (*m_szCurrent == 0) {
+        return true;
+    }
+    do {
         if (!(*m_szCurrent != 0 ? AppendCurrent() : RepairLast())) {
             return false;
         }
-    }
+    } while (!m_pInfo->m_bTerminator);
     return true;
 }
 

@@ -141,26 +141,24 @@ void CChainResync::TakeFreshEnd()
     if (pEnd == nullptr) {
         return;
     }
-    if (!pEnd->m_bIsIncompatible) {
-        PlaceEnd(*pEnd);
+    if (pEnd->m_bIsIncompatible || PlaceEnd(*pEnd)) {
+        m_own.WriteOutListToRegistry();
     }
-    m_own.WriteOutListToRegistry();
 }
 
-void CChainResync::PlaceEnd(const CGinaChainingInfoObject& end)
+bool CChainResync::PlaceEnd(const CGinaChainingInfoObject& end)
 {
-    m_chain.End();
     const WCHAR* szGinaDLL = NameOf(*m_freshChain.m_pHead);
     if (!end.m_bTerminator) {
-        InsertLink(m_chain, szGinaDLL);
-        return;
+        m_chain.End();
+        return InsertLink(m_chain, szGinaDLL);
     }
     const CGinaChainingInfoObject* pLast = FindGina(*m_own.m_pKnownGinaList, NameOf(*m_chain.m_pTail));
     if (pLast == nullptr || pLast->m_bTerminator) {
-        m_chain.SetItem(MakeLink(m_chain, szGinaDLL).get());
-    } else {
-        Append(m_chain, MakeLink(m_chain, szGinaDLL));
+        return ReplaceLast(m_chain, szGinaDLL);
     }
+    Append(m_chain, MakeLink(m_chain, szGinaDLL));
+    return true;
 }
 
 void CChainResync::RemoveFromChain(const CGinaLink& link)

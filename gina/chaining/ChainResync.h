@@ -32,7 +32,7 @@ private:
     bool IsHostInFreshChain() const noexcept;
     void TakeFreshChain();
     void TakeFreshEnd();
-    void PlaceEnd(const CGinaChainingInfoObject& end);
+    bool PlaceEnd(const CGinaChainingInfoObject& end);
     void RemoveFromChain(const CGinaLink& link);
 
     CRegistryManager& m_own;

@@ -9,10 +9,16 @@ constexpr WCHAR TXT_EMPTY[] = TEXT("Chaining list is empty");
 
 /// Winlogon falls back to its own GINA when there is no such value. It is not read first: one that cannot be
 /// read has to go, too.
-void DeleteGinaDLL()
+void DeleteGinaDLL() noexcept
 {
-    OpenMachineValue<CRegistryString>(LUM_GINA_ORIGIN, WINLOGON_KEY, WINLOGON_GINA_DLL, false, false)
-        ->DeleteRegistryValue();
+    try {
+        OpenMachineValue<CRegistryString>(LUM_GINA_ORIGIN, WINLOGON_KEY, WINLOGON_GINA_DLL, false, false)
+            ->DeleteRegistryValue();
+    } catch (...) {
+        if (!IsHandling<CMessage>()) {
+            CWarning(LUM_GINA_ORIGIN, ERR_UNHANDLED_EXCEPTION);
+        }
+    }
 }
 
 } // namespace
@@ -20,8 +26,8 @@ void DeleteGinaDLL()
 void WriteChain(CKnownGinaList& knownGinas, const CGinaChain& chain, CWinlogonRegistry& winlogonRegistry)
 {
     if (chain.m_pHead == nullptr) {
-        CWarning(LUM_GINA_ORIGIN, TXT_EMPTY);
         DeleteGinaDLL();
+        CWarning(LUM_GINA_ORIGIN, TXT_EMPTY);
         return;
     }
     winlogonRegistry.SetGinaDLL(NameOf(*chain.m_pHead));

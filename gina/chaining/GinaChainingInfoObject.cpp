@@ -89,32 +89,40 @@ void CGinaChainingInfoObject::Describe(const CChainingRecord& record)
         return;
     }
     try {
-        OpenOldGinaDLL(false);
+        m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey.c_str(),
+                                                          m_szOldGinaDLLKey.c_str(), false, true);
     } catch (...) {
-        // Most of the GINAs that are known are not installed.
-        IsHandling<CMessage>();
+        // Most of the GINAs that are known are not installed. A shortage of memory says nothing of a GINA.
+        if (!IsHandling<CUnableToOpenRegistryKeyException>() &&
+            !IsHandling<CUnableToReadRegistryException>() && !IsHandling<CBadArgException>())
+        {
+            throw;
+        }
     }
 }
 
-void CGinaChainingInfoObject::OpenOldGinaDLL(bool bCreate)
+/// Makes the value where it is missing. One that cannot be read, too long maybe, can still be written.
+void CGinaChainingInfoObject::MakeOldGinaDLL()
 {
-    m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey.c_str(), m_szOldGinaDLLKey.c_str(),
-                                                      bCreate, true);
+    m_pOldGinaDLL =
+        OpenMachineValue<CRegistryString>(*this, m_szSubKey.c_str(), m_szOldGinaDLLKey.c_str(), true, false);
+    try {
+        m_pOldGinaDLL->ReadRegistry();
+    } catch (CUnableToReadRegistryException& exception) {
+        exception.WriteIfUnwritten();
+    }
 }
 
-/// A GINA that has been installed anew has another key than the one that is open, to which no write gets
-/// through any more.
-void CGinaChainingInfoObject::ReopenOldGinaDLL()
+/// Whether the value is open. A GINA that has been installed anew has another key than the one that was
+/// open, to which no write gets through any more.
+bool CGinaChainingInfoObject::ReopenOldGinaDLL(const COperation& op) noexcept
 {
     try {
-        if (m_pOldGinaDLL != nullptr && m_pOldGinaDLL->OpenKey()) {
-            return;
-        }
+        return m_pOldGinaDLL != nullptr && m_pOldGinaDLL->OpenKey();
     } catch (...) {
-        IsHandling<CMessage>();
+        Absorb<CMessage>()(op);
+        return false;
     }
-    m_pOldGinaDLL.reset();
-    OpenOldGinaDLL(true);
 }
 
 bool CGinaChainingInfoObject::operator==(const WCHAR* szGinaDLL) const noexcept
@@ -149,9 +157,9 @@ void CGinaChainingInfoObject::SetOldGinaDLL(const WCHAR* szValue) noexcept
         if (m_bTerminator) {
             return;
         }
-        // For null nothing may be written, so nothing is made either.
-        if (szValue != nullptr) {
-            ReopenOldGinaDLL();
+        // For null, which the value refuses, nothing may be made either.
+        if (szValue != nullptr && !ReopenOldGinaDLL(op)) {
+            MakeOldGinaDLL();
         }
         if (m_pOldGinaDLL != nullptr) {
             m_pOldGinaDLL->SetRegistryString(szValue, true);

@@ -61,6 +61,6 @@ private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaChainingInfoObject");
 
     void Describe(const CChainingRecord& record);
-    void OpenOldGinaDLL(bool bCreate);
-    void ReopenOldGinaDLL();
+    void MakeOldGinaDLL();
+    bool ReopenOldGinaDLL(const COperation& op) noexcept;
 };

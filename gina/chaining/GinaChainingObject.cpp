@@ -25,21 +25,31 @@ const WCHAR* NameOf(const CMessageOrigin& origin, const CGinaChainingObject* pGi
 
 } // namespace
 
-CGinaChainingObject::CGinaChainingObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const WCHAR* szGinaDLL)
-try : CGlobalObject(szAPPArg, szMTMArg), m_szGinaDLL(CopyName(*this, szGinaDLL, TEXT("szGinaDLL"))) {
+/// What both constructors do.
+template <typename GetName>
+void CGinaChainingObject::TakeName(GetName getName)
+{
     const CConstructionTrace trace(*this, s_szClass);
-} catch (...) {
-    FailConstruction<CGinaChainingObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
+    try {
+        m_szGinaDLL = getName();
+    } catch (...) {
+        FailConstruction<CGinaChainingObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
+    }
+}
+
+CGinaChainingObject::CGinaChainingObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const WCHAR* szGinaDLL)
+    : CGlobalObject(szAPPArg, szMTMArg)
+{
+    TakeName([&] { return CopyName(*this, szGinaDLL, TEXT("szGinaDLL")); });
 }
 
 CGinaChainingObject::CGinaChainingObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg,
                                          const CGinaChainingObject* pGinaChainingObject)
-try : CGlobalObject(szAPPArg, szMTMArg),
-    m_szGinaDLL(CopyName(*this, NameOf(*this, pGinaChainingObject), TEXT("pGinaChainingObject->szGinaDLL")))
+    : CGlobalObject(szAPPArg, szMTMArg)
 {
-    const CConstructionTrace trace(*this, s_szClass);
-} catch (...) {
-    FailConstruction<CGinaChainingObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
+    TakeName([&] {
+        return CopyName(*this, NameOf(*this, pGinaChainingObject), TEXT("pGinaChainingObject->szGinaDLL"));
+    });
 }
 
 CGinaChainingObject::~CGinaChainingObject()

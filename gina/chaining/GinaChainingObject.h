@@ -30,4 +30,7 @@ protected:
 
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaChainingObject");
+
+    template <typename GetName>
+    void TakeName(GetName getName);
 };

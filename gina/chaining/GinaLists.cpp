@@ -19,6 +19,12 @@ bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL)
     return bInserted;
 }
 
+bool ReplaceLast(CGinaChain& chain, const WCHAR* szGinaDLL)
+{
+    chain.End();
+    return chain.SetItem(MakeLink(chain, szGinaDLL).get());
+}
+
 const WCHAR* NameOf(const CGinaLink& link) noexcept
 {
     return link.m_pItem->m_szGinaDLL.c_str();
@@ -49,7 +55,7 @@ CGinaChainingInfoObject* FindGina(CKnownGinaList& knownGinas, const WCHAR* szGin
     return knownGinas.MoveTo(szGinaDLL) && knownGinas.GetItem(pInfo) ? pInfo : nullptr;
 }
 
-CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL) noexcept
+CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL)
 {
     try {
         const auto pRecord =
@@ -59,8 +65,10 @@ CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGi
         return &Append(knownGinas, std::make_unique<CGinaChainingInfoObject>(
                                        knownGinas.szAPP, knownGinas.szMTM, szGinaDLL, szRecord));
     } catch (...) {
-        if (!IsHandling<CMessage>()) {
-            CWarning(LUM_GINA_ORIGIN, ERR_UNHANDLED_EXCEPTION);
+        if (!IsHandling<CUnableToOpenRegistryKeyException>() &&
+            !IsHandling<CUnableToReadRegistryException>() && !IsHandling<CBadArgException>())
+        {
+            throw;
         }
         return nullptr;
     }

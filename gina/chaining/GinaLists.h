@@ -29,6 +29,9 @@ bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL);
 
 const WCHAR* NameOf(const CGinaLink& link) noexcept;
 
+/// Puts a new link in the place of the last one. False when there is no memory; throws as MakeLink.
+bool ReplaceLast(CGinaChain& chain, const WCHAR* szGinaDLL);
+
 /// Whether a GINA of that name is in the chain. Not to be is nothing to warn of, and the cursor stays.
 bool IsInChain(const CGinaChain& chain, const WCHAR* szGinaDLL) noexcept;
 
@@ -39,5 +42,5 @@ void AddKnownGinas(CKnownGinaList& knownGinas);
 CGinaChainingInfoObject* FindGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL);
 
 /// Looks for a chaining record of that name and appends what it says. Null when there is none that can be
-/// read; why is reported.
-CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL) noexcept;
+/// read or is none; why is reported. Throws when there is no memory.
+CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL);

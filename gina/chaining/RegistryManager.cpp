@@ -63,15 +63,23 @@ try : CGlobalObject(szAPPArg, szMTMArg), m_pWinlogonRegistry(pWinlogonRegistry),
     RequireArgument(*this, pWinlogonRegistry, TEXT("pWinlogonRegistry"));
     m_pKnownGinaList = MakeList<CKnownGinaList>(*this, TEXT("m_pKnownGinaList"));
     m_pGinaChainingList = MakeList<CGinaChain>(*this, TEXT("m_pGinaChainingList"));
-    AddKnownGinas(*m_pKnownGinaList);
-    CChainBuilder builder(*m_pKnownGinaList, *m_pGinaChainingList, *pWinlogonRegistry, bNoRepair);
-    m_bChainIncomplete = !builder.Build();
+    BuildLists(bNoRepair);
 } catch (...) {
-    const CMessageOrigin origin{szAPPArg, szMTMArg};
-    if (!IsHandling<CBadArgException>() && !IsHandling<CMemAllocException>()) {
-        CWarning(origin, ERR_UNHANDLED_EXCEPTION);
+    FailConstruction<CRegistryManagerInitException, CBadArgException, CMemAllocException>(
+        {szAPPArg, szMTMArg});
+}
+
+void CRegistryManager::BuildLists(bool bNoRepair)
+{
+    try {
+        AddKnownGinas(*m_pKnownGinaList);
+        CChainBuilder builder(*m_pKnownGinaList, *m_pGinaChainingList, *m_pWinlogonRegistry, bNoRepair);
+        m_bChainIncomplete = !builder.Build();
+    } catch (...) {
+        IsHandling<CMessage>();
+        CWarning(*this, ERR_UNHANDLED_EXCEPTION);
+        throw CRegistryManagerInitException(*this);
     }
-    FailConstruction<CRegistryManagerInitException, CBadArgException>(origin);
 }
 
 CRegistryManager::~CRegistryManager()
@@ -118,7 +126,7 @@ bool CRegistryManager::Place(const WCHAR* szGinaDLL, const WCHAR* szInsertBefore
         chain.Begin();
         return InsertLink(chain, szGinaDLL);
     }
-    return PlaceLast(info);
+    return PlaceLast(szGinaDLL, info.m_bTerminator);
 }
 
 CGinaChainingInfoObject& CRegistryManager::NeedKnown(const WCHAR* szGinaDLL)
@@ -134,18 +142,19 @@ CGinaChainingInfoObject& CRegistryManager::NeedKnown(const WCHAR* szGinaDLL)
 }
 
 /// A terminator keeps the end of the chain to itself.
-bool CRegistryManager::PlaceLast(const CGinaChainingInfoObject& info)
+bool CRegistryManager::PlaceLast(const WCHAR* szGinaDLL, bool bTerminator)
 {
     CGinaChain& chain = *m_pGinaChainingList;
-    chain.End();
     const CGinaChainingInfoObject* pLast = FindGina(*m_pKnownGinaList, NameOf(*chain.m_pTail));
-    const WCHAR* szGinaDLL = info.m_szGinaDLL.c_str();
     if (pLast == nullptr || !pLast->m_bTerminator) {
         Append(chain, MakeLink(chain, szGinaDLL));
         return true;
     }
-    return info.m_bTerminator ? chain.SetItem(MakeLink(chain, szGinaDLL).get())
-                              : InsertLink(chain, szGinaDLL);
+    if (bTerminator) {
+        return ReplaceLast(chain, szGinaDLL);
+    }
+    chain.End();
+    return InsertLink(chain, szGinaDLL);
 }
 
 bool CRegistryManager::RemoveGinaFromChainingList(const WCHAR* szGinaDLL) noexcept

@@ -17,7 +17,8 @@ class CRegistryManager : public CGlobalObject
 public:
     /// Builds both lists from the registry. The two registries are not owned and must outlive the object.
     /// bNoRepair: write nothing while reading the chain. Throws CBadArgException for a null registry,
-    /// CRegistryManagerInitException for any other failure.
+    /// CMemAllocException when there is no memory for a list, CRegistryManagerInitException for any other
+    /// failure.
     CRegistryManager(const WCHAR* szAPPArg, const WCHAR* szMTMArg, CLUMRegistry* pLUMRegistry,
                      CWinlogonRegistry* pWinlogonRegistry, bool bNoRepair);
     ~CRegistryManager();
@@ -67,6 +68,7 @@ public:
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CRegistryManager");
 
+    void BuildLists(bool bNoRepair);
     template <typename Body>
     bool RunChange(CTracePoint point, Body body) noexcept;
     template <typename Body>
@@ -74,6 +76,6 @@ private:
     bool IsEqual(const CRegistryManager& other) const;
 
     bool Place(const WCHAR* szGinaDLL, const WCHAR* szInsertBefore, bool bAtFront);
-    bool PlaceLast(const CGinaChainingInfoObject& info);
+    bool PlaceLast(const WCHAR* szGinaDLL, bool bTerminator);
     CGinaChainingInfoObject& NeedKnown(const WCHAR* szGinaDLL);
 };
