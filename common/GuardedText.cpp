@@ -5,11 +5,32 @@
 #include "Exceptions.h"
 #include "platform/FaultGuard.h"
 
-std::size_t MeasureText(const CMessageOrigin& origin, const WCHAR* szText, CSourceLocation where)
+namespace {
+
+using Traits = std::char_traits<WCHAR>;
+
+template <typename Body>
+auto RunOnText(const CMessageOrigin& origin, CSourceLocation where, Body body)
 {
     try {
-        return GuardedCall([szText] { return std::char_traits<WCHAR>::length(szText); });
+        return GuardedCall(body);
     } catch (const CForeignFault&) {
         throw CWcscpyException(origin, where);
     }
+}
+
+} // namespace
+
+std::size_t MeasureText(const CMessageOrigin& origin, const WCHAR* szText, CSourceLocation where)
+{
+    return RunOnText(origin, where, [=] { return Traits::length(szText); });
+}
+
+void CopyToBuffer(const CMessageOrigin& origin, WCHAR* szBuffer, const WCHAR* szText, std::size_t cchText,
+                  CSourceLocation where)
+{
+    RunOnText(origin, where, [=] {
+        Traits::copy(szBuffer, szText, cchText);
+        szBuffer[cchText] = 0;
+    });
 }

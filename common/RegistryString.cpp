@@ -27,9 +27,9 @@ try : CRegistryValue(szAPPArg, szMTMArg, hKeyRoot, szSubKey, szValueName, samDes
         throw CRegistryStringInitException(*this);
     }
 } catch (...) {
-    FailConstruction<CRegistryStringInitException, CRegistryStringInitException, CBadArgException,
-                     CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException,
-                     CUnableToReadRegistryException>({szAPPArg, szMTMArg});
+    FailConstruction<CRegistryStringInitException, CBadArgException, CUnableToOpenRegistryKeyException,
+                     CUnableToCreateRegistryKeyException, CUnableToReadRegistryException>(
+        {szAPPArg, szMTMArg});
 }
 
 CRegistryString::~CRegistryString()
@@ -54,8 +54,7 @@ bool CRegistryString::GetRegistryString(WCHAR* szDest, DWORD cchDest, bool bRefr
                 op.Warn(ERR_STRING_TOO_LONG);
                 cchCopy = cchDest - 1;
             }
-            Traits::copy(szDest, m_szRegString, cchCopy);
-            szDest[cchCopy] = 0;
+            CopyToBuffer(*this, szDest, m_szRegString, cchCopy);
             return true;
         },
         FailureWarning::UnlessRaised);

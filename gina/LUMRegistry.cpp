@@ -127,6 +127,17 @@ CLUMRegistry::CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg) : CGlob
 CLUMRegistry::~CLUMRegistry()
 {
     const CDestructionTrace trace(*this, s_szClass);
+    const auto destroy = [this](const WCHAR* szMember, auto& member) {
+        DeleteVariable(*this, szMember, [&] { member = {}; });
+    };
+    destroy(TEXT("m_szPlugins"), m_szPlugins);
+    destroy(TEXT("m_pPlugins"), m_pPlugins);
+    destroy(TEXT("m_pGinaDLL"), m_pGinaDLL);
+    destroy(TEXT("m_pEnabled"), m_pEnabled);
+    destroy(TEXT("m_pInstanceCount"), m_pInstanceCount);
+    destroy(TEXT("m_pRegistryMonitorInterval"), m_pRegistryMonitorInterval);
+    destroy(TEXT("m_pPipeInterval"), m_pPipeInterval);
+    destroy(TEXT("m_pTimeout"), m_pTimeout);
 }
 
 template <typename OnException, typename Body>
@@ -153,13 +164,13 @@ bool CLUMRegistry::ParsePlugins() noexcept
 bool CLUMRegistry::Parse()
 {
     m_szPlugins.clear();
-    Text plugins;
-    if (!ReadPlugins(plugins) || plugins.empty()) {
+    CPluginsText plugins;
+    if (!ReadPlugins(plugins) || *plugins.sz == 0) {
         CNoPluginsNotification{LUM_GINA_ORIGIN};
         return true;
     }
     try {
-        m_szPlugins = SplitPlugins(plugins);
+        m_szPlugins = SplitPlugins(plugins.sz);
     } catch (const std::bad_alloc&) {
         throw CMemAllocException(*this, TEXT("m_szPlugins"));
     }
@@ -167,15 +178,10 @@ bool CLUMRegistry::Parse()
 }
 
 /// The value as it stands in the registry.
-bool CLUMRegistry::ReadPlugins(Text& plugins)
+bool CLUMRegistry::ReadPlugins(CPluginsText& plugins)
 {
-    WCHAR szPlugins[CRegistryString::MAX_CHARACTERS + 1] = {};
     CRegistryString& value = Needed(*this, m_pPlugins, PLUGINS.szValueName);
-    if (!value.GetRegistryString(szPlugins, CRegistryString::MAX_CHARACTERS + 1, true)) {
-        return false;
-    }
-    plugins = szPlugins;
-    return true;
+    return value.GetRegistryString(plugins.sz, CRegistryString::MAX_CHARACTERS + 1, true);
 }
 
 /// Writes what build() makes.
@@ -236,11 +242,12 @@ bool CLUMRegistry::Add(const WCHAR* szPlugin)
     if (IsPluginListed(szPlugin)) {
         return true;
     }
-    Text szOldPlugins;
-    if (!ReadPlugins(szOldPlugins)) {
+    CPluginsText oldPlugins;
+    if (!ReadPlugins(oldPlugins)) {
         return true;
     }
-    WritePlugins([&] { return szOldPlugins.empty() ? Text(szPlugin) : szOldPlugins + SEPARATOR + szPlugin; });
+    WritePlugins(
+        [&] { return *oldPlugins.sz == 0 ? Text(szPlugin) : Text(oldPlugins.sz) + SEPARATOR + szPlugin; });
     ParsePlugins();
     return true;
 }
@@ -256,12 +263,12 @@ bool CLUMRegistry::Remove(const WCHAR* szPlugin)
     if (!IsPluginListed(szPlugin)) {
         return true;
     }
-    Text szOldPlugins;
-    if (!ReadPlugins(szOldPlugins)) {
+    CPluginsText oldPlugins;
+    if (!ReadPlugins(oldPlugins)) {
         return false;
     }
     WritePlugins([&] {
-        TextList entries = SplitPlugins(szOldPlugins);
+        TextList entries = SplitPlugins(oldPlugins.sz);
         const auto position = FindPlugin(entries, szPlugin);
         if (position != entries.end()) {
             entries.erase(position);

@@ -66,6 +66,10 @@ private:
     static constexpr const WCHAR* s_szClass = TEXT("CLUMRegistry");
 
     using Text = std::basic_string<WCHAR>;
+    struct CPluginsText
+    {
+        WCHAR sz[CRegistryString::MAX_CHARACTERS + 1] = {};
+    };
 
     /// Every operation runs so: the lock is held while its body works on values and the parsed list.
     template <typename OnException, typename Body>
@@ -80,7 +84,7 @@ private:
     bool Parse();
     bool Add(const WCHAR* szPlugin);
     bool Remove(const WCHAR* szPlugin);
-    bool ReadPlugins(Text& plugins);
+    bool ReadPlugins(CPluginsText& plugins);
     template <typename Build>
     void WritePlugins(Build build);
 

@@ -8,3 +8,8 @@
 /// pointer in its record. Throws CWcscpyException when it cannot be read.
 std::size_t MeasureText(const CMessageOrigin& origin, const WCHAR* szText,
                         CSourceLocation where = CSourceLocation::Current());
+
+/// Copies cchText characters into a buffer that a caller has given, and terminates them. Throws
+/// CWcscpyException when it cannot be written.
+void CopyToBuffer(const CMessageOrigin& origin, WCHAR* szBuffer, const WCHAR* szText, std::size_t cchText,
+                  CSourceLocation where = CSourceLocation::Current());

@@ -273,7 +273,7 @@ public:
     /// A query whose meaning lies between a client and the plugin, as have the three values. [control]
     /// [loaded] [bool]
     ///
-    /// pPluginInfo [lent]: the client's record, which the client gets back.
+    /// pPluginInfo [lent]: the client's record; of the answer the client gets the result only.
     virtual bool QueryPlugin(CGinaPluginInfo* /*pPluginInfo*/, DWORD /*dwQueryParam1*/,
                              DWORD /*dwQueryParam2*/, DWORD /*dwQueryParam3*/)
     {
