@@ -5,6 +5,7 @@
 
 #include "CompareNames.h"
 #include "Exceptions.h"
+#include "GuardedText.h"
 #include "Operation.h"
 
 namespace {
@@ -60,6 +61,7 @@ void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion
     require(dwUsingLUMVersion != 0, TEXT("dwUsingLUMVersion"));
     require(*szGinaDLLName != 0, TEXT("szGinaDLLName"));
 
+    m_szGinaDLLName = szGinaDLLName;
     CGinaPluginInfo info(szAPP, szMTM);
     info.m_dwWlxVersion = dwUsingWlxVersion;
     info.m_dwLUMVersion = dwUsingLUMVersion;
@@ -67,24 +69,45 @@ void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion
     m_pGinaPluginContext->SetGinaPluginInfo(info);
 }
 
+/// The name in the record, by which others know the object. A plugin writes to its record, and may have left
+/// any pointer there; then it is the name that the DLL was loaded by.
+std::basic_string<WCHAR> CGinaObject::GetRecordedName() const
+{
+    const WCHAR* szRecorded = GetPluginInfo().m_szGinaDLL;
+    try {
+        return szRecorded != nullptr ? std::basic_string<WCHAR>(szRecorded, MeasureText(*this, szRecorded))
+                                     : m_szGinaDLLName;
+    } catch (CWcscpyException& exception) {
+        exception.WriteIfUnwritten();
+        return m_szGinaDLLName;
+    }
+}
+
+template <typename GetName>
+bool CGinaObject::IsNamed(CTracePoint point, GetName getName) const noexcept
+{
+    const COperation op(*this, s_szClass, point);
+    const auto body = [&] { return EqualNames(GetRecordedName().c_str(), getName()); };
+    return op.Run(Absorb<>(), body, FailureWarning::Never);
+}
+
 bool CGinaObject::operator==(const CGinaObject& other) const noexcept
 {
-    const COperation op(*this, s_szClass, TEXT("operator=="));
-    return op.Run(
-        Absorb<>(), [&] { return EqualNames(GetGinaDLLName(), other.GetGinaDLLName()); },
-        FailureWarning::Never);
+    std::basic_string<WCHAR> szOther;
+    return IsNamed(TEXT("operator=="), [&] {
+        szOther = other.GetRecordedName();
+        return szOther.c_str();
+    });
 }
 
 bool CGinaObject::operator==(const WCHAR* szGinaDLL) const noexcept
 {
-    const COperation op(*this, s_szClass, TEXT("operator=="));
-    return op.Run(
-        Absorb<>(), [&] { return EqualNames(GetGinaDLLName(), szGinaDLL); }, FailureWarning::Never);
+    return IsNamed(TEXT("operator=="), [=] { return szGinaDLL; });
 }
 
 const WCHAR* CGinaObject::GetGinaDLLName() const noexcept
 {
-    return GetPluginInfo().m_szGinaDLL;
+    return m_szGinaDLLName.c_str();
 }
 
 void CGinaObject::LoadGinaDLL()

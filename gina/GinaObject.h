@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include <windows.h>
 #include "WlxInterface.h"
 
@@ -75,7 +77,7 @@ public:
                                   PVOID pEnvironment, PWSTR pszCmdLine) = 0;
     virtual int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) = 0;
 
-    /// Whether both are of the same DLL name; letter case does not count.
+    /// Whether both have the same DLL name in their records; letter case does not count.
     bool operator==(const CGinaObject& other) const noexcept;
     bool operator==(const WCHAR* szGinaDLL) const noexcept;
 
@@ -163,8 +165,15 @@ protected:
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaObject");
 
+    template <typename GetName>
+    bool IsNamed(CTracePoint point, GetName getName) const noexcept;
+    std::basic_string<WCHAR> GetRecordedName() const;
+
     void CreateContext(HINSTANCE hInstance);
     void StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
+
+    /// The host's own: no plugin can reach it. Behind what plugins read.
+    std::basic_string<WCHAR> m_szGinaDLLName;
 };
 
 /// The list destroys its objects through their first slot, as anyone must.

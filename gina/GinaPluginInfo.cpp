@@ -31,11 +31,11 @@ CGinaPluginInfo::~CGinaPluginInfo()
 
 CGinaPluginInfo& CGinaPluginInfo::operator=(const CGinaPluginInfo& other) noexcept
 {
-    if (this == &other) {
-        return *this;
-    }
     const COperation op(*this, CLASS_NAME, TEXT("operator="));
     op.Run(Absorb<>(), [&] {
+        if (this == &other) {
+            return;
+        }
         const auto copyText = [&](WCHAR*& szText, const WCHAR* szSource, const WCHAR* szVariable) {
             try {
                 Replace(szText, szSource, szVariable);

@@ -114,6 +114,7 @@ void CLUMGina::AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion)
                                    szGinaDLL, LUM_INTERFACE_VERSION, dwWinlogonVersion);
     if (!list.Add(pGinaObject, 0)) {
         DestroyListItem(pGinaObject);
+        throw CMemAllocException(LUM_GINA_ORIGIN, TEXT("pGinaObject"));
     }
 }
 
