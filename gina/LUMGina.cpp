@@ -204,8 +204,8 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
         const DWORD dwInstanceCount = ReadSetting(&CLUMRegistry::GetInstanceCount, 1);
         InitializeObjects([&](CGinaObject& object) {
             const CCallGate::CCall call(m_gate);
-            return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved, pWinlogonFunctions,
-                                     pWlxContext, 0, 0);
+            return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
+                                     pWinlogonFunctions, pWlxContext, 0, 0);
         });
         SetWinlogonTimeout(hWlx);
         return m_pGinaObjectList->m_dwCount != 0;

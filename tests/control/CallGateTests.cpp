@@ -1,0 +1,141 @@
+#include <atomic>
+#include <memory>
+#include <thread>
+
+#include "CallGate.h"
+#include "Failures.h"
+#include "TestMachine.h"
+#include "platform/FaultGuard.h"
+
+namespace {
+
+constexpr DWORD LONG_TIME = 60'000;
+
+bool CanClose(CCallGate& gate, DWORD dwMilliseconds = 0)
+{
+    return CCallGate::CClosing(gate, dwMilliseconds).IsClosed();
+}
+
+/// What f() gives on a thread of its own, which has ended by then.
+template <typename F>
+bool OnOtherThread(F f)
+{
+    bool bResult = false;
+    std::thread([&] { bResult = f(); }).join();
+    return bResult;
+}
+
+class CallGate : public CTestMachine
+{
+protected:
+    CCallGate gate;
+};
+
+TEST_F(CallGate, ClosesOnceTheCallsInFlightHaveEnded)
+{
+    EXPECT_TRUE(CanClose(gate));
+    std::atomic<bool> bEnded{false};
+    auto pCall = std::make_unique<CCallGate::CCall>(gate);
+    std::thread closer([&] {
+        EXPECT_FALSE(CanClose(gate, 20));
+        const CCallGate::CClosing closing(gate, LONG_TIME);
+        EXPECT_TRUE(closing.IsClosed());
+        EXPECT_TRUE(bEnded);
+    });
+    // Calls from within the call pass, however often, while the other thread waits.
+    const DWORD dwStart = GetTickCount();
+    while (GetTickCount() - dwStart < 100) {
+        const CCallGate::CCall nested(gate);
+    }
+    bEnded = true;
+    pCall.reset();
+    closer.join();
+    EXPECT_TRUE(CanClose(gate));
+}
+
+TEST_F(CallGate, NewCallsWaitForAChange)
+{
+    std::atomic<bool> bOpen{false};
+    std::thread caller;
+    {
+        const CCallGate::CClosing closing(gate, 0);
+        ASSERT_TRUE(closing.IsClosed());
+        EXPECT_FALSE(OnOtherThread([&] { return CanClose(gate, LONG_TIME); })) << "one change at a time";
+        // The thread of the change itself would wait for ever.
+        const CCallGate::CCall own(gate);
+        caller = std::thread([&] {
+            const CCallGate::CCall call(gate);
+            EXPECT_TRUE(bOpen);
+        });
+        Sleep(50);
+        bOpen = true;
+    }
+    caller.join();
+}
+
+TEST_F(CallGate, AChangeFromWithinACallFailsAtOnce)
+{
+    const CCallGate::CCall call(gate);
+    const DWORD dwStart = GetTickCount();
+    EXPECT_FALSE(CanClose(gate, LONG_TIME));
+    EXPECT_FALSE(gate.Change([] { return true; }, [] { return true; }));
+    EXPECT_LT(GetTickCount() - dwStart, CCallGate::CHANGE_MILLISECONDS);
+    EXPECT_EQ(1, Count("[WARNING] Calls are under way. The GINA object list was not changed"));
+    EXPECT_TRUE(gate.Add([] { return true; })) << "an addition disturbs no call";
+}
+
+TEST_F(CallGate, AChangeIsAskedForBeforeAndAfterTheWait)
+{
+    int nAsked = 0;
+    const auto allowed = [&] { return ++nAsked != 2; };
+    EXPECT_FALSE(gate.Change(allowed, [] { return true; }));
+    EXPECT_EQ(2, nAsked);
+    {
+        // What is not allowed does not even wait.
+        nAsked = 1;
+        const CCallGate::CCall call(gate);
+        EXPECT_FALSE(gate.Change(allowed, [] { return true; }));
+        EXPECT_TRUE(Log().empty());
+    }
+    EXPECT_FALSE(gate.Change([] { return true; }, [] { return false; }));
+    EXPECT_TRUE(gate.Change([] { return true; }, [] { return true; }));
+    EXPECT_TRUE(CanClose(gate));
+}
+
+TEST_F(CallGate, AFaultThatCutsFramesOffLeavesNothingBehind)
+{
+    const auto fault = [] { Fail(StandinFailure::ReadNull, 0); };
+    const auto survive = [&](auto call) {
+        const CCallGate::CThreadDepth depth(gate);
+        EXPECT_THROW(GuardedCall(call), CForeignFault);
+        depth.Restore();
+    };
+    const auto isWhole = [&] { return OnOtherThread([&] { return gate.Look([] { return true; }); }); };
+
+    survive([&] {
+        const CCallGate::CCall call(gate);
+        const CCallGate::CCall nested(gate);
+        gate.Look([&] { gate.Look(fault); });
+    });
+    EXPECT_TRUE(isWhole());
+    EXPECT_TRUE(CanClose(gate));
+
+    survive([&] {
+        const CCallGate::CClosing closing(gate, 0);
+        fault();
+    });
+    EXPECT_TRUE(OnOtherThread([&] { return CanClose(gate); }));
+
+    // An outer call, in flight before, stays.
+    const CCallGate::CCall outer(gate);
+    survive([&] {
+        const CCallGate::CCall call(gate);
+        fault();
+    });
+    EXPECT_FALSE(OnOtherThread([&] { return CanClose(gate); }));
+    const CCallGate::CThreadDepth depth(gate);
+    depth.Restore();
+    EXPECT_FALSE(OnOtherThread([&] { return CanClose(gate); })) << "nothing to restore";
+}
+
+} // namespace
