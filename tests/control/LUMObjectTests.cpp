@@ -30,6 +30,7 @@ protected:
         EXPECT_TRUE(Initialize());
         for (const CPluginDriver& plugin : plugins) {
             plugin->Reset();
+            plugin->SetCounter(&m_nCounter);
         }
         ClearLog();
     }
