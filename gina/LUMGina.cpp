@@ -6,7 +6,7 @@
 #include "Exceptions.h"
 #include "GinaPluginObject.h"
 #include "GinaStandardObject.h"
-#include "HostMember.h"
+#include "Needed.h"
 
 // Construction, negotiation and initialisation of the host; its dispatch is in LUMGinaDispatch.cpp.
 
@@ -266,7 +266,8 @@ void CLUMGina::InitializeObjects(Initialize initialize)
     }
 }
 
-/// Destroys its object outside the lock: the DLL runs once more when it is freed.
+/// Its object is destroyed outside the lock: the DLL runs once more when it is freed. Stays when
+/// another thread is in a call that does not end; while the system starts there is no other thread.
 void CLUMGina::RemoveNode(GinaNode* pNode)
 {
     CGinaObjectList& list = *m_pGinaObjectList;
