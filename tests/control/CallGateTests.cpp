@@ -1,10 +1,9 @@
-#include <atomic>
 #include <memory>
-#include <thread>
 
 #include "CallGate.h"
 #include "Failures.h"
 #include "TestMachine.h"
+#include "Thread.h"
 #include "platform/FaultGuard.h"
 
 namespace {
@@ -21,7 +20,7 @@ template <typename F>
 bool OnOtherThread(F f)
 {
     bool bResult = false;
-    std::thread([&] { bResult = f(); }).join();
+    CThread([&] { bResult = f(); }).Join();
     return bResult;
 }
 
@@ -34,44 +33,43 @@ protected:
 TEST_F(CallGate, ClosesOnceTheCallsInFlightHaveEnded)
 {
     EXPECT_TRUE(CanClose(gate));
-    std::atomic<bool> bGivenUp{false};
-    std::atomic<bool> bEnded{false};
+    CHappening givenUp;
+    CHappening ended;
     auto pCall = std::make_unique<CCallGate::CCall>(gate);
-    std::thread closer([&] {
+    CThread closer([&] {
         EXPECT_FALSE(CanClose(gate, 20));
-        bGivenUp = true;
+        givenUp.Happen();
         const CCallGate::CClosing closing(gate, LONG_TIME);
         EXPECT_TRUE(closing.IsClosed());
-        EXPECT_TRUE(bEnded);
+        EXPECT_TRUE(ended.HasHappened());
     });
     // Calls from within the call pass, however often, while the other thread waits.
-    while (!bGivenUp) {
+    while (!givenUp.HasHappened()) {
         const CCallGate::CCall nested(gate);
     }
-    bEnded = true;
+    ended.Happen();
     pCall.reset();
-    closer.join();
+    closer.Join();
     EXPECT_TRUE(CanClose(gate));
 }
 
 TEST_F(CallGate, NewCallsWaitForAChange)
 {
-    std::atomic<bool> bOpen{false};
-    std::thread caller;
+    CHappening open;
+    std::unique_ptr<CThread> pCaller;
     {
         const CCallGate::CClosing closing(gate, 0);
         ASSERT_TRUE(closing.IsClosed());
         EXPECT_FALSE(OnOtherThread([&] { return CanClose(gate, LONG_TIME); })) << "one change at a time";
         // The thread of the change itself would wait for ever.
         const CCallGate::CCall own(gate);
-        caller = std::thread([&] {
+        pCaller = std::make_unique<CThread>([&] {
             const CCallGate::CCall call(gate);
-            EXPECT_TRUE(bOpen);
+            EXPECT_TRUE(open.HasHappened());
         });
         Sleep(50);
-        bOpen = true;
+        open.Happen();
     }
-    caller.join();
 }
 
 TEST_F(CallGate, AChangeFromWithinACallFailsAtOnce)

@@ -1,9 +1,7 @@
-#include <atomic>
 #include <functional>
-#include <future>
-#include <thread>
 
 #include "FailingAllocation.h"
+#include "Thread.h"
 #include "../sdk/PluginsInHost.h"
 
 namespace {
@@ -252,40 +250,35 @@ public:
     CStayingCall(CLUMGina& host, const CPluginDriver& plugin) : m_plugin(plugin)
     {
         plugin->SetHook(PluginCall::LoggedOnSAS, Stay, this);
-        m_winlogon = std::thread([&] {
+        m_pWinlogon = std::make_unique<CThread>([&] {
             m_nResult =
                 host.LUMWlxLoggedOnSAS(reinterpret_cast<PVOID>(1), WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
         });
-        m_inside.get_future().wait();
+        m_inside.Wait();
     }
-    ~CStayingCall()
-    {
-        if (m_winlogon.joinable()) {
-            End();
-        }
-    }
+    ~CStayingCall() { End(); }
 
     /// Gives its result.
     int End()
     {
         m_plugin->SetHook(PluginCall::LoggedOnSAS, nullptr, nullptr);
-        m_end.set_value();
-        m_winlogon.join();
+        m_end.Happen();
+        m_pWinlogon->Join();
         return m_nResult;
     }
 
 private:
     static void WINAPI Stay(void* pCall, const PluginRecord*)
     {
-        static_cast<CStayingCall*>(pCall)->m_inside.set_value();
-        static_cast<CStayingCall*>(pCall)->m_end.get_future().wait();
+        static_cast<CStayingCall*>(pCall)->m_inside.Happen();
+        static_cast<CStayingCall*>(pCall)->m_end.Wait();
     }
 
     const CPluginDriver& m_plugin;
-    std::promise<void> m_inside;
-    std::promise<void> m_end;
-    std::thread m_winlogon;
+    CHappening m_inside;
+    CHappening m_end;
     int m_nResult = 0;
+    std::unique_ptr<CThread> m_pWinlogon;
 };
 
 /// How long f() takes.
@@ -375,10 +368,10 @@ void WINAPI CallMeanwhile(void* pHost, const PluginRecord* pRecord)
     auto& host = *static_cast<CLUMGina*>(pHost);
     PVOID const pContext = reinterpret_cast<PVOID>(1);
     EXPECT_GT(PROMPT, Measure([&] {
-                  std::thread([&] {
+                  CThread([&] {
                       EXPECT_TRUE(host.LUMWlxIsLockOk(pContext));
                       host.LUMWlxShutdown(pContext, 0);
-                  }).join();
+                  }).Join();
               }))
         << "in " << static_cast<DWORD>(pRecord->call);
 }
@@ -402,17 +395,17 @@ TEST_F(DynamicPlugins, WhatAPluginDoesWhenItComesAndGoesHoldsNobodyUp)
 TEST_F(DynamicPlugins, ShutdownWaitsNoLongerThanAChange)
 {
     CStayingCall call(*host, plugins[0]);
-    std::atomic<bool> bShutDown{false};
-    std::thread control([&] {
-        while (!bShutDown) {
+    CHappening shutDown;
+    CThread control([&] {
+        while (!shutDown.HasHappened()) {
             EXPECT_FALSE(Remove(TEXT("test_plugin_b.dll")));
         }
     });
     for (int n = 0; n < 3; ++n) {
         EXPECT_GT(CCallGate::CHANGE_MILLISECONDS * 2, Measure([&] { host->LUMWlxShutdown(CONTEXT, 0); }));
     }
-    bShutDown = true;
-    control.join();
+    shutDown.Happen();
+    control.Join();
 }
 
 } // namespace

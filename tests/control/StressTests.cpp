@@ -1,14 +1,13 @@
 #include <algorithm>
-#include <atomic>
 #include <cstdlib>
 #include <deque>
 #include <random>
-#include <thread>
 
 #include "CountingPlugin.h"
 #include "LUMGina.h"
 #include "../gina/Standin.h"
 #include "TestMachine.h"
+#include "Thread.h"
 
 // Winlogon's calls and the control channel's operations at the same time, on real threads. How much of it:
 // LUM_STRESS_OPERATIONS, 2000 control operations unless it is set.
@@ -246,18 +245,18 @@ protected:
 TEST_F(Stress, CallsAndChangesMeetOnAllThreads)
 {
     CControlChannel control(*host, 1);
-    std::atomic<bool> bDone{false};
-    std::thread channel([&] {
+    CHappening done;
+    CThread channel([&] {
         for (int n = GetOperationCount(); n > 0 && !HasFailure(); --n) {
             control.Operate();
         }
-        bDone = true;
+        done.Happen();
     });
     int nCalls = 0;
-    while (!bDone) {
+    while (!done.HasHappened()) {
         Call(nCalls++);
     }
-    channel.join();
+    channel.Join();
     Call(0);
     ExpectChain(control);
     // A machine may be too busy to let a call end in time, but not as a rule.
@@ -269,9 +268,9 @@ TEST_F(Stress, CallsAndChangesMeetOnAllThreads)
 TEST_F(Stress, ShutdownIsPromptAtAnyMoment)
 {
     CControlChannel control(*host, 2);
-    std::atomic<bool> bDone{false};
-    std::thread channel([&] {
-        while (!bDone) {
+    CHappening done;
+    CThread channel([&] {
+        while (!done.HasHappened()) {
             control.Operate();
         }
     });
@@ -282,8 +281,8 @@ TEST_F(Stress, ShutdownIsPromptAtAnyMoment)
         EXPECT_LT(GetTickCount() - dwStart, CCallGate::CHANGE_MILLISECONDS);
         Sleep(static_cast<DWORD>(n % 3));
     }
-    bDone = true;
-    channel.join();
+    done.Happen();
+    channel.Join();
     ExpectChain(control);
 }
 
