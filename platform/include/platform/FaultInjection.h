@@ -17,6 +17,7 @@
 #define PLATFORM_CALLS(CALL) \
     CALL(CloseHandle) \
     CALL(CreateDirectoryW) \
+    CALL(CreateEventW) \
     CALL(CreateFileW) \
     CALL(CreateThread) \
     CALL(FreeLibrary) \
@@ -25,7 +26,9 @@
     CALL(LoadLibraryW) \
     CALL(LocalAlloc) \
     CALL(LocalFree) \
+    CALL(MsgWaitForMultipleObjects) \
     CALL(MultiByteToWideChar) \
+    CALL(PostThreadMessageW) \
     CALL(ReadFile) \
     CALL(RegCloseKey) \
     CALL(RegCreateKeyExW) \
@@ -35,6 +38,8 @@
     CALL(RegOpenKeyExW) \
     CALL(RegQueryValueExW) \
     CALL(RegSetValueExW) \
+    CALL(ResetEvent) \
+    CALL(SetEvent) \
     CALL(SetFilePointer) \
     CALL(WaitForSingleObject) \
     CALL(WideCharToMultiByte) \
