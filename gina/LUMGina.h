@@ -6,6 +6,7 @@
 #include "CallGate.h"
 #include "GinaContext.h"
 #include "GinaObject.h"
+#include "LUMRegMonitorThreadObject.h"
 #include "LUMRegistry.h"
 #include "Operation.h"
 #include "WinlogonObject.h"
@@ -63,12 +64,22 @@ public:
                                 PWSTR pszCmdLine);
     int LUMWlxWkstaLockedSAS(PVOID pWlxContext, DWORD dwSasType);
 
+    // What the control channel asks for; runs on its thread. These never throw.
+
+    /// Starts or stops the registry monitor. True when it is as wanted, also if it was before.
+    bool LUMEnableActiveRegistryMonitoring(bool bEnable);
+
+    /// Gives the version of this library as one number: the minor version and the build, one over the other,
+    /// in the upper 16 bits, the revision in the lower. False, and nothing given, when it cannot be read.
+    bool LUMGetLUMGinaVersion(DWORD* pdwVersion);
+
     DWORD m_dwNegotiatedWlxVersion;
     CGinaContext* m_pGinaContext;
     CGinaObjectList* m_pGinaObjectList;
     CWinlogonRegistry* m_pWinlogonRegistry;
     CLUMRegistry* m_pLUMRegistry;
     CRegistryManager* m_pRegistryManager;
+    CLUMRegMonitorThreadObject* m_pLUMRegMonitorThreadObject;
     CWinlogonObject* m_pWinlogonObject;
     /// Over m_pGinaObjectList.
     CCallGate m_gate;
@@ -92,6 +103,11 @@ private:
     template <typename Initialize>
     void InitializeObjects(Initialize initialize);
     void SetWinlogonTimeout(HANDLE hWlx) noexcept;
+
+    template <typename Visit>
+    void ForEachThread(Visit visit);
+    void StartThreads();
+    void StopThreads();
 
     GinaNode* FindFirst(CGinaObject*& pFirst);
     template <typename Result, typename... Params, typename... Args>

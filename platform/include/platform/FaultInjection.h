@@ -20,12 +20,15 @@
     CALL(CreateEventW) \
     CALL(CreateFileW) \
     CALL(CreateThread) \
+    CALL(FindResourceW) \
     CALL(FreeLibrary) \
     CALL(GetModuleFileNameW) \
     CALL(GetProcAddress) \
     CALL(LoadLibraryW) \
+    CALL(LoadResource) \
     CALL(LocalAlloc) \
     CALL(LocalFree) \
+    CALL(LockResource) \
     CALL(MsgWaitForMultipleObjects) \
     CALL(MultiByteToWideChar) \
     CALL(PostThreadMessageW) \
@@ -41,6 +44,7 @@
     CALL(ResetEvent) \
     CALL(SetEvent) \
     CALL(SetFilePointer) \
+    CALL(VerQueryValueW) \
     CALL(WaitForSingleObject) \
     CALL(WideCharToMultiByte) \
     CALL(WriteFile)
