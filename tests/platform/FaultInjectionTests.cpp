@@ -97,17 +97,22 @@ TEST_F(FaultInjection, ReachesEveryCall)
     } rows[] = {
         {PlatformCall::CloseHandle, [&] { return lastError(!CloseHandle(nullptr)); }},
         {PlatformCall::CreateDirectoryW, [&] { return lastError(!CreateDirectoryW(TEXT(""), nullptr)); }},
+        {PlatformCall::CreateEventW,
+         [&] { return lastError(CreateEventW(nullptr, FALSE, FALSE, TEXT("e")) == nullptr); }},
         {PlatformCall::CreateFileW,
          [&] {
              return lastError(CreateFileW(TEXT(""), 0, 0, nullptr, 1, 0, nullptr) == INVALID_HANDLE_VALUE);
          }},
         {PlatformCall::CreateThread,
          [&] { return lastError(CreateThread(nullptr, 0, nullptr, nullptr, 1, nullptr) == nullptr); }},
+        {PlatformCall::FindResourceW,
+         [&] { return lastError(FindResourceW(nullptr, MAKEINTRESOURCE(1), RT_VERSION) == nullptr); }},
         {PlatformCall::FreeLibrary, [&] { return lastError(!FreeLibrary(nullptr)); }},
         {PlatformCall::GetModuleFileNameW,
          [&] { return lastError(GetModuleFileNameW(nullptr, szWide, 4) == 0); }},
         {PlatformCall::GetProcAddress, [&] { return lastError(GetProcAddress(nullptr, "name") == nullptr); }},
         {PlatformCall::LoadLibraryW, [&] { return lastError(LoadLibraryW(nullptr) == nullptr); }},
+        {PlatformCall::LoadResource, [&] { return lastError(LoadResource(nullptr, nullptr) == nullptr); }},
         {PlatformCall::LocalAlloc,
          [&] {
              const HLOCAL hNew = LocalAlloc(LPTR, 1);
@@ -116,8 +121,14 @@ TEST_F(FaultInjection, ReachesEveryCall)
              return lError;
          }},
         {PlatformCall::LocalFree, [&] { return lastError(LocalFree(hMemory) != nullptr); }},
+        {PlatformCall::LockResource, [&] { return lastError(LockResource(nullptr) == nullptr); }},
+        {PlatformCall::MsgWaitForMultipleObjects,
+         [&] {
+             return lastError(MsgWaitForMultipleObjects(0, nullptr, TRUE, 0, QS_ALLINPUT) == WAIT_FAILED);
+         }},
         {PlatformCall::MultiByteToWideChar,
          [&] { return lastError(MultiByteToWideChar(CP_ACP, 0, "a", 1, szWide, 4) == 0); }},
+        {PlatformCall::PostThreadMessageW, [&] { return lastError(!PostThreadMessageW(0, WM_NULL, 0, 0)); }},
         {PlatformCall::ReadFile, [&] { return lastError(!ReadFile(nullptr, szAnsi, 1, &dw, nullptr)); }},
         {PlatformCall::RegCloseKey, [&] { return RegCloseKey(nullptr); }},
         {PlatformCall::RegCreateKeyExW,
@@ -130,8 +141,12 @@ TEST_F(FaultInjection, ReachesEveryCall)
         {PlatformCall::RegQueryValueExW,
          [&] { return RegQueryValueExW(nullptr, TEXT("v"), nullptr, nullptr, nullptr, nullptr); }},
         {PlatformCall::RegSetValueExW, [&] { return RegSetValueExW(nullptr, TEXT("v"), 0, 0, nullptr, 0); }},
+        {PlatformCall::ResetEvent, [&] { return lastError(!ResetEvent(nullptr)); }},
+        {PlatformCall::SetEvent, [&] { return lastError(!SetEvent(nullptr)); }},
         {PlatformCall::SetFilePointer,
          [&] { return lastError(SetFilePointer(nullptr, 0, nullptr, 0) == INVALID_SET_FILE_POINTER); }},
+        {PlatformCall::VerQueryValueW,
+         [&] { return lastError(!VerQueryValueW(nullptr, TEXT("\\"), nullptr, nullptr)); }},
         {PlatformCall::WaitForSingleObject,
          [&] { return lastError(WaitForSingleObject(nullptr, 0) == WAIT_FAILED); }},
         {PlatformCall::WideCharToMultiByte,

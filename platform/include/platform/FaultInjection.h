@@ -17,15 +17,21 @@
 #define PLATFORM_CALLS(CALL) \
     CALL(CloseHandle) \
     CALL(CreateDirectoryW) \
+    CALL(CreateEventW) \
     CALL(CreateFileW) \
     CALL(CreateThread) \
+    CALL(FindResourceW) \
     CALL(FreeLibrary) \
     CALL(GetModuleFileNameW) \
     CALL(GetProcAddress) \
     CALL(LoadLibraryW) \
+    CALL(LoadResource) \
     CALL(LocalAlloc) \
     CALL(LocalFree) \
+    CALL(LockResource) \
+    CALL(MsgWaitForMultipleObjects) \
     CALL(MultiByteToWideChar) \
+    CALL(PostThreadMessageW) \
     CALL(ReadFile) \
     CALL(RegCloseKey) \
     CALL(RegCreateKeyExW) \
@@ -35,7 +41,10 @@
     CALL(RegOpenKeyExW) \
     CALL(RegQueryValueExW) \
     CALL(RegSetValueExW) \
+    CALL(ResetEvent) \
+    CALL(SetEvent) \
     CALL(SetFilePointer) \
+    CALL(VerQueryValueW) \
     CALL(WaitForSingleObject) \
     CALL(WideCharToMultiByte) \
     CALL(WriteFile)

@@ -9,6 +9,8 @@
 #include "win32/files.h"
 #include "win32/library.h"
 #include "win32/memory.h"
+#include "win32/messages.h"
 #include "win32/registry.h"
+#include "win32/resources.h"
 #include "win32/sync.h"
 #include "win32/text.h"
