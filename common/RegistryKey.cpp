@@ -7,29 +7,26 @@ namespace {
 
 constexpr WCHAR TXT_ALREADY_CLOSED[] = TEXT("Unable to close the registry key because it is already closed");
 
-const WCHAR* RequireSubKey(const CMessageOrigin& origin, const WCHAR* szSubKey)
-{
-    if (szSubKey == nullptr) {
-        throw CBadArgException(origin, TEXT("szSubKey"));
-    }
-    return szSubKey;
-}
-
 } // namespace
 
 CRegistryKey::CRegistryKey(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot, const WCHAR* szSubKey,
                            REGSAM samDesired, bool bCreate, bool bOpenNow, DWORD dwOptions)
-try : CGlobalObject(szAPPArg, szMTMArg), m_hKeyRoot(hKeyRoot), m_szSubKey(RequireSubKey(*this, szSubKey)),
-    m_samDesired(samDesired), m_dwOptions(dwOptions), m_hKey(nullptr), m_bCreate(bCreate), m_bOpen(false)
+    : CGlobalObject(szAPPArg, szMTMArg), m_hKeyRoot(hKeyRoot), m_samDesired(samDesired),
+      m_dwOptions(dwOptions), m_hKey(nullptr), m_bCreate(bCreate), m_bOpen(false)
 {
     const CConstructionTrace trace(*this, s_szClass);
-    if (bOpenNow && !OpenKey()) {
-        throw CRegistryKeyInitException(*this);
+    try {
+        if (szSubKey == nullptr) {
+            throw CBadArgException(*this, TEXT("szSubKey"));
+        }
+        m_szSubKey = szSubKey;
+        if (bOpenNow && !OpenKey()) {
+            throw CRegistryKeyInitException(*this);
+        }
+    } catch (...) {
+        FailConstruction<CRegistryKeyInitException, CRegistryKeyInitException, CBadArgException,
+                         CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException>(*this);
     }
-} catch (...) {
-    FailConstruction<CRegistryKeyInitException, CRegistryKeyInitException, CBadArgException,
-                     CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException>(
-        {szAPPArg, szMTMArg});
 }
 
 CRegistryKey::~CRegistryKey()
@@ -83,6 +80,9 @@ bool CRegistryKey::CreateKey()
     return op.Run(
         Handler(),
         [&] {
+            if (m_bOpen && !CloseKey()) {
+                return false;
+            }
             const LONG lResult = RegCreateKeyExW(m_hKeyRoot, m_szSubKey.c_str(), 0, nullptr, m_dwOptions,
                                                  m_samDesired, nullptr, &m_hKey, nullptr);
             if (lResult != ERROR_SUCCESS) {

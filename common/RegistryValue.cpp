@@ -10,18 +10,6 @@ namespace {
 constexpr WCHAR TXT_DEFAULT_CREATED[] =
     TEXT("Had to create registry value with default setting. Should be initialized");
 
-std::basic_string<WCHAR> CopyValueName(const CMessageOrigin& origin, const WCHAR* szValueName)
-{
-    if (szValueName == nullptr || *szValueName == 0) {
-        throw CBadArgException(origin, TEXT("szValueName"));
-    }
-    try {
-        return szValueName;
-    } catch (const std::bad_alloc&) {
-        throw CMemAllocException(origin, TEXT("m_szValueName"));
-    }
-}
-
 } // namespace
 
 CRegistryValue::CRegistryValue(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot,
@@ -29,10 +17,17 @@ CRegistryValue::CRegistryValue(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKE
                                bool bCreate, bool bOpenNow, bool bReadThrough, bool bWriteThrough,
                                DWORD dwOptions)
 try : CRegistryKey(szAPPArg, szMTMArg, hKeyRoot, szSubKey, samDesired, bCreate, bOpenNow, dwOptions),
-    m_szValueName(CopyValueName(*this, szValueName)), m_bReadThrough(bReadThrough),
-    m_bWriteThrough(bWriteThrough)
+    m_bReadThrough(bReadThrough), m_bWriteThrough(bWriteThrough)
 {
     const CConstructionTrace trace(*this, s_szClass);
+    if (szValueName == nullptr || *szValueName == 0) {
+        throw CBadArgException(*this, TEXT("szValueName"));
+    }
+    try {
+        m_szValueName = szValueName;
+    } catch (const std::bad_alloc&) {
+        throw CMemAllocException(*this, TEXT("m_szValueName"));
+    }
 } catch (...) {
     FailConstruction<CRegistryValueInitException, CBadArgException, CUnableToOpenRegistryKeyException,
                      CUnableToCreateRegistryKeyException>({szAPPArg, szMTMArg});

@@ -174,7 +174,8 @@ bool WriteLogLine(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText)
         WideText line = GetTimeText();
         line.append(TEXT(" ")).append(szTag).append(TEXT(": [")).append(szLabel).append(TEXT("] "));
         line.append(szText).append(TEXT("\r\n"));
-        return AppendToFile(path, ToAnsi(line));
+        const std::string ansi = ToAnsi(line);
+        return !ansi.empty() && AppendToFile(path, ansi);
     } catch (...) {
         return false;
     }

@@ -133,7 +133,9 @@ protected:
         try {
             hook();
         } catch (...) {
-            FreeGinaDLL();
+            if (m_pGinaPluginContext->m_hDLLInstance != nullptr) {
+                FreeGinaDLL();
+            }
             throw;
         }
     }

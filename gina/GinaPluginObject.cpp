@@ -45,11 +45,12 @@ void CGinaPluginObject::NegotiateVersions()
     }
 }
 
-template <typename Result, typename Function, typename... Args>
+/// AlsoPassedOn: what leaves the operation as it is beside the exception for a missing export.
+template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
 Result CGinaPluginObject::CallUnchained(CTracePoint point, const CGinaExport<Function>& function,
                                         Args... args)
 {
-    return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(
+    return RunOperation<CNullFunctionHandleException, AlsoPassedOn...>(
         s_szClass, point, [&] { return Call<Result>(function, args...); });
 }
 
@@ -79,11 +80,12 @@ bool CGinaPluginObject::Negotiate(DWORD, DWORD*, CGinaPluginInfo* pPluginInfo)
 bool CGinaPluginObject::QueryPlugin(CGinaPluginInfo* pPluginInfo, DWORD dwQueryParam1, DWORD dwQueryParam2,
                                     DWORD dwQueryParam3)
 {
-    return CallUnchained<bool>(TEXT("QueryPlugin"), m_QueryPlugin, pPluginInfo, dwQueryParam1, dwQueryParam2,
-                               dwQueryParam3);
+    return CallUnchained<bool, CUnexpectedEndOfListException>(TEXT("QueryPlugin"), m_QueryPlugin, pPluginInfo,
+                                                              dwQueryParam1, dwQueryParam2, dwQueryParam3);
 }
 
 bool CGinaPluginObject::QueryPluginInfo(CGinaPluginInfo* pPluginInfo)
 {
-    return CallUnchained<bool>(TEXT("QueryPluginInfo"), m_QueryPluginInfo, pPluginInfo);
+    return CallUnchained<bool, CUnexpectedEndOfListException>(TEXT("QueryPluginInfo"), m_QueryPluginInfo,
+                                                              pPluginInfo);
 }

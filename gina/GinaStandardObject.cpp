@@ -46,11 +46,12 @@ void CGinaStandardObject::NegotiateVersion()
     }
 }
 
-template <typename Result, typename Function, typename... Args>
+/// AlsoPassedOn: what leaves the operation as it is beside the exception for a missing export.
+template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
 Result CGinaStandardObject::CallUnchained(CTracePoint point, const CGinaExport<Function>& function,
                                           Args... args)
 {
-    return RunOperation<CUnexpectedGinaException, CNullFunctionHandleException>(
+    return RunOperation<CNullFunctionHandleException, AlsoPassedOn...>(
         s_szClass, point, [&] { return Call<Result>(function, args...); });
 }
 
@@ -63,8 +64,8 @@ void CGinaStandardObject::DynamicUnload()
 bool CGinaStandardObject::Initialize(CLUMObject*, DWORD, LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved,
                                      PVOID pWinlogonFunctions, PVOID* pWlxContext, DWORD, DWORD)
 {
-    return CallUnchained<bool>(TEXT("Initialize"), m_Initialize, lpWinsta, hWlx, pvReserved,
-                               pWinlogonFunctions, pWlxContext);
+    return CallUnchained<bool, CUnexpectedGinaException>(TEXT("Initialize"), m_Initialize, lpWinsta, hWlx,
+                                                         pvReserved, pWinlogonFunctions, pWlxContext);
 }
 
 bool CGinaStandardObject::Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion, CGinaPluginInfo*)

@@ -147,19 +147,16 @@ void CLUMGina::LoadPlugin(DWORD dwIndex, DWORD dwWinlogonVersion)
 
 void CLUMGina::LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion)
 {
-    bool bConfigured = false;
     try {
         AddConfiguredPassthroughGina(dwWinlogonVersion);
-        bConfigured = true;
+        return;
     } catch (...) {
         if (!IsHandling<CMessage>()) {
             op.Warn(ERR_UNHANDLED_EXCEPTION);
             return;
         }
     }
-    if (!bConfigured) {
-        AddGinaObject<CGinaStandardObject>(FALLBACK_GINA, dwWinlogonVersion);
-    }
+    AddGinaObject<CGinaStandardObject>(FALLBACK_GINA, dwWinlogonVersion);
 }
 
 void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
@@ -237,17 +234,16 @@ DWORD CLUMGina::ReadSetting(bool (CLUMRegistry::*pfnGet)(DWORD*, bool), DWORD dw
 /// from logging on because that cannot be written down.
 void CLUMGina::SetStatus(const COperation& op, DWORD dwEnabled) noexcept
 {
-    try {
-        Needed(m_pLUMRegistry).SetEnabled(dwEnabled);
-    } catch (...) {
-        Absorb<CUnableToWriteRegistryException>()(op);
-    }
-    try {
-        if (dwEnabled != 0) {
-            Needed(m_pLUMRegistry).IncreaseInstanceCount();
+    const auto attempt = [&](auto write) {
+        try {
+            write(Needed(m_pLUMRegistry));
+        } catch (...) {
+            Absorb<CUnableToWriteRegistryException>()(op);
         }
-    } catch (...) {
-        Absorb<CUnableToWriteRegistryException>()(op);
+    };
+    attempt([=](CLUMRegistry& registry) { registry.SetEnabled(dwEnabled); });
+    if (dwEnabled != 0) {
+        attempt([](CLUMRegistry& registry) { registry.IncreaseInstanceCount(); });
     }
 }
 

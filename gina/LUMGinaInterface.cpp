@@ -4,8 +4,8 @@
 #include "Operation.h"
 #include "platform/FaultGuard.h"
 
-// The entry points that Winlogon calls. Nothing is ever thrown back into Winlogon: whatever goes wrong
-// ends as the call's default result.
+// The entry points that Winlogon calls. Nothing is ever thrown back into Winlogon: whatever goes wrong, a
+// processor fault of the host itself included, ends as the call's default result.
 
 namespace {
 
@@ -16,15 +16,15 @@ constexpr WCHAR CLASS_NAME[] = TEXT("LUM_GINA_INT");
 template <typename Result, typename HostResult, typename... Params, typename... Args>
 Result Export(CTracePoint point, HostResult (CLUMGina::*pfnOperation)(Params...), Args... args) noexcept
 {
-    // Winlogon may call from within a dialog that a GINA has open on this thread.
-    const CHostFrames hostFrames;
     const COperation op(LUM_GINA_ORIGIN, CLASS_NAME, point);
-    return op.Run(Absorb<CMessage>(), [&]() -> Result {
-        if (g_pLUMGina == nullptr) {
-            return FailureResult<Result>();
-        }
+    const auto call = [&]() -> Result {
+        // The frames in here are the host's, also when Winlogon calls from within a dialog that a GINA has
+        // open.
+        const CHostFrames hostFrames(HostFaults::Guarded);
         return static_cast<Result>((g_pLUMGina->*pfnOperation)(args...));
-    });
+    };
+    return op.Run(Absorb<CMessage>(),
+                  [&] { return g_pLUMGina != nullptr ? GuardedCall(call) : FailureResult<Result>(); });
 }
 
 } // namespace

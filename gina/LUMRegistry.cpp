@@ -1,16 +1,17 @@
 #include "LUMRegistry.h"
 
+#include <algorithm>
 #include <new>
 
 #include "CompareNames.h"
 #include "Exceptions.h"
+#include "MachineValue.h"
 #include "Operation.h"
 
 namespace {
 
 constexpr WCHAR VOLATILE_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile");
 constexpr WCHAR TXT_KEY_NOT_LOADED[] = TEXT("LUM Registry key could not be loaded");
-constexpr DWORD NO_VALUE_OBJECT = 0xFFFFFFFF;
 constexpr WCHAR SEPARATOR = ',';
 
 /// What the value objects differ in.
@@ -29,21 +30,15 @@ constexpr CValueSettings MONITOR_INTERVAL{TEXT("MonitorInterval"), false, false}
 constexpr CValueSettings ENABLED{TEXT("Enabled"), true, true};
 constexpr CValueSettings INSTANCE_COUNT{TEXT("InstanceCount"), true, true};
 
-template <typename Value>
-std::unique_ptr<Value> MakeValue(const CGlobalObject& owner, const CValueSettings& settings)
-{
-    return std::make_unique<Value>(owner.szAPP, owner.szMTM, HKEY_LOCAL_MACHINE,
-                                   settings.bVolatile ? VOLATILE_KEY : LUM_GINA_MTM, settings.szValueName,
-                                   KEY_ALL_ACCESS, settings.bCreate, true, true, true, true,
-                                   settings.bVolatile ? REG_OPTION_VOLATILE : REG_OPTION_NON_VOLATILE);
-}
-
 /// Makes a value object; one that cannot be made is done without.
 template <typename Value>
 void LoadValue(const CGlobalObject& owner, std::unique_ptr<Value>& pValue, const CValueSettings& settings)
 {
     try {
-        pValue = MakeValue<Value>(owner, settings);
+        const WCHAR* szSubKey = settings.bVolatile ? VOLATILE_KEY : LUM_GINA_MTM;
+        const DWORD dwOptions = settings.bVolatile ? REG_OPTION_VOLATILE : REG_OPTION_NON_VOLATILE;
+        pValue =
+            OpenMachineValue<Value>(owner, szSubKey, settings.szValueName, settings.bCreate, true, dwOptions);
     } catch (...) {
         CKeyWarning(LUM_GINA_ORIGIN, TXT_KEY_NOT_LOADED, settings.szValueName);
     }
@@ -69,6 +64,42 @@ CRegistryDword& Made(const CGlobalObject& owner, std::unique_ptr<CRegistryDword>
         throw CUnableToWriteRegistryException(owner, settings.szValueName, NO_VALUE_OBJECT);
     }
     return *pValue;
+}
+
+using Text = std::basic_string<WCHAR>;
+using TextList = std::vector<Text>;
+
+/// N separators give N + 1 entries, empty ones included.
+TextList SplitPlugins(const Text& plugins)
+{
+    TextList entries;
+    std::size_t nStart = 0;
+    for (std::size_t nComma = plugins.find(SEPARATOR); nComma != Text::npos;
+         nComma = plugins.find(SEPARATOR, nStart))
+    {
+        entries.push_back(plugins.substr(nStart, nComma - nStart));
+        nStart = nComma + 1;
+    }
+    entries.push_back(plugins.substr(nStart));
+    return entries;
+}
+
+Text JoinPlugins(const TextList& entries)
+{
+    Text plugins;
+    for (const Text& entry : entries) {
+        if (&entry != &entries.front()) {
+            plugins += SEPARATOR;
+        }
+        plugins += entry;
+    }
+    return plugins;
+}
+
+TextList::const_iterator FindPlugin(const TextList& entries, const WCHAR* szPlugin)
+{
+    return std::find_if(entries.begin(), entries.end(),
+                        [=](const Text& entry) { return EqualNames(entry.c_str(), szPlugin); });
 }
 
 void RequirePluginName(const CGlobalObject& owner, const WCHAR* szPlugin)
@@ -98,15 +129,20 @@ CLUMRegistry::~CLUMRegistry()
     const CDestructionTrace trace(*this, s_szClass);
 }
 
-/// One operation on the list of plugins, with the parsed list locked.
+template <typename OnException, typename Body>
+auto CLUMRegistry::RunLocked(CTracePoint point, OnException onException, Body body, FailureWarning warning)
+{
+    const COperation op(*this, s_szClass, point);
+    const CCriticalSection::CLock lock(m_lock);
+    return op.Run(onException, body, warning);
+}
+
+/// One operation on the list of plugins.
 template <typename Body>
 bool CLUMRegistry::RunListOperation(CTracePoint point, Body body) noexcept
 {
-    const COperation op(*this, s_szClass, point);
-    const CCriticalSection::CLock lock(m_PluginsLock);
-    return op.Run(Absorb<CBadArgException, CMemAllocException, CUnableToReadRegistryException,
-                         CUnableToWriteRegistryException>(),
-                  body, FailureWarning::UnlessRaised);
+    return RunLocked(point, Absorb<CBadArgException, CMemAllocException>(), body,
+                     FailureWarning::UnlessRaised);
 }
 
 bool CLUMRegistry::ParsePlugins() noexcept
@@ -117,44 +153,51 @@ bool CLUMRegistry::ParsePlugins() noexcept
 bool CLUMRegistry::Parse()
 {
     m_szPlugins.clear();
-    const Text plugins = ReadPlugins();
-    if (plugins.empty()) {
+    Text plugins;
+    if (!ReadPlugins(plugins) || plugins.empty()) {
         CNoPluginsNotification{LUM_GINA_ORIGIN};
         return true;
     }
     try {
-        std::size_t nStart = 0;
-        for (std::size_t nComma = plugins.find(SEPARATOR); nComma != Text::npos;
-             nComma = plugins.find(SEPARATOR, nStart))
-        {
-            m_szPlugins.push_back(plugins.substr(nStart, nComma - nStart));
-            nStart = nComma + 1;
-        }
-        m_szPlugins.push_back(plugins.substr(nStart));
+        m_szPlugins = SplitPlugins(plugins);
     } catch (const std::bad_alloc&) {
-        m_szPlugins.clear();
         throw CMemAllocException(*this, TEXT("m_szPlugins"));
     }
     return true;
 }
 
-/// The value as it stands in the registry; empty when the read comes to nothing.
-CLUMRegistry::Text CLUMRegistry::ReadPlugins() const
+/// The value as it stands in the registry.
+bool CLUMRegistry::ReadPlugins(Text& plugins)
 {
     WCHAR szPlugins[CRegistryString::MAX_CHARACTERS + 1] = {};
     CRegistryString& value = Needed(*this, m_pPlugins, PLUGINS.szValueName);
-    return value.GetRegistryString(szPlugins, CRegistryString::MAX_CHARACTERS + 1, true) ? Text(szPlugins)
-                                                                                         : Text();
+    if (!value.GetRegistryString(szPlugins, CRegistryString::MAX_CHARACTERS + 1, true)) {
+        return false;
+    }
+    plugins = szPlugins;
+    return true;
+}
+
+/// Writes what build() makes.
+template <typename Build>
+void CLUMRegistry::WritePlugins(Build build)
+{
+    Text szNewPlugins;
+    try {
+        szNewPlugins = build();
+    } catch (const std::bad_alloc&) {
+        throw CMemAllocException(*this, TEXT("szNewPlugins"));
+    }
+    Needed(*this, m_pPlugins, PLUGINS.szValueName).SetRegistryString(szNewPlugins.c_str(), true);
 }
 
 DWORD CLUMRegistry::GetNumPlugins(bool bReparse) noexcept
 {
-    const COperation op(*this, s_szClass, TEXT("GetNumPlugins"));
-    const CCriticalSection::CLock lock(m_PluginsLock);
-    return op.Run(Absorb<>(), [&] {
+    const auto body = [&] {
         const bool bParsed = !bReparse || ParsePlugins();
         return bParsed ? static_cast<DWORD>(m_szPlugins.size()) : 0;
-    });
+    };
+    return RunLocked(TEXT("GetNumPlugins"), Absorb<>(), body, FailureWarning::Never);
 }
 
 bool CLUMRegistry::GetPlugin(WCHAR* szPlugin, DWORD cchPlugin, DWORD dwIndex) noexcept
@@ -175,21 +218,11 @@ bool CLUMRegistry::GetPlugin(WCHAR* szPlugin, DWORD cchPlugin, DWORD dwIndex) no
 
 bool CLUMRegistry::IsPluginListed(const WCHAR* szPlugin) noexcept
 {
-    const COperation op(*this, s_szClass, TEXT("IsPluginListed"));
-    const CCriticalSection::CLock lock(m_PluginsLock);
     const auto body = [&] {
-        if (!ParsePlugins()) {
-            return false;
-        }
-        for (const Text& entry : m_szPlugins) {
-            if (EqualNames(entry.c_str(), szPlugin)) {
-                return true;
-            }
-        }
-        return false;
+        return ParsePlugins() && FindPlugin(m_szPlugins, szPlugin) != m_szPlugins.end();
     };
     // Not to be listed is an answer, not a failure.
-    return op.Run(Absorb<>(), body, FailureWarning::Never);
+    return RunLocked(TEXT("IsPluginListed"), Absorb<>(), body, FailureWarning::Never);
 }
 
 bool CLUMRegistry::AddPlugin(const WCHAR* szPlugin) noexcept
@@ -203,22 +236,11 @@ bool CLUMRegistry::Add(const WCHAR* szPlugin)
     if (IsPluginListed(szPlugin)) {
         return true;
     }
-    WCHAR szOldPlugins[CRegistryString::MAX_CHARACTERS + 1];
-    CRegistryString& value = Needed(*this, m_pPlugins, PLUGINS.szValueName);
-    if (!value.GetRegistryString(szOldPlugins, CRegistryString::MAX_CHARACTERS + 1, true)) {
+    Text szOldPlugins;
+    if (!ReadPlugins(szOldPlugins)) {
         return true;
     }
-    Text szNewPlugins;
-    try {
-        szNewPlugins = szOldPlugins;
-        if (!szNewPlugins.empty()) {
-            szNewPlugins += SEPARATOR;
-        }
-        szNewPlugins += szPlugin;
-    } catch (const std::bad_alloc&) {
-        throw CMemAllocException(*this, TEXT("szNewPlugins"));
-    }
-    value.SetRegistryString(szNewPlugins.c_str(), true);
+    WritePlugins([&] { return szOldPlugins.empty() ? Text(szPlugin) : szOldPlugins + SEPARATOR + szPlugin; });
     ParsePlugins();
     return true;
 }
@@ -234,29 +256,40 @@ bool CLUMRegistry::Remove(const WCHAR* szPlugin)
     if (!IsPluginListed(szPlugin)) {
         return true;
     }
-    // IsPluginListed has just parsed what the registry holds.
-    Text szNewPlugins;
-    bool bFound = false;
-    bool bFirst = true;
-    for (const Text& entry : m_szPlugins) {
-        if (!bFound && EqualNames(entry.c_str(), szPlugin)) {
-            bFound = true;
-            continue;
-        }
-        if (!bFirst) {
-            szNewPlugins += SEPARATOR;
-        }
-        bFirst = false;
-        szNewPlugins += entry;
+    Text szOldPlugins;
+    if (!ReadPlugins(szOldPlugins)) {
+        return false;
     }
-    Needed(*this, m_pPlugins, PLUGINS.szValueName).SetRegistryString(szNewPlugins.c_str(), true);
+    WritePlugins([&] {
+        TextList entries = SplitPlugins(szOldPlugins);
+        const auto position = FindPlugin(entries, szPlugin);
+        if (position != entries.end()) {
+            entries.erase(position);
+        }
+        return JoinPlugins(entries);
+    });
     return true;
+}
+
+/// One operation that reads a value.
+template <typename Body>
+bool CLUMRegistry::RunRead(CTracePoint point, Body body)
+{
+    return RunLocked(point, PassOn<Absorb<CBadArgException>, CUnableToReadRegistryException>(), body,
+                     FailureWarning::UnlessRaised);
+}
+
+/// One operation that writes a value.
+template <typename Body>
+bool CLUMRegistry::RunWrite(CTracePoint point, Body body)
+{
+    return RunLocked(point, PassOn<Absorb<>, CUnableToWriteRegistryException>(), body,
+                     FailureWarning::UnlessRaised);
 }
 
 bool CLUMRegistry::GetGinaDLL(WCHAR* szDest, DWORD cchDest, bool bRefresh)
 {
-    const COperation op(*this, s_szClass, TEXT("GetGinaDLL"));
-    return op.Run(PassOn<Absorb<CBadArgException>, CUnableToReadRegistryException>(), [&] {
+    return RunRead(TEXT("GetGinaDLL"), [&] {
         return Needed(*this, m_pGinaDLL, GINA_DLL.szValueName).GetRegistryString(szDest, cchDest, bRefresh);
     });
 }
@@ -264,9 +297,8 @@ bool CLUMRegistry::GetGinaDLL(WCHAR* szDest, DWORD cchDest, bool bRefresh)
 bool CLUMRegistry::ReadDword(CTracePoint point, const std::unique_ptr<CRegistryDword>& pValue,
                              const WCHAR* szValueName, DWORD* pdwValue, bool bRefresh)
 {
-    const COperation op(*this, s_szClass, point);
-    return op.Run(PassOn<Absorb<CBadArgException>, CUnableToReadRegistryException>(),
-                  [&] { return Needed(*this, pValue, szValueName).GetRegistryDword(pdwValue, bRefresh); });
+    return RunRead(point,
+                   [&] { return Needed(*this, pValue, szValueName).GetRegistryDword(pdwValue, bRefresh); });
 }
 
 bool CLUMRegistry::GetTimeout(DWORD* pdwTimeout, bool bRefresh)
@@ -294,16 +326,15 @@ bool CLUMRegistry::GetInstanceCount(DWORD* pdwCount, bool bRefresh)
 
 bool CLUMRegistry::IncreaseInstanceCount()
 {
-    const COperation op(*this, s_szClass, TEXT("IncreaseInstanceCount"));
-    return op.Run(PassOn<Absorb<>, CUnableToWriteRegistryException>(), [&] {
+    return RunWrite(TEXT("IncreaseInstanceCount"), [&] {
         CRegistryDword& value = Made(*this, m_pInstanceCount, INSTANCE_COUNT);
         DWORD dwCount = 0;
         bool bRead = false;
         try {
             bRead = value.GetRegistryDword(&dwCount, true);
-        } catch (...) {
+        } catch (CUnableToReadRegistryException& exception) {
             // A count that cannot be read must not be written either: it would start anew.
-            Absorb<CUnableToReadRegistryException>()(op);
+            exception.WriteIfUnwritten();
         }
         if (bRead) {
             value.SetRegistryDword(dwCount + 1, true);
@@ -314,7 +345,6 @@ bool CLUMRegistry::IncreaseInstanceCount()
 
 bool CLUMRegistry::SetEnabled(DWORD dwEnabled)
 {
-    const COperation op(*this, s_szClass, TEXT("SetEnabled"));
-    return op.Run(PassOn<Absorb<>, CUnableToWriteRegistryException>(),
-                  [&] { return Made(*this, m_pEnabled, ENABLED).SetRegistryDword(dwEnabled, true); });
+    return RunWrite(TEXT("SetEnabled"),
+                    [&] { return Made(*this, m_pEnabled, ENABLED).SetRegistryDword(dwEnabled, true); });
 }

@@ -21,8 +21,8 @@
 ///     Volatile\Enabled        REG_DWORD  1 while the host is in service
 ///     Volatile\InstanceCount  REG_DWORD  host initialisations since the machine started
 ///
-/// Every read goes to the registry and every write is immediate. May be used from all threads: the
-/// parsed list of plugins has a lock. The plugin list operations never throw.
+/// Every read goes to the registry and every write is immediate. May be used from all threads: an operation
+/// locks the object for as long as it takes. The plugin list operations never throw.
 class CLUMRegistry : public CGlobalObject
 {
 public:
@@ -67,12 +67,22 @@ private:
 
     using Text = std::basic_string<WCHAR>;
 
+    /// Every operation runs so: the lock is held while its body works on values and the parsed list.
+    template <typename OnException, typename Body>
+    auto RunLocked(CTracePoint point, OnException onException, Body body, FailureWarning warning);
     template <typename Body>
     bool RunListOperation(CTracePoint point, Body body) noexcept;
+    template <typename Body>
+    bool RunRead(CTracePoint point, Body body);
+    template <typename Body>
+    bool RunWrite(CTracePoint point, Body body);
+
     bool Parse();
     bool Add(const WCHAR* szPlugin);
     bool Remove(const WCHAR* szPlugin);
-    Text ReadPlugins() const;
+    bool ReadPlugins(Text& plugins);
+    template <typename Build>
+    void WritePlugins(Build build);
 
     bool ReadDword(CTracePoint point, const std::unique_ptr<CRegistryDword>& pValue, const WCHAR* szValueName,
                    DWORD* pdwValue, bool bRefresh);
@@ -86,5 +96,5 @@ private:
     std::unique_ptr<CRegistryDword> m_pTimeout;
 
     std::vector<Text> m_szPlugins;
-    CCriticalSection m_PluginsLock;
+    CCriticalSection m_lock;
 };

@@ -6,14 +6,15 @@
 
 /// Makes the object of a value of HKEY_LOCAL_MACHINE, whose key it opens; every read goes to the registry and
 /// every write is immediate. bCreate: make the key, and on reading the value, when they are missing.
-/// bReadNow: read the value once here. Throws what the constructor of Value throws.
+/// bReadNow: read the value once here. dwOptions: those of RegCreateKeyExW for a key that is made. Throws
+/// what the constructor of Value throws.
 template <typename Value>
 std::unique_ptr<Value> OpenMachineValue(const CMessageOrigin& origin, const WCHAR* szSubKey,
-                                        const WCHAR* szValueName, bool bCreate, bool bReadNow)
+                                        const WCHAR* szValueName, bool bCreate, bool bReadNow,
+                                        DWORD dwOptions = REG_OPTION_NON_VOLATILE)
 {
     return std::make_unique<Value>(origin.szAPP, origin.szMTM, HKEY_LOCAL_MACHINE, szSubKey, szValueName,
-                                   KEY_ALL_ACCESS, bCreate, true, true, true, bReadNow,
-                                   REG_OPTION_NON_VOLATILE);
+                                   KEY_ALL_ACCESS, bCreate, true, true, true, bReadNow, dwOptions);
 }
 
 /// The error code of a value whose object does not exist.
