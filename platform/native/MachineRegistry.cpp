@@ -120,6 +120,11 @@ LONG MachineRegistry::Load(const WCHAR* szFile, std::string* pReason)
     return ERROR_SUCCESS;
 }
 
+LONG MachineRegistry::Import(const WCHAR* szFile, std::string* pReason)
+{
+    return Load(szFile, pReason);
+}
+
 LONG MachineRegistry::Save(const WCHAR* szFile)
 {
     WideText text;

@@ -24,7 +24,8 @@ std::string GetError(const std::string& text)
 TEST(DayFile, ReadsTheWordsOfAStep)
 {
     const CStep step = ParseStep(
-        "\tWlxLoggedOutSAS  sas=SC_INSERT gina returns NONE gina fails RAISE 0xC0000420 expect 9 # why");
+        "\tWlxLoggedOutSAS  sas=SC_INSERT gina returns NONE gina fails RAISE 0xC0000420 expect 9 answered by "
+        "a.dll # why");
     EXPECT_EQ(step.nLine, 2);
     EXPECT_EQ(step.pCall->id, StandinCall::WlxLoggedOutSAS);
     EXPECT_EQ(step.numbers[1], DWORD(WLX_SAS_TYPE_SC_INSERT));
@@ -32,6 +33,7 @@ TEST(DayFile, ReadsTheWordsOfAStep)
     EXPECT_EQ(step.failure, StandinFailure::StructuredException);
     EXPECT_EQ(step.dwFailureCode, 0xC0000420);
     EXPECT_EQ(step.expected, WLX_SAS_ACTION_FORCE_LOGOFF);
+    EXPECT_EQ(step.answeringPlugin, "a.dll");
     EXPECT_FALSE(step.bExpectSkipped);
 }
 
@@ -73,11 +75,13 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"Attach now", "day.txt:1: \"now\" behind Attach or Detach; expected nothing"},
         {"Attach\nWlxNap", "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach or the name of an "
                            "entry point, as WlxNegotiate"},
-        {"Attach\nWlxIsLockOk sas=1", "day.txt:2: unknown argument \"sas\"; expected gina or expect"},
+        {"Attach\nWlxIsLockOk sas=1", "day.txt:2: unknown argument \"sas\"; expected gina, expect or "
+                                      "answered by"},
         {"Attach\nWlxWkstaLockedSAS context=1",
-         "day.txt:2: unknown argument \"context\"; expected sas=, gina "
-         "or expect"},
-        {"Attach\nWlxIsLockOk maybe", "day.txt:2: unknown word \"maybe\"; expected gina or expect"},
+         "day.txt:2: unknown argument \"context\"; expected sas=, gina, "
+         "expect or answered by"},
+        {"Attach\nWlxIsLockOk maybe",
+         "day.txt:2: unknown word \"maybe\"; expected gina, expect or answered by"},
         {"Attach\nWlxWkstaLockedSAS sas=1 sas=1", "day.txt:2: sas= a second time; expected it once"},
         {"Attach\nWlxGetStatusMessage size=4097", "day.txt:2: size=4097; expected a buffer size in "
                                                   "characters up to 4096"},
@@ -97,6 +101,9 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"Attach\nWlxIsLockOk expect 0x100000000",
          "day.txt:2: \"0x100000000\"; expected a BOOL: FALSE, TRUE or "
          "a number"},
+        {"Attach\nWlxIsLockOk answered", "day.txt:2: the end of the line; expected by"},
+        {"Attach\nWlxIsLockOk answered to", "day.txt:2: answered to; expected answered by"},
+        {"Attach\nWlxIsLockOk answered by", "day.txt:2: the end of the line; expected the name of a DLL"},
         {"Attach\nWlxInitialize station=\"a", "day.txt:2: a text without end; expected a closing quote"},
         {"Attach\nWlxInitialize station=\"a\"b",
          "day.txt:2: characters right behind a closing quote; expected "

@@ -144,11 +144,29 @@ std::string DescribeCameBack(const CCallFrame& frame, LONG nResult)
     return text;
 }
 
-std::vector<std::string> Compare(const CCallFrame& frame, const StandinRecord& record, LONG nResult)
+std::vector<std::string> ComparePluginsResult(const CWlxCall& call, std::optional<LONG> pluginsResult,
+                                              LONG nResult)
+{
+    if (call.result == ResultKind::None || !pluginsResult.has_value() ||
+        call.IsSameResult(*pluginsResult, nResult))
+    {
+        return {};
+    }
+    const CCodes& codes = call.GetResultCodes();
+    return {"the plugins gave " + codes.Describe(*pluginsResult) + ", " + codes.Describe(nResult) +
+            " came back"};
+}
+
+std::vector<std::string> Compare(const CCallFrame& frame, const StandinRecord& record, LONG nResult,
+                                 std::optional<LONG> pluginsResult)
 {
     std::vector<std::string> differences;
+    if (pluginsResult.has_value()) {
+        differences = ComparePluginsResult(frame.GetCall(), pluginsResult, nResult);
+    } else {
+        CompareResult(frame.GetCall(), record, nResult, differences);
+    }
     CompareArguments(frame, record, differences);
-    CompareResult(frame.GetCall(), record, nResult, differences);
     if (record.bReturned) {
         CompareOutValues(frame, record, differences);
     }

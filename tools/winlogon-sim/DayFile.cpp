@@ -29,6 +29,7 @@ private:
     void ParseGina();
     void ParseFailure();
     void ParseExpectation();
+    void ParseAnswering();
     /// The next word, which must be a plain one; szExpected tells what was wanted when there is none.
     std::string TakeWord(const std::string& expected);
     DWORD TakeCode(const CCodes& codes);
@@ -74,8 +75,10 @@ void CStepParser::ParseClause()
         ParseGina();
     } else if (word.name == "expect") {
         ParseExpectation();
+    } else if (word.name == "answered") {
+        ParseAnswering();
     } else {
-        Refuse("unknown word \"" + word.name + '"', ListArguments() + "gina or expect");
+        Refuse("unknown word \"" + word.name + '"', ListArguments() + "gina, expect or answered by");
     }
 }
 
@@ -88,7 +91,7 @@ void CStepParser::ParseArgument(const CDayWord& word)
             return;
         }
     }
-    Refuse("unknown argument \"" + word.name + '"', ListArguments() + "gina or expect");
+    Refuse("unknown argument \"" + word.name + '"', ListArguments() + "gina, expect or answered by");
 }
 
 void CStepParser::SetArgument(DWORD dwIndex, const CDayWord& word)
@@ -140,6 +143,15 @@ void CStepParser::ParseExpectation()
         return;
     }
     m_step.expected = TakeResult();
+}
+
+void CStepParser::ParseAnswering()
+{
+    const std::string by = TakeWord("by");
+    if (by != "by") {
+        Refuse("answered " + by, "answered by");
+    }
+    m_step.answeringPlugin = TakeWord("the name of a DLL");
 }
 
 std::string CStepParser::TakeWord(const std::string& expected)

@@ -34,6 +34,8 @@ struct CStep
     DWORD dwFailureCode = 0;
 
     std::optional<LONG> expected;
+    /// The DLL that must decide what comes back; empty when the day does not say.
+    std::string answeringPlugin;
     bool bExpectSkipped = false;
 };
 

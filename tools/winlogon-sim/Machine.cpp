@@ -1,5 +1,7 @@
 #include "Machine.h"
 
+#include <algorithm>
+
 #include "SetupError.h"
 #include "Text.h"
 #include "platform/MachineRegistry.h"
@@ -11,6 +13,7 @@ constexpr WCHAR LOG_VALUE[] = TEXT("LUM_GINA");
 constexpr WCHAR OWN_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina");
 constexpr WCHAR MASK_VALUE[] = TEXT("Debug");
 constexpr WCHAR PASSTHROUGH_VALUE[] = TEXT("GinaDLL");
+constexpr WCHAR PLUGINS_VALUE[] = TEXT("Plugins");
 
 void Check(LONG lResult, const WCHAR* szKey, const WCHAR* szValue)
 {
@@ -56,22 +59,22 @@ void DeleteValue(const WCHAR* szKey, const WCHAR* szValue)
     });
 }
 
-/// The library's configured passthrough GINA; empty when there is none.
-std::string GetPassthrough()
+/// A text of the library's configuration, as the library reads it; empty when there is none.
+std::string GetText(const WCHAR* szValue)
 {
     HKEY hKey = nullptr;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, OWN_KEY, 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
         return std::string();
     }
-    WCHAR szName[MAX_PATH + 1] = {};
-    DWORD cbName = MAX_PATH * sizeof(WCHAR);
+    WCHAR szText[MAX_PATH + 1] = {};
+    DWORD cbText = MAX_PATH * sizeof(WCHAR);
     const LONG lResult =
-        RegQueryValueExW(hKey, PASSTHROUGH_VALUE, nullptr, nullptr, reinterpret_cast<BYTE*>(szName), &cbName);
+        RegQueryValueExW(hKey, szValue, nullptr, nullptr, reinterpret_cast<BYTE*>(szText), &cbText);
     RegCloseKey(hKey);
-    return lResult == ERROR_SUCCESS ? ToNarrow(szName) : std::string();
+    return lResult == ERROR_SUCCESS ? ToNarrow(szText) : std::string();
 }
 
-/// The registry file of the command line must be usable: nothing of a machine's state may get lost.
+/// The registry files of the command line must be usable: nothing of a machine's state may get lost.
 void CheckFile(LONG lResult, const char* szVerb, const std::string& path, const std::string& reason = "")
 {
     if (lResult == ERROR_CALL_NOT_IMPLEMENTED) {
@@ -94,6 +97,11 @@ CMachine::CMachine(const COptions& options) : m_registry(options.registry)
         // A new machine: the file is made when its day is over.
         CheckFile(lResult == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : lResult, "load", m_registry, reason);
     }
+    if (!options.setup.empty()) {
+        std::string reason;
+        const LONG lResult = MachineRegistry::Import(ToWide(options.setup).c_str(), &reason);
+        CheckFile(lResult, "import", options.setup, reason);
+    }
     if (options.traceLog.empty()) {
         DeleteValue(DEBUG_KEY, LOG_VALUE);
     } else {
@@ -103,8 +111,22 @@ CMachine::CMachine(const COptions& options) : m_registry(options.registry)
     if (!options.standin.empty()) {
         SetText(OWN_KEY, PASSTHROUGH_VALUE, options.standin);
     }
-    const std::string passthrough = GetPassthrough();
+    const std::string passthrough = GetText(PASSTHROUGH_VALUE);
     m_standin = passthrough.empty() ? "msgina.dll" : passthrough;
+}
+
+std::vector<std::string> CMachine::GetPlugins()
+{
+    std::vector<std::string> plugins;
+    const std::string text = GetText(PLUGINS_VALUE);
+    for (std::size_t nBegin = 0; nBegin < text.size();) {
+        const std::size_t nEnd = std::min(text.find(',', nBegin), text.size());
+        if (nEnd != nBegin) {
+            plugins.push_back(text.substr(nBegin, nEnd - nBegin));
+        }
+        nBegin = nEnd + 1;
+    }
+    return plugins;
 }
 
 void CMachine::Save() const

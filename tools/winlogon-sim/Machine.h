@@ -1,14 +1,19 @@
 #pragma once
 
+#include <vector>
+
 #include "Options.h"
 
 /// The machine on which the day is lived: its registry, from the first setting to the last step.
 class CMachine
 {
 public:
-    /// Loads the registry when a file is named and exists, and writes the settings that the options ask
-    /// for. Throws CSetupError.
+    /// Loads the registry when a file is named and exists, then the setup, and writes the settings that the
+    /// options ask for. Throws CSetupError.
     explicit CMachine(const COptions& options);
+
+    /// The plugins that the library's configuration names now, in their order.
+    static std::vector<std::string> GetPlugins();
 
     /// The DLL that the library is going to pass its calls to: what its configuration names, or what it falls
     /// back to.

@@ -23,7 +23,7 @@ ExitCode LiveDay(const COptions& options)
     report.PrintHeading(options.day, options.gina);
     std::size_t nCalled = 0;
     {
-        CRunner runner(options.gina, machine.GetStandin(), options.dwVersion);
+        CRunner runner(options.gina, machine.GetStandin(), options.dwVersion, options.traceLog);
         for (const CStep& step : steps) {
             report.PrintStep(runner.Run(step));
         }

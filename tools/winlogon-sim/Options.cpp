@@ -7,8 +7,8 @@
 const char USAGE[] =
     R"(Usage: winlogon-sim [OPTION...] DAY
 Loads a GINA library as Winlogon does and lives the steps of the file DAY through it, with a
-stand-in standard GINA behind it. Shows what reached that GINA and what came back, and where
-the two differ.
+stand-in standard GINA behind it. Shows the way of each call through the plugins, what reached
+the GINA and what came back, and where the two differ without a plugin's doing.
 
   --gina NAME         the library to load (lum_gina.dll)
   --standin NAME      the stand-in GINA that the library passes its calls to; is written to the
@@ -17,6 +17,7 @@ the two differ.
   --trace-log PATH    where the library writes its trace log (winlogon-sim.log)
   --trace-mask MASK   the trace levels that it writes (0xFFF, all of them)
   --no-trace-log      configure no trace log
+  --setup FILE        import this .reg file before the day: plugins, their settings, or others
   --registry FILE     load the machine's registry from this .reg file first, when it is there,
                       and save it there afterwards, without its volatile keys; not on Windows,
                       where the system's own registry is used
@@ -24,9 +25,10 @@ the two differ.
   --help              show this text
 
 The GINA and its stand-in are looked for beside this program. The trace settings are written to
-the machine's registry.
+the machine's registry. The way is read in the trace log: it is not known when there is none or
+the mask leaves entries, exits or warnings out.
 
-Exit codes: 0 everything came back as the GINA gave it; 1 a step was not as it should be;
+Exit codes: 0 everything came back as the GINA or a plugin gave it; 1 a step was not as it should be;
 2 the command line or the day file is wrong; 3 a DLL or the registry cannot be used.
 )";
 
@@ -49,10 +51,8 @@ std::string* FindText(COptions& options, const std::string& option)
         const char* szOption;
         std::string& target;
     } const texts[] = {
-        {"--gina", options.gina},
-        {"--standin", options.standin},
-        {"--trace-log", options.traceLog},
-        {"--registry", options.registry},
+        {"--gina", options.gina},         {"--standin", options.standin}, {"--trace-log", options.traceLog},
+        {"--registry", options.registry}, {"--setup", options.setup},
     };
     for (const auto& text : texts) {
         if (option == text.szOption) {

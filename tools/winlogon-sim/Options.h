@@ -16,6 +16,8 @@ struct COptions
     /// Empty for no trace log.
     std::string traceLog = "winlogon-sim.log";
     DWORD dwTraceMask = 0xFFF;
+    /// Registry settings to begin with; empty for none.
+    std::string setup;
     /// Empty for a machine that is forgotten afterwards.
     std::string registry;
     bool bHelp = false;

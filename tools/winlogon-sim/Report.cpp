@@ -8,6 +8,7 @@ namespace {
 constexpr std::size_t CALL_WIDTH = 31;
 constexpr std::size_t REACHED_WIDTH = 36;
 constexpr std::size_t CAME_BACK_WIDTH = 33;
+const std::string INDENT = "  ";
 
 void PrintLine(const std::string& mark, const std::string& line, const std::string& step,
                const std::string& reached, const std::string& cameBack)
@@ -19,9 +20,21 @@ void PrintLine(const std::string& mark, const std::string& line, const std::stri
     std::printf("%s\n", text.c_str());
 }
 
+/// The way first, and what arrived at its end below it.
+std::vector<std::string> DescribeReached(const CStepReport& step)
+{
+    std::vector<std::string> lines = Wrap(step.way.empty() ? step.reached : step.way, REACHED_WIDTH);
+    if (!step.way.empty() && !step.reached.empty()) {
+        for (const std::string& line : Wrap(step.reached, REACHED_WIDTH - INDENT.size())) {
+            lines.push_back(INDENT + line);
+        }
+    }
+    return lines;
+}
+
 void PrintRow(const CStepReport& step)
 {
-    const std::vector<std::string> reached = Wrap(step.reached, REACHED_WIDTH);
+    const std::vector<std::string> reached = DescribeReached(step);
     const std::vector<std::string> cameBack = Wrap(step.cameBack, CAME_BACK_WIDTH);
     PrintLine(step.differences.empty() ? "" : "!", std::to_string(step.nLine), step.step, reached[0],
               cameBack[0]);
@@ -42,7 +55,7 @@ bool Exists(const std::string& path)
 void CReport::PrintHeading(const std::string& day, const std::string& gina) const
 {
     std::printf("A day of Winlogon with %s: %s\n\n", gina.c_str(), day.c_str());
-    PrintLine("", "Line", "Call", "Reached the GINA", "Came back to Winlogon");
+    PrintLine("", "Line", "Call", "Way, and what reached the GINA", "Came back to Winlogon");
     PrintLine("", "----", std::string(CALL_WIDTH - 2, '-'), std::string(REACHED_WIDTH, '-'),
               std::string(CAME_BACK_WIDTH, '-'));
 }

@@ -1,6 +1,7 @@
 #include "Runner.h"
 
 #include "Comparison.h"
+#include "Machine.h"
 #include "SetupError.h"
 #include "Winlogon.h"
 #include "platform/FaultGuard.h"
@@ -51,6 +52,52 @@ void CheckExpectation(const CStep& step, LONG nResult, CStepReport& report)
     }
 }
 
+void Append(std::vector<std::string>& list, const std::vector<std::string>& items)
+{
+    list.insert(list.end(), items.begin(), items.end());
+}
+
+/// The plugin that decided what came back; null when the GINA did or nothing is known.
+const CHop* FindAnsweringPlugin(const CWay& way)
+{
+    const CHop* pAnswering = way.GetAnswering();
+    return pAnswering != nullptr && pAnswering->bPlugin ? pAnswering : nullptr;
+}
+
+const CHop* FindFailedPlugin(const CWay& way)
+{
+    const CHop* pFailed = way.GetFailed();
+    return pFailed != nullptr && pFailed->bPlugin ? pFailed : nullptr;
+}
+
+/// What the plugins made of the GINA's result; nothing when they left it alone.
+std::optional<LONG> GetPluginsResult(const CWlxCall& call, const CWay& way)
+{
+    if (FindFailedPlugin(way) != nullptr) {
+        return call.GetDefaultResult();
+    }
+    const CHop* pPlugin = FindAnsweringPlugin(way);
+    return pPlugin != nullptr ? pPlugin->result : std::nullopt;
+}
+
+/// Plugins must do what the day expects of them, and none may fail.
+void CheckPlugins(const CStep& step, const CWay& way, CStepReport& report)
+{
+    if (const CHop* pFailed = FindFailedPlugin(way); pFailed != nullptr) {
+        report.differences.push_back(GetShortName(pFailed->dll) + " failed inside the call");
+    }
+    if (step.answeringPlugin.empty()) {
+        return;
+    }
+    const CHop* pAnswering = way.GetAnswering();
+    if (pAnswering == nullptr || !IsSameDLL(pAnswering->dll, step.answeringPlugin)) {
+        report.differences.push_back(
+            "the day expects that " + GetShortName(step.answeringPlugin) + " answers, " +
+            (!way.IsKnown() ? "and without a full trace log nobody knows who did"
+                            : (pAnswering != nullptr ? GetShortName(pAnswering->dll) : "nobody") + " did"));
+    }
+}
+
 /// Releases what the GINA allocated, but only what is certainly the GINA's.
 void ReleaseOutValues(CCallFrame& frame, const StandinRecord& record)
 {
@@ -63,8 +110,9 @@ void ReleaseOutValues(CCallFrame& frame, const StandinRecord& record)
 
 } // namespace
 
-CRunner::CRunner(const std::string& gina, const std::string& standin, DWORD dwVersion)
-    : m_gina(gina), m_standin(standin), m_dwVersion(dwVersion)
+CRunner::CRunner(const std::string& gina, const std::string& standin, DWORD dwVersion,
+                 const std::string& traceLog)
+    : m_gina(gina), m_standin(standin), m_dwVersion(dwVersion), m_watch(traceLog)
 {
     m_standinLibrary.Load(standin);
     m_pStandin = GetStandin(m_standinLibrary, standin);
@@ -91,6 +139,7 @@ CStepReport CRunner::Run(const CStep& step)
 
 void CRunner::Attach(CStepReport& report)
 {
+    m_watch.Attach(CMachine::GetPlugins(), m_standin);
     m_ginaLibrary.Load(m_gina);
     report.step = "Attach";
     report.cameBack = m_gina + " loaded";
@@ -126,17 +175,31 @@ void CRunner::Call(const CStep& step, CStepReport& report)
     report.cameBack = DescribeCameBack(frame, nResult);
     CheckExpectation(step, nResult, report);
     NoteAgreement(frame, nResult);
+    Judge(step, frame, nResult, report);
+}
 
-    const StandinRecord* pRecord = FindRecord(call.id);
-    if (pRecord == nullptr) {
+void CRunner::Judge(const CStep& step, CCallFrame& frame, LONG nResult, CStepReport& report)
+{
+    const CWay way = m_watch.TakeWay();
+    report.way = way.Describe();
+    CheckPlugins(step, way, report);
+    Append(report.differences, m_watch.TakeLosses());
+
+    const StandinRecord* pRecord = FindRecord(step.pCall->id);
+    const CHop* pPlugin = FindAnsweringPlugin(way);
+    const std::optional<LONG> pluginsResult = GetPluginsResult(*step.pCall, way);
+    if (pPlugin != nullptr) {
+        report.cameBack += (report.cameBack.empty() ? "ended by " : ", by ") + GetShortName(pPlugin->dll);
+    }
+    if (pRecord != nullptr) {
+        report.reached = DescribeReached(frame, *pRecord);
+        Append(report.differences, Compare(frame, *pRecord, nResult, pluginsResult));
+        ReleaseOutValues(frame, *pRecord);
+    } else if (pPlugin != nullptr || FindFailedPlugin(way) != nullptr) {
+        Append(report.differences, ComparePluginsResult(*step.pCall, pluginsResult, nResult));
+    } else {
         report.differences.push_back("the call did not reach the stand-in GINA " + m_standin);
-        return;
     }
-    report.reached = DescribeReached(frame, *pRecord);
-    for (const std::string& difference : Compare(frame, *pRecord, nResult)) {
-        report.differences.push_back(difference);
-    }
-    ReleaseOutValues(frame, *pRecord);
 }
 
 std::string CRunner::FindEntry(const CWlxCall& call, FARPROC& pfnEntry) const

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "CallFrame.h"
+#include "ChainWatch.h"
 #include "Library.h"
 
 /// What came of one step.
@@ -11,6 +12,9 @@ struct CStepReport
 {
     int nLine = 0;
     std::string step;
+    /// The objects of the chain that the call entered; empty when that is not known.
+    std::string way;
+    /// What of the call reached the GINA.
     std::string reached;
     std::string cameBack;
     /// What the GINA side called in Winlogon meanwhile.
@@ -24,8 +28,10 @@ class CRunner
 {
 public:
     /// gina is the DLL that Winlogon loads, standin the stand-in that ends up behind it (or the same).
-    /// dwVersion is the interface version that Winlogon offers. Throws CSetupError.
-    CRunner(const std::string& gina, const std::string& standin, DWORD dwVersion);
+    /// dwVersion is the interface version that Winlogon offers. traceLog is where the library writes what
+    /// it does with its plugins; without it nothing is known of them. Throws CSetupError.
+    CRunner(const std::string& gina, const std::string& standin, DWORD dwVersion,
+            const std::string& traceLog = "");
 
     /// Throws CSetupError when a library cannot be loaded or cannot do what the step asks for.
     CStepReport Run(const CStep& step);
@@ -41,6 +47,8 @@ private:
     std::string FindEntry(const CWlxCall& call, FARPROC& pfnEntry) const;
     void SetUpStandin(const CStep& step);
     const StandinRecord* FindRecord(StandinCall call) const;
+    /// What the stand-in recorded against what came back, and who explains what differs.
+    void Judge(const CStep& step, CCallFrame& frame, LONG nResult, CStepReport& report);
     /// Keeps the version and the context that a call brought.
     void NoteAgreement(const CCallFrame& frame, LONG nResult);
 
@@ -50,6 +58,7 @@ private:
     CLibrary m_standinLibrary;
     const StandinInterface* m_pStandin;
     CLibrary m_ginaLibrary;
+    CChainWatch m_watch;
     /// Agreed in WlxNegotiate; 0 before that.
     DWORD m_dwAgreed = 0;
     std::set<StandinCall> m_called;

@@ -48,7 +48,8 @@ void PrintSteps()
         PrintCall(call);
     }
     std::printf("\nBehind a call: ARGUMENT=VALUE, gina returns RESULT, gina negotiates VERSION,\n"
-                "gina fails WAY (RAISE is followed by the code), expect RESULT, expect SKIPPED.\n\n");
+                "gina fails WAY (RAISE is followed by the code), expect RESULT, expect SKIPPED,\n"
+                "answered by PLUGIN.\n\n");
     for (const CCodes* pCodes :
          {&VERSIONS, &BOOLS, &SAS_TYPES, &SAS_ACTIONS, &STATUS_OPTIONS, &BUFFER_SIZES, &FAILURES})
     {

@@ -7,8 +7,8 @@
 /// The registry of the native platform as a whole, for tools and tests. It belongs to the process, and all
 /// DLLs and threads share it.
 ///
-/// Windows has a registry of its own: there every operation gives ERROR_CALL_NOT_IMPLEMENTED and does
-/// nothing. All operations may be used on any thread; each is done at once as others see it.
+/// Windows has a registry of its own: there every operation but Import gives ERROR_CALL_NOT_IMPLEMENTED and
+/// does nothing. All operations may be used on any thread; each is done at once as others see it.
 namespace MachineRegistry {
 
 /// Adds the contents of a .reg file: text with the heading "Windows Registry Editor Version 5.00" in UTF-16
@@ -19,6 +19,11 @@ namespace MachineRegistry {
 /// HKEY_LOCAL_MACHINE, otherwise why it could not be read. *pReason, if wanted, then tells what is wrong
 /// and in which line.
 LONG Load(const WCHAR* szFile, std::string* pReason = nullptr);
+
+/// Adds the contents of a .reg file to the registry that programs see: natively as Load does. On Windows the
+/// system's own editor does it, which has to be there and skips what it does not understand; ERROR_BADDB
+/// when it says that it failed.
+LONG Import(const WCHAR* szFile, std::string* pReason = nullptr);
 
 /// Writes everything that is not volatile, as the system's own editor exports it. An existing file is
 /// replaced only by a complete new one. ERROR_INVALID_NAME, and no file, when a name contains a control

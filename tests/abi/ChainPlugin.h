@@ -1,0 +1,78 @@
+#pragma once
+
+// What the tests and the whole plugin of the other compiler know of each other. Neither side's system
+// headers may be needed here.
+
+/// What the plugin does in one of its calls.
+enum AbiDeed
+{
+    ABI_PASS_ON,           ///< calls the next object; answers TRUE where there is none to call
+    ABI_ANSWER,            ///< answers without calling anybody
+    ABI_CHANGE,            ///< calls the next object, and answers
+    ABI_CATCH_AND_RETHROW, ///< lets go on what came from the next object
+    ABI_CATCH_AND_ANSWER,  ///< swallows what came from the next object, and answers
+    ABI_TRY_TWICE,         ///< calls the next object again when it failed
+    ABI_THROW,             ///< an exception of its own
+    ABI_READ_NULL,
+    ABI_DIVIDE_BY_ZERO,
+    ABI_EXHAUST_STACK
+};
+
+/// The places of the operations in the table of an object: CALL(slot, name).
+// clang-format off
+#define ABI_CALLS(CALL) \
+    CALL(1, ActivateUserShell) \
+    CALL(2, DisconnectNotify) \
+    CALL(3, DisplayLockedNotice) \
+    CALL(4, DisplaySASNotice) \
+    CALL(5, DisplayStatusMessage) \
+    CALL(6, DynamicUnload) \
+    CALL(7, GetConsoleSwitchCredentials) \
+    CALL(8, GetStatusMessage) \
+    CALL(9, Initialize) \
+    CALL(10, IsLockOk) \
+    CALL(11, IsLogoffOk) \
+    CALL(12, LoggedOnSAS) \
+    CALL(13, LoggedOutSAS) \
+    CALL(14, Logoff) \
+    CALL(15, Negotiate) \
+    CALL(16, NetworkProviderLoad) \
+    CALL(17, QueryPlugin) \
+    CALL(18, QueryPluginInfo) \
+    CALL(19, ReconnectNotify) \
+    CALL(20, RemoveStatusMessage) \
+    CALL(21, ScreenSaverNotify) \
+    CALL(22, Shutdown) \
+    CALL(23, StartApplication) \
+    CALL(24, WkstaLockedSAS)
+// clang-format on
+
+enum AbiCall
+{
+#define ABI_ENUMERATOR(SLOT, NAME) ABI_##NAME = SLOT,
+    ABI_CALLS(ABI_ENUMERATOR)
+#undef ABI_ENUMERATOR
+};
+
+/// What the plugin is told, and what it tells.
+struct AbiChainState
+{
+    // Told.
+    int nCall; ///< the one with the deed; all others are passed on
+    AbiDeed deed;
+    int nAnswer;
+    unsigned long dwWlxVersion; ///< left in Negotiate; 0 for what was offered
+    unsigned long dwLUMVersion;
+
+    // Seen.
+    int nCaught;   ///< exceptions from the next object
+    int nAlive;    ///< objects of the plugin's frames that were not destroyed
+    void* hPlugin; ///< the rest is from the plugin's own context, in its last chained call
+    void* hHost;
+    void* hWlx;
+    const wchar_t* szDLL;
+    unsigned long dwNegotiated;
+};
+
+/// The export "AbiChain".
+using PFN_ABI_CHAIN = AbiChainState*(__cdecl*)();

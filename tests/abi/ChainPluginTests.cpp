@@ -1,0 +1,264 @@
+// The library itself, as Winlogon loads it, with a plugin of the other compiler in front of the stand-in
+// GINA.
+
+#include <cstdlib>
+#include <memory>
+
+#include <windows.h>
+#include <winwlx.h>
+
+#include "ChainPlugin.h"
+#include "Exceptions.h"
+#include "GinaPluginObject.h"
+#include "Runner.h"
+#include "TestMachine.h"
+#include "Winlogon.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr char PLUGIN[] = "abi_chain_plugin.dll";
+constexpr char FAILED[] = "abi_chain_plugin failed inside the call";
+constexpr char LEFT_OUT[] = "abi_chain_plugin.dll cannot be used and is left out; the trace log says why";
+constexpr AbiDeed FAILURES[] = {ABI_THROW, ABI_READ_NULL, ABI_DIVIDE_BY_ZERO, ABI_EXHAUST_STACK};
+
+struct CAbiCall
+{
+    AbiCall id;
+    std::string name;
+};
+const CAbiCall CALLS[] = {
+#define ABI_ROW(SLOT, NAME) {ABI_##NAME, #NAME},
+    ABI_CALLS(ABI_ROW)
+#undef ABI_ROW
+};
+
+class AbiChain : public CTestMachine
+{
+protected:
+    AbiChain()
+    {
+        SetString(OWN_KEY, TEXT("Plugins"), Widen(PLUGIN).c_str());
+        SetString(OWN_KEY, TEXT("GinaDLL"), TEXT("standin_gina.dll"));
+        SetString(DEBUG_KEY, TEXT("LUM_GINA"), Widen(log).c_str());
+        SetTraceMask(LEVEL_ENTRY | LEVEL_EXIT | LEVEL_CONSTRUCTION_EXIT | LEVEL_WARNING);
+        state = {};
+    }
+    ~AbiChain() override
+    {
+        runner.reset();
+        state = {};
+        FreeLibrary(hPlugin);
+        std::remove(log.c_str());
+    }
+
+    void Load()
+    {
+        runner.reset();
+        runner = std::make_unique<CRunner>("lum_gina.dll", "standin_gina.dll", WLX_VERSION_1_4, log);
+        runner->Run(ParseDay("Attach", "day").at(0));
+    }
+    CStepReport Live(const std::string& step)
+    {
+        CStepReport report = runner->Run(ParseDay("Attach\n" + step, "day").at(1));
+        state.nCall = 0;
+        return report;
+    }
+    void Start()
+    {
+        Load();
+        EXPECT_EQ(Lines(), Live("WlxNegotiate").differences);
+        EXPECT_EQ(Lines(), Live("WlxInitialize").differences);
+    }
+
+    /// What the plugin does in the next call.
+    void Tell(AbiCall call, AbiDeed deed, int nAnswer = 0)
+    {
+        state.nCall = call;
+        state.deed = deed;
+        state.nAnswer = nAnswer;
+        state.nCaught = 0;
+        state.nAlive = 0;
+    }
+
+    /// Calls check(call of the plugin, call of Winlogon's) for each of the 19 chained ones.
+    template <typename Check>
+    static void ForEachChained(Check check)
+    {
+        for (const CAbiCall& call : CALLS) {
+            const CWlxCall* pCall = FindCall("Wlx" + call.name);
+            if (pCall != nullptr && call.id != ABI_Negotiate && call.id != ABI_Initialize) {
+                SCOPED_TRACE(call.name);
+                check(call.id, *pCall);
+            }
+        }
+    }
+
+    static AbiChainState& FindState(HMODULE hPlugin)
+    {
+        const FARPROC pfn = hPlugin != nullptr ? GetProcAddress(hPlugin, "AbiChain") : nullptr;
+        if (pfn == nullptr) {
+            std::abort();
+        }
+        return *reinterpret_cast<PFN_ABI_CHAIN>(reinterpret_cast<void*>(pfn))();
+    }
+
+    const std::string log = std::string(std::getenv("TEMP")) + "\\abi_chain.log";
+    const HMODULE hPlugin = LoadLibraryW(Widen(PLUGIN).c_str());
+    AbiChainState& state = FindState(hPlugin);
+    std::unique_ptr<CRunner> runner;
+};
+
+TEST_F(AbiChain, PassesEveryCallOnAndKnowsItsContext)
+{
+    Start();
+    ForEachChained([&](AbiCall, const CWlxCall& call) {
+        state.hPlugin = nullptr;
+        const CStepReport report = Live(call.szName);
+        EXPECT_EQ(Lines(), report.differences);
+        EXPECT_EQ("abi_chain_plugin > standin_gina", report.way);
+        EXPECT_EQ(hPlugin, state.hPlugin);
+    });
+    EXPECT_EQ(GetModuleHandleW(TEXT("lum_gina.dll")), state.hHost);
+    EXPECT_EQ(Winlogon::GetValue(WinlogonValue::WlxHandle), reinterpret_cast<ULONG_PTR>(state.hWlx));
+    EXPECT_EQ(PLUGIN, Narrow(state.szDLL));
+    EXPECT_EQ(WLX_VERSION_1_4, static_cast<int>(state.dwNegotiated));
+    EXPECT_EQ(0, state.nAlive);
+}
+
+TEST_F(AbiChain, AFailureCostsTheCallAndNothingElse)
+{
+    Start();
+    for (const AbiDeed deed : FAILURES) {
+        ForEachChained([&](AbiCall id, const CWlxCall& call) {
+            Tell(id, deed);
+            EXPECT_EQ(Lines{FAILED}, Live(call.szName).differences) << "the default came back";
+            EXPECT_EQ(deed == ABI_THROW ? 0 : 1, state.nAlive);
+        });
+        ForEachChained([&](AbiCall, const CWlxCall& call) {
+            EXPECT_EQ(Lines(), Live(call.szName).differences) << "after deed " << deed;
+        });
+    }
+}
+
+TEST_F(AbiChain, ChangesResultsAndLivesWithFailuresFromBelow)
+{
+    Start();
+    struct
+    {
+        AbiDeed deed;
+        bool bGinaFails;
+        bool bPluginAnswers;
+        int nCaught;
+    } const rows[] = {
+        {ABI_ANSWER, false, true, 0},
+        {ABI_CHANGE, false, true, 0},
+        {ABI_CATCH_AND_RETHROW, true, false, 1},
+        {ABI_CATCH_AND_ANSWER, true, true, 1},
+        {ABI_TRY_TWICE, true, false, 1},
+        {ABI_CATCH_AND_RETHROW, false, false, 0},
+    };
+    for (const auto& row : rows) {
+        ForEachChained([&](AbiCall id, const CWlxCall& call) {
+            // Neither the stand-in's answer nor what a failure gives.
+            const int nAnswer = call.result == ResultKind::Bool ? row.bGinaFails : 11;
+            Tell(id, row.deed, nAnswer);
+            const CStepReport report =
+                Live(call.szName + std::string(row.bGinaFails ? " gina fails READ_NULL" : ""));
+            EXPECT_EQ(Lines(), report.differences) << "deed " << row.deed;
+            EXPECT_EQ(row.nCaught, state.nCaught);
+            EXPECT_EQ(0, state.nAlive);
+            // A call without a result cannot be changed, only ended.
+            if (call.result != ResultKind::None) {
+                const std::string answer =
+                    call.GetResultCodes().Describe(nAnswer) + (row.bPluginAnswers ? ", " : "");
+                EXPECT_EQ(row.bPluginAnswers, report.cameBack.rfind(answer, 0) == 0) << report.cameBack;
+                EXPECT_EQ(row.bPluginAnswers,
+                          report.cameBack.find(", by abi_chain_plugin") != std::string::npos);
+            }
+        });
+    }
+}
+
+TEST_F(AbiChain, NegotiationDecidesWhetherItTakesPartAndInWhat)
+{
+    struct
+    {
+        AbiDeed deed;
+        DWORD dwWlxVersion;
+        DWORD dwLUMVersion;
+        bool bTaken;
+    } const rows[] = {
+        {ABI_ANSWER, 0, 0, false},        {ABI_THROW, 0, 0, false},
+        {ABI_READ_NULL, 0, 0, false},     {ABI_DIVIDE_BY_ZERO, 0, 0, false},
+        {ABI_EXHAUST_STACK, 0, 0, false}, {ABI_PASS_ON, 0, 0x01000001, false},
+        {ABI_PASS_ON, 0xFFFF, 0, false},  {ABI_PASS_ON, WLX_VERSION_1_3, 0x00FFFFFF, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.deed << " " << row.dwWlxVersion << " " << row.dwLUMVersion);
+        Load();
+        Tell(ABI_Negotiate, row.deed);
+        state.dwWlxVersion = row.dwWlxVersion;
+        state.dwLUMVersion = row.dwLUMVersion;
+        EXPECT_EQ(row.bTaken ? Lines() : Lines{LEFT_OUT}, Live("WlxNegotiate").differences);
+        EXPECT_EQ(row.bTaken ? "abi_chain_plugin > standin_gina" : "standin_gina", Live("WlxIsLockOk").way);
+    }
+    EXPECT_EQ(WLX_VERSION_1_3, static_cast<int>(state.dwNegotiated));
+    // What version 1.3 does without is not called, and ends there.
+    for (const char* szCall : {"WlxReconnectNotify", "WlxDisconnectNotify", "WlxGetConsoleSwitchCredentials"})
+    {
+        const CStepReport report = Live(szCall);
+        EXPECT_EQ("abi_chain_plugin", report.way) << szCall;
+        EXPECT_EQ(Lines{FAILED}, report.differences);
+    }
+    EXPECT_EQ(Lines(), Live("WlxRemoveStatusMessage").differences);
+}
+
+TEST_F(AbiChain, RefusedOrFailedInitialisation)
+{
+    for (const AbiDeed deed : FAILURES) {
+        Load();
+        Live("WlxNegotiate");
+        Tell(ABI_Initialize, deed);
+        const CStepReport report = Live("WlxInitialize");
+        EXPECT_EQ("FALSE", report.cameBack);
+        EXPECT_EQ(Lines{FAILED}, report.differences);
+    }
+    Load();
+    Live("WlxNegotiate");
+    Tell(ABI_Initialize, ABI_ANSWER);
+    EXPECT_EQ(Lines{"abi_chain_plugin.dll refuses to be initialised and leaves the chain"},
+              Live("WlxInitialize").differences);
+    EXPECT_EQ("standin_gina", Live("WlxIsLockOk").way);
+}
+
+TEST_F(AbiChain, AnswersQueriesAndOwnsNoStringOfTheRecord)
+{
+    CGinaObject& plugin =
+        *new CGinaPluginObject(LUM_GINA_APP, LUM_GINA_MTM, reinterpret_cast<HINSTANCE>(0x1000),
+                               Widen(PLUGIN).c_str(), LUM_INTERFACE_VERSION, WLX_VERSION_1_4);
+    for (const AbiDeed deed : FAILURES) {
+        CGinaPluginInfo info(LUM_GINA_APP, LUM_GINA_MTM);
+        Tell(ABI_QueryPlugin, deed);
+        EXPECT_THROW(plugin.QueryPlugin(&info, 1, 2, 3), CUnhandledPluginException);
+        Tell(ABI_QueryPluginInfo, deed);
+        EXPECT_THROW(plugin.QueryPluginInfo(&info), CUnhandledPluginException);
+        Tell(ABI_DynamicUnload, deed);
+        EXPECT_THROW(plugin.DynamicUnload(), CUnhandledPluginException);
+
+        Tell(ABI_QueryPlugin, ABI_PASS_ON);
+        EXPECT_TRUE(plugin.QueryPlugin(&info, 1, 2, 3));
+        plugin.DynamicUnload();
+        // The second time, the plugin releases what it allocated the first time; the record the last.
+        EXPECT_TRUE(plugin.QueryPluginInfo(&info));
+        EXPECT_TRUE(plugin.QueryPluginInfo(&info));
+        EXPECT_EQ("Of the other compiler", Narrow(info.m_szFriendlyName));
+        EXPECT_EQ(PLUGIN, Narrow(info.m_szGinaDLL));
+    }
+    const CGinaPluginInfo& own = plugin.m_pGinaPluginContext->m_GinaPluginInfo;
+    EXPECT_EQ("Of the other compiler", Narrow(own.m_szFriendlyName));
+    plugin.DeletingDestructor(1);
+}
+
+} // namespace
