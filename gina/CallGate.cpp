@@ -19,6 +19,19 @@ public:
         ++m_nPauses;
     }
 
+    /// Pauses while condition() is true, until dwMilliseconds have passed since dwStart: false then.
+    template <typename Condition>
+    bool PauseWhile(Condition condition, DWORD dwStart, DWORD dwMilliseconds) noexcept
+    {
+        while (condition()) {
+            if (GetTickCount() - dwStart >= dwMilliseconds) {
+                return false;
+            }
+            Pause();
+        }
+        return true;
+    }
+
 private:
     static constexpr DWORD QUICK_PAUSES = 64;
     static constexpr DWORD POLL_MILLISECONDS = 5;
@@ -59,9 +72,25 @@ bool CCallGate::TryEnter()
 
 void CCallGate::Enter()
 {
+    if (TryEnter()) {
+        return;
+    }
+    const CWaiting waiting(*this);
     for (CPolling polling; !TryEnter();) {
         polling.Pause();
     }
+}
+
+CCallGate::CWaiting::CWaiting(CCallGate& gate) noexcept : m_gate(gate)
+{
+    const CCriticalSection::CLock lock(m_gate.m_lock);
+    ++m_gate.m_dwWaiting;
+}
+
+CCallGate::CWaiting::~CWaiting()
+{
+    const CCriticalSection::CLock lock(m_gate.m_lock);
+    --m_gate.m_dwWaiting;
 }
 
 void CCallGate::Leave() noexcept
@@ -71,6 +100,12 @@ void CCallGate::Leave() noexcept
     if (--calls->dwCalls == 0) {
         m_calls.erase(calls);
     }
+}
+
+bool CCallGate::IsWaitedFor() noexcept
+{
+    const CCriticalSection::CLock lock(m_lock);
+    return m_dwWaiting != 0 && m_dwClosedBy == 0;
 }
 
 bool CCallGate::IsIdle() noexcept
@@ -92,16 +127,17 @@ bool CCallGate::TryClose() noexcept
 
 bool CCallGate::Close(DWORD dwMilliseconds) noexcept
 {
+    const DWORD dwStart = GetTickCount();
+    CPolling polling;
+    // Changes that follow each other closely would keep out for good a call that the first one has kept
+    // waiting.
+    polling.PauseWhile([this] { return IsWaitedFor(); }, dwStart, dwMilliseconds);
     if (!TryClose()) {
         return false;
     }
-    const DWORD dwStart = GetTickCount();
-    for (CPolling polling; !IsIdle();) {
-        if (GetTickCount() - dwStart >= dwMilliseconds) {
-            Open();
-            return false;
-        }
-        polling.Pause();
+    if (!polling.PauseWhile([this] { return !IsIdle(); }, dwStart, dwMilliseconds)) {
+        Open();
+        return false;
     }
     return true;
 }

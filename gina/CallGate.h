@@ -104,6 +104,19 @@ private:
         DWORD dwCalls;
     };
 
+    /// A call that waits for the gate to open, for a scope.
+    class CWaiting
+    {
+    public:
+        explicit CWaiting(CCallGate& gate) noexcept;
+        ~CWaiting();
+        CWaiting(const CWaiting&) = delete;
+        CWaiting& operator=(const CWaiting&) = delete;
+
+    private:
+        CCallGate& m_gate;
+    };
+
     void Enter();
     void Leave() noexcept;
     bool Close(DWORD dwMilliseconds) noexcept;
@@ -111,6 +124,7 @@ private:
 
     bool TryEnter();
     bool TryClose() noexcept;
+    bool IsWaitedFor() noexcept;
     bool IsIdle() noexcept;
     std::vector<CThreadCalls>::iterator FindThread(DWORD dwThreadId) noexcept;
     static void ReportBusy() noexcept;
@@ -119,6 +133,8 @@ private:
     /// Over what follows.
     CCriticalSection m_lock;
     std::vector<CThreadCalls> m_calls;
+    /// How many calls wait for the gate to open; they go before the next change.
+    DWORD m_dwWaiting = 0;
     /// Of the thread that has closed the gate; 0 while it is open.
     DWORD m_dwClosedBy = 0;
 };

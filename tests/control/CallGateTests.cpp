@@ -70,6 +70,27 @@ TEST_F(CallGate, NewCallsWaitForAChange)
     }
 }
 
+TEST_F(CallGate, ChangesInARowLetAWaitingCallPassInBetween)
+{
+    CHappening called;
+    CThread changes([&] {
+        while (!called.HasHappened()) {
+            const CCallGate::CClosing closing(gate, LONG_TIME);
+            Sleep(5);
+        }
+    });
+    for (int n = 0; n < 20; ++n) {
+        const DWORD dwStart = GetTickCount();
+        {
+            const CCallGate::CCall call(gate);
+        }
+        // It waited for one change, perhaps for the next; left to chance it would be many.
+        EXPECT_LT(GetTickCount() - dwStart, 1000u);
+    }
+    called.Happen();
+    changes.Join();
+}
+
 TEST_F(CallGate, AChangeFromWithinACallFailsAtOnce)
 {
     const CCallGate::CCall call(gate);
