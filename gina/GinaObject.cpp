@@ -67,6 +67,9 @@ void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion
     info.m_dwLUMVersion = dwUsingLUMVersion;
     info.SetGinaDLL(szGinaDLLName);
     m_pGinaPluginContext->SetGinaPluginInfo(info);
+    if (GetPluginInfo().m_szGinaDLL == nullptr) {
+        throw CMemAllocException(LUM_GINA_ORIGIN, TEXT("m_szGinaDLL"));
+    }
 }
 
 /// The name in the record, by which others know the object. A plugin writes to its record, and may have left

@@ -74,8 +74,7 @@ TEST_F(DynamicPlugins, OneThatCannotBeAddedLeavesNoTrace)
     } const rows[] = {
         {TEXT("nowhere.dll"),
          [] {},
-         {"[EXCEPTION] Unable to load DLL, Filename: nowhere.dll, Error: 0x7e",
-          "[WARNING] Client pulling value that is NULL", UNHANDLED},
+         {"[EXCEPTION] Unable to load DLL, Filename: nowhere.dll, Error: 0x7e", UNHANDLED},
          {}},
         {TEXT("test_plugin_no_unload.dll"),
          [] {},

@@ -62,6 +62,8 @@ protected:
     }
 };
 
+constexpr const char* UNHANDLED = "[WARNING] An unhandled exception occurred";
+
 const Operation SET_ENABLED = [](CLUMRegistry& registry) { return registry.SetEnabled(1); };
 const Operation COUNT = [](CLUMRegistry& registry) { return registry.IncreaseInstanceCount(); };
 const Operation PARSE = [](CLUMRegistry& registry) { return registry.ParsePlugins(); };
@@ -77,10 +79,13 @@ TEST_F(FailingLUMRegistry, AValueThatCannotBeLoadedIsDoneWithout)
         const char* szOutcome;
         Lines lines; ///< of the operation
     } const rows[] = {
-        {"Plugins", PARSE, "false", {CannotRead("Plugins", "0xffffffff")}},
-        {"Plugins", ADD, "false", {CannotRead("Plugins", "0xffffffff"), CannotRead("Plugins", "0xffffffff")}},
+        {"Plugins", PARSE, "false", {CannotRead("Plugins", "0xffffffff"), UNHANDLED}},
+        {"Plugins",
+         ADD,
+         "false",
+         {CannotRead("Plugins", "0xffffffff"), UNHANDLED, CannotRead("Plugins", "0xffffffff"), UNHANDLED}},
         // What cannot be read lists nothing, and what is not listed need not be removed.
-        {"Plugins", REMOVE, "true", {CannotRead("Plugins", "0xffffffff")}},
+        {"Plugins", REMOVE, "true", {CannotRead("Plugins", "0xffffffff"), UNHANDLED}},
         {"GinaDLL", GetGinaDLL, "read exception", {CannotRead("GinaDLL", "0xffffffff")}},
         {"Timeout",
          GetDword<&CLUMRegistry::GetTimeout>,
@@ -162,12 +167,12 @@ TEST_F(FailingLUMRegistry, OperationsTellTheirReason)
          {CannotWrite("InstanceCount", "0x5")}},
         // A count that cannot be read is not written either.
         {COUNT, Call::RegQueryValueExW, 1, "InstanceCount", "true", {CannotRead("InstanceCount", "0x5")}},
-        {PARSE, Call::RegQueryValueExW, 1, "Plugins", "false", {CannotRead("Plugins", "0x5")}},
-        {ADD, Call::RegQueryValueExW, 2, "Plugins", "false", {CannotRead("Plugins", "0x5")}},
-        {ADD, Call::RegSetValueExW, 1, "Plugins", "false", {CannotWrite("Plugins", "0x5")}},
-        {REMOVE, Call::RegSetValueExW, 1, "Plugins", "false", {CannotWrite("Plugins", "0x5")}},
+        {PARSE, Call::RegQueryValueExW, 1, "Plugins", "false", {CannotRead("Plugins", "0x5"), UNHANDLED}},
+        {ADD, Call::RegQueryValueExW, 2, "Plugins", "false", {CannotRead("Plugins", "0x5"), UNHANDLED}},
+        {ADD, Call::RegSetValueExW, 1, "Plugins", "false", {CannotWrite("Plugins", "0x5"), UNHANDLED}},
+        {REMOVE, Call::RegSetValueExW, 1, "Plugins", "false", {CannotWrite("Plugins", "0x5"), UNHANDLED}},
         // Whether it is listed cannot be told, and the registry is as it was.
-        {REMOVE, Call::RegQueryValueExW, 1, "Plugins", "true", {CannotRead("Plugins", "0x5")}},
+        {REMOVE, Call::RegQueryValueExW, 1, "Plugins", "true", {CannotRead("Plugins", "0x5"), UNHANDLED}},
     };
     CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
     for (const auto& row : rows) {
