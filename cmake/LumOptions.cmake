@@ -68,6 +68,26 @@ function(lum_add_version LUM_TARGET LUM_VERSION LUM_DESCRIPTION)
   target_sources(${LUM_TARGET} PRIVATE "${source}")
 endfunction()
 
+# lum_reduce_def(OUTPUT full.def LEFT_OUT name... [ADDED name...])
+#
+# Writes a .def file with all exports of another but those left out, and some more.
+function(lum_reduce_def output full)
+  cmake_parse_arguments(arg "" "" "LEFT_OUT;ADDED" ${ARGN})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${full}")
+  file(STRINGS "${full}" lines)
+  foreach(name IN LISTS arg_LEFT_OUT)
+    if(NOT "    ${name}" IN_LIST lines)
+      message(FATAL_ERROR "${full} has no export ${name} that could be left out")
+    endif()
+    list(REMOVE_ITEM lines "    ${name}")
+  endforeach()
+  foreach(name IN LISTS arg_ADDED)
+    list(APPEND lines "    ${name}")
+  endforeach()
+  list(JOIN lines "\n" text)
+  file(CONFIGURE OUTPUT "${output}" CONTENT "${text}\n")
+endfunction()
+
 # DllMain is not in a .def file, since the Windows loader finds it as the entry point; the
 # native loader looks it up by name, as it does the version resource.
 function(lum_version_script def map)

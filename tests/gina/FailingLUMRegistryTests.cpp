@@ -62,8 +62,6 @@ protected:
     }
 };
 
-constexpr const char* UNHANDLED = "[WARNING] An unhandled exception occurred";
-
 const Operation SET_ENABLED = [](CLUMRegistry& registry) { return registry.SetEnabled(1); };
 const Operation COUNT = [](CLUMRegistry& registry) { return registry.IncreaseInstanceCount(); };
 const Operation PARSE = [](CLUMRegistry& registry) { return registry.ParsePlugins(); };
@@ -193,15 +191,13 @@ TEST_F(FailingLUMRegistry, OperationsTellTheirReason)
 
 TEST_F(FailingLUMRegistry, WithoutTheVolatileKeyNothingIsCounted)
 {
-    CLUMRegistry* pRegistry = nullptr;
     const CFaultInjection open(PlatformCall::RegOpenKeyExW, 1, ERROR_FILE_NOT_FOUND, VOLATILE_KEY,
                                FaultRepeat::FromThenOn);
     const CFaultInjection create(PlatformCall::RegCreateKeyExW, 1, ERROR_ACCESS_DENIED, VOLATILE_KEY,
                                  FaultRepeat::FromThenOn);
     CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
-    pRegistry = &registry;
-    EXPECT_EQ("write exception", GetOutcome(SET_ENABLED, *pRegistry));
-    EXPECT_EQ("write exception", GetOutcome(COUNT, *pRegistry));
+    EXPECT_EQ("write exception", GetOutcome(SET_ENABLED, registry));
+    EXPECT_EQ("write exception", GetOutcome(COUNT, registry));
     EXPECT_EQ(1, Count(CannotWrite("Enabled", "0xffffffff")));
     EXPECT_EQ(1, Count(CannotWrite("InstanceCount", "0xffffffff")));
     EXPECT_EQ(2u, registry.GetNumPlugins(true));
@@ -213,7 +209,7 @@ TEST_F(FailingLUMRegistry, WithoutMemoryTheListIsEmptyOrComplete)
     CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
     int nNoList = 0;
     int nNoNewList = 0;
-    for (int nBefore = 0; nBefore < 80; ++nBefore) {
+    for (int nBefore = 0; nBefore < 300; ++nBefore) {
         SetString(OWN_KEY, TEXT("Plugins"), Widen(longList).c_str());
         ClearLog();
         bool bAdded = false;
@@ -227,7 +223,6 @@ TEST_F(FailingLUMRegistry, WithoutMemoryTheListIsEmptyOrComplete)
         nNoNewList += nNow;
         EXPECT_TRUE(nNow == 0 || !bAdded);
         nNoList += Count("[EXCEPTION] Memory could not be allocated, Variable: m_szPlugins");
-        EXPECT_EQ(0, Count(UNHANDLED));
         EXPECT_EQ(bAdded ? 3u : 2u, registry.GetNumPlugins(true));
     }
     EXPECT_NE(0, nNoList);

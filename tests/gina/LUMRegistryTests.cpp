@@ -81,6 +81,34 @@ TEST_F(LUMRegistry, PluginsAreParsed)
         SetString(OWN_KEY, PLUGINS, Widen(szValue).c_str());
         EXPECT_EQ(szEntries, Entries(registry)) << szValue;
     }
+    // Whatever bytes somebody has left there.
+    struct
+    {
+        DWORD dwType;
+        std::string text;
+        DWORD cbExtra; ///< of the character behind the text
+        const char* szEntries;
+    } const bytes[] = {
+        {REG_BINARY, "a.dll,b.dll", 0, "[a.dll][b.dll]"},
+        {REG_MULTI_SZ, "a.dll,b.dll", 1, "[a.dll][b.dll]"},
+        {REG_DWORD, "ab", 0, "[ab]"},
+        {REG_EXPAND_SZ, "%p%.dll", sizeof(WCHAR), "[%p%.dll]"},
+        {REG_BINARY, "", 1, ""},
+    };
+    for (const auto& row : bytes) {
+        const std::basic_string<WCHAR> text = Widen(row.text);
+        SetBytes(OWN_KEY, PLUGINS, row.dwType, text.c_str(),
+                 static_cast<DWORD>(text.size() * sizeof(WCHAR)) + row.cbExtra);
+        EXPECT_EQ(row.szEntries, Entries(registry)) << row.text;
+    }
+    // More than the configuration takes: nothing is loaded, and nothing is overwritten.
+    const std::string tooLong = "a.dll," + std::string(254, 'x');
+    SetString(OWN_KEY, PLUGINS, Widen(tooLong).c_str());
+    EXPECT_EQ("", Entries(registry));
+    EXPECT_FALSE(registry.AddPlugin(TEXT("c.dll")));
+    EXPECT_TRUE(registry.RemovePlugin(TEXT("a.dll")));
+    EXPECT_EQ('"' + tooLong + '"', GetValue(OWN_KEY, PLUGINS));
+
     WCHAR szPlugin[4];
     SetString(OWN_KEY, PLUGINS, TEXT("abcdef"));
     EXPECT_EQ(1u, registry.GetNumPlugins(true));
@@ -114,6 +142,14 @@ TEST_F(LUMRegistry, PluginsAreEdited)
         {"xab.dll,ab.dll", false, "ab.dll", "xab.dll"},
         {"a.dll,,a.dll", false, "a.dll", ",a.dll"},
         {"a.dll,,b.dll", false, "b.dll", "a.dll,"},
+        {",a.dll", false, "a.dll", ""},
+        {"a.dll,", false, "a.dll", ""},
+        {"a.dll,,", false, "a.dll", ","},
+        {"a.dll,", true, "c.dll", "a.dll,,c.dll"},
+        {",", true, "c.dll", ",,c.dll"},
+        {std::string(259, 'l'), true, "c.dll", std::string(259, 'l')},
+        {longName + ",b.dll", false, "b.dll", longName},
+        {"b.dll," + longName, false, longName, "b.dll"},
     };
     for (const auto& row : rows) {
         SetString(OWN_KEY, PLUGINS, Widen(row.before).c_str());

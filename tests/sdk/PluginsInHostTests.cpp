@@ -53,62 +53,64 @@ TEST_F(PluginsInHost, AreInitialisedInOrderAndCalledInOrder)
     EXPECT_EQ(Lines(), gina.Calls());
 }
 
-TEST_F(PluginsInHost, ThoseThatRefuseInitialisationGo)
+TEST_F(PluginsInHost, ThoseThatRefuseInitialisationGoAndOneThatFailsEndsIt)
 {
-    // Every subset of the three refuses.
-    for (unsigned uRefusing = 0; uRefusing < 8; ++uRefusing) {
-        SCOPED_TRACE(uRefusing);
-        Lines expected;
-        for (unsigned n = 0; n < 3; ++n) {
-            const bool bRefuses = (uRefusing & 1 << n) != 0;
+    enum Answer
+    {
+        ACCEPTS,
+        REFUSES,
+        FAULTS,
+        THROWS,
+        ANSWERS
+    };
+    // Every answer of each of the three.
+    for (int nCase = 0; nCase < ANSWERS * ANSWERS * ANSWERS; ++nCase) {
+        const int answers[] = {nCase % ANSWERS, nCase / ANSWERS % ANSWERS, nCase / (ANSWERS * ANSWERS)};
+        SCOPED_TRACE(testing::Message() << answers[0] << answers[1] << answers[2]);
+        Lines chain;
+        int nInitialised = 0;
+        bool bEnded = false;
+        for (int n = 0; n < 3; ++n) {
             plugins[n]->Reset();
-            plugins[n]->SetAction(PluginCall::Initialize, PluginAction::Answer, bRefuses ? FALSE : TRUE);
-            if (!bRefuses) {
-                expected.push_back(Narrow(plugins[n].GetName()));
+            plugins[n]->SetAction(PluginCall::Initialize, PluginAction::Answer, answers[n] != REFUSES);
+            plugins[n]->SetFailure(PluginCall::Initialize,
+                                   answers[n] == FAULTS   ? StandinFailure::ReadNull
+                                   : answers[n] == THROWS ? StandinFailure::Throw
+                                                          : StandinFailure::None,
+                                   0);
+            nInitialised += bEnded ? 0 : 1;
+            if (bEnded || answers[n] != REFUSES) {
+                chain.push_back(Narrow(plugins[n].GetName()));
             }
+            bEnded = bEnded || answers[n] == FAULTS || answers[n] == THROWS;
         }
-        expected.push_back("standin_gina.dll");
+        chain.push_back("standin_gina.dll");
         Load();
         ClearLog();
         gina->Reset();
-        EXPECT_TRUE(Initialize());
-        EXPECT_EQ(expected, Chain());
-        EXPECT_EQ(static_cast<int>(4 - expected.size()), Count(FAILED));
-        EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
-        for (unsigned n = 0; n < 3; ++n) {
-            const bool bRefuses = (uRefusing & 1 << n) != 0;
-            EXPECT_EQ(bRefuses ? (Lines{"Negotiate", "Initialize"})
-                               : (Lines{"Negotiate", "Initialize", "IsLockOk"}),
+        EXPECT_EQ(!bEnded, Initialize() != FALSE);
+        EXPECT_EQ(chain, Chain());
+        for (int n = 0; n < 3; ++n) {
+            EXPECT_EQ(n < nInitialised ? (Lines{"Negotiate", "Initialize"}) : Lines{"Negotiate"},
                       plugins[n].Calls());
         }
-        EXPECT_EQ((Lines{"WlxInitialize", "WlxIsLockOk"}), gina.Calls());
-    }
-}
-
-TEST_F(PluginsInHost, OneThatFailsInitialisationEndsIt)
-{
-    for (const StandinFailure failure : {StandinFailure::ReadNull, StandinFailure::Throw}) {
-        for (int nFailing = 0; nFailing < 3; ++nFailing) {
-            SCOPED_TRACE(testing::Message() << static_cast<int>(failure) << " in " << nFailing);
-            for (const CPluginDriver& plugin : plugins) {
-                plugin->Reset();
-            }
-            plugins[nFailing]->SetFailure(PluginCall::Initialize, failure, 0);
-            Load();
-            ClearLog();
-            gina->Reset();
-            EXPECT_FALSE(Initialize());
-            EXPECT_EQ((Lines{"[EXCEPTION] Plugin has generated an unknown exception, Plugin: " +
-                                 Narrow(plugins[nFailing].GetName()),
-                             "[EXCEPTION] An unhandled exception occurred",
-                             "[WARNING] An unhandled exception occurred", FAILED}),
-                      Log());
-            for (int n = 0; n < 3; ++n) {
-                EXPECT_EQ(n <= nFailing ? (Lines{"Negotiate", "Initialize"}) : Lines{"Negotiate"},
-                          plugins[n].Calls());
-            }
-            EXPECT_EQ(4u, host->m_pGinaObjectList->m_dwCount);
-            EXPECT_EQ(Lines(), gina.Calls());
+        EXPECT_EQ(bEnded ? Lines() : Lines{"WlxInitialize"}, gina.Calls());
+        Lines lines(static_cast<std::size_t>(std::count(answers, answers + nInitialised, REFUSES)), FAILED);
+        if (bEnded) {
+            lines.insert(lines.end(), {"[EXCEPTION] Plugin has generated an unknown exception, Plugin: " +
+                                           Narrow(plugins[nInitialised - 1].GetName()),
+                                       "[EXCEPTION] An unhandled exception occurred",
+                                       "[WARNING] An unhandled exception occurred", FAILED});
+        }
+        EXPECT_EQ(lines, Log());
+        // Those that are left work.
+        for (const CPluginDriver& plugin : plugins) {
+            plugin->Reset();
+        }
+        EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+        for (int n = 0; n < 3; ++n) {
+            EXPECT_EQ(n < nInitialised && answers[n] == REFUSES ? Lines() : Lines{"IsLockOk"},
+                      plugins[n].Calls());
         }
     }
 }
