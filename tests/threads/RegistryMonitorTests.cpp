@@ -1,9 +1,8 @@
-#include <thread>
-
 #include "../chaining/ChainMachine.h"
 #include "Exceptions.h"
 #include "FailingAllocation.h"
 #include "LUMRegMonitorThreadObject.h"
+#include "TestThread.h"
 
 namespace {
 
@@ -108,19 +107,21 @@ TEST_F(RegistryMonitor, NeverUndoesWhatTheHostItselfChanges)
 {
     Make(NEVER_SECONDS);
     SetTraceMask(0);
-    std::thread comparisons([this] {
+    CTestThread comparisons([this](CTestThread& self) {
         for (int n = 0; n < 40; ++n) {
             monitor->StartThread();
             monitor->StopThread();
         }
+        self.SignalFinish();
     });
+    ASSERT_TRUE(comparisons.StartThread());
     for (int n = 0; n < 40; ++n) {
         EXPECT_TRUE(own->InsertGinaIntoChainingList(TEXT("wpnGina.dll"), nullptr, false));
         EXPECT_TRUE(own->IsGinaInChainingList(TEXT("wpnGina.dll")));
         EXPECT_TRUE(own->RemoveGinaFromChainingList(TEXT("wpnGina.dll")));
         EXPECT_FALSE(own->IsGinaInChainingList(TEXT("wpnGina.dll")));
     }
-    comparisons.join();
+    EXPECT_TRUE(comparisons.StopThread());
     EXPECT_EQ("lum_gina.dll msgina.dll", ChainOf(*own));
 }
 
