@@ -16,16 +16,23 @@
 // clang-format off
 #define PLATFORM_CALLS(CALL) \
     CALL(CloseHandle) \
+    CALL(ConnectNamedPipe) \
     CALL(CreateDirectoryW) \
     CALL(CreateFileW) \
+    CALL(CreateNamedPipeW) \
     CALL(CreateThread) \
+    CALL(DisconnectNamedPipe) \
+    CALL(FlushFileBuffers) \
     CALL(FreeLibrary) \
     CALL(GetModuleFileNameW) \
     CALL(GetProcAddress) \
+    CALL(ImpersonateNamedPipeClient) \
     CALL(LoadLibraryW) \
     CALL(LocalAlloc) \
     CALL(LocalFree) \
     CALL(MultiByteToWideChar) \
+    CALL(OpenThreadToken) \
+    CALL(PeekNamedPipe) \
     CALL(ReadFile) \
     CALL(RegCloseKey) \
     CALL(RegCreateKeyExW) \
@@ -35,8 +42,11 @@
     CALL(RegOpenKeyExW) \
     CALL(RegQueryValueExW) \
     CALL(RegSetValueExW) \
+    CALL(RevertToSelf) \
     CALL(SetFilePointer) \
+    CALL(SetNamedPipeHandleState) \
     CALL(WaitForSingleObject) \
+    CALL(WaitNamedPipeW) \
     CALL(WideCharToMultiByte) \
     CALL(WriteFile)
 // clang-format on
@@ -87,8 +97,8 @@ class CFaultInjection
 {
 public:
     /// The dwUse-th use from now fails with dwError; 1 is the next one. szName restricts it to uses with
-    /// that name, compared without case: the value, the subkey as it is passed, the file, directory or DLL
-    /// as it is passed, or the export. The name is not copied.
+    /// that name, compared without case: the value, the subkey as it is passed, the file, directory, DLL or
+    /// pipe as it is passed, or the export; for reading and writing the pipe, at its server's end. The name is not copied.
     CFaultInjection(CPlatformCalls calls, DWORD dwUse, DWORD dwError, LPCWSTR szName = nullptr,
                     FaultRepeat repeat = FaultRepeat::Once);
     ~CFaultInjection();
