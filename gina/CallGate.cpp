@@ -2,10 +2,29 @@
 
 #include <algorithm>
 
+#include "TraceStatements.h"
+
 namespace {
 
-// Changes are rare and short, so that waiting for one, or for calls to end, need not be woken up.
-constexpr DWORD POLL_MILLISECONDS = 5;
+constexpr WCHAR TXT_BUSY[] = TEXT("Calls are under way. The GINA object list was not changed");
+
+/// Waiting for what is a matter of microseconds unless a call lasts: changes are rare, so that nobody need
+/// be woken up.
+class CPolling
+{
+public:
+    void Pause() noexcept
+    {
+        Sleep(m_nPauses < QUICK_PAUSES ? 0 : POLL_MILLISECONDS);
+        ++m_nPauses;
+    }
+
+private:
+    static constexpr DWORD QUICK_PAUSES = 64;
+    static constexpr DWORD POLL_MILLISECONDS = 5;
+
+    DWORD m_nPauses = 0;
+};
 
 } // namespace
 
@@ -13,6 +32,30 @@ CCallGate::CClosing::~CClosing()
 {
     if (m_bClosed) {
         m_gate.Open();
+    }
+}
+
+CCallGate::CThreadDepth::CThreadDepth(CCallGate& gate) noexcept : m_gate(gate), m_dwCalls(0)
+{
+    const CCriticalSection::CLock lock(m_gate.m_lock);
+    const auto calls = m_gate.FindThread(GetCurrentThreadId());
+    m_dwCalls = calls != m_gate.m_calls.end() ? calls->dwCalls : 0;
+}
+
+void CCallGate::CThreadDepth::Restore() const noexcept
+{
+    m_gate.m_listLock.Abandon();
+    m_gate.m_lock.Abandon();
+    const CCriticalSection::CLock lock(m_gate.m_lock);
+    const DWORD dwThreadId = GetCurrentThreadId();
+    m_gate.m_dwClosedBy = m_gate.m_dwClosedBy == dwThreadId ? 0 : m_gate.m_dwClosedBy;
+    const auto calls = m_gate.FindThread(dwThreadId);
+    if (calls == m_gate.m_calls.end()) {
+        return;
+    }
+    calls->dwCalls = std::min(calls->dwCalls, m_dwCalls);
+    if (calls->dwCalls == 0) {
+        m_gate.m_calls.erase(calls);
     }
 }
 
@@ -31,7 +74,7 @@ bool CCallGate::TryEnter()
         ++calls->dwCalls;
         return true;
     }
-    if (m_bClosed) {
+    if (m_dwClosedBy != 0 && m_dwClosedBy != dwThreadId) {
         return false;
     }
     m_calls.push_back({dwThreadId, 1});
@@ -40,8 +83,8 @@ bool CCallGate::TryEnter()
 
 void CCallGate::Enter()
 {
-    while (!TryEnter()) {
-        Sleep(POLL_MILLISECONDS);
+    for (CPolling polling; !TryEnter();) {
+        polling.Pause();
     }
 }
 
@@ -60,22 +103,29 @@ bool CCallGate::IsIdle() noexcept
     return m_calls.empty();
 }
 
+bool CCallGate::TryClose() noexcept
+{
+    const CCriticalSection::CLock lock(m_lock);
+    const DWORD dwThreadId = GetCurrentThreadId();
+    if (m_dwClosedBy != 0 || FindThread(dwThreadId) != m_calls.end()) {
+        return false;
+    }
+    m_dwClosedBy = dwThreadId;
+    return true;
+}
+
 bool CCallGate::Close(DWORD dwMilliseconds) noexcept
 {
-    {
-        const CCriticalSection::CLock lock(m_lock);
-        if (m_bClosed) {
-            return false;
-        }
-        m_bClosed = true;
+    if (!TryClose()) {
+        return false;
     }
     const DWORD dwStart = GetTickCount();
-    while (!IsIdle()) {
+    for (CPolling polling; !IsIdle();) {
         if (GetTickCount() - dwStart >= dwMilliseconds) {
             Open();
             return false;
         }
-        Sleep(POLL_MILLISECONDS);
+        polling.Pause();
     }
     return true;
 }
@@ -83,5 +133,10 @@ bool CCallGate::Close(DWORD dwMilliseconds) noexcept
 void CCallGate::Open() noexcept
 {
     const CCriticalSection::CLock lock(m_lock);
-    m_bClosed = false;
+    m_dwClosedBy = 0;
+}
+
+void CCallGate::ReportBusy() noexcept
+{
+    CWarning(LUM_GINA_ORIGIN, TXT_BUSY);
 }

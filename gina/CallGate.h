@@ -13,6 +13,8 @@
 /// bounded time for those in flight to end, and gives up when they do not. A call that comes from within
 /// a call of the same thread always passes, since the outer one cannot end before it.
 ///
+/// The list itself has a short lock: over its links and its cursor, never while a DLL runs.
+///
 /// Any thread may use a gate.
 class CCallGate
 {
@@ -21,7 +23,8 @@ public:
     CCallGate(const CCallGate&) = delete;
     CCallGate& operator=(const CCallGate&) = delete;
 
-    /// A call in flight for a scope; waits at the beginning while the gate is closed.
+    /// A call in flight for a scope; waits at the beginning while the gate is closed, which is never longer
+    /// than a change waits.
     class CCall
     {
     public:
@@ -34,11 +37,12 @@ public:
         CCallGate& m_gate;
     };
 
-    /// The gate closed for a scope.
+    /// The gate closed for a scope. The calls of the thread that has closed it pass.
     class CClosing
     {
     public:
-        /// Waits at most dwMilliseconds for the calls in flight, those of its own thread included.
+        /// Waits at most dwMilliseconds for the calls in flight; not at all for those of its own thread,
+        /// which cannot end before it.
         CClosing(CCallGate& gate, DWORD dwMilliseconds) : m_gate(gate), m_bClosed(gate.Close(dwMilliseconds))
         {
         }
@@ -46,8 +50,7 @@ public:
         CClosing(const CClosing&) = delete;
         CClosing& operator=(const CClosing&) = delete;
 
-        /// False when the calls in flight did not end, or another change has the gate: nothing may be
-        /// changed.
+        /// False when the calls in flight did not end, or another change has the gate.
         bool IsClosed() const noexcept { return m_bClosed; }
 
     private:
@@ -55,8 +58,62 @@ public:
         bool m_bClosed;
     };
 
-    /// The short lock under which the list is looked into.
-    CCriticalSection& GetListLock() noexcept { return m_lock; }
+    /// How deep the current thread is in the gate. A processor fault runs no destructors: whoever survives
+    /// one that has cut off frames of the host makes a depth before and restores it after.
+    class CThreadDepth
+    {
+    public:
+        explicit CThreadDepth(CCallGate& gate) noexcept;
+        CThreadDepth(const CThreadDepth&) = delete;
+        CThreadDepth& operator=(const CThreadDepth&) = delete;
+
+        /// Ends the calls that this thread has begun since, opens the gate if this thread has closed it, and
+        /// leaves the lock of the list.
+        void Restore() const noexcept;
+
+    private:
+        CCallGate& m_gate;
+        DWORD m_dwCalls;
+    };
+
+    /// Looks at the list, or moves its cursor, under its lock: gives what body() gives.
+    template <typename Body>
+    auto Look(Body body)
+    {
+        const CCriticalSection::CLock lock(m_listLock);
+        return body();
+    }
+
+    /// Changes the list where calls in flight may stand: change() runs under the lock and without any call in
+    /// flight, provided that allowed() is true then. It is asked before as well, so that nobody waits for
+    /// a change that is not to be. False when it is not allowed, when the calls in flight do not end
+    /// (which is reported, and at once when one of them is of this thread), and when change() is false.
+    template <typename Allowed, typename Body>
+    bool Change(Allowed allowed, Body change)
+    {
+        if (!Look(allowed)) {
+            return false;
+        }
+        const CClosing closing(*this, CHANGE_MILLISECONDS);
+        if (!closing.IsClosed()) {
+            ReportBusy();
+            return false;
+        }
+        return Look([&] { return allowed() && change(); });
+    }
+
+    /// Adds to the list under its lock, where calls in flight may find the new node or not. A plugin that
+    /// reads the link to its successor twice might call one object with the node of another: so there is
+    /// a short wait for a moment without calls, and no matter whether it comes.
+    template <typename Body>
+    auto Add(Body addition)
+    {
+        const CClosing closing(*this, ADDITION_MILLISECONDS);
+        return Look(addition);
+    }
+
+    static constexpr DWORD CHANGE_MILLISECONDS = 1000;
+    static constexpr DWORD ADDITION_MILLISECONDS = 100;
 
 private:
     struct CThreadCalls
@@ -71,10 +128,15 @@ private:
     void Open() noexcept;
 
     bool TryEnter();
+    bool TryClose() noexcept;
     bool IsIdle() noexcept;
     std::vector<CThreadCalls>::iterator FindThread(DWORD dwThreadId) noexcept;
+    static void ReportBusy() noexcept;
 
+    CCriticalSection m_listLock;
+    /// Over what follows.
     CCriticalSection m_lock;
     std::vector<CThreadCalls> m_calls;
-    bool m_bClosed = false;
+    /// Of the thread that has closed the gate; 0 while it is open.
+    DWORD m_dwClosedBy = 0;
 };

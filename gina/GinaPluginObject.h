@@ -89,7 +89,7 @@ Result CGinaPluginObject::Chain(CTracePoint point, const CGinaExport<Function>& 
                                 Args... args)
 {
     return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(s_szClass, point, [&] {
-        if (pNode->pNext == nullptr) {
+        if (pNode->GetNext() == nullptr) {
             throw CUnexpectedEndOfListException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
         }
         return Call<Result>(function, pNode, args...);

@@ -82,7 +82,7 @@ Result CGinaStandardObject::Chain(CTracePoint point, const CGinaExport<Function>
 {
     return RunOperation<CUnexpectedGinaException, CNullFunctionHandleException>(
         s_szClass, point, [&]() -> Result {
-            if (pNode->pNext != nullptr) {
+            if (pNode->GetNext() != nullptr) {
                 throw CUnexpectedGinaException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
             }
             if (!function.IsResolved() && function.m_missing == Missing::Tolerated) {

@@ -1,11 +1,12 @@
 #include "LUMGina.h"
 
+#include <functional>
 #include <new>
-#include <stdexcept>
 
 #include "Exceptions.h"
 #include "GinaPluginObject.h"
 #include "GinaStandardObject.h"
+#include "HostMember.h"
 
 // Construction, negotiation and initialisation of the host; its dispatch is in LUMGinaDispatch.cpp.
 
@@ -37,23 +38,12 @@ void DestroyMember(T*& pMember, const WCHAR* szMember) noexcept
     pMember = nullptr;
 }
 
-/// A member that an operation cannot do without. What this throws ends the operation as any unexpected
-/// exception does.
-template <typename T>
-T& Needed(T* pMember)
-{
-    if (pMember == nullptr) {
-        throw std::logic_error("the host was left without this member");
-    }
-    return *pMember;
-}
-
 } // namespace
 
 CLUMGina::CLUMGina(HINSTANCE hInstance)
     : m_dwNegotiatedWlxVersion(0), m_pGinaContext(nullptr), m_pGinaObjectList(nullptr),
       m_pWinlogonRegistry(nullptr), m_pLUMRegistry(nullptr), m_pRegistryManager(nullptr),
-      m_pWinlogonObject(nullptr)
+      m_pLUMObject(nullptr), m_pWinlogonObject(nullptr)
 {
     const CConstructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
     if (hInstance == nullptr) {
@@ -72,6 +62,7 @@ CLUMGina::~CLUMGina()
 {
     const CDestructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
     DestroyMember(m_pRegistryManager, TEXT("m_pRegistryManager"));
+    DestroyMember(m_pLUMObject, TEXT("m_pLUMObject"));
     DestroyMember(m_pWinlogonObject, TEXT("m_pWinlogonObject"));
     DestroyMember(m_pGinaObjectList, TEXT("m_pGinaObjectList"));
     DestroyMember(m_pLUMRegistry, TEXT("m_pLUMRegistry"));
@@ -87,6 +78,8 @@ void CLUMGina::CreateMembers(HINSTANCE hInstance)
     CreateMember(m_pGinaObjectList, TEXT("m_pGinaObjectList"));
     CreateMember(m_pWinlogonObject, TEXT("m_pWinlogonObject"));
     CreateMember(m_pRegistryManager, TEXT("m_pRegistryManager"), m_pLUMRegistry, m_pWinlogonRegistry, false);
+    CreateMember(m_pLUMObject, TEXT("m_pLUMObject"), m_pRegistryManager, m_pGinaObjectList, m_pLUMRegistry,
+                 std::ref(m_gate));
 }
 
 BOOL CLUMGina::LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion)
@@ -112,7 +105,7 @@ void CLUMGina::AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion)
     CGinaObjectList& list = Needed(m_pGinaObjectList);
     auto* pGinaObject = new Object(LUM_GINA_APP, LUM_GINA_MTM, Needed(m_pGinaContext).GetInstanceHandle(),
                                    szGinaDLL, LUM_INTERFACE_VERSION, dwWinlogonVersion);
-    if (!list.Add(pGinaObject, 0)) {
+    if (!m_gate.Look([&] { return list.Add(pGinaObject, 0); })) {
         DestroyListItem(pGinaObject);
     }
 }
@@ -179,9 +172,13 @@ void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
 
 bool CLUMGina::AgreeOnVersion(DWORD* pdwDllVersion)
 {
-    Needed(m_pGinaObjectList).End();
+    CGinaObjectList& list = Needed(m_pGinaObjectList);
     CGinaObject* pPassthrough = nullptr;
-    if (!m_pGinaObjectList->GetItem(pPassthrough) || pPassthrough == nullptr) {
+    const bool bFound = m_gate.Look([&] {
+        list.End();
+        return list.GetItem(pPassthrough);
+    });
+    if (!bFound || pPassthrough == nullptr) {
         return false;
     }
     const DWORD dwNegotiated = pPassthrough->m_pGinaPluginContext->m_GinaPluginInfo.m_dwWlxVersion;
@@ -206,7 +203,8 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
         RequireGinaObjects();
         const DWORD dwInstanceCount = ReadSetting(&CLUMRegistry::GetInstanceCount, 1);
         InitializeObjects([&](CGinaObject& object) {
-            return object.Initialize(nullptr, dwInstanceCount, lpWinsta, hWlx, pvReserved, pWinlogonFunctions,
+            const CCallGate::CCall call(m_gate);
+            return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved, pWinlogonFunctions,
                                      pWlxContext, 0, 0);
         });
         SetWinlogonTimeout(hWlx);
@@ -259,13 +257,25 @@ void CLUMGina::InitializeObjects(Initialize initialize)
         for (GinaNode* pNode = m_pGinaObjectList->m_pHead; pNode != nullptr;) {
             GinaNode* pFollowing = pNode->pNext;
             if (!initialize(*pNode->m_pItem)) {
-                m_pGinaObjectList->m_pCursor = pNode;
-                m_pGinaObjectList->Remove();
+                RemoveNode(pNode);
             }
             pNode = pFollowing;
         }
     } catch (...) {
         throw CUnhandledExceptionException(LUM_GINA_ORIGIN);
+    }
+}
+
+/// Destroys its object outside the lock: the DLL runs once more when it is freed.
+void CLUMGina::RemoveNode(GinaNode* pNode)
+{
+    CGinaObjectList& list = *m_pGinaObjectList;
+    const auto setCursor = [&] {
+        list.m_pCursor = pNode;
+        return true;
+    };
+    if (m_gate.Change(setCursor, [&] { return list.Remove(pNode); })) {
+        list.DestroyNode(pNode);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "CallGate.h"
 #include "GinaContext.h"
 #include "GinaObject.h"
+#include "LUMObject.h"
 #include "LUMRegistry.h"
 #include "Operation.h"
 #include "WinlogonObject.h"
@@ -63,12 +64,25 @@ public:
                                 PWSTR pszCmdLine);
     int LUMWlxWkstaLockedSAS(PVOID pWlxContext, DWORD dwSasType);
 
+    // Changes of the running system, after its initialisation. Any thread; they never throw.
+
+    /// Loads and initialises a plugin, adds its name to the configuration and puts it into the chain as the
+    /// last plugin. Calls in flight may pass through it or not. When any of that fails, false, and the
+    /// plugin is unloaded; a name that is in the configuration by then stays there.
+    bool LUMAddPluginDynamic(const WCHAR* szPlugin) noexcept;
+
+    /// Takes the first plugin or GINA of that name out of the chain, tells it, unloads it and takes the name
+    /// out of the configuration. Waits a bounded time for the calls in flight: false, and nothing changed,
+    /// when they do not end, at once from within one of them. One that fails when it is told stays.
+    bool LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept;
+
     DWORD m_dwNegotiatedWlxVersion;
     CGinaContext* m_pGinaContext;
     CGinaObjectList* m_pGinaObjectList;
     CWinlogonRegistry* m_pWinlogonRegistry;
     CLUMRegistry* m_pLUMRegistry;
     CRegistryManager* m_pRegistryManager;
+    CLUMObject* m_pLUMObject;
     CWinlogonObject* m_pWinlogonObject;
     /// Over m_pGinaObjectList.
     CCallGate m_gate;
@@ -91,7 +105,11 @@ private:
     void SetStatus(const COperation& op, DWORD dwEnabled) noexcept;
     template <typename Initialize>
     void InitializeObjects(Initialize initialize);
+    void RemoveNode(GinaNode* pNode);
     void SetWinlogonTimeout(HANDLE hWlx) noexcept;
+
+    bool LoadInto(CGinaObjectList& list, const WCHAR* szPlugin);
+    bool UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin);
 
     GinaNode* FindFirst(CGinaObject*& pFirst);
     template <typename Result, typename... Params, typename... Args>

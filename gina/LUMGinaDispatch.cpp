@@ -25,11 +25,12 @@ Result CLUMGina::CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params
 /// Moves the cursor to the head and gives the node there, and the object that it holds.
 GinaNode* CLUMGina::FindFirst(CGinaObject*& pFirst)
 {
-    const CCriticalSection::CLock lock(m_gate.GetListLock());
-    RequireGinaObjects();
-    m_pGinaObjectList->Begin();
-    m_pGinaObjectList->GetItem(pFirst);
-    return m_pGinaObjectList->m_pCursor;
+    return m_gate.Look([&] {
+        RequireGinaObjects();
+        m_pGinaObjectList->Begin();
+        m_pGinaObjectList->GetItem(pFirst);
+        return m_pGinaObjectList->m_pCursor;
+    });
 }
 
 template <typename Result, typename... Params, typename... Args>

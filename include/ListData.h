@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include "GlobalObject.h"
 #include "Operation.h"
 
@@ -44,6 +46,9 @@ class NodeType : public CListData<T>
 {
 public:
     using CListData<T>::CListData;
+
+    /// The next node as it is now, for a thread that reads while another inserts.
+    NodeType* GetNext() noexcept { return std::atomic_ref(pNext).load(std::memory_order_acquire); }
 
     NodeType* pNext = nullptr;
     NodeType* pPrev = nullptr;

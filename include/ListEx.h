@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <new>
 
 #include "Exceptions.h"
@@ -113,14 +114,39 @@ public:
     bool Remove() noexcept
     {
         return Run(TEXT("Remove"), [this] {
-            if (m_pCursor == nullptr) {
+            Node* pNode = nullptr;
+            if (!TakeOut(pNode)) {
                 return false;
             }
-            Node* pNode = m_pCursor;
-            Unlink(pNode);
-            m_pCursor = m_pHead;
-            DeleteVariable(*this, TEXT("m_pCursor"), [pNode] { delete pNode; });
+            DestroyNode(pNode);
             return true;
+        });
+    }
+
+    /// Removes the current node and gives it to the caller with its item, to be destroyed with DestroyNode or
+    /// put back with PutBack; the cursor goes to the first node.
+    bool Remove(Node*& pNode) noexcept
+    {
+        return Run(TEXT("Remove"), [&] { return TakeOut(pNode); });
+    }
+
+    /// Destroys a node that was removed, and its item.
+    void DestroyNode(Node* pNode) const noexcept
+    {
+        DeleteVariable(*this, TEXT("m_pCursor"), [pNode] { delete pNode; });
+    }
+
+    /// Puts a removed node back before pBefore, at the end when that is null or not in the list any more. The
+    /// cursor stays; in an empty list the node becomes current.
+    void PutBack(Node* pNode, const Node* pBefore) noexcept
+    {
+        RunVoid(TEXT("PutBack"), [&] {
+            Node* pFollowing = m_pHead;
+            while (pFollowing != nullptr && pFollowing != pBefore) {
+                pFollowing = pFollowing->pNext;
+            }
+            LinkBefore(pNode, pFollowing);
+            m_pCursor = m_dwCount == 1 ? pNode : m_pCursor;
         });
     }
 
@@ -294,16 +320,32 @@ private:
         return pNode;
     }
 
+    bool TakeOut(Node*& pNode) noexcept
+    {
+        if (m_pCursor == nullptr) {
+            return false;
+        }
+        pNode = m_pCursor;
+        Unlink(pNode);
+        m_pCursor = m_pHead;
+        return true;
+    }
+
     /// Links a free node in before pBefore, at the end for null. The node is complete before the one
-    /// pointer that makes a reader of the list find it is written.
+    /// pointer that makes a reader of the list find it is written: readers of pNext need no lock.
     void LinkBefore(Node* pNode, Node* pBefore) noexcept
     {
         Node* pAfter = pBefore != nullptr ? pBefore->pPrev : m_pTail;
         pNode->pNext = pBefore;
         pNode->pPrev = pAfter;
-        (pBefore != nullptr ? pBefore->pPrev : m_pTail) = pNode;
-        (pAfter != nullptr ? pAfter->pNext : m_pHead) = pNode;
+        Publish(pBefore != nullptr ? pBefore->pPrev : m_pTail, pNode);
+        Publish(pAfter != nullptr ? pAfter->pNext : m_pHead, pNode);
         ++m_dwCount;
+    }
+
+    static void Publish(Node*& pLink, Node* pNode) noexcept
+    {
+        std::atomic_ref(pLink).store(pNode, std::memory_order_release);
     }
 
     void Unlink(Node* pNode) noexcept

@@ -1,0 +1,86 @@
+#include <memory>
+
+#include "GinaPluginObject.h"
+#include "HostMember.h"
+#include "LUMGina.h"
+
+// Plugins that come and go while the system runs. No lock is held, and the gate is open, while one of them
+// is loaded, initialised, told to go or unloaded.
+
+namespace {
+
+/// Destroys an object that did not make it into the list.
+struct CDiscard
+{
+    void operator()(CGinaObject* pGinaObject) const noexcept
+    {
+        DeleteVariable(LUM_GINA_ORIGIN, TEXT("PGinaObject"), [=] { DestroyListItem(pGinaObject); });
+    }
+};
+
+} // namespace
+
+bool CLUMGina::LUMAddPluginDynamic(const WCHAR* szPlugin) noexcept
+{
+    const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMAddPluginDynamic"));
+    return op.Run(
+        Absorb<>(), [&] { return LoadInto(Needed(m_pGinaObjectList), szPlugin); }, FailureWarning::Never);
+}
+
+bool CLUMGina::LoadInto(CGinaObjectList& list, const WCHAR* szPlugin)
+{
+    CLUMRegistry& registry = Needed(m_pLUMRegistry);
+    CGinaContext& context = Needed(m_pGinaContext);
+    CWinlogonObject& winlogon = Needed(m_pWinlogonObject);
+    std::unique_ptr<CGinaObject, CDiscard> pGinaObject(
+        new CGinaPluginObject(LUM_GINA_APP, LUM_GINA_MTM, context.GetInstanceHandle(), szPlugin,
+                              LUM_INTERFACE_VERSION, m_dwNegotiatedWlxVersion));
+    const DWORD dwInstanceCount = ReadSetting(&CLUMRegistry::GetInstanceCount, 1);
+    if (!pGinaObject->Initialize(m_pLUMObject, dwInstanceCount, nullptr, context.GetWlxHandle(), nullptr,
+                                 winlogon.GetWinlogonFunctions(), nullptr, 1, 1))
+    {
+        return false;
+    }
+    const auto insert = [&] {
+        list.End();
+        return list.Insert(pGinaObject.get(), 0);
+    };
+    if (!registry.AddPlugin(szPlugin) || !m_gate.Add(insert)) {
+        return false;
+    }
+    pGinaObject.release();
+    return true;
+}
+
+bool CLUMGina::LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept
+{
+    const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMRemovePluginDynamic"));
+    const auto body = [&] {
+        CLUMRegistry& registry = Needed(m_pLUMRegistry);
+        return UnloadFrom(Needed(m_pGinaObjectList), szPlugin) && registry.RemovePlugin(szPlugin);
+    };
+    return op.Run(Absorb<>(), body, FailureWarning::Never);
+}
+
+/// The object leaves the list before it is told: nobody calls it afterwards, and what it does then holds
+/// nobody up.
+bool CLUMGina::UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin)
+{
+    GinaNode* pNode = nullptr;
+    GinaNode* pFollowing = nullptr;
+    const auto remove = [&] {
+        pFollowing = list.m_pCursor->pNext;
+        return list.Remove(pNode);
+    };
+    if (!m_gate.Change([&] { return list.MoveTo(szPlugin); }, remove)) {
+        return false;
+    }
+    try {
+        pNode->m_pItem->DynamicUnload();
+    } catch (...) {
+        m_gate.Add([&] { list.PutBack(pNode, pFollowing); });
+        throw;
+    }
+    list.DestroyNode(pNode);
+    return true;
+}
