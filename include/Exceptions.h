@@ -88,6 +88,11 @@ inline constexpr WCHAR TXT_REGISTRY_MANAGER_INIT[] = TEXT("Unabled to instantiat
 inline constexpr WCHAR TXT_INSERT_UNKNOWN_GINA[] =
     TEXT("Can't insert gina dll into chaining list because it is unknown");
 
+inline constexpr WCHAR TXT_THREAD_OBJECT_INIT[] = TEXT("Unable to instantiate CThreadObject object");
+inline constexpr WCHAR TXT_PIPE_THREAD_OBJECT_INIT[] =
+    TEXT("Unable to instantiate LUMPipeThreadObject object");
+inline constexpr WCHAR TXT_FIND_RESOURCE[] = TEXT("Unable to find resource");
+
 // clang-format off
 
 // Arguments and memory
@@ -122,6 +127,27 @@ class CRegistryKeyInitException : public CTextException<TXT_REGISTRY_KEY_INIT> {
 class CRegistryValueInitException : public CTextException<TXT_REGISTRY_VALUE_INIT> { using CTextException::CTextException; };
 class CRegistryStringInitException : public CTextException<TXT_REGISTRY_STRING_INIT> { using CTextException::CTextException; };
 class CRegistryDwordInitException : public CTextException<TXT_REGISTRY_DWORD_INIT> { using CTextException::CTextException; };
+
+// Threads
+class CThreadObjectInitException : public CTextException<TXT_THREAD_OBJECT_INIT> { using CTextException::CTextException; };
+class CCreateEventException : public CErrorException<ERR_CREATE_EVENT> { using CErrorException::CErrorException; };
+class CResetEventException : public CErrorException<ERR_RESET_EVENT> { using CErrorException::CErrorException; };
+class CSetEventException : public CErrorException<ERR_SET_EVENT> { using CErrorException::CErrorException; };
+class CUnableToCreateThreadException : public CNameErrorException<ERR_CREATE_THREAD, FMT_THREAD_ERROR> { using CCatalogException::CCatalogException; };
+
+// The control channel
+class CLUMPipeThreadObjectInitException : public CTextException<TXT_PIPE_THREAD_OBJECT_INIT> { using CTextException::CTextException; };
+class CCreateNamedPipeException : public CErrorException<ERR_CREATE_NAMED_PIPE> { using CErrorException::CErrorException; };
+class CReadFileException : public CErrorException<ERR_READ_FILE> { using CErrorException::CErrorException; };
+class CWriteFileException : public CErrorException<ERR_WRITE_FILE> { using CErrorException::CErrorException; };
+class CFlushFileBuffersException : public CErrorException<ERR_FLUSH_FILE_BUFFERS> { using CErrorException::CErrorException; };
+class CDisconnectNamedPipeException : public CErrorException<ERR_DISCONNECT_NAMED_PIPE> { using CErrorException::CErrorException; };
+class CRevertToSelfException : public CErrorException<ERR_REVERT_TO_SELF> { using CErrorException::CErrorException; };
+
+// Resources
+class CUnableToFindResourceException : public CCatalogException<TXT_FIND_RESOURCE, FMT_RESOURCE, LEVEL_EXCEPTION, DWORD, DWORD> { using CCatalogException::CCatalogException; };
+class CLoadResourceException : public CErrorException<ERR_LOAD_RESOURCE> { using CErrorException::CErrorException; };
+class CLockResourceException : public CErrorException<ERR_LOCK_RESOURCE> { using CErrorException::CErrorException; };
 
 // Own configuration
 class CNoPluginsNotification : public CTextException<TXT_NO_PLUGINS, LEVEL_NOTIFICATION> { using CTextException::CTextException; };

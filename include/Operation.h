@@ -70,11 +70,12 @@ DWORD ToTraceValue(Result result) noexcept
 class COperation
 {
 public:
-    /// Traces the entry.
-    COperation(const CMessageOrigin& origin, const WCHAR* szClass, CTracePoint point) noexcept
-        : m_Origin(origin), m_szClass(szClass), m_Point(point)
+    /// Traces the entry. szThread: the thread that the operation is about, for the traces that name one.
+    COperation(const CMessageOrigin& origin, const WCHAR* szClass, CTracePoint point,
+               const WCHAR* szThread = nullptr) noexcept
+        : m_Origin(origin), m_szClass(szClass), m_Point(point), m_szThread(szThread)
     {
-        CEntryTrace(m_Origin, m_szClass, m_Point.szName, m_Point.where);
+        Trace<CEntryTrace, CThreadEntryTrace>();
     }
 
     /// Runs body and returns its result, FailureResult if it throws. onException(*this) is called inside
@@ -90,7 +91,7 @@ public:
             } catch (...) {
                 onException(*this);
             }
-            CExitTrace(m_Origin, m_szClass, m_Point.szName, m_Point.where);
+            Trace<CExitTrace, CThreadExitTrace>();
         } else {
             Result result = FailureResult<Result>();
             try {
@@ -102,7 +103,7 @@ public:
             if (warning != FailureWarning::Never && IsFailure(result)) {
                 Warn(ERR_OPERATION_FAILED);
             }
-            CExitResultTrace(m_Origin, m_szClass, m_Point.szName, ToTraceValue(result), m_Point.where);
+            Trace<CExitResultTrace, CThreadExitResultTrace>(ToTraceValue(result));
             return result;
         }
     }
@@ -114,9 +115,20 @@ public:
     CSourceLocation GetLocation() const noexcept { return m_Point.where; }
 
 private:
+    template <typename Statement, typename ThreadStatement, typename... Values>
+    void Trace(Values... values) const noexcept
+    {
+        if (m_szThread == nullptr) {
+            Statement(m_Origin, m_szClass, m_Point.szName, values..., m_Point.where);
+        } else {
+            ThreadStatement(m_Origin, m_szClass, m_Point.szName, m_szThread, values..., m_Point.where);
+        }
+    }
+
     CMessageOrigin m_Origin;
     const WCHAR* m_szClass;
     CTracePoint m_Point;
+    const WCHAR* m_szThread;
 };
 
 /// Whether the exception being handled is of class E; it is written then, unless it has been.

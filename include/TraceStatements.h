@@ -32,9 +32,21 @@ using CConstructionExitTrace = COperationTrace<LEVEL_CONSTRUCTION_EXIT>;
 using CDestructionEntryTrace = COperationTrace<LEVEL_DESTRUCTION_ENTRY, FMT_DESTRUCTOR>;
 using CDestructionExitTrace = COperationTrace<LEVEL_DESTRUCTION_EXIT, FMT_DESTRUCTOR>;
 
+// Class name, operation name, thread name
+using CThreadEntryTrace =
+    CTraceStatement<LEVEL_ENTRY, FMT_THREAD_OPERATION, const WCHAR*, const WCHAR*, const WCHAR*>;
+using CThreadExitTrace =
+    CTraceStatement<LEVEL_EXIT, FMT_THREAD_OPERATION, const WCHAR*, const WCHAR*, const WCHAR*>;
+using CThreadExitResultTrace =
+    CTraceStatement<LEVEL_EXIT, FMT_THREAD_OPERATION_RESULT, const WCHAR*, const WCHAR*, const WCHAR*, DWORD>;
+
 // Text, then a detail
 using CWarning = CTraceStatement<LEVEL_WARNING, FMT_PLAIN, const WCHAR*>;
 using CVariableWarning = CTraceStatement<LEVEL_WARNING, FMT_VARIABLE, const WCHAR*, const WCHAR*>;
+using CErrorWarning = CTraceStatement<LEVEL_WARNING, FMT_ERROR, const WCHAR*, DWORD>;
+using CVariableErrorWarning =
+    CTraceStatement<LEVEL_WARNING, FMT_VARIABLE_ERROR, const WCHAR*, const WCHAR*, DWORD>;
+using CPointerWarning = CTraceStatement<LEVEL_WARNING, FMT_POINTER, const WCHAR*, const WCHAR*>;
 using CStringWarning = CTraceStatement<LEVEL_WARNING, FMT_STRING, const WCHAR*, const WCHAR*>;
 using CKeyWarning = CTraceStatement<LEVEL_WARNING, FMT_KEY, const WCHAR*, const WCHAR*>;
 using CValueNameWarning = CTraceStatement<LEVEL_WARNING, FMT_VALUE_NAME, const WCHAR*, const WCHAR*>;

@@ -1,45 +1,48 @@
 #include <windows.h>
 
-#include <condition_variable>
-#include <mutex>
 #include <system_error>
 #include <thread>
 
 #include <unistd.h>
 
 #include "Call.h"
-#include "KernelObject.h"
+#include "Waitable.h"
 
 namespace {
 
 using namespace Native;
 
 /// A thread; signalled once its procedure has returned.
-class CThreadHandle : public CKernelObject
+class CThreadHandle : public CWaitable
 {
 public:
-    void Finish()
+    bool IsSignalled() const noexcept override { return m_bFinished; }
+
+    void Run(LPTHREAD_START_ROUTINE pfnStart, LPVOID pParameter)
     {
-        const std::lock_guard lock(m_mutex);
-        m_bFinished = true;
-        m_finished.notify_all();
+        Change([this] { m_dwThreadId = GetCurrentThreadId(); });
+        pfnStart(pParameter);
+        Change([this] { m_bFinished = true; });
     }
 
-    /// False when it has not finished within the time.
-    bool Wait(DWORD dwMilliseconds)
+    /// Waits for the thread to say.
+    DWORD GetThreadId() const
     {
-        std::unique_lock lock(m_mutex);
-        const auto finished = [this] { return m_bFinished; };
-        if (dwMilliseconds == INFINITE) {
-            m_finished.wait(lock, finished);
-            return true;
-        }
-        return m_finished.wait_for(lock, std::chrono::milliseconds(dwMilliseconds), finished);
+        Waits::CLock lock = Waits::Lock();
+        Waits::WaitFor(lock, INFINITE, [this] { return m_dwThreadId != 0; });
+        return m_dwThreadId;
     }
 
 private:
-    std::mutex m_mutex;
-    std::condition_variable m_finished;
+    template <typename Body>
+    static void Change(Body body)
+    {
+        const Waits::CLock lock = Waits::Lock();
+        body();
+        Waits::WakeAll();
+    }
+
+    DWORD m_dwThreadId = 0;
     bool m_bFinished = false;
 };
 
@@ -51,29 +54,22 @@ DWORD WINAPI GetCurrentThreadId() noexcept
 }
 
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE pfnStart, LPVOID pParameter,
-                           DWORD dwCreationFlags, DWORD*) noexcept
+                           DWORD dwCreationFlags, DWORD* pdwThreadId) noexcept
 {
     return LastErrorCall(PlatformCall::CreateThread, nullptr, HANDLE(nullptr), [&] {
-        // Threads run at once, and nobody asks for their identifiers.
         Require(dwCreationFlags == 0, ERROR_INVALID_PARAMETER);
         const auto pThread = std::make_shared<CThreadHandle>();
+        // The handle comes first: what runs cannot be taken back.
+        const HANDLE hThread = HandleTable::Add(pThread);
         try {
-            std::thread([=] {
-                pfnStart(pParameter);
-                pThread->Finish();
-            }).detach();
-        } catch (const std::system_error&) {
+            std::thread([=] { pThread->Run(pfnStart, pParameter); }).detach();
+        } catch (const std::exception&) {
+            HandleTable::Close(hThread);
             throw CCallError{ERROR_NOT_ENOUGH_MEMORY};
         }
-        return HandleTable::Add(pThread);
-    });
-}
-
-DWORD WINAPI WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds) noexcept
-{
-    return LastErrorCall(PlatformCall::WaitForSingleObject, nullptr, DWORD(WAIT_FAILED), [&] {
-        const auto pThread = HandleTable::Find<CThreadHandle>(hObject);
-        Require(pThread != nullptr, ERROR_INVALID_HANDLE);
-        return pThread->Wait(dwMilliseconds) ? DWORD(WAIT_OBJECT_0) : DWORD(WAIT_TIMEOUT);
+        if (pdwThreadId != nullptr) {
+            *pdwThreadId = pThread->GetThreadId();
+        }
+        return hThread;
     });
 }

@@ -98,6 +98,8 @@ TEST_F(FaultInjection, ReachesEveryCall)
         {PlatformCall::CloseHandle, [&] { return lastError(!CloseHandle(nullptr)); }},
         {PlatformCall::ConnectNamedPipe, [&] { return lastError(!ConnectNamedPipe(nullptr, nullptr)); }},
         {PlatformCall::CreateDirectoryW, [&] { return lastError(!CreateDirectoryW(TEXT(""), nullptr)); }},
+        {PlatformCall::CreateEventW,
+         [&] { return lastError(CreateEventW(nullptr, FALSE, FALSE, TEXT("e")) == nullptr); }},
         {PlatformCall::CreateFileW,
          [&] {
              return lastError(CreateFileW(TEXT(""), 0, 0, nullptr, 1, 0, nullptr) == INVALID_HANDLE_VALUE);
@@ -132,8 +134,13 @@ TEST_F(FaultInjection, ReachesEveryCall)
              return lError;
          }},
         {PlatformCall::LocalFree, [&] { return lastError(LocalFree(hMemory) != nullptr); }},
+        {PlatformCall::MsgWaitForMultipleObjects,
+         [&] {
+             return lastError(MsgWaitForMultipleObjects(0, nullptr, TRUE, 0, QS_ALLINPUT) == WAIT_FAILED);
+         }},
         {PlatformCall::MultiByteToWideChar,
          [&] { return lastError(MultiByteToWideChar(CP_ACP, 0, "a", 1, szWide, 4) == 0); }},
+        {PlatformCall::PostThreadMessageW, [&] { return lastError(!PostThreadMessageW(0, WM_NULL, 0, 0)); }},
         {PlatformCall::ReadFile, [&] { return lastError(!ReadFile(nullptr, szAnsi, 1, &dw, nullptr)); }},
         {PlatformCall::RegCloseKey, [&] { return RegCloseKey(nullptr); }},
         {PlatformCall::RegCreateKeyExW,
@@ -146,6 +153,8 @@ TEST_F(FaultInjection, ReachesEveryCall)
         {PlatformCall::RegQueryValueExW,
          [&] { return RegQueryValueExW(nullptr, TEXT("v"), nullptr, nullptr, nullptr, nullptr); }},
         {PlatformCall::RegSetValueExW, [&] { return RegSetValueExW(nullptr, TEXT("v"), 0, 0, nullptr, 0); }},
+        {PlatformCall::ResetEvent, [&] { return lastError(!ResetEvent(nullptr)); }},
+        {PlatformCall::SetEvent, [&] { return lastError(!SetEvent(nullptr)); }},
         {PlatformCall::SetFilePointer,
          [&] { return lastError(SetFilePointer(nullptr, 0, nullptr, 0) == INVALID_SET_FILE_POINTER); }},
         {PlatformCall::WaitForSingleObject,

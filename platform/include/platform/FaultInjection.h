@@ -18,6 +18,7 @@
     CALL(CloseHandle) \
     CALL(ConnectNamedPipe) \
     CALL(CreateDirectoryW) \
+    CALL(CreateEventW) \
     CALL(CreateFileW) \
     CALL(CreateNamedPipeW) \
     CALL(CreateThread) \
@@ -30,9 +31,11 @@
     CALL(LoadLibraryW) \
     CALL(LocalAlloc) \
     CALL(LocalFree) \
+    CALL(MsgWaitForMultipleObjects) \
     CALL(MultiByteToWideChar) \
     CALL(OpenThreadToken) \
     CALL(PeekNamedPipe) \
+    CALL(PostThreadMessageW) \
     CALL(ReadFile) \
     CALL(RegCloseKey) \
     CALL(RegCreateKeyExW) \
@@ -42,7 +45,9 @@
     CALL(RegOpenKeyExW) \
     CALL(RegQueryValueExW) \
     CALL(RegSetValueExW) \
+    CALL(ResetEvent) \
     CALL(RevertToSelf) \
+    CALL(SetEvent) \
     CALL(SetFilePointer) \
     CALL(SetNamedPipeHandleState) \
     CALL(WaitForSingleObject) \

@@ -51,8 +51,12 @@
 #define ERROR_DLL_INIT_FAILED 1114
 #define ERROR_IO_DEVICE 1117
 #define ERROR_CANNOT_IMPERSONATE 1368
+#define ERROR_INVALID_THREAD_ID 1444
 #define ERROR_NO_SYSTEM_RESOURCES 1450
 #define ERROR_TIMEOUT 1460
+#define ERROR_RESOURCE_DATA_NOT_FOUND 1812
+#define ERROR_RESOURCE_TYPE_NOT_FOUND 1813
+#define ERROR_RESOURCE_NAME_NOT_FOUND 1814
 
 /// The last error is the thread's own, and only calls that failed set it, save where a call says more.
 DWORD WINAPI GetLastError() noexcept;

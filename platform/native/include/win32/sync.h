@@ -3,7 +3,7 @@
 #include "win32/files.h"
 #include "win32/types.h"
 
-// Locks, threads and time.
+// Locks, threads, events and time.
 
 /// May be entered again by the thread that is in it.
 struct CRITICAL_SECTION
@@ -27,7 +27,14 @@ DWORD WINAPI GetCurrentThreadId() noexcept;
 /// Without creation flags: the thread runs at once.
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES pSecurity, SIZE_T cbStack, LPTHREAD_START_ROUTINE pfnStart,
                            LPVOID pParameter, DWORD dwCreationFlags, DWORD* pdwThreadId) noexcept;
-/// Waits for a thread to end.
+
+/// Without a name.
+HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES pSecurity, BOOL bManualReset, BOOL bInitialState,
+                           LPCWSTR szName) noexcept;
+BOOL WINAPI SetEvent(HANDLE hEvent) noexcept;
+BOOL WINAPI ResetEvent(HANDLE hEvent) noexcept;
+
+/// For an event, or for a thread to end.
 DWORD WINAPI WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds) noexcept;
 
 struct SYSTEMTIME

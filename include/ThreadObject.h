@@ -1,0 +1,83 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "GlobalObject.h"
+
+/// A service thread, and the events through which its owner and its thread function agree on starting and
+/// stopping.
+///
+/// The owner calls StartThread, StopThread, CleanThread and the destructor, one at a time. A derived class
+/// supplies Thread, which runs on the new thread.
+class CThreadObject : public CGlobalObject
+{
+public:
+    /// bAutoDelete: the object deletes itself once its thread function has returned; its creator must not
+    /// touch it any more once StartThread has given true. Throws CBadArgException for a null name,
+    /// CThreadObjectInitException for any other failure.
+    CThreadObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const WCHAR* szThreadName, bool bAutoDelete);
+    CThreadObject(const CThreadObject&) = delete;
+    CThreadObject& operator=(const CThreadObject&) = delete;
+
+    /// The thread function. It sets StartEvent first (SignalStart), runs until StopEvent is signalled, and
+    /// sets FinishEvent last (SignalFinish), on every way out.
+    virtual void Thread() = 0;
+
+    /// Stops a running thread. A derived class whose thread function uses members of its own has to do that
+    /// in its own destructor.
+    virtual ~CThreadObject();
+
+    /// Starts the thread. True also when it is running already. A thread that has ended by itself counts as
+    /// absent: a new one is started.
+    bool StartThread();
+
+    /// Asks the thread function to finish and waits until it has, without a time limit. Window messages of
+    /// the calling thread are dispatched meanwhile, so hold no lock that a window procedure or the thread
+    /// function needs. A thread that ended without a word is not waited for. False when there is no thread.
+    bool StopThread();
+
+    /// Lets go of the thread without stopping it; it must have finished. False when there is no thread.
+    bool CleanThread();
+
+    /// Destroys the object, which must be on the heap.
+    void DeleteThis();
+
+    /// The procedure of the platform's thread; pObject is the CThreadObject.
+    static DWORD WINAPI ThreadStarter(LPVOID pObject);
+
+    DWORD m_dwThreadId;
+    HANDLE m_hThread;
+    /// From StartThread until StopThread, also when the thread function has returned by itself.
+    bool m_bRunning;
+    std::unique_ptr<WCHAR[]> m_szThreadName;
+    HANDLE FinishEvent;
+    HANDLE StopEvent;
+    HANDLE StartEvent;
+    bool m_bAutoDelete;
+
+protected:
+    // For thread functions: set the event; a failure is written, and the thread goes on.
+    void SignalStart() const noexcept;
+    void SignalFinish() const noexcept;
+
+    /// Waits until the owner wants the thread to finish; false when the time is over before that.
+    bool AwaitStop(DWORD dwMilliseconds) const noexcept;
+
+private:
+    static constexpr const WCHAR* s_szClass = TEXT("CThreadObject");
+
+    void CopyName(const WCHAR* szThreadName);
+    HANDLE MakeEvent() const;
+    void CloseEvent(HANDLE& hEvent, const WCHAR* szEvent) noexcept;
+    void CloseEvents() noexcept;
+
+    void Launch();
+    void DropFinishedThread() noexcept;
+    void AwaitFinish() const noexcept;
+    void CloseThread() noexcept;
+    void RunThread();
+
+    /// The thread of an object that deletes itself must not overtake StartThread.
+    std::atomic<bool> m_bStarting;
+};
