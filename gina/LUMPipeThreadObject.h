@@ -2,8 +2,6 @@
 
 #include "ThreadObject.h"
 
-#include "control/PipeConnection.h"
-
 class CLUMGina;
 class CLUMObject;
 class CLUMRegistry;
@@ -34,21 +32,12 @@ private:
     static constexpr const WCHAR* s_szClass = TEXT("CLUMPipeThreadObject");
 
     void CreatePipe();
-    DWORD ReadPeriod() noexcept;
-
     void ServeClients();
-    DWORD PollForClient() noexcept;
-    void ServeClient();
-    void ServeRequests(CPipeConnection& connection) noexcept;
-    void Listen() noexcept;
-    bool SetBlocking(bool bBlocking) noexcept;
-    bool AwaitStopOrLatch(DWORD dwMilliseconds) noexcept;
-
+    DWORD ReadPeriod() noexcept;
+    bool AwaitStopOnce(DWORD dwMilliseconds) noexcept;
     void ReleasePipe() noexcept;
     void ClosePipe() noexcept;
 
-    const CPipeConnection::AwaitStop m_awaitStop;
-    /// The event is signalled once; whoever sees it must tell the others on this thread.
+    /// The event is signalled once; whoever on the thread has seen it remembers it here.
     bool m_bStopping;
-    bool m_bBlocking;
 };

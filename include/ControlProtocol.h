@@ -60,6 +60,7 @@ struct CWireRecord
 };
 
 static_assert(sizeof(CWireRecord) == 32);
-static_assert(std::endian::native == std::endian::little, "records and integers go out as they are in memory");
+static_assert(std::endian::native == std::endian::little,
+              "records and integers go out as they are in memory");
 
 } // namespace ControlProtocol

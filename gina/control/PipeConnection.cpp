@@ -9,9 +9,10 @@ constexpr DWORD POLL_MILLISECONDS = 10;
 
 } // namespace
 
-CPipeConnection::CPipeConnection(const CMessageOrigin& origin, HANDLE hPipe,
-                                 const AwaitStop& awaitStop) noexcept
-    : m_Origin(origin), m_hPipe(hPipe), m_awaitStop(awaitStop), m_dwStart(GetTickCount())
+CPipeConnection::CPipeConnection(const CMessageOrigin& origin, HANDLE hPipe, const AwaitStop& awaitStop,
+                                 const CPipeDeadlines& deadlines) noexcept
+    : m_Origin(origin), m_hPipe(hPipe), m_awaitStop(awaitStop), m_Deadlines(deadlines),
+      m_dwStart(GetTickCount())
 {
 }
 
@@ -40,7 +41,7 @@ void CPipeConnection::AwaitBytes()
         if (cbAvailable != 0) {
             return;
         }
-        if (IsOver(REQUEST_MILLISECONDS)) {
+        if (IsOver(m_Deadlines.dwRequestMilliseconds)) {
             throw CReadFileException(m_Origin, ERROR_TIMEOUT);
         }
         if (m_awaitStop(POLL_MILLISECONDS)) {
@@ -85,7 +86,7 @@ bool CPipeConnection::AwaitHangUp() noexcept
 {
     m_dwStart = GetTickCount();
     while (PeekNamedPipe(m_hPipe, nullptr, 0, nullptr, nullptr, nullptr)) {
-        if (IsOver(REPLY_MILLISECONDS) || m_awaitStop(POLL_MILLISECONDS)) {
+        if (IsOver(m_Deadlines.dwReplyMilliseconds) || m_awaitStop(POLL_MILLISECONDS)) {
             return false;
         }
     }

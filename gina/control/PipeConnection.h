@@ -5,6 +5,13 @@
 #include "ControlChannel.h"
 #include "Messages.h"
 
+/// How long a client may take for the whole of its request, and then for reading the reply.
+struct CPipeDeadlines
+{
+    DWORD dwRequestMilliseconds = 5000;
+    DWORD dwReplyMilliseconds = 5000;
+};
+
 /// A client at the other end of the pipe, from the moment it is connected until it is disconnected.
 ///
 /// Whoever is at the other end cannot hold up the thread: each wait has an end, and ends at once when the
@@ -15,12 +22,9 @@ public:
     /// Waits on behalf of a connection; true when the thread is to stop, and from then on.
     using AwaitStop = std::function<bool(DWORD dwMilliseconds)>;
 
-    /// How long a client may take for the whole of its request, and for reading the reply.
-    static constexpr DWORD REQUEST_MILLISECONDS = 5000;
-    static constexpr DWORD REPLY_MILLISECONDS = 5000;
-
     /// The pipe, in blocking mode, and awaitStop must outlive the connection.
-    CPipeConnection(const CMessageOrigin& origin, HANDLE hPipe, const AwaitStop& awaitStop) noexcept;
+    CPipeConnection(const CMessageOrigin& origin, HANDLE hPipe, const AwaitStop& awaitStop,
+                    const CPipeDeadlines& deadlines) noexcept;
     CPipeConnection(const CPipeConnection&) = delete;
     CPipeConnection& operator=(const CPipeConnection&) = delete;
 
@@ -43,6 +47,7 @@ private:
     const CMessageOrigin m_Origin;
     const HANDLE m_hPipe;
     const AwaitStop& m_awaitStop;
+    const CPipeDeadlines m_Deadlines;
     DWORD m_dwStart;
     bool m_bHasWritten = false;
     bool m_bImpersonates = false;
