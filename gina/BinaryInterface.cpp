@@ -1,6 +1,7 @@
 #include <cstddef>
 
 #include "GinaObject.h"
+#include "LUMObject.h"
 
 // What plugins read by offset. The order of the slots of CGinaObject has a test of its own.
 
@@ -44,5 +45,11 @@ static_assert(IsAt(offsetof(CGinaPluginContext, m_hDLLInstance), 8));
 static_assert(IsAt(offsetof(CGinaPluginContext, m_hInstance), 12));
 static_assert(IsAt(offsetof(CGinaPluginContext, m_hWlx), 16));
 static_assert(IsAt(offsetof(CGinaPluginContext, m_GinaPluginInfo), 20));
+
+static_assert(IsAt(offsetof(CLUMObject, szAPP), 0));
+static_assert(IsAt(offsetof(CLUMObject, szMTM), 4));
+static_assert(IsAt(offsetof(CLUMObject, m_pRegistryManager), 8));
+static_assert(IsAt(offsetof(CLUMObject, m_pGinaObjectList), 12));
+static_assert(IsAt(offsetof(CLUMObject, m_pLUMRegistry), 16));
 
 } // namespace

@@ -6,7 +6,7 @@
 #include "Exceptions.h"
 #include "GinaPluginObject.h"
 #include "GinaStandardObject.h"
-#include "HostMember.h"
+#include "Needed.h"
 
 // Construction, negotiation and initialisation of the host; its dispatch is in LUMGinaDispatch.cpp.
 
@@ -204,8 +204,8 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
         const DWORD dwInstanceCount = ReadSetting(&CLUMRegistry::GetInstanceCount, 1);
         InitializeObjects([&](CGinaObject& object) {
             const CCallGate::CCall call(m_gate);
-            return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved, pWinlogonFunctions,
-                                     pWlxContext, 0, 0);
+            return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
+                                     pWinlogonFunctions, pWlxContext, 0, 0);
         });
         SetWinlogonTimeout(hWlx);
         return m_pGinaObjectList->m_dwCount != 0;
@@ -266,7 +266,8 @@ void CLUMGina::InitializeObjects(Initialize initialize)
     }
 }
 
-/// Destroys its object outside the lock: the DLL runs once more when it is freed.
+/// Its object is destroyed outside the lock: the DLL runs once more when it is freed. Stays when
+/// another thread is in a call that does not end; while the system starts there is no other thread.
 void CLUMGina::RemoveNode(GinaNode* pNode)
 {
     CGinaObjectList& list = *m_pGinaObjectList;

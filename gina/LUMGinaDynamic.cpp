@@ -1,8 +1,8 @@
 #include <memory>
 
 #include "GinaPluginObject.h"
-#include "HostMember.h"
 #include "LUMGina.h"
+#include "Needed.h"
 
 // Plugins that come and go while the system runs. No lock is held, and the gate is open, while one of them
 // is loaded, initialised, told to go or unloaded.

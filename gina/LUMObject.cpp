@@ -1,20 +1,13 @@
 #include "LUMObject.h"
 
-#include "Exceptions.h"
 #include "LUMRegistry.h"
 #include "Operation.h"
+#include "RequireArgument.h"
 #include "chaining/RegistryManager.h"
 
 namespace {
 
 constexpr WCHAR OWN_DLL[] = TEXT("lum_gina.dll");
-
-void RequireArgument(const CMessageOrigin& origin, const void* pArgument, const WCHAR* szArgument)
-{
-    if (pArgument == nullptr) {
-        throw CBadArgException(origin, szArgument);
-    }
-}
 
 } // namespace
 

@@ -60,7 +60,7 @@
 
 namespace lum {
 
-/// The host's control operations, which a plugin is handed and passes on.
+/// The host's control operations. It has no slots, so that a plugin cannot call them.
 class CLUMObject;
 class CGinaObject;
 
@@ -103,7 +103,9 @@ struct CGinaNode
     const WCHAR* szMTM;
     CGinaObject* m_pItem; ///< the GINA or plugin at this place
     DWORD m_dwTag;
-    CGinaNode* pNext; ///< never null in a call to a plugin: the standard GINA is the last
+    CGinaNode* pNext; ///< never null in a call to a plugin: the standard GINA is the last. May change
+                      ///< while the call is under way, when a plugin is added: object and node of the next
+                      ///< call are to come from one reading
     CGinaNode* pPrev; ///< null at the head
 };
 

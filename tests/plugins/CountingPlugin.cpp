@@ -1,0 +1,85 @@
+#include "CountingPlugin.h"
+
+#include "LUMPlugin.h"
+
+namespace {
+
+/// One call inside the plugin.
+class CCountedCall
+{
+public:
+    explicit CCountedCall(CPluginCounts& counts) : m_counts(counts)
+    {
+        ++m_counts.nEntries;
+        m_counts.nTooLate += m_counts.bUnloaded ? 1 : 0;
+    }
+    ~CCountedCall() { ++m_counts.nExits; }
+    CCountedCall(const CCountedCall&) = delete;
+    CCountedCall& operator=(const CCountedCall&) = delete;
+
+private:
+    CPluginCounts& m_counts;
+};
+
+class CCountingPlugin final : public lum::CPlugin
+{
+public:
+    BOOL Initialize(lum::CLUMObject*, DWORD, LPWSTR, HANDLE hWlx, PVOID, PVOID, PVOID*, DWORD, DWORD) override
+    {
+        m_pCounts = static_cast<IPluginJournal*>(hWlx)->BeginPlugin();
+        return m_pCounts != nullptr;
+    }
+
+    void DynamicUnload() override
+    {
+        m_pCounts->nTooLate += m_pCounts->nEntries != m_pCounts->nExits ? 1 : 0;
+        m_pCounts->bUnloaded = true;
+    }
+
+    bool QueryPlugin(lum::CGinaPluginInfo*, DWORD dwQueryParam1, DWORD, DWORD) override
+    {
+        const CCountedCall call(*m_pCounts);
+        return dwQueryParam1 != 0;
+    }
+
+    bool QueryPluginInfo(lum::CGinaPluginInfo* pPluginInfo) override
+    {
+        const CCountedCall call(*m_pCounts);
+        return CPlugin::QueryPluginInfo(pPluginInfo);
+    }
+
+    BOOL IsLockOk(lum::CGinaNode* pNode, PVOID pWlxContext) override
+    {
+        return PassOn(&lum::CGinaObject::IsLockOk, pNode, pWlxContext);
+    }
+
+    int LoggedOnSAS(lum::CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
+    {
+        return PassOn(&lum::CGinaObject::LoggedOnSAS, pNode, pWlxContext, dwSasType, pReserved);
+    }
+
+    void Shutdown(lum::CGinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType) override
+    {
+        PassOn(&lum::CGinaObject::Shutdown, pNode, pWlxContext, dwShutdownType);
+    }
+
+private:
+    template <typename Result, typename... Parameters, typename... Arguments>
+    Result PassOn(Result (lum::CGinaObject::*pfnCall)(lum::CGinaNode*, PVOID, Parameters...),
+                  lum::CGinaNode* pNode, PVOID pWlxContext, Arguments... arguments)
+    {
+        const CCountedCall call(*m_pCounts);
+        static_cast<ICallTrail*>(pWlxContext)->Visit(pNode);
+        // Once, since another plugin may be added meanwhile, and in a way that a checker of races accepts.
+        lum::CGinaNode* const pNext = std::atomic_ref(pNode->pNext).load(std::memory_order_acquire);
+        return (pNext->m_pItem->*pfnCall)(pNext, pWlxContext, arguments...);
+    }
+
+    CPluginCounts* m_pCounts = nullptr;
+};
+
+CCountingPlugin s_plugin;
+
+} // namespace
+
+LUM_PLUGIN(s_plugin)
