@@ -52,12 +52,28 @@ function(lum_add_dll target)
   endif()
 endfunction()
 
+# lum_add_version(TARGET VERSION DESCRIPTION)
+#
+# Gives a DLL the version resource 1. The native target has no resources; the same data is an exported
+# object there, which the calls for resources find.
+function(lum_add_version LUM_TARGET LUM_VERSION LUM_DESCRIPTION)
+  string(REPLACE "." "," LUM_VERSION_NUMBERS "${LUM_VERSION}")
+  if(WIN32)
+    set(kind rc)
+  else()
+    set(kind cpp)
+  endif()
+  set(source "${CMAKE_CURRENT_BINARY_DIR}/${LUM_TARGET}_version.${kind}")
+  configure_file("${CMAKE_SOURCE_DIR}/cmake/version.${kind}.in" "${source}" @ONLY)
+  target_sources(${LUM_TARGET} PRIVATE "${source}")
+endfunction()
+
 # DllMain is not in a .def file, since the Windows loader finds it as the entry point; the
-# native loader looks it up by name.
+# native loader looks it up by name, as it does the version resource.
 function(lum_version_script def map)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${def}")
   file(STRINGS "${def}" lines)
-  set(names "DllMain;")
+  set(names "DllMain; NativeVersionResource;")
   foreach(line IN LISTS lines)
     if(line MATCHES "^ +([A-Za-z_0-9]+)")
       string(APPEND names " ${CMAKE_MATCH_1};")

@@ -3,14 +3,14 @@
 #include <iterator>
 #include <new>
 
-#include "Exceptions.h"
 #include "Operation.h"
+#include "RequireArgument.h"
 
 namespace {
 
 // A thread that has set its finish event has only its last trace lines to write. It is not waited for longer:
 // while the library is being unloaded no thread can end, and that must not keep the process.
-constexpr DWORD LAST_LINES_MILLISECONDS = 5000;
+constexpr DWORD LAST_LINES_MILLISECONDS = 2000;
 constexpr DWORD POLL_MILLISECONDS = 1;
 
 /// A thread's name for trace lines that are written when the object may be gone; cut to fit.
@@ -78,9 +78,7 @@ CThreadObject::CThreadObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const
       m_bStarting(false)
 {
     const CConstructionTrace trace(*this, s_szClass);
-    if (szThreadName == nullptr) {
-        throw CBadArgException(*this, TEXT("szThreadName"));
-    }
+    RequireArgument(*this, szThreadName, TEXT("szThreadName"));
     try {
         CopyName(szThreadName);
         FinishEvent = MakeEvent();
@@ -286,5 +284,5 @@ void CThreadObject::SignalFinish() const noexcept
 
 bool CThreadObject::AwaitStop(DWORD dwMilliseconds) const noexcept
 {
-    return IsSignalled(StopEvent, dwMilliseconds);
+    return WaitForSingleObject(StopEvent, dwMilliseconds) != WAIT_TIMEOUT;
 }

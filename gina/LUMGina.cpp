@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <new>
+#include <type_traits>
 
 #include "Exceptions.h"
 #include "GinaPluginObject.h"
@@ -18,13 +19,17 @@ constexpr DWORD NAME_CAPACITY = 260;
 constexpr WCHAR TXT_NO_PLUGIN_OBJECT[] = TEXT("Unable to create gina plugin");
 constexpr WCHAR FALLBACK_GINA[] = TEXT("msgina.dll");
 
-/// Creates one member of the host.
+/// Creates one member of the host. Those that can report under any tag are told the host's.
 template <typename T, typename... Args>
 void CreateMember(T*& pMember, const WCHAR* szMember, Args... args)
 {
     try {
         // No memory for one member is no reason to go without the others: it stays null then.
-        pMember = new (std::nothrow) T(LUM_GINA_APP, LUM_GINA_MTM, args...);
+        if constexpr (std::is_constructible_v<T, const WCHAR*, const WCHAR*, Args...>) {
+            pMember = new (std::nothrow) T(LUM_GINA_APP, LUM_GINA_MTM, args...);
+        } else {
+            pMember = new (std::nothrow) T(args...);
+        }
     } catch (...) {
         throw CMemAllocException(LUM_GINA_ORIGIN, szMember);
     }
@@ -43,7 +48,8 @@ void DestroyMember(T*& pMember, const WCHAR* szMember) noexcept
 CLUMGina::CLUMGina(HINSTANCE hInstance)
     : m_dwNegotiatedWlxVersion(0), m_pGinaContext(nullptr), m_pGinaObjectList(nullptr),
       m_pWinlogonRegistry(nullptr), m_pLUMRegistry(nullptr), m_pRegistryManager(nullptr),
-      m_pLUMObject(nullptr), m_pWinlogonObject(nullptr)
+      m_pLUMObject(nullptr), m_pLUMPipeThreadObject(nullptr), m_pLUMRegMonitorThreadObject(nullptr),
+      m_pWinlogonObject(nullptr)
 {
     const CConstructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
     if (hInstance == nullptr) {
@@ -61,6 +67,8 @@ CLUMGina::CLUMGina(HINSTANCE hInstance)
 CLUMGina::~CLUMGina()
 {
     const CDestructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
+    DestroyMember(m_pLUMPipeThreadObject, TEXT("m_pLUMPipeThreadObject"));
+    DestroyMember(m_pLUMRegMonitorThreadObject, TEXT("m_pLUMRegMonitorThreadObject"));
     DestroyMember(m_pRegistryManager, TEXT("m_pRegistryManager"));
     DestroyMember(m_pLUMObject, TEXT("m_pLUMObject"));
     DestroyMember(m_pWinlogonObject, TEXT("m_pWinlogonObject"));
@@ -80,6 +88,10 @@ void CLUMGina::CreateMembers(HINSTANCE hInstance)
     CreateMember(m_pRegistryManager, TEXT("m_pRegistryManager"), m_pLUMRegistry, m_pWinlogonRegistry, false);
     CreateMember(m_pLUMObject, TEXT("m_pLUMObject"), m_pRegistryManager, m_pGinaObjectList, m_pLUMRegistry,
                  std::ref(m_gate));
+    CreateMember(m_pLUMPipeThreadObject, TEXT("m_pLUMPipeThreadObject"), m_pLUMObject, this, m_pLUMRegistry,
+                 false);
+    CreateMember(m_pLUMRegMonitorThreadObject, TEXT("m_pLUMRegMonitorThreadObject"), m_pRegistryManager,
+                 m_pLUMRegistry, m_pWinlogonRegistry, false);
 }
 
 BOOL CLUMGina::LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion)
@@ -207,6 +219,10 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
             return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
                                      pWinlogonFunctions, pWlxContext, 0, 0);
         });
+        // Later instances, as those of other sessions, leave the service threads to the first.
+        if (m_pGinaObjectList->m_dwCount != 0 && dwInstanceCount == 1) {
+            StartThreads();
+        }
         SetWinlogonTimeout(hWlx);
         return m_pGinaObjectList->m_dwCount != 0;
     });

@@ -7,6 +7,8 @@
 #include "GinaContext.h"
 #include "GinaObject.h"
 #include "LUMObject.h"
+#include "LUMPipeThreadObject.h"
+#include "LUMRegMonitorThreadObject.h"
 #include "LUMRegistry.h"
 #include "Operation.h"
 #include "WinlogonObject.h"
@@ -75,6 +77,14 @@ public:
     /// out of the configuration. Waits a bounded time for the calls in flight: false, and nothing changed,
     /// when they do not end, at once from within one of them. One that fails when it is told stays.
     bool LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept;
+    // What the control channel asks for; runs on its thread. These never throw.
+
+    /// Starts or stops the registry monitor. True when it is as wanted, also if it was before.
+    bool LUMEnableActiveRegistryMonitoring(bool bEnable);
+
+    /// Gives the version of this library as one number: the minor version and the build, one over the other,
+    /// in the upper 16 bits, the revision in the lower. False, and nothing given, when it cannot be read.
+    bool LUMGetLUMGinaVersion(DWORD* pdwVersion);
 
     DWORD m_dwNegotiatedWlxVersion;
     CGinaContext* m_pGinaContext;
@@ -83,6 +93,8 @@ public:
     CLUMRegistry* m_pLUMRegistry;
     CRegistryManager* m_pRegistryManager;
     CLUMObject* m_pLUMObject;
+    CLUMPipeThreadObject* m_pLUMPipeThreadObject;
+    CLUMRegMonitorThreadObject* m_pLUMRegMonitorThreadObject;
     CWinlogonObject* m_pWinlogonObject;
     /// Over m_pGinaObjectList.
     CCallGate m_gate;
@@ -110,6 +122,10 @@ private:
 
     bool LoadInto(CGinaObjectList& list, const WCHAR* szPlugin);
     bool UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin);
+    template <typename Visit>
+    void ForEachThread(Visit visit);
+    void StartThreads();
+    void StopThreads();
 
     GinaNode* FindFirst(CGinaObject*& pFirst);
     template <typename Result, typename... Params, typename... Args>

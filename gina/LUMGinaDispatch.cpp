@@ -138,6 +138,7 @@ void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
     op.Run(DispatchHandler(), [&] {
         SetStatus(op, 0);
         CallFirst(&CGinaObject::Shutdown, pWlxContext, dwShutdownType);
+        StopThreads();
     });
 }
 

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <memory>
 
+#include "CriticalSection.h"
 #include "GlobalObject.h"
 
 /// A service thread, and the events through which its owner and its thread function agree on starting and
@@ -56,12 +57,17 @@ public:
     HANDLE StartEvent;
     bool m_bAutoDelete;
 
+    /// For owners on several threads: to be held while one of them starts or stops the thread. The thread
+    /// function must not need it.
+    CCriticalSection m_OwnersLock;
+
 protected:
     // For thread functions: set the event; a failure is written, and the thread goes on.
     void SignalStart() const noexcept;
     void SignalFinish() const noexcept;
 
-    /// Waits until the owner wants the thread to finish; false when the time is over before that.
+    /// Waits until the owner wants the thread to finish; false when the time is over before that. A wait that
+    /// fails counts as the wish, since a thread function that cannot wait would run without a pause.
     bool AwaitStop(DWORD dwMilliseconds) const noexcept;
 
 private:

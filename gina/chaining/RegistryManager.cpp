@@ -10,6 +10,7 @@
 #include "ChainWriter.h"
 #include "Exceptions.h"
 #include "KnownGinas.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -42,13 +43,6 @@ std::unique_ptr<List> MakeList(const CMessageOrigin& origin, const WCHAR* szMemb
         throw CMemAllocException(origin, szMember);
     }
     return pList;
-}
-
-void RequireArgument(const CMessageOrigin& origin, const void* pArgument, const WCHAR* szArgument)
-{
-    if (pArgument == nullptr) {
-        throw CBadArgException(origin, szArgument);
-    }
 }
 
 } // namespace

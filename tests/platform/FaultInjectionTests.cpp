@@ -121,11 +121,14 @@ TEST_F(FaultInjection, ReachesEveryCall)
         {PlatformCall::SetNamedPipeHandleState,
          [&] { return lastError(!SetNamedPipeHandleState(nullptr, nullptr, nullptr, nullptr)); }},
         {PlatformCall::WaitNamedPipeW, [&] { return lastError(!WaitNamedPipeW(nullptr, 0)); }},
+        {PlatformCall::FindResourceW,
+         [&] { return lastError(FindResourceW(nullptr, MAKEINTRESOURCE(1), RT_VERSION) == nullptr); }},
         {PlatformCall::FreeLibrary, [&] { return lastError(!FreeLibrary(nullptr)); }},
         {PlatformCall::GetModuleFileNameW,
          [&] { return lastError(GetModuleFileNameW(nullptr, szWide, 4) == 0); }},
         {PlatformCall::GetProcAddress, [&] { return lastError(GetProcAddress(nullptr, "name") == nullptr); }},
         {PlatformCall::LoadLibraryW, [&] { return lastError(LoadLibraryW(nullptr) == nullptr); }},
+        {PlatformCall::LoadResource, [&] { return lastError(LoadResource(nullptr, nullptr) == nullptr); }},
         {PlatformCall::LocalAlloc,
          [&] {
              const HLOCAL hNew = LocalAlloc(LPTR, 1);
@@ -134,6 +137,7 @@ TEST_F(FaultInjection, ReachesEveryCall)
              return lError;
          }},
         {PlatformCall::LocalFree, [&] { return lastError(LocalFree(hMemory) != nullptr); }},
+        {PlatformCall::LockResource, [&] { return lastError(LockResource(nullptr) == nullptr); }},
         {PlatformCall::MsgWaitForMultipleObjects,
          [&] {
              return lastError(MsgWaitForMultipleObjects(0, nullptr, TRUE, 0, QS_ALLINPUT) == WAIT_FAILED);
@@ -157,6 +161,8 @@ TEST_F(FaultInjection, ReachesEveryCall)
         {PlatformCall::SetEvent, [&] { return lastError(!SetEvent(nullptr)); }},
         {PlatformCall::SetFilePointer,
          [&] { return lastError(SetFilePointer(nullptr, 0, nullptr, 0) == INVALID_SET_FILE_POINTER); }},
+        {PlatformCall::VerQueryValueW,
+         [&] { return lastError(!VerQueryValueW(nullptr, TEXT("\\"), nullptr, nullptr)); }},
         {PlatformCall::WaitForSingleObject,
          [&] { return lastError(WaitForSingleObject(nullptr, 0) == WAIT_FAILED); }},
         {PlatformCall::WideCharToMultiByte,

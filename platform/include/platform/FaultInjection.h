@@ -23,14 +23,17 @@
     CALL(CreateNamedPipeW) \
     CALL(CreateThread) \
     CALL(DisconnectNamedPipe) \
+    CALL(FindResourceW) \
     CALL(FlushFileBuffers) \
     CALL(FreeLibrary) \
     CALL(GetModuleFileNameW) \
     CALL(GetProcAddress) \
     CALL(ImpersonateNamedPipeClient) \
     CALL(LoadLibraryW) \
+    CALL(LoadResource) \
     CALL(LocalAlloc) \
     CALL(LocalFree) \
+    CALL(LockResource) \
     CALL(MsgWaitForMultipleObjects) \
     CALL(MultiByteToWideChar) \
     CALL(OpenThreadToken) \
@@ -50,6 +53,7 @@
     CALL(SetEvent) \
     CALL(SetFilePointer) \
     CALL(SetNamedPipeHandleState) \
+    CALL(VerQueryValueW) \
     CALL(WaitForSingleObject) \
     CALL(WaitNamedPipeW) \
     CALL(WideCharToMultiByte) \

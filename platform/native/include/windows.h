@@ -12,5 +12,6 @@
 #include "win32/messages.h"
 #include "win32/pipes.h"
 #include "win32/registry.h"
+#include "win32/resources.h"
 #include "win32/sync.h"
 #include "win32/text.h"

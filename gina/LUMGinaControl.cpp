@@ -1,0 +1,71 @@
+#include "LUMGina.h"
+#include "Needed.h"
+#include "ResourceObject.h"
+
+// The host's service threads, and what the control channel asks of the host about itself.
+
+namespace {
+
+bool Start(CThreadObject& thread)
+{
+    const CCriticalSection::CLock lock(thread.m_OwnersLock);
+    return thread.StartThread();
+}
+
+/// True also when there is nothing to stop.
+bool Stop(CThreadObject& thread)
+{
+    const CCriticalSection::CLock lock(thread.m_OwnersLock);
+    return !thread.m_bRunning || thread.StopThread();
+}
+
+} // namespace
+
+/// In the order of starting and of stopping. The control channel comes first, since it can start and stop the
+/// others. One that could not be created is done without.
+template <typename Visit>
+void CLUMGina::ForEachThread(Visit visit)
+{
+    CThreadObject* const threads[] = {m_pLUMPipeThreadObject, m_pLUMRegMonitorThreadObject};
+    for (CThreadObject* pThread : threads) {
+        if (pThread != nullptr) {
+            visit(*pThread);
+        }
+    }
+}
+
+void CLUMGina::StartThreads()
+{
+    ForEachThread(Start);
+}
+
+void CLUMGina::StopThreads()
+{
+    ForEachThread(Stop);
+}
+
+bool CLUMGina::LUMEnableActiveRegistryMonitoring(bool bEnable)
+{
+    const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMEnableActiveRegistryMonitoring"));
+    return op.Run(Absorb<>(), [&] {
+        CThreadObject& thread = Needed(m_pLUMRegMonitorThreadObject);
+        return bEnable ? Start(thread) : Stop(thread);
+    });
+}
+
+bool CLUMGina::LUMGetLUMGinaVersion(DWORD* pdwVersion)
+{
+    const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMGetLUMGinaVersion"));
+    const auto body = [&] {
+        CResourceObject resources(LUM_GINA_APP, LUM_GINA_MTM, Needed(m_pGinaContext).GetInstanceHandle(), 0,
+                                  0);
+        const VS_FIXEDFILEINFO* pInfo = nullptr;
+        if (!resources.LoadMenu(1, &pInfo)) {
+            return false;
+        }
+        // One number of 32 bits, as clients have always read it: the major version does not fit.
+        Needed(pdwVersion) = pInfo->dwFileVersionMS << 16 | pInfo->dwFileVersionLS;
+        return true;
+    };
+    return op.Run(Absorb<>(), body, FailureWarning::Never);
+}

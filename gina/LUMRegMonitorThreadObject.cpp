@@ -1,0 +1,88 @@
+#include "LUMRegMonitorThreadObject.h"
+
+#include <algorithm>
+
+#include "LUMRegistry.h"
+#include "Operation.h"
+#include "RequireArgument.h"
+#include "WinlogonRegistry.h"
+#include "chaining/RegistryManager.h"
+
+namespace {
+
+constexpr DWORD DEFAULT_SECONDS = 5;
+constexpr DWORD MILLISECONDS_PER_SECOND = 1000;
+// A longer period would not fit, or would mean for ever.
+constexpr DWORD LONGEST_SECONDS = (INFINITE - 1) / MILLISECONDS_PER_SECOND;
+
+} // namespace
+
+CLUMRegMonitorThreadObject::CLUMRegMonitorThreadObject(CRegistryManager* pRegistryManager,
+                                                       CLUMRegistry* pLUMRegistry,
+                                                       CWinlogonRegistry* pWinlogonRegistry, bool bAutoDelete)
+    : CThreadObject(LUM_GINA_APP, LUM_GINA_MTM, TEXT("LUMRegMonitorThreadObject"), bAutoDelete),
+      m_pRegistryManager(pRegistryManager), m_pWinlogonRegistry(pWinlogonRegistry),
+      m_pLUMRegistry(pLUMRegistry)
+{
+    const CConstructionTrace trace(*this, s_szClass);
+    RequireArgument(*this, pRegistryManager, TEXT("pRegistryManager"));
+    RequireArgument(*this, pLUMRegistry, TEXT("pLUMRegistry"));
+    RequireArgument(*this, pWinlogonRegistry, TEXT("pWinlogonRegistry"));
+}
+
+CLUMRegMonitorThreadObject::~CLUMRegMonitorThreadObject()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+    // The thread uses this part of the object, and the base would stop it too late.
+    if (m_bRunning) {
+        StopThread();
+    }
+    m_pRegistryManager = nullptr;
+}
+
+void CLUMRegMonitorThreadObject::Thread()
+{
+    const COperation op(*this, s_szClass, TEXT("Thread"));
+    op.Run(Absorb<>(), [&] {
+        SignalStart();
+        try {
+            Watch();
+        } catch (...) {
+            Absorb<>()(op);
+        }
+        SignalFinish();
+    });
+}
+
+DWORD CLUMRegMonitorThreadObject::GetPeriod() const noexcept
+{
+    DWORD dwSeconds = 0;
+    try {
+        if (!m_pLUMRegistry->GetRegistryMonitorInterval(&dwSeconds, false)) {
+            dwSeconds = 0;
+        }
+    } catch (...) {
+        IsHandling<CMessage>();
+    }
+    dwSeconds = dwSeconds != 0 ? dwSeconds : DEFAULT_SECONDS;
+    return std::min(dwSeconds, LONGEST_SECONDS) * MILLISECONDS_PER_SECOND;
+}
+
+void CLUMRegMonitorThreadObject::Watch() const
+{
+    const DWORD dwPeriod = GetPeriod();
+    bool bStop = false;
+    while (!bStop) {
+        bStop = AwaitStop(dwPeriod);
+        CompareWithRegistry();
+    }
+}
+
+void CLUMRegMonitorThreadObject::CompareWithRegistry() const
+{
+    const CCriticalSection::CLock lock(m_pRegistryManager->m_lock);
+    const CRegistryManager fresh(szAPP, szMTM, m_pLUMRegistry, m_pWinlogonRegistry, true);
+    if (*m_pRegistryManager != fresh) {
+        m_pRegistryManager->ResyncWithRegistry(fresh);
+    }
+}

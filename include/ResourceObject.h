@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+
+#include "GlobalObject.h"
+
+/// Reads resources of a loaded module. The module is not owned: it must stay loaded as long as the object,
+/// and what the object has handed out, is in use. For one thread at a time.
+class CResourceObject : public CGlobalObject
+{
+public:
+    /// The language and the flag are kept for callers that load a resource DLL by name; nothing does so yet.
+    /// Throws CBadArgException for a null module.
+    CResourceObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInst, WORD wLanguage,
+                    BYTE byFlag);
+    ~CResourceObject();
+    CResourceObject(const CResourceObject&) = delete;
+    CResourceObject& operator=(const CResourceObject&) = delete;
+
+    /// The version resource with this identifier; null when there is none.
+    HRSRC GetVersionResource(WORD wResource) noexcept;
+
+    /// Gives the fixed file information of a version resource: a pointer into the module's own data, which
+    /// needs no freeing. False, and nothing given, when there is none.
+    bool LoadMenu(WORD wResource, const VS_FIXEDFILEINFO** ppInfo) noexcept;
+
+    HINSTANCE m_hInst;
+    std::unique_ptr<WCHAR[]> m_szResourceDLL;
+    LANGID m_wUserLanguage;
+    WORD m_wLanguage;
+    BYTE m_byFlag;
+
+private:
+    static constexpr const WCHAR* s_szClass = TEXT("CResourceObject");
+
+    void* LockVersion(HRSRC hResource) const;
+};
