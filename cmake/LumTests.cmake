@@ -37,6 +37,10 @@ function(lum_add_test_suite name)
   endif()
   add_test(NAME ${name} COMMAND ${run} "$<TARGET_FILE:${name}>" WORKING_DIRECTORY "${folder}")
   set_tests_properties(${name} PROPERTIES TIMEOUT 1200)
+  if(NOT WIN32)
+    # Pipes are those of this suite alone.
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "XDG_RUNTIME_DIR=${folder}")
+  endif()
   if(WIN32)
     # Natively each process has a registry of its own; under Wine they share one.
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK machine_registry)

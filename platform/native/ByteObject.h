@@ -10,9 +10,6 @@ class CByteObject : public CKernelObject
 public:
     virtual DWORD Read(void* pBuffer, DWORD cbBuffer) = 0;
     virtual DWORD Write(const void* pBuffer, DWORD cbBuffer) = 0;
-
-    /// By which a failure can be restricted to this object; null when it has no name.
-    virtual LPCWSTR GetName() const noexcept { return nullptr; }
 };
 
 } // namespace Native

@@ -34,7 +34,8 @@ std::shared_ptr<End> GetEnd(HANDLE hPipe)
 template <typename End, typename Body>
 BOOL PipeCall(PlatformCall call, HANDLE hPipe, Body body) noexcept
 {
-    return LastErrorCall(call, nullptr, FALSE, [&] {
+    const std::shared_ptr<CKernelObject> pObject = HandleTable::Find(hPipe);
+    return LastErrorCall(call, pObject != nullptr ? pObject->GetName() : nullptr, FALSE, [&] {
         body(*GetEnd<End>(hPipe));
         return TRUE;
     });

@@ -107,7 +107,8 @@ class CFaultInjection
 public:
     /// The dwUse-th use from now fails with dwError; 1 is the next one. szName restricts it to uses with
     /// that name, compared without case: the value, the subkey as it is passed, the file, directory, DLL or
-    /// pipe as it is passed, or the export; for reading and writing the pipe, at its server's end. The name is not copied.
+    /// pipe as it is passed, or the export; for handles, the pipe that one is the server's end of. The name
+    /// is not copied.
     CFaultInjection(CPlatformCalls calls, DWORD dwUse, DWORD dwError, LPCWSTR szName = nullptr,
                     FaultRepeat repeat = FaultRepeat::Once);
     ~CFaultInjection();
