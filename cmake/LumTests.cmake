@@ -49,5 +49,8 @@ function(lum_add_test_suite name)
     # exit with 0 there, so that the verdict is what GoogleTest says.
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK machine_registry
       PASS_REGULAR_EXPRESSION "\\[  PASSED  \\]" FAIL_REGULAR_EXPRESSION "\\[  FAILED  \\]")
+  else()
+    # Pipes are those of this suite alone.
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "XDG_RUNTIME_DIR=${folder}")
   endif()
 endfunction()

@@ -48,7 +48,8 @@ void DestroyMember(T*& pMember, const WCHAR* szMember) noexcept
 CLUMGina::CLUMGina(HINSTANCE hInstance)
     : m_dwNegotiatedWlxVersion(0), m_pGinaContext(nullptr), m_pGinaObjectList(nullptr),
       m_pWinlogonRegistry(nullptr), m_pLUMRegistry(nullptr), m_pRegistryManager(nullptr),
-      m_pLUMObject(nullptr), m_pLUMRegMonitorThreadObject(nullptr), m_pWinlogonObject(nullptr)
+      m_pLUMObject(nullptr), m_pLUMPipeThreadObject(nullptr), m_pLUMRegMonitorThreadObject(nullptr),
+      m_pWinlogonObject(nullptr)
 {
     const CConstructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
     if (hInstance == nullptr) {
@@ -66,6 +67,7 @@ CLUMGina::CLUMGina(HINSTANCE hInstance)
 CLUMGina::~CLUMGina()
 {
     const CDestructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
+    DestroyMember(m_pLUMPipeThreadObject, TEXT("m_pLUMPipeThreadObject"));
     DestroyMember(m_pLUMRegMonitorThreadObject, TEXT("m_pLUMRegMonitorThreadObject"));
     DestroyMember(m_pRegistryManager, TEXT("m_pRegistryManager"));
     DestroyMember(m_pLUMObject, TEXT("m_pLUMObject"));
@@ -86,6 +88,8 @@ void CLUMGina::CreateMembers(HINSTANCE hInstance)
     CreateMember(m_pRegistryManager, TEXT("m_pRegistryManager"), m_pLUMRegistry, m_pWinlogonRegistry, false);
     CreateMember(m_pLUMObject, TEXT("m_pLUMObject"), m_pRegistryManager, m_pGinaObjectList, m_pLUMRegistry,
                  std::ref(m_gate));
+    CreateMember(m_pLUMPipeThreadObject, TEXT("m_pLUMPipeThreadObject"), m_pLUMObject, this, m_pLUMRegistry,
+                 false);
     CreateMember(m_pLUMRegMonitorThreadObject, TEXT("m_pLUMRegMonitorThreadObject"), m_pRegistryManager,
                  m_pLUMRegistry, m_pWinlogonRegistry, false);
 }

@@ -7,6 +7,7 @@
 #include "GinaContext.h"
 #include "GinaObject.h"
 #include "LUMObject.h"
+#include "LUMPipeThreadObject.h"
 #include "LUMRegMonitorThreadObject.h"
 #include "LUMRegistry.h"
 #include "Operation.h"
@@ -92,6 +93,7 @@ public:
     CLUMRegistry* m_pLUMRegistry;
     CRegistryManager* m_pRegistryManager;
     CLUMObject* m_pLUMObject;
+    CLUMPipeThreadObject* m_pLUMPipeThreadObject;
     CLUMRegMonitorThreadObject* m_pLUMRegMonitorThreadObject;
     CWinlogonObject* m_pWinlogonObject;
     /// Over m_pGinaObjectList.

@@ -26,7 +26,7 @@ bool Stop(CThreadObject& thread)
 template <typename Visit>
 void CLUMGina::ForEachThread(Visit visit)
 {
-    CThreadObject* const threads[] = {m_pLUMRegMonitorThreadObject};
+    CThreadObject* const threads[] = {m_pLUMPipeThreadObject, m_pLUMRegMonitorThreadObject};
     for (CThreadObject* pThread : threads) {
         if (pThread != nullptr) {
             visit(*pThread);

@@ -89,6 +89,8 @@ inline constexpr WCHAR TXT_INSERT_UNKNOWN_GINA[] =
     TEXT("Can't insert gina dll into chaining list because it is unknown");
 
 inline constexpr WCHAR TXT_THREAD_OBJECT_INIT[] = TEXT("Unable to instantiate CThreadObject object");
+inline constexpr WCHAR TXT_PIPE_THREAD_OBJECT_INIT[] =
+    TEXT("Unable to instantiate LUMPipeThreadObject object");
 inline constexpr WCHAR TXT_FIND_RESOURCE[] = TEXT("Unable to find resource");
 
 // clang-format off
@@ -132,6 +134,15 @@ class CCreateEventException : public CErrorException<ERR_CREATE_EVENT> { using C
 class CResetEventException : public CErrorException<ERR_RESET_EVENT> { using CErrorException::CErrorException; };
 class CSetEventException : public CErrorException<ERR_SET_EVENT> { using CErrorException::CErrorException; };
 class CUnableToCreateThreadException : public CNameErrorException<ERR_CREATE_THREAD, FMT_THREAD_ERROR> { using CCatalogException::CCatalogException; };
+
+// The control channel
+class CLUMPipeThreadObjectInitException : public CTextException<TXT_PIPE_THREAD_OBJECT_INIT> { using CTextException::CTextException; };
+class CCreateNamedPipeException : public CErrorException<ERR_CREATE_NAMED_PIPE> { using CErrorException::CErrorException; };
+class CReadFileException : public CErrorException<ERR_READ_FILE> { using CErrorException::CErrorException; };
+class CWriteFileException : public CErrorException<ERR_WRITE_FILE> { using CErrorException::CErrorException; };
+class CFlushFileBuffersException : public CErrorException<ERR_FLUSH_FILE_BUFFERS> { using CErrorException::CErrorException; };
+class CDisconnectNamedPipeException : public CErrorException<ERR_DISCONNECT_NAMED_PIPE> { using CErrorException::CErrorException; };
+class CRevertToSelfException : public CErrorException<ERR_REVERT_TO_SELF> { using CErrorException::CErrorException; };
 
 // Resources
 class CUnableToFindResourceException : public CCatalogException<TXT_FIND_RESOURCE, FMT_RESOURCE, LEVEL_EXCEPTION, DWORD, DWORD> { using CCatalogException::CCatalogException; };

@@ -43,6 +43,7 @@ using CThreadExitResultTrace =
 // Text, then a detail
 using CWarning = CTraceStatement<LEVEL_WARNING, FMT_PLAIN, const WCHAR*>;
 using CVariableWarning = CTraceStatement<LEVEL_WARNING, FMT_VARIABLE, const WCHAR*, const WCHAR*>;
+using CErrorWarning = CTraceStatement<LEVEL_WARNING, FMT_ERROR, const WCHAR*, DWORD>;
 using CVariableErrorWarning =
     CTraceStatement<LEVEL_WARNING, FMT_VARIABLE_ERROR, const WCHAR*, const WCHAR*, DWORD>;
 using CPointerWarning = CTraceStatement<LEVEL_WARNING, FMT_POINTER, const WCHAR*, const WCHAR*>;

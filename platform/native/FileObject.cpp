@@ -142,13 +142,13 @@ void CFileObject::Share()
     g_files.push_back(this);
 }
 
-DWORD CFileObject::Read(void* pBuffer, DWORD cbBuffer) const
+DWORD CFileObject::Read(void* pBuffer, DWORD cbBuffer)
 {
     Require((m_dwAccess & GENERIC_READ) != 0, ERROR_ACCESS_DENIED);
     return static_cast<DWORD>(RunTransfer([&] { return read(m_nFile, pBuffer, cbBuffer); }));
 }
 
-DWORD CFileObject::Write(const void* pBuffer, DWORD cbBuffer) const
+DWORD CFileObject::Write(const void* pBuffer, DWORD cbBuffer)
 {
     Require((m_dwAccess & GENERIC_WRITE) != 0, ERROR_ACCESS_DENIED);
     std::size_t cbDone = 0;

@@ -4,12 +4,12 @@
 
 #include <sys/types.h>
 
-#include "KernelObject.h"
+#include "ByteObject.h"
 
 namespace Native {
 
 /// An open file. The operations throw CCallError.
-class CFileObject : public CKernelObject
+class CFileObject : public CByteObject
 {
 public:
     /// What CreateFileW was asked for.
@@ -27,8 +27,8 @@ public:
     /// Whether CREATE_ALWAYS or OPEN_ALWAYS found a file.
     bool HasExisted() const noexcept { return m_bExisted; }
 
-    DWORD Read(void* pBuffer, DWORD cbBuffer) const;
-    DWORD Write(const void* pBuffer, DWORD cbBuffer) const;
+    DWORD Read(void* pBuffer, DWORD cbBuffer) override;
+    DWORD Write(const void* pBuffer, DWORD cbBuffer) override;
     off_t Seek(off_t distance, int nOrigin) const;
 
 private:

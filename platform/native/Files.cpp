@@ -8,6 +8,8 @@
 
 #include "Call.h"
 #include "FileObject.h"
+#include "PipeClient.h"
+#include "PipeDirectory.h"
 #include "SystemError.h"
 #include "Text.h"
 
@@ -26,13 +28,21 @@ std::shared_ptr<CFileObject> GetFile(HANDLE hFile)
 template <typename Move>
 BOOL Transfer(PlatformCall call, HANDLE hFile, LPDWORD pcbMoved, LPOVERLAPPED pOverlapped, Move move) noexcept
 {
-    return LastErrorCall(call, nullptr, FALSE, [&] {
+    const std::shared_ptr<CByteObject> pObject = HandleTable::Find<CByteObject>(hFile);
+    return LastErrorCall(call, pObject != nullptr ? pObject->GetName() : nullptr, FALSE, [&] {
         Require(pOverlapped == nullptr, ERROR_NOT_SUPPORTED);
         Require(pcbMoved != nullptr, ERROR_NOACCESS);
         *pcbMoved = 0;
-        *pcbMoved = move(*GetFile(hFile));
+        Require(pObject != nullptr, ERROR_INVALID_HANDLE);
+        *pcbMoved = move(*pObject);
         return TRUE;
     });
+}
+
+HANDLE OpenPipe(LPCWSTR szName, DWORD dwAccess, DWORD dwDisposition)
+{
+    Require(dwDisposition == OPEN_EXISTING, ERROR_INVALID_PARAMETER);
+    return HandleTable::Add(std::make_shared<CPipeClient>(GetPipePath(szName), dwAccess));
 }
 
 } // namespace
@@ -53,6 +63,9 @@ HANDLE WINAPI CreateFileW(LPCWSTR szPath, DWORD dwAccess, DWORD dwShareMode, LPS
 {
     return LastErrorCall(PlatformCall::CreateFileW, szPath, INVALID_HANDLE_VALUE, [&] {
         Require(szPath != nullptr, ERROR_PATH_NOT_FOUND);
+        if (IsPipeName(szPath)) {
+            return OpenPipe(szPath, dwAccess, dwDisposition);
+        }
         const std::string path = ToPath(szPath);
         Require(!path.ends_with('/'), ERROR_INVALID_NAME);
         const auto pFile =
@@ -89,12 +102,12 @@ BOOL WINAPI ReadFile(HANDLE hFile, LPVOID pBuffer, DWORD cbBuffer, LPDWORD pcbRe
                      LPOVERLAPPED pOverlapped) noexcept
 {
     return Transfer(PlatformCall::ReadFile, hFile, pcbRead, pOverlapped,
-                    [&](const CFileObject& file) { return file.Read(pBuffer, cbBuffer); });
+                    [&](CByteObject& object) { return object.Read(pBuffer, cbBuffer); });
 }
 
 BOOL WINAPI WriteFile(HANDLE hFile, LPCVOID pBuffer, DWORD cbBuffer, LPDWORD pcbWritten,
                       LPOVERLAPPED pOverlapped) noexcept
 {
     return Transfer(PlatformCall::WriteFile, hFile, pcbWritten, pOverlapped,
-                    [&](const CFileObject& file) { return file.Write(pBuffer, cbBuffer); });
+                    [&](CByteObject& object) { return object.Write(pBuffer, cbBuffer); });
 }

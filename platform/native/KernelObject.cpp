@@ -57,7 +57,9 @@ using namespace Native;
 
 BOOL WINAPI CloseHandle(HANDLE hObject) noexcept
 {
-    return LastErrorCall(PlatformCall::CloseHandle, nullptr, FALSE, [&] {
+    const std::shared_ptr<CKernelObject> pObject = HandleTable::Find(hObject);
+    const LPCWSTR szName = pObject != nullptr ? pObject->GetName() : nullptr;
+    return LastErrorCall(PlatformCall::CloseHandle, szName, FALSE, [&] {
         // What a failed CreateFileW gives is also the process's handle of itself, which closes without
         // effect.
         Require(hObject == INVALID_HANDLE_VALUE || HandleTable::Close(hObject), ERROR_INVALID_HANDLE);

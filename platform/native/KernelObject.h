@@ -11,6 +11,9 @@ class CKernelObject
 {
 public:
     virtual ~CKernelObject() = default;
+
+    /// By which a failure can be restricted to this object; null when it has no name.
+    virtual LPCWSTR GetName() const noexcept { return nullptr; }
 };
 
 /// The handles of the process, of all kinds of objects. A value is never given out twice, so that the use

@@ -96,6 +96,7 @@ TEST_F(FaultInjection, ReachesEveryCall)
         std::function<LONG()> use;
     } rows[] = {
         {PlatformCall::CloseHandle, [&] { return lastError(!CloseHandle(nullptr)); }},
+        {PlatformCall::ConnectNamedPipe, [&] { return lastError(!ConnectNamedPipe(nullptr, nullptr)); }},
         {PlatformCall::CreateDirectoryW, [&] { return lastError(!CreateDirectoryW(TEXT(""), nullptr)); }},
         {PlatformCall::CreateEventW,
          [&] { return lastError(CreateEventW(nullptr, FALSE, FALSE, TEXT("e")) == nullptr); }},
@@ -103,8 +104,23 @@ TEST_F(FaultInjection, ReachesEveryCall)
          [&] {
              return lastError(CreateFileW(TEXT(""), 0, 0, nullptr, 1, 0, nullptr) == INVALID_HANDLE_VALUE);
          }},
+        {PlatformCall::CreateNamedPipeW,
+         [&] {
+             return lastError(CreateNamedPipeW(nullptr, 0, 0, 0, 0, 0, 0, nullptr) == INVALID_HANDLE_VALUE);
+         }},
         {PlatformCall::CreateThread,
          [&] { return lastError(CreateThread(nullptr, 0, nullptr, nullptr, 1, nullptr) == nullptr); }},
+        {PlatformCall::DisconnectNamedPipe, [&] { return lastError(!DisconnectNamedPipe(nullptr)); }},
+        {PlatformCall::FlushFileBuffers, [&] { return lastError(!FlushFileBuffers(nullptr)); }},
+        {PlatformCall::ImpersonateNamedPipeClient,
+         [&] { return lastError(!ImpersonateNamedPipeClient(nullptr)); }},
+        {PlatformCall::OpenThreadToken, [&] { return lastError(!OpenThreadToken(nullptr, 0, 0, nullptr)); }},
+        {PlatformCall::PeekNamedPipe,
+         [&] { return lastError(!PeekNamedPipe(nullptr, nullptr, 0, nullptr, nullptr, nullptr)); }},
+        {PlatformCall::RevertToSelf, [&] { return lastError(!RevertToSelf()); }},
+        {PlatformCall::SetNamedPipeHandleState,
+         [&] { return lastError(!SetNamedPipeHandleState(nullptr, nullptr, nullptr, nullptr)); }},
+        {PlatformCall::WaitNamedPipeW, [&] { return lastError(!WaitNamedPipeW(nullptr, 0)); }},
         {PlatformCall::FindResourceW,
          [&] { return lastError(FindResourceW(nullptr, MAKEINTRESOURCE(1), RT_VERSION) == nullptr); }},
         {PlatformCall::FreeLibrary, [&] { return lastError(!FreeLibrary(nullptr)); }},

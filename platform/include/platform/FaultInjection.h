@@ -16,14 +16,19 @@
 // clang-format off
 #define PLATFORM_CALLS(CALL) \
     CALL(CloseHandle) \
+    CALL(ConnectNamedPipe) \
     CALL(CreateDirectoryW) \
     CALL(CreateEventW) \
     CALL(CreateFileW) \
+    CALL(CreateNamedPipeW) \
     CALL(CreateThread) \
+    CALL(DisconnectNamedPipe) \
     CALL(FindResourceW) \
+    CALL(FlushFileBuffers) \
     CALL(FreeLibrary) \
     CALL(GetModuleFileNameW) \
     CALL(GetProcAddress) \
+    CALL(ImpersonateNamedPipeClient) \
     CALL(LoadLibraryW) \
     CALL(LoadResource) \
     CALL(LocalAlloc) \
@@ -31,6 +36,8 @@
     CALL(LockResource) \
     CALL(MsgWaitForMultipleObjects) \
     CALL(MultiByteToWideChar) \
+    CALL(OpenThreadToken) \
+    CALL(PeekNamedPipe) \
     CALL(PostThreadMessageW) \
     CALL(ReadFile) \
     CALL(RegCloseKey) \
@@ -42,10 +49,13 @@
     CALL(RegQueryValueExW) \
     CALL(RegSetValueExW) \
     CALL(ResetEvent) \
+    CALL(RevertToSelf) \
     CALL(SetEvent) \
     CALL(SetFilePointer) \
+    CALL(SetNamedPipeHandleState) \
     CALL(VerQueryValueW) \
     CALL(WaitForSingleObject) \
+    CALL(WaitNamedPipeW) \
     CALL(WideCharToMultiByte) \
     CALL(WriteFile)
 // clang-format on
@@ -96,8 +106,9 @@ class CFaultInjection
 {
 public:
     /// The dwUse-th use from now fails with dwError; 1 is the next one. szName restricts it to uses with
-    /// that name, compared without case: the value, the subkey as it is passed, the file, directory or DLL
-    /// as it is passed, or the export. The name is not copied.
+    /// that name, compared without case: the value, the subkey as it is passed, the file, directory, DLL or
+    /// pipe as it is passed, or the export; for handles, the pipe that one is the server's end of. The name
+    /// is not copied.
     CFaultInjection(CPlatformCalls calls, DWORD dwUse, DWORD dwError, LPCWSTR szName = nullptr,
                     FaultRepeat repeat = FaultRepeat::Once);
     ~CFaultInjection();

@@ -10,6 +10,7 @@
 #include "win32/library.h"
 #include "win32/memory.h"
 #include "win32/messages.h"
+#include "win32/pipes.h"
 #include "win32/registry.h"
 #include "win32/resources.h"
 #include "win32/sync.h"

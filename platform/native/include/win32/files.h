@@ -39,6 +39,7 @@ using LPOVERLAPPED = OVERLAPPED*;
 /// Security attributes are ignored.
 BOOL WINAPI CreateDirectoryW(LPCWSTR szPath, LPSECURITY_ATTRIBUTES pSecurity) noexcept;
 
+/// A name of \\.\pipe\ opens a pipe (see pipes.h), any other one a file.
 /// dwAccess: GENERIC_READ, GENERIC_WRITE or both. Sharing is kept among the handles of this process;
 /// attributes and flags are ignored.
 HANDLE WINAPI CreateFileW(LPCWSTR szPath, DWORD dwAccess, DWORD dwShareMode, LPSECURITY_ATTRIBUTES pSecurity,

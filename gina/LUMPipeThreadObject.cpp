@@ -1,0 +1,140 @@
+#include "LUMPipeThreadObject.h"
+
+#include "ControlProtocol.h"
+#include "Exceptions.h"
+#include "LUMRegistry.h"
+#include "Operation.h"
+#include "control/PipeService.h"
+
+namespace {
+
+constexpr WCHAR THREAD_NAME[] = TEXT("LUMPipeThreadObject");
+
+constexpr DWORD DEFAULT_PERIOD_MILLISECONDS = 5000;
+constexpr DWORD LONGEST_PERIOD_SECONDS = (INFINITE - 1) / 1000;
+
+constexpr DWORD BYTE_MODE = PIPE_TYPE_BYTE | PIPE_READMODE_BYTE;
+constexpr DWORD BUFFER_SIZE = 4096;
+constexpr DWORD DEFAULT_TIMEOUT_MILLISECONDS = 10;
+
+} // namespace
+
+CLUMPipeThreadObject::CLUMPipeThreadObject(CLUMObject* pLUMObject, CLUMGina* pLUMGina,
+                                           CLUMRegistry* pLUMRegistry, bool bAutoDelete)
+    : CThreadObject(LUM_GINA_APP, LUM_GINA_MTM, THREAD_NAME, bAutoDelete), m_hPipe(INVALID_HANDLE_VALUE),
+      m_pLUMObject(pLUMObject), m_pLUMGina(pLUMGina), m_pLUMRegistry(pLUMRegistry), m_bStopping(false)
+{
+    const CConstructionTrace trace(*this, s_szClass);
+    const auto require = [this](const void* pArgument, const WCHAR* szArgument) {
+        if (pArgument == nullptr) {
+            throw CBadArgException(*this, szArgument);
+        }
+    };
+    require(pLUMObject, TEXT("pLUMObject"));
+    require(pLUMGina, TEXT("pLUMGina"));
+    require(pLUMRegistry, TEXT("pLUMRegistry"));
+    try {
+        CreatePipe();
+    } catch (...) {
+        if (!IsHandling<CCreateNamedPipeException>()) {
+            CWarning(*this, ERR_UNHANDLED_EXCEPTION);
+        }
+        throw CLUMPipeThreadObjectInitException(*this);
+    }
+}
+
+/// One instance, so that requests come one at a time.
+void CLUMPipeThreadObject::CreatePipe()
+{
+    m_hPipe = CreateNamedPipeW(ControlProtocol::PIPE_NAME, PIPE_ACCESS_DUPLEX | WRITE_OWNER,
+                               BYTE_MODE | PIPE_NOWAIT, 1, BUFFER_SIZE, BUFFER_SIZE,
+                               DEFAULT_TIMEOUT_MILLISECONDS, nullptr);
+    if (m_hPipe == INVALID_HANDLE_VALUE) {
+        throw CCreateNamedPipeException(*this, GetLastError());
+    }
+}
+
+CLUMPipeThreadObject::~CLUMPipeThreadObject()
+{
+    const CDestructionTrace trace(*this, s_szClass);
+    if (m_bRunning) {
+        // The base would stop it too, but then what the thread function uses is gone.
+        StopThread();
+    }
+    m_pLUMObject = nullptr;
+    if (m_hPipe != INVALID_HANDLE_VALUE) {
+        // Nobody has served it. Clients should find no pipe rather than wait for ever.
+        ClosePipe();
+    }
+}
+
+void CLUMPipeThreadObject::Thread()
+{
+    const COperation op(*this, s_szClass, TEXT("Thread"));
+    op.Run(Absorb<>(), [&] {
+        SignalStart();
+        try {
+            ServeClients();
+        } catch (...) {
+            Absorb<>()(op);
+        }
+        ReleasePipe();
+        SignalFinish();
+    });
+}
+
+void CLUMPipeThreadObject::ServeClients()
+{
+    m_bStopping = false;
+    const CPipeConnection::AwaitStop awaitStop = [this](DWORD dwMilliseconds) {
+        return AwaitStopOnce(dwMilliseconds);
+    };
+    const DWORD dwPeriod = ReadPeriod();
+    CPipeService service(*this, m_hPipe, {*m_pLUMObject, *m_pLUMGina}, awaitStop, {});
+    do {
+        service.Poll();
+    } while (!AwaitStopOnce(dwPeriod));
+}
+
+DWORD CLUMPipeThreadObject::ReadPeriod() noexcept
+{
+    DWORD dwSeconds = 0;
+    try {
+        if (!m_pLUMRegistry->GetPipeInterval(&dwSeconds, true)) {
+            dwSeconds = 0;
+        }
+    } catch (...) {
+        IsHandling<CMessage>();
+        dwSeconds = 0;
+    }
+    if (dwSeconds == 0) {
+        return DEFAULT_PERIOD_MILLISECONDS;
+    }
+    return (dwSeconds < LONGEST_PERIOD_SECONDS ? dwSeconds : LONGEST_PERIOD_SECONDS) * 1000;
+}
+
+bool CLUMPipeThreadObject::AwaitStopOnce(DWORD dwMilliseconds) noexcept
+{
+    m_bStopping = m_bStopping || AwaitStop(dwMilliseconds);
+    return m_bStopping;
+}
+
+/// Without a client, as most often at the end, flushing and disconnecting fail; that is no harm.
+void CLUMPipeThreadObject::ReleasePipe() noexcept
+{
+    if (!FlushFileBuffers(m_hPipe)) {
+        CFlushFileBuffersException(*this, GetLastError());
+    }
+    if (!DisconnectNamedPipe(m_hPipe)) {
+        CDisconnectNamedPipeException(*this, GetLastError());
+    }
+    ClosePipe();
+}
+
+void CLUMPipeThreadObject::ClosePipe() noexcept
+{
+    if (!CloseHandle(m_hPipe)) {
+        CVariableErrorWarning(*this, ERR_DELETE_VARIABLE, TEXT("m_hPipe"), GetLastError());
+    }
+    m_hPipe = INVALID_HANDLE_VALUE;
+}

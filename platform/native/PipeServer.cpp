@@ -1,0 +1,116 @@
+#include "PipeServer.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "Call.h"
+#include "SystemError.h"
+
+namespace Native {
+namespace {
+
+/// The name, for as long as the descriptor is open; a process that died has given it back.
+CDescriptor TakeName(const std::string& path)
+{
+    CDescriptor lock(open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    Require(lock.IsOpen(), FromErrno(errno));
+    Require(flock(lock.Get(), LOCK_EX | LOCK_NB) == 0, ERROR_PIPE_BUSY);
+    unlink(path.c_str());
+    return lock;
+}
+
+} // namespace
+
+CPipeServer::CPipeServer(LPCWSTR szName, const std::string& path, bool bWait)
+    : CPipeEnd(bWait, true, true), m_name(szName), m_path(path), m_lock(TakeName(path)),
+      m_listener(PipeSocket::Listen(path)), m_stop(eventfd(0, EFD_CLOEXEC))
+{
+    Require(m_stop.IsOpen(), FromErrno(errno));
+    try {
+        m_thread = std::thread([this] { AnswerClients(); });
+    } catch (const std::system_error&) {
+        throw CCallError{ERROR_NOT_ENOUGH_MEMORY};
+    }
+}
+
+CPipeServer::~CPipeServer()
+{
+    eventfd_write(m_stop.Get(), 1);
+    m_thread.join();
+    unlink(m_path.c_str());
+}
+
+void CPipeServer::AnswerClients() noexcept
+{
+    pollfd waiting[] = {{m_listener.Get(), POLLIN, 0}, {m_stop.Get(), POLLIN, 0}};
+    while (waiting[1].revents == 0) {
+        if (poll(waiting, 2, -1) > 0 && waiting[0].revents != 0) {
+            AnswerClient(CDescriptor(accept4(m_listener.Get(), nullptr, nullptr, SOCK_CLOEXEC)));
+        }
+    }
+}
+
+void CPipeServer::AnswerClient(CDescriptor client) noexcept
+{
+    using namespace PipeSocket;
+    char cPurpose = 0;
+    if (!client.IsOpen() || !ReceiveByte(client.Get(), cPurpose)) {
+        return;
+    }
+    const std::lock_guard lock(m_mutex);
+    const bool bListening = m_state == State::Listening;
+    const bool bTold =
+        SendByte(client.Get(), static_cast<char>(bListening ? Answer::Listening : Answer::Busy));
+    if (bListening && bTold && static_cast<Purpose>(cPurpose) == Purpose::Open) {
+        m_client = std::move(client);
+        m_bHasRead = false;
+        m_state = State::Connected;
+        m_changed.notify_all();
+    }
+}
+
+void CPipeServer::Connect()
+{
+    std::unique_lock lock(m_mutex);
+    if (m_state == State::Connected) {
+        Require(!PipeSocket::IsPeerGone(m_client.Get()), ERROR_NO_DATA);
+        throw CCallError{ERROR_PIPE_CONNECTED};
+    }
+    const bool bWasListening = m_state == State::Listening;
+    m_state = State::Listening;
+    if (m_bWait) {
+        m_changed.wait(lock, [this] { return m_state == State::Connected; });
+        return;
+    }
+    Require(!bWasListening, ERROR_PIPE_LISTENING);
+}
+
+void CPipeServer::Disconnect()
+{
+    const std::lock_guard lock(m_mutex);
+    m_client.Reset();
+    m_state = State::Disconnected;
+}
+
+void CPipeServer::RequireImpersonation()
+{
+    GetSocket();
+    Require(m_bHasRead, ERROR_CANNOT_IMPERSONATE);
+}
+
+int CPipeServer::GetSocket()
+{
+    const std::lock_guard lock(m_mutex);
+    Require(m_state != State::Listening, ERROR_PIPE_LISTENING);
+    Require(m_state != State::Disconnected, ERROR_PIPE_NOT_CONNECTED);
+    return m_client.Get();
+}
+
+} // namespace Native

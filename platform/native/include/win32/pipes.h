@@ -1,0 +1,66 @@
+#pragma once
+
+#include "win32/files.h"
+#include "win32/types.h"
+
+// Named pipes between the processes of one user: byte pipes with one instance. A name is a socket in a
+// private directory (see PipeDirectory.h). Default sizes, time-outs and security attributes are ignored.
+//
+// Short of Windows: what the server wrote before it disconnected can still be read, and the client is then
+// told ERROR_BROKEN_PIPE, also where Windows says ERROR_PIPE_NOT_CONNECTED.
+
+#define PIPE_ACCESS_INBOUND 0x00000001
+#define PIPE_ACCESS_OUTBOUND 0x00000002
+#define PIPE_ACCESS_DUPLEX 0x00000003
+#define WRITE_OWNER 0x00080000
+
+#define PIPE_WAIT 0x00000000
+#define PIPE_NOWAIT 0x00000001
+#define PIPE_READMODE_BYTE 0x00000000
+#define PIPE_READMODE_MESSAGE 0x00000002
+#define PIPE_TYPE_BYTE 0x00000000
+#define PIPE_TYPE_MESSAGE 0x00000004
+
+#define SECURITY_ANONYMOUS 0x00000000
+#define SECURITY_IDENTIFICATION 0x00010000
+#define SECURITY_IMPERSONATION 0x00020000
+#define SECURITY_SQOS_PRESENT 0x00100000
+
+/// Byte pipes, duplex, with one instance; others fail with ERROR_NOT_SUPPORTED. While a process has the name,
+/// ERROR_PIPE_BUSY. The instance is listening at once.
+HANDLE WINAPI CreateNamedPipeW(LPCWSTR szName, DWORD dwOpenMode, DWORD dwPipeMode, DWORD dwMaxInstances,
+                               DWORD cbOutBuffer, DWORD cbInBuffer, DWORD dwDefaultTimeout,
+                               LPSECURITY_ATTRIBUTES pSecurity) noexcept;
+
+/// Makes a disconnected instance listen. In non-blocking mode that is all, and TRUE; for an instance that was
+/// listening before FALSE with ERROR_PIPE_LISTENING. ERROR_PIPE_CONNECTED with a client, ERROR_NO_DATA when
+/// the client has closed its end.
+BOOL WINAPI ConnectNamedPipe(HANDLE hPipe, LPOVERLAPPED pOverlapped) noexcept;
+
+BOOL WINAPI DisconnectNamedPipe(HANDLE hPipe) noexcept;
+
+/// The wait mode only: pdwMode has PIPE_WAIT or PIPE_NOWAIT.
+BOOL WINAPI SetNamedPipeHandleState(HANDLE hPipe, LPDWORD pdwMode, LPDWORD pcbCollect,
+                                    LPDWORD pdwTimeout) noexcept;
+
+BOOL WINAPI PeekNamedPipe(HANDLE hPipe, LPVOID pBuffer, DWORD cbBuffer, LPDWORD pcbRead, LPDWORD pcbAvailable,
+                          LPDWORD pcbLeftThisMessage) noexcept;
+
+/// TRUE when an instance listens within the time; ERROR_FILE_NOT_FOUND when nobody has the name,
+/// ERROR_SEM_TIMEOUT when the time is over.
+BOOL WINAPI WaitNamedPipeW(LPCWSTR szName, DWORD dwTimeout) noexcept;
+
+/// Returns when the other end has read everything. Files need no flushing, and are refused.
+BOOL WINAPI FlushFileBuffers(HANDLE hFile) noexcept;
+
+/// Marks the thread, and nothing else: see OpenThreadToken. ERROR_CANNOT_IMPERSONATE before anything was read
+/// from the client.
+BOOL WINAPI ImpersonateNamedPipeClient(HANDLE hPipe) noexcept;
+BOOL WINAPI RevertToSelf() noexcept;
+
+#define TOKEN_QUERY 0x0008
+
+/// This thread, for OpenThreadToken.
+HANDLE WINAPI GetCurrentThread() noexcept;
+/// A handle without a use when the thread impersonates; ERROR_NO_TOKEN when it does not.
+BOOL WINAPI OpenThreadToken(HANDLE hThread, DWORD dwAccess, BOOL bOpenAsSelf, PHANDLE phToken) noexcept;
