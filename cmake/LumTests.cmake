@@ -17,12 +17,15 @@ else()
   target_link_libraries(lum_gtest INTERFACE GTest::gtest_main)
 endif()
 
-# lum_add_test_suite(NAME SOURCES file.cpp... [LIBS library...] [NEEDS target...])
+# The suites that run threads, which the thread sanitizer is to see.
+add_custom_target(thread_suites)
+
+# lum_add_test_suite(NAME SOURCES file.cpp... [LIBS library...] [NEEDS target...] [THREADS])
 #
 # One program in bin/, one CTest of that name. It runs in a folder of its own, where it may leave files.
-# NEEDS names what it loads at run time.
+# NEEDS names what it loads at run time. THREADS: it runs threads, and gets the label of that name.
 function(lum_add_test_suite name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LIBS;NEEDS" ${ARGN})
+  cmake_parse_arguments(arg "THREADS" "" "SOURCES;LIBS;NEEDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} lum_options lum_platform lum_gtest)
   if(arg_NEEDS)
@@ -40,6 +43,10 @@ function(lum_add_test_suite name)
   if(NOT WIN32)
     # Pipes are those of this suite alone.
     set_tests_properties(${name} PROPERTIES ENVIRONMENT "XDG_RUNTIME_DIR=${folder}")
+  endif()
+  if(arg_THREADS)
+    add_dependencies(thread_suites ${name})
+    set_property(TEST ${name} APPEND PROPERTY LABELS threads)
   endif()
   if(WIN32)
     # Natively each process has a registry of its own; under Wine they share one.

@@ -22,6 +22,8 @@ class LUMGina : public CTestMachine
 protected:
     LUMGina() : msgina(TEXT("msgina.dll")), other(TEXT("standin_gina.dll")), host(new CLUMGina(HOST))
     {
+        // What the registry monitor has to say comes too late for these tests.
+        SetDword(OWN_KEY, TEXT("MonitorInterval"), 3600);
         s_dwTimeout = 0;
         std::fill_n(reinterpret_cast<PVOID*>(&m_table), sizeof(m_table) / sizeof(PVOID), CONTEXT);
         m_table.WlxSetTimeout = SetTimeout;

@@ -128,7 +128,8 @@ TEST_F(FaultInjection, ReachesEveryCall)
          [&] { return lastError(GetModuleFileNameW(nullptr, szWide, 4) == 0); }},
         {PlatformCall::GetProcAddress, [&] { return lastError(GetProcAddress(nullptr, "name") == nullptr); }},
         {PlatformCall::LoadLibraryW, [&] { return lastError(LoadLibraryW(nullptr) == nullptr); }},
-        {PlatformCall::LoadResource, [&] { return lastError(LoadResource(nullptr, nullptr) == nullptr); }},
+        {PlatformCall::LoadResource,
+         [&] { return lastError(LoadResource(nullptr, reinterpret_cast<HRSRC>(&dw)) == nullptr); }},
         {PlatformCall::LocalAlloc,
          [&] {
              const HLOCAL hNew = LocalAlloc(LPTR, 1);
@@ -137,7 +138,7 @@ TEST_F(FaultInjection, ReachesEveryCall)
              return lError;
          }},
         {PlatformCall::LocalFree, [&] { return lastError(LocalFree(hMemory) != nullptr); }},
-        {PlatformCall::LockResource, [&] { return lastError(LockResource(nullptr) == nullptr); }},
+        {PlatformCall::LockResource, [&] { return lastError(LockResource(&dw) == nullptr); }},
         {PlatformCall::MsgWaitForMultipleObjects,
          [&] {
              return lastError(MsgWaitForMultipleObjects(0, nullptr, TRUE, 0, QS_ALLINPUT) == WAIT_FAILED);

@@ -168,11 +168,15 @@ TEST(Messages, OfAnotherThreadWakeTheOneThatWaits)
 
 UINT_PTR g_nTimer;
 
+void CALLBACK OnTimer(HWND, UINT, UINT_PTR nTimer, DWORD)
+{
+    g_nTimer = nTimer;
+}
+
 TEST(Messages, OfATimerAreDispatchedToItsProcedure)
 {
     DrainMessages();
-    const TIMERPROC pfnTimer = [](HWND, UINT, UINT_PTR nTimer, DWORD) { g_nTimer = nTimer; };
-    ASSERT_TRUE(PostThreadMessageW(GetCurrentThreadId(), WM_TIMER, 42, reinterpret_cast<LPARAM>(pfnTimer)));
+    ASSERT_TRUE(PostThreadMessageW(GetCurrentThreadId(), WM_TIMER, 42, reinterpret_cast<LPARAM>(OnTimer)));
     MSG message = {};
     ASSERT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
     EXPECT_EQ(0u, g_nTimer);

@@ -64,6 +64,8 @@ class SamplePlugins : public CTestMachine
 protected:
     SamplePlugins()
     {
+        // What the registry monitor has to say comes too late for these tests.
+        SetDword(OWN_KEY, TEXT("MonitorInterval"), 3600);
         DeleteSettings();
         std::remove(AUDIT_FILE);
     }

@@ -1,7 +1,10 @@
 #include <memory>
 
+#include "../chaining/ChainMachine.h"
 #include "Exceptions.h"
 #include "FailingAllocation.h"
+#include "HostThreads.h"
+#include "LUMRegMonitorThreadObject.h"
 #include "TestMachine.h"
 #include "TestThread.h"
 #include "platform/FaultInjection.h"
@@ -139,6 +142,71 @@ TEST_F(FailingThread, ClosesTheOtherEventsWhenOneCannotBeClosed)
         EXPECT_EQ(1, CloseHandle(hStart) + CloseHandle(hFinish) + CloseHandle(hStop))
             << "the one that was left";
     }
+}
+
+// The registry monitor
+
+class FailingMonitor : public CChainMachine
+{
+};
+
+TEST_F(FailingMonitor, GoesOnWithoutItsEventsAndWritesNothingToAnUnchangedChain)
+{
+    SetValues(ValuesOf("lum_gina.dll msgina.dll"));
+    StartHost();
+    const auto own = Build();
+    CLUMRegMonitorThreadObject monitor(own.get(), m_pConfiguration.get(), m_pWinlogon.get(), false);
+    for (DWORD dwUse = 1; dwUse <= 2; ++dwUse) {
+        SetEvent(monitor.StopEvent);
+        ClearLog();
+        const CFaultInjection fault(PlatformCall::SetEvent, dwUse, ERROR_INVALID_HANDLE);
+        const CFaultInjection writes(REGISTRY_WRITES, 1, ERROR_SUCCESS);
+        const CFaultInjection reads(PlatformCall::RegQueryValueExW, 1, ERROR_SUCCESS, WINLOGON_GINA_DLL);
+        monitor.Thread();
+        EXPECT_EQ(1, Count(NOT_SET));
+        EXPECT_EQ(0u, writes.GetUses());
+        EXPECT_NE(0u, reads.GetUses()) << "it has compared";
+    }
+}
+
+TEST_F(FailingMonitor, EndsWhenItCannotWait)
+{
+    SetValues(ValuesOf("lum_gina.dll msgina.dll"));
+    StartHost();
+    const auto own = Build();
+    CLUMRegMonitorThreadObject monitor(own.get(), m_pConfiguration.get(), m_pWinlogon.get(), false);
+    const CFaultInjection fault(PlatformCall::WaitForSingleObject, 1, ERROR_INVALID_HANDLE, nullptr,
+                                FaultRepeat::FromThenOn);
+    monitor.Thread();
+    EXPECT_EQ(1u, fault.GetUses()) << "instead of comparing without a pause";
+}
+
+// The host
+
+class FailingHostThreads : public CHostThreads
+{
+};
+
+TEST_F(FailingHostThreads, KeepNobodyFromLoggingOn)
+{
+    {
+        const CFaultInjection fault(PlatformCall::CreateThread, 1, ERROR_NOT_ENOUGH_MEMORY);
+        EXPECT_TRUE(Initialize());
+        EXPECT_FALSE(IsMonitoring());
+        EXPECT_EQ(1,
+                  Count("[EXCEPTION] Unable to create thread, Thread: LUMRegMonitorThreadObject, Error: 8"));
+    }
+    {
+        const CFaultInjection fault(PlatformCall::CreateThread, 1, ERROR_NOT_ENOUGH_MEMORY);
+        EXPECT_FALSE(host->LUMEnableActiveRegistryMonitoring(true));
+    }
+    ClearLog();
+    const CFaultInjection fault(PlatformCall::CreateEventW, 1, ERROR_NO_SYSTEM_RESOURCES, nullptr,
+                                FaultRepeat::FromThenOn);
+    Load();
+    EXPECT_EQ(nullptr, host->m_pLUMRegMonitorThreadObject);
+    EXPECT_EQ(1, Count("[EXCEPTION] Memory could not be allocated, Variable: m_pLUMRegMonitorThreadObject"));
+    EXPECT_TRUE(Initialize());
 }
 
 } // namespace

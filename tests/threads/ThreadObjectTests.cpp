@@ -142,6 +142,11 @@ TEST_F(ThreadObject, DispatchesTheMessagesOfItsOwnerWhileItIsStopped)
 
 CTestThread* g_pStoppedByMessage;
 
+void CALLBACK OnStopMessage(HWND, UINT, UINT_PTR, DWORD)
+{
+    g_pStoppedByMessage->StopThread();
+}
+
 TEST_F(ThreadObject, AMessageMayStopTheThreadThatIsBeingStopped)
 {
     MSG message;
@@ -149,7 +154,7 @@ TEST_F(ThreadObject, AMessageMayStopTheThreadThatIsBeingStopped)
     CTestThread thread;
     thread.StartThread();
     g_pStoppedByMessage = &thread;
-    Post(GetCurrentThreadId(), [](HWND, UINT, UINT_PTR, DWORD) { g_pStoppedByMessage->StopThread(); });
+    Post(GetCurrentThreadId(), OnStopMessage);
     EXPECT_FALSE(thread.StopThread()) << "the inner stop has done it";
     EXPECT_EQ(nullptr, thread.m_hThread);
 }

@@ -1,0 +1,86 @@
+#include "HostThreads.h"
+
+namespace {
+
+constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
+constexpr const char* STOP = "[ENTRY] CThreadObject::StopThread::LUMRegMonitorThreadObject";
+
+class HostThreadObjects : public CHostThreads
+{
+};
+
+TEST_F(HostThreadObjects, RunInTheFirstInstanceFromInitialisationToShutdown)
+{
+    EXPECT_FALSE(IsMonitoring());
+    ASSERT_TRUE(Initialize());
+    EXPECT_TRUE(IsMonitoring());
+    host->LUMWlxShutdown(nullptr, 0);
+    EXPECT_FALSE(IsMonitoring());
+    SetTraceMask(0xFFFFFFFF);
+    host->LUMWlxShutdown(nullptr, 0);
+    EXPECT_EQ(0, Count(STOP)) << "what does not run is not stopped";
+    SetTraceMask(0);
+    Load();
+    ASSERT_TRUE(Initialize());
+    EXPECT_FALSE(IsMonitoring()) << "a later instance";
+}
+
+TEST_F(HostThreadObjects, DoNotRunForAHostThatFails)
+{
+    msgina->SetResult(StandinCall::WlxInitialize, FALSE);
+    EXPECT_FALSE(Initialize());
+    EXPECT_FALSE(IsMonitoring());
+}
+
+TEST_F(HostThreadObjects, AreStoppedAfterTheCallWasPassedOn)
+{
+    ASSERT_TRUE(Initialize());
+    msgina->SetFailure(StandinCall::WlxShutdown, StandinFailure::ReadNull, 0);
+    host->LUMWlxShutdown(nullptr, 0);
+    EXPECT_TRUE(IsMonitoring()) << "a call that failed leaves them as they are";
+    SetTraceMask(0xFFFFFFFF);
+    ClearLog();
+    host.reset();
+    EXPECT_EQ(1, Count(STOP)) << "but not for longer than the host";
+}
+
+TEST_F(HostThreadObjects, TheMonitorIsSwitchedByTheControlChannel)
+{
+    for (const bool bEnable : {false, true, true, false, false, true}) {
+        EXPECT_TRUE(host->LUMEnableActiveRegistryMonitoring(bEnable));
+        EXPECT_EQ(bEnable, IsMonitoring());
+    }
+    delete host->m_pLUMRegMonitorThreadObject;
+    host->m_pLUMRegMonitorThreadObject = nullptr;
+    ClearLog();
+    EXPECT_FALSE(host->LUMEnableActiveRegistryMonitoring(true));
+    EXPECT_EQ((std::vector<std::string>{"[WARNING] An unhandled exception occurred", FAILED}), Log());
+    EXPECT_TRUE(Initialize()) << "nobody is kept from logging on";
+    host->LUMWlxShutdown(nullptr, 0);
+}
+
+TEST_F(HostThreadObjects, TheHostTellsItsOwnVersion)
+{
+    struct
+    {
+        const WCHAR* szDLL;
+        bool bResult;
+        DWORD dwVersion;
+    } const rows[] = {
+        {TEXT("lum_gina.dll"), true,
+         static_cast<DWORD>((LUM_VERSION_MINOR | LUM_VERSION_PATCH) << 16 | LUM_VERSION_TWEAK)},
+        {TEXT("version_test_dll.dll"), true, 0x000F0003},
+        {TEXT("msgina.dll"), false, 77},
+    };
+    for (const auto& row : rows) {
+        const HMODULE hModule = LoadLibraryW(row.szDLL);
+        ASSERT_NE(nullptr, hModule);
+        DWORD dwVersion = 77;
+        EXPECT_EQ(row.bResult, CLUMGina(hModule).LUMGetLUMGinaVersion(&dwVersion));
+        EXPECT_EQ(row.dwVersion, dwVersion);
+        EXPECT_TRUE(FreeLibrary(hModule));
+    }
+    EXPECT_FALSE(CLUMGina(reinterpret_cast<HINSTANCE>(1)).LUMGetLUMGinaVersion(nullptr));
+}
+
+} // namespace

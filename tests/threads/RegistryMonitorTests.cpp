@@ -1,0 +1,158 @@
+#include "../chaining/ChainMachine.h"
+#include "Exceptions.h"
+#include "FailingAllocation.h"
+#include "LUMRegMonitorThreadObject.h"
+#include "TestThread.h"
+
+namespace {
+
+constexpr WCHAR INTERVAL[] = TEXT("MonitorInterval");
+constexpr DWORD NEVER_SECONDS = 3600;
+
+class RegistryMonitor : public CChainMachine
+{
+protected:
+    /// A host's manager over the chain of the host and "msgina.dll", and a monitor of it.
+    void Make(DWORD dwInterval)
+    {
+        SetDword(OWN_KEY, INTERVAL, dwInterval);
+        SetValues(ValuesOf("lum_gina.dll msgina.dll"));
+        StartHost();
+        own = Build();
+        monitor = std::make_unique<CLUMRegMonitorThreadObject>(own.get(), m_pConfiguration.get(),
+                                                               m_pWinlogon.get(), false);
+        ClearLog();
+    }
+
+    /// What another installer does that takes Winlogon's value for itself.
+    static void TakeHostOut() { SetString(WINLOGON_KEY, WINLOGON_GINA_DLL, TEXT("msgina.dll")); }
+    static bool IsHostIn() { return GetValue(WINLOGON_KEY, WINLOGON_GINA_DLL) == "\"lum_gina.dll\""; }
+    static bool IsHostInWithin(DWORD dwMilliseconds)
+    {
+        const DWORD dwBegin = GetTickCount();
+        while (!IsHostIn() && GetTickCount() - dwBegin < dwMilliseconds) {
+            Sleep(20);
+        }
+        return IsHostIn();
+    }
+
+    std::unique_ptr<CRegistryManager> own;
+    std::unique_ptr<CLUMRegMonitorThreadObject> monitor;
+};
+
+TEST_F(RegistryMonitor, TakesItsPeriodFromTheConfiguration)
+{
+    Make(0);
+    EXPECT_EQ(5000u, monitor->GetPeriod());
+    for (const DWORD dwSeconds : {1u, 30u, 4294967u}) {
+        SetDword(OWN_KEY, INTERVAL, dwSeconds);
+        EXPECT_EQ(dwSeconds * 1000, monitor->GetPeriod());
+    }
+    SetDword(OWN_KEY, INTERVAL, 0xFFFFFFFF);
+    EXPECT_EQ(4294967000u, monitor->GetPeriod()) << "what would not fit is not cut to something short";
+    SetString(OWN_KEY, INTERVAL, TEXT("soon"));
+    EXPECT_EQ(5000u, monitor->GetPeriod()) << "not a number";
+    EXPECT_EQ("[EXCEPTION] Unable to read from registry, Registry Value: MonitorInterval, Error: 0xea",
+              Log().front());
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY);
+    StartHost();
+    monitor = std::make_unique<CLUMRegMonitorThreadObject>(own.get(), m_pConfiguration.get(),
+                                                           m_pWinlogon.get(), false);
+    EXPECT_EQ(5000u, monitor->GetPeriod()) << "no value at all";
+}
+
+TEST_F(RegistryMonitor, SeesAChangeWithinAPeriodEachTime)
+{
+    Make(1);
+    ASSERT_TRUE(monitor->StartThread());
+    for (int nChange = 0; nChange < 2; ++nChange) {
+        TakeHostOut();
+        EXPECT_TRUE(IsHostInWithin(20000)) << nChange;
+    }
+    EXPECT_TRUE(monitor->StopThread());
+}
+
+TEST_F(RegistryMonitor, ComparesALastTimeWhenItIsStopped)
+{
+    Make(NEVER_SECONDS);
+    for (int nRun = 0; nRun < 2; ++nRun) {
+        ASSERT_TRUE(monitor->StartThread());
+        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(monitor->StartEvent, 10000));
+        TakeHostOut();
+        EXPECT_FALSE(IsHostInWithin(200));
+        EXPECT_TRUE(monitor->StopThread());
+        EXPECT_TRUE(IsHostIn());
+    }
+    TakeHostOut();
+    monitor->StartThread();
+    monitor.reset();
+    EXPECT_TRUE(IsHostIn()) << "also when it is destroyed";
+}
+
+TEST_F(RegistryMonitor, LeavesAnUnchangedChainAlone)
+{
+    Make(NEVER_SECONDS);
+    SetTraceMask(0xFFFFFFFF);
+    const Values before = GetValues();
+    monitor->StartThread();
+    EXPECT_TRUE(monitor->StopThread());
+    EXPECT_EQ(1, Count("[EXIT ] CRegistryManager::operator!=, Return: 0x0"));
+    EXPECT_EQ(0, Count("[ENTRY] CRegistryManager::ResyncWithRegistry"));
+    EXPECT_EQ(1, Count("[ENTRY] CLUMRegMonitorThreadObject::Thread"));
+    EXPECT_EQ(1, Count("[EXIT ] CLUMRegMonitorThreadObject::Thread"));
+    EXPECT_EQ(before, GetValues());
+}
+
+TEST_F(RegistryMonitor, NeverUndoesWhatTheHostItselfChanges)
+{
+    Make(NEVER_SECONDS);
+    SetTraceMask(0);
+    CTestThread comparisons([this](CTestThread& self) {
+        for (int n = 0; n < 40; ++n) {
+            monitor->StartThread();
+            monitor->StopThread();
+        }
+        self.SignalFinish();
+    });
+    ASSERT_TRUE(comparisons.StartThread());
+    for (int n = 0; n < 40; ++n) {
+        EXPECT_TRUE(own->InsertGinaIntoChainingList(TEXT("wpnGina.dll"), nullptr, false));
+        EXPECT_TRUE(own->IsGinaInChainingList(TEXT("wpnGina.dll")));
+        EXPECT_TRUE(own->RemoveGinaFromChainingList(TEXT("wpnGina.dll")));
+        EXPECT_FALSE(own->IsGinaInChainingList(TEXT("wpnGina.dll")));
+    }
+    EXPECT_TRUE(comparisons.StopThread());
+    EXPECT_EQ("lum_gina.dll msgina.dll", ChainOf(*own));
+}
+
+TEST_F(RegistryMonitor, GivesUpWhenItCannotReadTheChain)
+{
+    Make(NEVER_SECONDS);
+    SetEvent(monitor->StopEvent);
+    {
+        // On this thread, where memory can be made to fail.
+        const CFailingAllocation fault(0, CFailingAllocation::Kind::Nothrow);
+        monitor->Thread();
+    }
+    const auto log = Log();
+    ASSERT_FALSE(log.empty());
+    EXPECT_EQ("[WARNING] An unhandled exception occurred", log.back());
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(monitor->FinishEvent, 0)) << "and says that it has finished";
+}
+
+TEST_F(RegistryMonitor, NeedsItsThreeObjects)
+{
+    Make(NEVER_SECONDS);
+    const char* const names[] = {"pRegistryManager", "pLUMRegistry", "pWinlogonRegistry"};
+    for (int nNull = 0; nNull < 3; ++nNull) {
+        ClearLog();
+        EXPECT_THROW(CLUMRegMonitorThreadObject(nNull == 0 ? nullptr : own.get(),
+                                                nNull == 1 ? nullptr : m_pConfiguration.get(),
+                                                nNull == 2 ? nullptr : m_pWinlogon.get(), false),
+                     CBadArgException);
+        EXPECT_EQ(std::string("[EXCEPTION] A bad argument was provided, Argument: ") + names[nNull],
+                  Log().front());
+    }
+}
+
+} // namespace
