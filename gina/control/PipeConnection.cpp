@@ -82,10 +82,17 @@ void CPipeConnection::Close() noexcept
     DisconnectNamedPipe(m_hPipe);
 }
 
+/// What the client sends beyond its request is thrown away: while there is any, the pipe does not tell that the
+/// client has gone.
 bool CPipeConnection::AwaitHangUp() noexcept
 {
     m_dwStart = GetTickCount();
-    while (PeekNamedPipe(m_hPipe, nullptr, 0, nullptr, nullptr, nullptr)) {
+    DWORD cbAvailable = 0;
+    while (PeekNamedPipe(m_hPipe, nullptr, 0, nullptr, &cbAvailable, nullptr)) {
+        BYTE rest[256];
+        if (cbAvailable != 0 && !ReadFile(m_hPipe, rest, sizeof(rest), &cbAvailable, nullptr)) {
+            return true;
+        }
         if (IsOver(m_Deadlines.dwReplyMilliseconds) || m_awaitStop(POLL_MILLISECONDS)) {
             return false;
         }

@@ -9,18 +9,16 @@ constexpr DWORD CHOSEN = 0x4711;
 class FailingPipe : public CPipeMachine
 {
 protected:
-    FailingPipe() { SetTraceMask(LEVEL_DEBUG | LEVEL_WARNING | LEVEL_EXCEPTION); }
+    FailingPipe() { SetTraceMask(LEVEL_WARNING | LEVEL_EXCEPTION); }
 };
 
 TEST_F(FailingPipe, CostsOneRequest)
 {
-    StartServer();
     const std::string loaded = "\x68" + Counted("test_plugin_a.dll");
     const std::string read = "[EXCEPTION] ReadFile function call failed, Error: 0x4711";
     const std::string write = "[EXCEPTION] WriteFile function call failed, Error: 0x4711";
     const std::string impersonate =
         "[WARNING] ImpersonateNamedPipeClient function call failed, Error: 0x4711";
-    const std::string connect = "[DEBUG] Could not connect to pipe, error 0x4711";
     const struct
     {
         PlatformCall call;
@@ -38,7 +36,6 @@ TEST_F(FailingPipe, CostsOneRequest)
         {PlatformCall::ImpersonateNamedPipeClient, 1, std::string("\x71\0", 2), "01", impersonate},
         {PlatformCall::ImpersonateNamedPipeClient, 1, "\x75", "00", impersonate},
         {PlatformCall::ImpersonateNamedPipeClient, 1, "\x02", "01", impersonate},
-        {PlatformCall::ConnectNamedPipe, 1, loaded, "00", connect},
         {PlatformCall::SetNamedPipeHandleState, 1, loaded, "00", ""},
         {PlatformCall::SetNamedPipeHandleState, 2, loaded, "00", ""},
         {PlatformCall::FlushFileBuffers, 1, loaded, "00", ""},
@@ -46,19 +43,27 @@ TEST_F(FailingPipe, CostsOneRequest)
     for (const auto& row : rows) {
         ClearLog();
         const CFaultInjection fault(row.call, row.dwUse, CHOSEN, PIPE_NAME);
-        CRawClient client;
-        client.Send(row.request);
-        EXPECT_EQ(
-            client.Receive(std::string(row.szReply) == "" ? 1 : DWORD(std::string(row.szReply).size() / 2)),
-            row.szReply)
-            << row.line;
-        client.Close();
+        StartServer();
+        const std::string reply = row.szReply;
+        EXPECT_EQ(Exchange(row.request, reply.size()), reply) << row.line << ", use " << row.dwUse;
         if (!row.line.empty()) {
             ExpectLine(row.line);
         }
         ExpectService(row.line);
+        // The end of this exchange is not to be taken for the next one.
+        StopServer();
         EXPECT_TRUE(fault.HasFired()) << static_cast<int>(row.call);
     }
+}
+
+TEST_F(FailingPipe, IsPolledAgain)
+{
+    SetTraceMask(LEVEL_DEBUG);
+    const CFaultInjection fault(PlatformCall::ConnectNamedPipe, 1, CHOSEN, PIPE_NAME);
+    StartServer();
+    ExpectService("a poll that failed");
+    StopServer();
+    EXPECT_EQ(Count("[DEBUG] Could not connect to pipe, error 0x4711"), 1);
 }
 
 TEST_F(FailingPipe, IsNoPipeAtAll)

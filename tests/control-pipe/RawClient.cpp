@@ -64,6 +64,12 @@ std::string CRawClient::Receive(DWORD cbMost)
     return digits;
 }
 
+DWORD CRawClient::CountAvailable()
+{
+    DWORD cbAvailable = 0;
+    return PeekNamedPipe(m_hPipe, nullptr, 0, nullptr, &cbAvailable, nullptr) ? cbAvailable : 0;
+}
+
 void CRawClient::Close()
 {
     if (m_hPipe != INVALID_HANDLE_VALUE) {
@@ -72,11 +78,13 @@ void CRawClient::Close()
     }
 }
 
-std::string Exchange(const std::string& bytes)
+std::string Exchange(const std::string& bytes, std::size_t nDigits)
 {
     CRawClient client;
     client.Send(bytes);
-    return client.Receive();
+    // A reply comes in one piece.
+    const std::string digits = client.Receive(nDigits == 0 ? 1 : static_cast<DWORD>(nDigits / 2));
+    return digits + client.Receive(client.CountAvailable());
 }
 
 std::string Number(DWORD dwValue)
@@ -122,7 +130,8 @@ std::vector<CRequestExample> GetRequestExamples()
         {"LUM_QUERY_PLUGIN",
          Code(105) + Record() + Record() + Number(1) + Number(2) + Number(3) + Counted("") + Counted(b),
          "CLUMObject::LUMQueryPlugin", "00"},
-        {"LUM_QUERY_PLUGIN_INFO", Code(112) + Fixed(b), "CLUMObject::LUMQueryPluginInfo", "00" + gina},
+        {"LUM_QUERY_PLUGIN_INFO", Code(112) + Fixed("standin_gina.dll"), "CLUMObject::LUMQueryPluginInfo",
+         "00" + gina},
         {"LUM_ENABLE_GINA", Code(113) + no, "CLUMObject::LUMEnableGina", "01"},
         {"LUM_REMOVE_PLUGIN", Code(114) + Counted(nobody) + no, "CLUMObject::LUMRemovePlugin", "00"},
         {"LUM_REMOVE_PLUGIN", Code(114) + Counted(nobody) + yes, "CLUMGina::LUMRemovePluginDynamic", "01"},

@@ -19,14 +19,16 @@ public:
     /// What comes until the server disconnects, in hexadecimal digits: "00", "" for nothing; at most
     /// cbMost bytes.
     std::string Receive(DWORD cbMost = 4096);
+    DWORD CountAvailable();
     void Close();
 
 private:
     HANDLE m_hPipe;
 };
 
-/// Sends bytes, and gives what Receive gives.
-std::string Exchange(const std::string& bytes);
+/// Sends bytes, reads as many digits as a reply should have and any more that came with them, and hangs up.
+/// For no digits it waits until the server hangs up.
+std::string Exchange(const std::string& bytes, std::size_t nDigits = 2);
 
 /// A request whose bytes are put together by hand, so that the tests do not depend on the client library.
 std::string Number(DWORD dwValue);

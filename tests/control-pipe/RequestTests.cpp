@@ -29,7 +29,8 @@ TEST_F(Requests, AreCarriedOutAndAnswered)
     SetTraceMask(LEVEL_ENTRY | LEVEL_NOTIFICATION);
     for (const CRequestExample& example : GetRequestExamples()) {
         ClearLog();
-        EXPECT_EQ(HideVersion(Exchange(example.bytes), example.reply), example.reply) << example.szName;
+        EXPECT_EQ(HideVersion(Exchange(example.bytes, example.reply.size()), example.reply), example.reply)
+            << example.szName;
         EXPECT_EQ(Count(std::string("[NOTIFICATION] Received request: ") + example.szName), 1);
         if (*example.szOperation != 0) {
             EXPECT_EQ(Count(std::string("[ENTRY] ") + example.szOperation), 1) << example.szOperation;
@@ -64,7 +65,7 @@ TEST_F(Requests, ReachTheHostThroughTheClientLibrary)
     const CControlClient::Text a = TEXT("test_plugin_a.dll");
     const CControlClient::Text b = TEXT("test_plugin_b.dll");
     const CControlClient::Text c = TEXT("test_plugin_c.dll");
-    const CControlClient::Text gina = TEXT("standin_gina.dll");
+    const CControlClient::Text standin = TEXT("standin_gina.dll");
     const struct
     {
         const char* szWhat;
@@ -89,7 +90,10 @@ TEST_F(Requests, ReachTheHostThroughTheClientLibrary)
         {"load", [&] { return client.AddPlugin(b, true); }, ControlStatus::Success, {"a", "c", "b"}},
         {"remember", [&] { return client.AddPlugin(c, false); }, ControlStatus::Success, {"a", "c", "b"}},
         {"ask", [&] { return client.QueryPlugin(query); }, ControlStatus::Success, {"a", "c", "b"}},
-        {"loaded", [&] { return client.IsGinaInPluginList(gina); }, ControlStatus::Success, {"a", "c", "b"}},
+        {"loaded",
+         [&] { return client.IsGinaInPluginList(standin); },
+         ControlStatus::Success,
+         {"a", "c", "b"}},
         {"not", [&] { return client.IsGinaInPluginList(a + a); }, ControlStatus::Refused, {"a", "c", "b"}},
         {"info", [&] { return client.QueryPluginInfo(a, record); }, ControlStatus::Success, {"a", "c", "b"}},
         {"no info",
@@ -157,7 +161,7 @@ TEST_F(Requests, AreCarriedOutUnderTheClientsIdentity)
 {
     bool bImpersonated = false;
     plugins[0]->SetHook(PluginCall::QueryPluginInfo, NoteIdentity, &bImpersonated);
-    EXPECT_EQ(Exchange("\x70" + Fixed("test_plugin_a.dll")).substr(0, 2), "00");
+    EXPECT_EQ(Exchange("\x70" + Fixed("test_plugin_a.dll"), 66).substr(0, 2), "00");
     EXPECT_TRUE(bImpersonated);
 }
 
@@ -183,7 +187,7 @@ TEST_F(Requests, WithNamesOfAnyLength)
     };
     for (const auto& row : rows) {
         ClearLog();
-        EXPECT_EQ(Exchange(row.bytes), row.szReply) << row.szWhat;
+        EXPECT_EQ(Exchange(row.bytes, std::string(row.szReply).size()), row.szReply) << row.szWhat;
         if (row.szVariable != nullptr) {
             ExpectLine(refused + row.szVariable);
         }
