@@ -14,7 +14,7 @@ protected:
     /// The lines "NAME: BEFORE -> AFTER" of an output, without the names.
     static Strings ChangesIn(const std::string& output)
     {
-        static const std::regex pattern("  \\w+: (.*) -> (.*)");
+        static const std::regex pattern("  \\S+: (.*) -> (.*)");
         Strings changes;
         for (std::sregex_iterator match(output.begin(), output.end(), pattern), end; match != end; ++match) {
             changes.push_back((*match)[1].str() + " -> " + (*match)[2].str());
@@ -368,7 +368,7 @@ TEST_F(ChainCommands, JsonTellsWhatTheTextTells)
               "  ]\n"
               "}\n",
               Run("chain check --json").output);
-    SetValues({{"Winlogon", "\xE9\"\\.dll"}});
+    SetString(WINLOGON_KEY, WINLOGON_GINA_DLL, TEXT("\u00E9\"\\.dll"));
     const std::string shown = Run("chain show --json").output;
     EXPECT_NE(std::string::npos, shown.find("\"text\": \"\\u00e9\\\"\\\\.dll\"")) << shown;
 }

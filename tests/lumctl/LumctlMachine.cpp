@@ -24,6 +24,8 @@ CLumctlMachine::CLumctlMachine()
 {
     CreateDirectoryW(Widen(FOLDER).c_str(), nullptr);
     SetDlls(ALL_DLLS);
+    // What is missing on such a machine would fill the log.
+    SetTraceMask(0);
 }
 
 CLumctlMachine::CRun CLumctlMachine::Run(const std::string& commandLine)
@@ -54,7 +56,7 @@ CLumctlMachine::CRun CLumctlMachine::Run(const std::string& commandLine)
 
 void CLumctlMachine::SetDlls(const std::string& names)
 {
-    for (const std::string& name : SplitNames(ALL_DLLS)) {
+    for (const std::string& name : SplitNames(std::string(ALL_DLLS) + " x.dll")) {
         std::remove((FOLDER + "/" + name.substr(0, name.find('='))).c_str());
     }
     for (const std::string& name : SplitNames(names)) {
