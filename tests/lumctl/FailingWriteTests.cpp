@@ -67,10 +67,8 @@ TEST_F(FailingWrites, TheMachineComesUpAfterEachWrite)
 {
     const char* const CHAINS[] = {
         "",
-        "msgina.dll",
         "lum_gina.dll msgina.dll",
         "wpnGina.dll PLinkGina.dll msgina.dll",
-        "lum_gina.dll PLinkGina.dll wpnGina.dll qslogon.dll",
         "kvs_gina.dll wpnGina.dll lum_gina.dll msgina.dll",
     };
     for (const char* szSaved : CHAINS) {

@@ -1,8 +1,6 @@
 #include "CommandLineRunner.h"
 
 #include <algorithm>
-#include <cstring>
-#include <sstream>
 
 #include "CommandLine.h"
 #include "Usage.h"
@@ -36,17 +34,25 @@ const CCommand& TakeCommand(std::vector<std::string>& words)
                                           (words.size() > 1 ? " " + words[1] : std::string()));
 }
 
+std::vector<std::string> SplitWords(const std::string& text)
+{
+    std::vector<std::string> words;
+    for (std::size_t nBegin = 0; nBegin < text.size();) {
+        const std::size_t nEnd = std::min(text.find(' ', nBegin), text.size());
+        words.push_back(text.substr(nBegin, nEnd - nBegin));
+        nBegin = nEnd + 1;
+    }
+    return words;
+}
+
 void CheckWords(const CCommand& command, const std::vector<std::string>& words)
 {
-    std::istringstream names(command.szArguments);
-    std::size_t nNames = 0;
-    for (std::string name; names >> name; ++nNames) {
-        if (nNames >= words.size() && name.front() != '[') {
-            throw CUsageError(std::string(command.szName) + " needs " + name);
-        }
+    const std::vector<std::string> names = SplitWords(command.szArguments);
+    if (words.size() > names.size()) {
+        throw CUsageError(std::string(command.szName) + " takes no " + words[names.size()]);
     }
-    if (words.size() > nNames) {
-        throw CUsageError(std::string(command.szName) + " takes no " + words[nNames]);
+    if (words.size() < names.size() && names[words.size()].front() != '[') {
+        throw CUsageError(std::string(command.szName) + " needs " + names[words.size()]);
     }
 }
 
