@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "CompareNames.h"
 #include "JsonWriter.h"
 #include "chaining/KnownGinas.h"
 
@@ -81,7 +82,8 @@ private:
     std::string RemedyForDll(std::size_t nLink) const
     {
         const std::string name = Name(nLink);
-        if (nLink == 0 && m_view.IsSystemGinaImplied()) {
+        // Without its own GINA the system has none to come back to.
+        if (EqualNames(m_view.links[nLink].gina.c_str(), SYSTEM_GINA)) {
             return "put " + name + " into the system directory";
         }
         return "put " + name + " into the system directory, or " +
