@@ -28,6 +28,9 @@ if(WIN32)
     UNICODE _UNICODE WIN32_LEAN_AND_MEAN WINVER=0x0500 _WIN32_WINNT=0x0500)
   # A GINA may import from the system's own DLLs only.
   target_link_options(lum_options INTERFACE -static)
+  # Wine reads a section that is not aligned in its file with a single read, and goes on if it got less: from
+  # a network file system for sections of more than half a megabyte. What is missing is zeros then.
+  target_link_options(lum_options INTERFACE -Wl,--file-alignment=4096)
 endif()
 
 # lum_add_dll(TARGET SOURCE... [DEF file.def])

@@ -8,9 +8,6 @@ if(WIN32)
   # The first folder has what GoogleTest lacks for this compiler.
   target_include_directories(lum_gtest SYSTEM BEFORE PUBLIC
     "${CMAKE_SOURCE_DIR}/tests/support/googletest" "${LUM_GOOGLETEST}/include")
-  # Wine reads a section that is not aligned in its file with a single read, and goes on if it got less:
-  # from a network file system, for sections of more than a megabyte, as large suites have.
-  target_link_options(lum_gtest INTERFACE -Wl,--file-alignment=4096)
 else()
   find_package(GTest REQUIRED)
   add_library(lum_gtest INTERFACE)

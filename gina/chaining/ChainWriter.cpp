@@ -25,17 +25,14 @@ void DeleteGinaDLL() noexcept
 
 void WriteChain(CKnownGinaList& knownGinas, const CGinaChain& chain, CWinlogonRegistry& winlogonRegistry)
 {
-    if (chain.m_pHead == nullptr) {
-        DeleteGinaDLL();
-        CWarning(LUM_GINA_ORIGIN, TXT_EMPTY);
-        return;
-    }
-    winlogonRegistry.SetGinaDLL(NameOf(*chain.m_pHead));
-    for (const CGinaLink* pLink = chain.m_pHead; pLink != nullptr; pLink = pLink->pNext) {
-        CGinaChainingInfoObject* pInfo = FindGina(knownGinas, NameOf(*pLink));
-        if (pInfo != nullptr) {
-            pInfo->SetOldGinaDLL(pLink->pNext != nullptr ? NameOf(*pLink->pNext)
-                                                         : pInfo->GetDefaultGinaDLL());
+    const auto writeFirst = [&](const WCHAR* szGinaDLL) {
+        if (szGinaDLL != nullptr) {
+            winlogonRegistry.SetGinaDLL(szGinaDLL);
+        } else {
+            DeleteGinaDLL();
+            CWarning(LUM_GINA_ORIGIN, TXT_EMPTY);
         }
-    }
+    };
+    VisitChain(knownGinas, chain, writeFirst,
+               [](CGinaChainingInfoObject& info, const WCHAR* szGinaDLL) { info.SetOldGinaDLL(szGinaDLL); });
 }

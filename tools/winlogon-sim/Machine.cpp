@@ -4,7 +4,6 @@
 
 #include "SetupError.h"
 #include "Text.h"
-#include "platform/MachineRegistry.h"
 
 namespace {
 
@@ -74,33 +73,13 @@ std::string GetText(const WCHAR* szValue)
     return lResult == ERROR_SUCCESS ? ToNarrow(szText) : std::string();
 }
 
-/// The registry files of the command line must be usable: nothing of a machine's state may get lost.
-void CheckFile(LONG lResult, const char* szVerb, const std::string& path, const std::string& reason = "")
-{
-    if (lResult == ERROR_CALL_NOT_IMPLEMENTED) {
-        throw CSetupError("--registry: this system has a registry of its own, which is used");
-    }
-    if (lResult != ERROR_SUCCESS) {
-        throw CSetupError(
-            Format("cannot %s the registry file %s: %s", szVerb, path.c_str(),
-                   reason.empty() ? Format("error %d", static_cast<int>(lResult)).c_str() : reason.c_str()));
-    }
-}
-
 } // namespace
 
-CMachine::CMachine(const COptions& options) : m_registry(options.registry)
+CMachine::CMachine(const COptions& options)
+    : m_registry(options.registry, CRegistryFile::Absence::IsNewMachine)
 {
-    if (!m_registry.empty()) {
-        std::string reason;
-        const LONG lResult = MachineRegistry::Load(ToWide(m_registry).c_str(), &reason);
-        // A new machine: the file is made when its day is over.
-        CheckFile(lResult == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : lResult, "load", m_registry, reason);
-    }
     if (!options.setup.empty()) {
-        std::string reason;
-        const LONG lResult = MachineRegistry::Import(ToWide(options.setup).c_str(), &reason);
-        CheckFile(lResult, "import", options.setup, reason);
+        CRegistryFile::Import(options.setup);
     }
     if (options.traceLog.empty()) {
         DeleteValue(DEBUG_KEY, LOG_VALUE);
@@ -127,11 +106,4 @@ std::vector<std::string> CMachine::GetPlugins()
         nBegin = nEnd + 1;
     }
     return plugins;
-}
-
-void CMachine::Save() const
-{
-    if (!m_registry.empty()) {
-        CheckFile(MachineRegistry::Save(ToWide(m_registry).c_str()), "save", m_registry);
-    }
 }
