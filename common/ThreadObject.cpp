@@ -5,6 +5,7 @@
 
 #include "Operation.h"
 #include "RequireArgument.h"
+#include "platform/FaultGuard.h"
 
 namespace {
 
@@ -56,13 +57,13 @@ void TrySignalEvent(const CMessageOrigin& origin, HANDLE hEvent) noexcept
     }
 }
 
-/// A window procedure that fails must not end the wait for the thread.
+/// A window procedure is somebody else's code: one that fails must not end the wait for the thread.
 void DispatchPendingMessages(const CMessageOrigin& origin) noexcept
 {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         try {
-            DispatchMessageW(&message);
+            GuardedCall([&] { DispatchMessageW(&message); });
         } catch (...) {
             CWarning(origin, ERR_UNHANDLED_EXCEPTION);
         }

@@ -162,8 +162,7 @@ TEST(Messages, OfAnotherThreadWakeTheOneThatWaits)
     WaitForSingleObject(hThread, LONG_MILLISECONDS);
     CloseHandle(hThread);
     DrainMessages();
-    EXPECT_FALSE(PostThreadMessageW(0xFFFFFFF0, WM_APP, 0, 0));
-    EXPECT_EQ(ERROR_INVALID_THREAD_ID, GetLastError());
+    EXPECT_FALSE(PostThreadMessageW(0xFFFFFFF0, WM_APP, 0, 0)) << "no such thread";
 }
 
 UINT_PTR g_nTimer;

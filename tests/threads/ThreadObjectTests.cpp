@@ -5,6 +5,7 @@
 #include "Exceptions.h"
 #include "TestMachine.h"
 #include "TestThread.h"
+#include "platform/FaultGuard.h"
 
 namespace {
 
@@ -107,7 +108,7 @@ void CALLBACK OnMessage(HWND, UINT, UINT_PTR, DWORD)
 void CALLBACK OnFailingMessage(HWND, UINT, UINT_PTR, DWORD)
 {
     ++g_nDispatched;
-    throw std::runtime_error("test");
+    FaultGuard::RaiseForeignException();
 }
 
 void Post(DWORD dwThreadId, TIMERPROC pfnTimer)
