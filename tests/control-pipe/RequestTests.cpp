@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <functional>
+
 #include "PipeMachine.h"
 
 // What the server answers, and what carries the requests out.
@@ -13,6 +16,20 @@ protected:
 void WINAPI NoteIdentity(void* pContext, const PluginRecord*)
 {
     *static_cast<bool*>(pContext) = IsImpersonating();
+}
+
+/// What a plugin is asked. Its record lives no longer than the call.
+struct CSeenQuery
+{
+    CGinaPluginInfo info{LUM_GINA_APP, LUM_GINA_MTM};
+    ULONG_PTR params[3] = {};
+};
+
+void WINAPI NoteQuery(void* pContext, const PluginRecord* pRecord)
+{
+    CSeenQuery& seen = *static_cast<CSeenQuery*>(pContext);
+    seen.info = *reinterpret_cast<const CGinaPluginInfo*>(pRecord->argument[0]);
+    std::copy(pRecord->argument + 1, pRecord->argument + 4, seen.params);
 }
 
 /// Versions differ; everything else must be as it is.
@@ -132,17 +149,8 @@ TEST_F(Requests, ReachTheHostThroughTheClientLibrary)
 
 TEST_F(Requests, HandPluginsRecordsOfTheHostsOwn)
 {
-    struct CSeen
-    {
-        CGinaPluginInfo info{LUM_GINA_APP, LUM_GINA_MTM};
-        ULONG_PTR params[3];
-    } seen;
-    const auto note = [](void* pContext, const PluginRecord* pRecord) {
-        CSeen& target = *static_cast<CSeen*>(pContext);
-        target.info = *reinterpret_cast<const CGinaPluginInfo*>(pRecord->argument[0]);
-        std::copy(pRecord->argument + 1, pRecord->argument + 4, target.params);
-    };
-    plugins[0]->SetHook(PluginCall::QueryPlugin, note, &seen);
+    CSeenQuery seen;
+    plugins[0]->SetHook(PluginCall::QueryPlugin, NoteQuery, &seen);
     const std::string params = Number(0xffffffff) + Number(2) + Number(3);
     EXPECT_EQ(
         Exchange("\x69" + Record() + Record() + params + Counted("about.dll") + Counted("test_plugin_a.dll")),
