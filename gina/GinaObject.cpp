@@ -1,6 +1,7 @@
 #include "GinaObject.h"
 
 #include <memory>
+#include <new>
 #include <string>
 
 #include "CompareNames.h"
@@ -68,7 +69,8 @@ void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion
     info.SetGinaDLL(szGinaDLLName);
     m_pGinaPluginContext->SetGinaPluginInfo(info);
     if (GetPluginInfo().m_szGinaDLL == nullptr) {
-        throw CMemAllocException(LUM_GINA_ORIGIN, TEXT("m_szGinaDLL"));
+        // The record has reported why.
+        throw std::bad_alloc();
     }
 }
 

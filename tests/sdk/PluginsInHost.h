@@ -22,7 +22,8 @@ protected:
         for (const CPluginDriver& plugin : plugins) {
             plugin->SetCounter(&m_nCounter);
         }
-        // What the registry monitor has to say comes too late for these tests.
+        // What the service threads have to say comes too late for these tests.
+        SetDword(OWN_KEY, TEXT("PipeInterval"), 3600);
         SetDword(OWN_KEY, TEXT("MonitorInterval"), 3600);
         SetString(OWN_KEY, TEXT("GinaDLL"), TEXT("standin_gina.dll"));
         SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_a.dll,test_plugin_b.dll,test_plugin_c.dll"));

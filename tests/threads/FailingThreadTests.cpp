@@ -190,11 +190,14 @@ class FailingHostThreads : public CHostThreads
 TEST_F(FailingHostThreads, KeepNobodyFromLoggingOn)
 {
     {
-        const CFaultInjection fault(PlatformCall::CreateThread, 1, ERROR_NOT_ENOUGH_MEMORY);
+        const CFaultInjection fault(PlatformCall::CreateThread, 1, ERROR_NOT_ENOUGH_MEMORY, nullptr,
+                                    FaultRepeat::FromThenOn);
         EXPECT_TRUE(Initialize());
         EXPECT_FALSE(IsMonitoring());
-        EXPECT_EQ(1,
-                  Count("[EXCEPTION] Unable to create thread, Thread: LUMRegMonitorThreadObject, Error: 8"));
+        for (const char* szThread : {"LUMPipeThreadObject", "LUMRegMonitorThreadObject"}) {
+            EXPECT_EQ(1, Count(std::string("[EXCEPTION] Unable to create thread, Thread: ") + szThread +
+                               ", Error: 8"));
+        }
     }
     {
         const CFaultInjection fault(PlatformCall::CreateThread, 1, ERROR_NOT_ENOUGH_MEMORY);
@@ -204,8 +207,9 @@ TEST_F(FailingHostThreads, KeepNobodyFromLoggingOn)
     const CFaultInjection fault(PlatformCall::CreateEventW, 1, ERROR_NO_SYSTEM_RESOURCES, nullptr,
                                 FaultRepeat::FromThenOn);
     Load();
+    EXPECT_EQ(nullptr, host->m_pLUMPipeThreadObject);
     EXPECT_EQ(nullptr, host->m_pLUMRegMonitorThreadObject);
-    EXPECT_EQ(1, Count("[EXCEPTION] Memory could not be allocated, Variable: m_pLUMRegMonitorThreadObject"));
+    EXPECT_EQ(1, Count("[EXCEPTION] Memory could not be allocated, Variable: m_pLUMPipeThreadObject"));
     EXPECT_TRUE(Initialize());
 }
 
