@@ -81,6 +81,7 @@ TEST_F(FailingPipe, IsNoPipeAtAll)
 TEST_F(FailingPipe, EndsTheThreadThatCannotGetItsIdentityBack)
 {
     CLUMPipeThreadObject& thread = *host->m_pLUMPipeThreadObject;
+    SetDword(OWN_KEY, TEXT("PipeInterval"), 1);
     const CFaultInjection fault(PlatformCall::RevertToSelf, 1, CHOSEN);
     ASSERT_TRUE(thread.StartThread());
     EXPECT_EQ(Exchange("\x75"), "00");
