@@ -49,7 +49,7 @@ private:
 bool AppendArgument(CBoundedText& text, WCHAR chConversion, const CFormatArgument& argument) noexcept
 {
     const bool bNumber = argument.GetKind() == CFormatArgument::Kind::Number;
-    if (chConversion == 's' && argument.GetKind() == CFormatArgument::Kind::WideText) {
+    if (chConversion == 's' && argument.GetKind() == CFormatArgument::Kind::Wide) {
         text.AppendText(argument.GetWide() != nullptr ? argument.GetWide() : TEXT("(null)"));
     } else if (chConversion == 's' && !bNumber) {
         text.AppendText(argument.GetNarrow() != nullptr ? argument.GetNarrow() : "(null)");

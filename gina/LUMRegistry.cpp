@@ -30,20 +30,21 @@ constexpr CValueSettings ENABLED{TEXT("Enabled"), true, true};
 constexpr CValueSettings INSTANCE_COUNT{TEXT("InstanceCount"), true, true};
 
 template <typename Value>
-std::unique_ptr<Value> MakeValue(const CGlobalObject& owner, const CValueSettings& settings)
+std::unique_ptr<Value> MakeValue(const CGlobalObject& owner, const CValueSettings& settings, bool bCreate)
 {
     return std::make_unique<Value>(owner.szAPP, owner.szMTM, HKEY_LOCAL_MACHINE,
                                    settings.bVolatile ? VOLATILE_KEY : LUM_GINA_MTM, settings.szValueName,
-                                   KEY_ALL_ACCESS, settings.bCreate, true, true, true, true,
+                                   KEY_ALL_ACCESS, bCreate, true, true, true, true,
                                    settings.bVolatile ? REG_OPTION_VOLATILE : REG_OPTION_NON_VOLATILE);
 }
 
 /// Makes a value object; one that cannot be made is done without.
 template <typename Value>
-void LoadValue(const CGlobalObject& owner, std::unique_ptr<Value>& pValue, const CValueSettings& settings)
+void LoadValue(const CGlobalObject& owner, std::unique_ptr<Value>& pValue, const CValueSettings& settings,
+               bool bNoCreate = false)
 {
     try {
-        pValue = MakeValue<Value>(owner, settings);
+        pValue = MakeValue<Value>(owner, settings, settings.bCreate && !bNoCreate);
     } catch (...) {
         CKeyWarning(LUM_GINA_ORIGIN, TXT_KEY_NOT_LOADED, settings.szValueName);
     }
@@ -80,16 +81,17 @@ void RequirePluginName(const CGlobalObject& owner, const WCHAR* szPlugin)
 
 } // namespace
 
-CLUMRegistry::CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg) : CGlobalObject(szAPPArg, szMTMArg)
+CLUMRegistry::CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg, bool bNoCreate)
+    : CGlobalObject(szAPPArg, szMTMArg)
 {
     const CConstructionTrace trace(*this, s_szClass);
-    LoadValue(*this, m_pPlugins, PLUGINS);
-    LoadValue(*this, m_pGinaDLL, GINA_DLL);
-    LoadValue(*this, m_pEnabled, ENABLED);
-    LoadValue(*this, m_pTimeout, TIMEOUT_SECONDS);
-    LoadValue(*this, m_pInstanceCount, INSTANCE_COUNT);
-    LoadValue(*this, m_pPipeInterval, PIPE_INTERVAL);
-    LoadValue(*this, m_pRegistryMonitorInterval, MONITOR_INTERVAL);
+    LoadValue(*this, m_pPlugins, PLUGINS, bNoCreate);
+    LoadValue(*this, m_pGinaDLL, GINA_DLL, bNoCreate);
+    LoadValue(*this, m_pEnabled, ENABLED, bNoCreate);
+    LoadValue(*this, m_pTimeout, TIMEOUT_SECONDS, bNoCreate);
+    LoadValue(*this, m_pInstanceCount, INSTANCE_COUNT, bNoCreate);
+    LoadValue(*this, m_pPipeInterval, PIPE_INTERVAL, bNoCreate);
+    LoadValue(*this, m_pRegistryMonitorInterval, MONITOR_INTERVAL, bNoCreate);
     ParsePlugins();
 }
 

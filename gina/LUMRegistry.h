@@ -27,7 +27,8 @@ class CLUMRegistry : public CGlobalObject
 {
 public:
     /// A value object that cannot be made stays null and is warned of; operations that need it say so.
-    CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg);
+    /// bNoCreate: make no value that is missing; its object stays null then.
+    CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg, bool bNoCreate = false);
     ~CLUMRegistry();
     CLUMRegistry(const CLUMRegistry&) = delete;
     CLUMRegistry& operator=(const CLUMRegistry&) = delete;

@@ -12,14 +12,14 @@ class CFormatArgument
 public:
     enum class Kind
     {
-        WideText,
-        NarrowText,
+        Wide,
+        Narrow,
         Number
     };
 
-    CFormatArgument(const WCHAR* szValue) noexcept : m_kind(Kind::WideText), m_szWide(szValue) {}
+    CFormatArgument(const WCHAR* szValue) noexcept : m_kind(Kind::Wide), m_szWide(szValue) {}
     /// Plain ASCII, as source file names are.
-    CFormatArgument(const char* szValue) noexcept : m_kind(Kind::NarrowText), m_szNarrow(szValue) {}
+    CFormatArgument(const char* szValue) noexcept : m_kind(Kind::Narrow), m_szNarrow(szValue) {}
     template <std::integral T>
     CFormatArgument(T value) noexcept : m_kind(Kind::Number), m_dwNumber(static_cast<DWORD>(value))
     {

@@ -19,17 +19,14 @@ void DeleteGinaDLL()
 
 void WriteChain(CKnownGinaList& knownGinas, const CGinaChain& chain, CWinlogonRegistry& winlogonRegistry)
 {
-    if (chain.m_pHead == nullptr) {
-        CWarning(LUM_GINA_ORIGIN, TXT_EMPTY);
-        DeleteGinaDLL();
-        return;
-    }
-    winlogonRegistry.SetGinaDLL(NameOf(*chain.m_pHead));
-    for (const CGinaLink* pLink = chain.m_pHead; pLink != nullptr; pLink = pLink->pNext) {
-        CGinaChainingInfoObject* pInfo = FindGina(knownGinas, NameOf(*pLink));
-        if (pInfo != nullptr) {
-            pInfo->SetOldGinaDLL(pLink->pNext != nullptr ? NameOf(*pLink->pNext)
-                                                         : pInfo->GetDefaultGinaDLL());
+    const auto writeFirst = [&](const WCHAR* szGinaDLL) {
+        if (szGinaDLL != nullptr) {
+            winlogonRegistry.SetGinaDLL(szGinaDLL);
+        } else {
+            CWarning(LUM_GINA_ORIGIN, TXT_EMPTY);
+            DeleteGinaDLL();
         }
-    }
+    };
+    VisitChain(knownGinas, chain, writeFirst,
+               [](CGinaChainingInfoObject& info, const WCHAR* szGinaDLL) { info.SetOldGinaDLL(szGinaDLL); });
 }

@@ -204,7 +204,7 @@ void CRegistryManager::WriteOutListToRegistry() noexcept
     const COperation op(*this, s_szClass, TEXT("WriteOutListToRegistry"));
     const CCriticalSection::CLock lock(m_lock);
     op.Run(Absorb<CMessage>(), [this] {
-        if (!m_bChainIncomplete) {
+        if (!m_bChainIncomplete && !m_bListOnly) {
             WriteChain(*m_pKnownGinaList, *m_pGinaChainingList, *m_pWinlogonRegistry);
         }
     });

@@ -59,6 +59,9 @@ public:
     /// The chain could not be followed to its end; it is never changed or written then. Set once, when the
     /// object is made.
     bool m_bChainIncomplete;
+    /// Changes change the list and write nothing, for whoever wants to see first what would be written. Set
+    /// by the owner, while no other thread has the object.
+    bool m_bListOnly = false;
     /// Over both lists and their cursors; held for no longer than the registry takes. It comes before the
     /// locks of the two registries. Held for another object's sake while that is compared, only when no other
     /// thread has that object.

@@ -57,6 +57,16 @@ std::string FindLibrary(const WideText& name)
     return std::string();
 }
 
+std::string FindLibraryFile(const WideText& name, const WideText& directory)
+{
+    if (name.find_first_of(TEXT("\\/")) != WideText::npos) {
+        const std::string path = ToPath(name.c_str());
+        std::error_code error;
+        return std::filesystem::exists(path, error) ? path : std::string();
+    }
+    return directory.empty() ? FindLibrary(name) : FindIn(ToPath(directory.c_str()), name);
+}
+
 } // namespace Native
 
 void NativeLibraries::SetSystemDirectory(LPCWSTR szDirectory)

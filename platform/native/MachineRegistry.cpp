@@ -1,13 +1,13 @@
 #include "platform/MachineRegistry.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <memory>
 
 #include <unistd.h>
 
-#include "RegFileParser.h"
-#include "RegFileWriter.h"
+#include "RegistryTree.h"
 #include "SystemError.h"
 
 namespace Native {
@@ -93,6 +93,18 @@ void Apply(const CRegFileChange& change)
     }
 }
 
+bool WriteKey(const CTreeKey& key, const WideText& path, CRegFileWriter& file)
+{
+    bool bWritten = file.AddKey(path);
+    for (const auto& [name, data] : key.values) {
+        bWritten = file.AddValue(name, &data) && bWritten;
+    }
+    const WideText start = path.empty() ? path : path + TEXT("\\");
+    return bWritten && std::all_of(key.keys.begin(), key.keys.end(), [&](const auto& child) {
+               return child.second->bVolatile || WriteKey(*child.second, start + child.first, file);
+           });
+}
+
 } // namespace
 } // namespace Native
 
@@ -122,16 +134,14 @@ LONG MachineRegistry::Load(const WCHAR* szFile, std::string* pReason)
 
 LONG MachineRegistry::Save(const WCHAR* szFile)
 {
-    WideText text;
+    CRegFileWriter file;
     {
         const std::lock_guard lock(RegistryTree::g_mutex);
-        if (!WriteRegFile(*RegistryTree::GetRoot(), text)) {
+        if (!WriteKey(*RegistryTree::GetRoot(), WideText(), file)) {
             return ERROR_INVALID_NAME;
         }
     }
-    std::string bytes = "\xFF\xFE";
-    bytes.append(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(WCHAR));
-    return static_cast<LONG>(ReplaceFile(ToPath(szFile), bytes));
+    return static_cast<LONG>(ReplaceFile(ToPath(szFile), file.GetBytes()));
 }
 
 LONG MachineRegistry::Clear()

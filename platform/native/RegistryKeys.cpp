@@ -20,9 +20,9 @@ LONG TakePath(LPCWSTR szSubKey, Path& path)
     if (*szSubKey == '\\') {
         return ERROR_BAD_PATHNAME;
     }
-    path = RegistryTree::SplitPath(szSubKey);
+    path = SplitPath(szSubKey);
     const bool bTooLong = std::any_of(path.begin(), path.end(), [](const WideText& name) {
-        return name.size() > RegistryTree::MAX_KEY_NAME;
+        return name.size() > MAX_KEY_NAME;
     });
     return bTooLong ? ERROR_INVALID_PARAMETER : ERROR_SUCCESS;
 }

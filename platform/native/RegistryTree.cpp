@@ -1,7 +1,5 @@
 #include "RegistryTree.h"
 
-#include <algorithm>
-
 namespace Native {
 
 std::mutex RegistryTree::g_mutex;
@@ -62,20 +60,6 @@ const std::shared_ptr<CTreeKey>& RegistryTree::GetRoot()
     // Never destroyed: DLLs may use the registry until the process is gone.
     static const auto& pRoot = *new std::shared_ptr<CTreeKey>(std::make_shared<CTreeKey>());
     return pRoot;
-}
-
-std::vector<WideText> RegistryTree::SplitPath(const WideText& path)
-{
-    std::vector<WideText> names;
-    std::size_t nBegin = 0;
-    while (nBegin < path.size()) {
-        const std::size_t nEnd = std::min(path.find('\\', nBegin), path.size());
-        if (nEnd != nBegin) {
-            names.push_back(path.substr(nBegin, nEnd - nBegin));
-        }
-        nBegin = nEnd + 1;
-    }
-    return names;
 }
 
 } // namespace Native

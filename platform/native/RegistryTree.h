@@ -6,15 +6,10 @@
 #include <vector>
 
 #include "Text.h"
+#include "../regfile/RegistryPath.h"
+#include "platform/RegFile.h"
 
 namespace Native {
-
-/// What is stored under a name: any bytes with any type.
-struct CRegistryData
-{
-    DWORD dwType;
-    std::vector<BYTE> bytes;
-};
 
 /// A key of the registry, with all that is below it. The default value has the empty name. Keys keep the
 /// order of their names, as Windows enumerates them.
@@ -48,12 +43,6 @@ extern std::mutex g_mutex;
 
 /// The key of HKEY_LOCAL_MACHINE.
 const std::shared_ptr<CTreeKey>& GetRoot();
-
-/// The names in a path; doubled and trailing separators do not count.
-std::vector<WideText> SplitPath(const WideText& path);
-
-constexpr std::size_t MAX_KEY_NAME = 255;
-constexpr std::size_t MAX_VALUE_NAME = 16383;
 
 } // namespace RegistryTree
 

@@ -84,7 +84,7 @@ LSTATUS WINAPI RegSetValueExW(HKEY hKey, LPCWSTR szValue, DWORD, DWORD dwType, c
 {
     return CodeCall(PlatformCall::RegSetValueExW, szValue, [&]() -> LONG {
         const WideText name = TakeName(szValue);
-        if (name.size() > RegistryTree::MAX_VALUE_NAME) {
+        if (name.size() > MAX_VALUE_NAME) {
             return ERROR_INVALID_PARAMETER;
         }
         if (pData == nullptr && cbData != 0) {

@@ -6,9 +6,6 @@
 
 namespace {
 
-const std::set<std::string> TERMINATORS = {"msgina.dll", "qslogon.dll"};
-const std::set<std::string> OTHERS = {"wpnGina.dll", "PLinkGina.dll", "kvs_gina.dll", "rec.dll"};
-
 class BootSafety : public CChainMachine
 {
 protected:
@@ -25,27 +22,6 @@ protected:
     {
         return
             [=](CRegistryManager& manager) { manager.RemoveGinaFromChainingList(Widen(szGinaDLL).c_str()); };
-    }
-
-    /// What keeps the machine from coming up with these values, empty when it comes up. The host comes up
-    /// whatever follows it, unless that is itself: it falls back to msgina.dll.
-    static std::string Boot(const Values& values, const std::set<std::string>& missing)
-    {
-        std::set<std::string> loaded;
-        std::string from = "Winlogon";
-        std::string next = values.count(from) != 0 ? values.at(from) : "msgina.dll";
-        while (TERMINATORS.count(next) == 0 || missing.count(next) != 0) {
-            if (next == "lum_gina.dll") {
-                const auto own = values.find(next);
-                return own != values.end() && own->second == next ? "lum_gina.dll loads itself" : "";
-            }
-            if (missing.count(next) != 0 || OTHERS.count(next) == 0 || !loaded.insert(next).second) {
-                return from + " loads " + (next.empty() ? "nothing" : next);
-            }
-            from = next;
-            next = values.count(from) != 0 ? values.at(from) : "";
-        }
-        return "";
     }
 
     /// Stops the machine after each registry write that an operation makes, in turn, and gives what keeps it

@@ -27,6 +27,9 @@ struct CPassthrough
     {"turned.dll", RECORDED_KEY, TEXT("turned.dll")},
 };
 
+const std::set<std::string> TERMINATORS = {"msgina.dll", "qslogon.dll"};
+const std::set<std::string> OTHERS = {"wpnGina.dll", "PLinkGina.dll", "kvs_gina.dll", "rec.dll"};
+
 // Bottom up, since a key with subkeys cannot be deleted.
 const WCHAR* const GINA_KEYS[] = {
     TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"),
@@ -157,6 +160,25 @@ std::string CChainMachine::ChainOf(const CRegistryManager& manager)
         chain += (chain.empty() ? "" : " ") + Narrow(NameOf(*pLink));
     }
     return manager.m_bChainIncomplete ? chain + "..." : chain;
+}
+
+std::string CChainMachine::Boot(const Values& values, const std::set<std::string>& missing)
+{
+    std::set<std::string> loaded;
+    std::string from = "Winlogon";
+    std::string next = values.count(from) != 0 ? values.at(from) : "msgina.dll";
+    while (TERMINATORS.count(next) == 0 || missing.count(next) != 0) {
+        if (next == "lum_gina.dll") {
+            const auto own = values.find(next);
+            return own != values.end() && own->second == next ? "lum_gina.dll loads itself" : "";
+        }
+        if (missing.count(next) != 0 || OTHERS.count(next) == 0 || !loaded.insert(next).second) {
+            return from + " loads " + (next.empty() ? "nothing" : next);
+        }
+        from = next;
+        next = values.count(from) != 0 ? values.at(from) : "";
+    }
+    return "";
 }
 
 std::vector<std::string> SplitNames(const std::string& chain)

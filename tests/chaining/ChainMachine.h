@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 
 #include "LUMRegistry.h"
 #include "TestMachine.h"
@@ -31,6 +32,10 @@ protected:
     /// Writes a chaining record, whose passthrough value is one that SetValues knows. szDefaultAndFlags:
     /// "msgina.dll,0,0,0,0".
     static void SetRecord(const char* szGinaDLL, const char* szDefaultAndFlags);
+
+    /// What keeps the machine from coming up with these values, empty when it comes up. The host comes up
+    /// whatever follows it, unless that is itself: it falls back to msgina.dll. missing: GINAs without a DLL.
+    static std::string Boot(const Values& values, const std::set<std::string>& missing);
 
     /// Uninstalls all GINAs but the host.
     static void DeleteGinaKeys();

@@ -177,8 +177,8 @@ TEST_F(MachineRegistryFile, RefusesAMalformedFileAsAWhole)
         {"\"v\"=hex(1:1", "line 5: a parenthesis is missing behind the type"},
         {"\"v\"=hex(1)1", "line 5: a colon is missing before the bytes"},
         {"[HKEY_LOCAL_MACHINE\\Open", "line 5: a key without its closing bracket"},
-        {"[HKEY_CURRENT_USER\\x]", "line 5: only keys of HKEY_LOCAL_MACHINE are kept here"},
-        {"[HKEY_LOCAL_MACHINES]", "line 5: only keys of HKEY_LOCAL_MACHINE are kept here"},
+        {"[HKEY_CURRENT_USER\\x]", "line 5: only keys of HKEY_LOCAL_MACHINE can be used"},
+        {"[HKEY_LOCAL_MACHINES]", "line 5: only keys of HKEY_LOCAL_MACHINE can be used"},
         {"[-HKEY_LOCAL_MACHINE]", "line 5: HKEY_LOCAL_MACHINE itself cannot be deleted"},
         {"[-HKEY_LOCAL_MACHINE\\x]\n\"v\"=\"1\"", "line 6: a value outside a key"},
     };

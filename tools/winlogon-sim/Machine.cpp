@@ -2,7 +2,6 @@
 
 #include "SetupError.h"
 #include "Text.h"
-#include "platform/MachineRegistry.h"
 
 namespace {
 
@@ -71,29 +70,11 @@ std::string GetPassthrough()
     return lResult == ERROR_SUCCESS ? ToNarrow(szName) : std::string();
 }
 
-/// The registry file of the command line must be usable: nothing of a machine's state may get lost.
-void CheckFile(LONG lResult, const char* szVerb, const std::string& path, const std::string& reason = "")
-{
-    if (lResult == ERROR_CALL_NOT_IMPLEMENTED) {
-        throw CSetupError("--registry: this system has a registry of its own, which is used");
-    }
-    if (lResult != ERROR_SUCCESS) {
-        throw CSetupError(
-            Format("cannot %s the registry file %s: %s", szVerb, path.c_str(),
-                   reason.empty() ? Format("error %d", static_cast<int>(lResult)).c_str() : reason.c_str()));
-    }
-}
-
 } // namespace
 
-CMachine::CMachine(const COptions& options) : m_registry(options.registry)
+CMachine::CMachine(const COptions& options)
+    : m_registry(options.registry, CRegistryFile::Absence::IsNewMachine)
 {
-    if (!m_registry.empty()) {
-        std::string reason;
-        const LONG lResult = MachineRegistry::Load(ToWide(m_registry).c_str(), &reason);
-        // A new machine: the file is made when its day is over.
-        CheckFile(lResult == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : lResult, "load", m_registry, reason);
-    }
     if (options.traceLog.empty()) {
         DeleteValue(DEBUG_KEY, LOG_VALUE);
     } else {
@@ -105,11 +86,4 @@ CMachine::CMachine(const COptions& options) : m_registry(options.registry)
     }
     const std::string passthrough = GetPassthrough();
     m_standin = passthrough.empty() ? "msgina.dll" : passthrough;
-}
-
-void CMachine::Save() const
-{
-    if (!m_registry.empty()) {
-        CheckFile(MachineRegistry::Save(ToWide(m_registry).c_str()), "save", m_registry);
-    }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Options.h"
+#include "RegistryFile.h"
 
 /// The machine on which the day is lived: its registry, from the first setting to the last step.
 class CMachine
@@ -15,9 +16,9 @@ public:
     const std::string& GetStandin() const { return m_standin; }
 
     /// Saves the registry when a file is named. Throws CSetupError.
-    void Save() const;
+    void Save() const { m_registry.Save(); }
 
 private:
-    std::string m_registry;
+    CRegistryFile m_registry;
     std::string m_standin;
 };

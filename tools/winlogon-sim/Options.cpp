@@ -32,73 +32,16 @@ Exit codes: 0 everything came back as the GINA gave it; 1 a step was not as it s
 
 namespace {
 
-void SetCode(DWORD& dwTarget, const CCodes& codes, const std::string& option, const std::string& value)
+COption CodeOption(const char* szName, DWORD& dwTarget, const CCodes& codes)
 {
-    const std::optional<DWORD> code = codes.Parse(value);
-    if (!code.has_value()) {
-        throw CUsageError(option + ' ' + value + ": expected " + codes.GetExpected());
-    }
-    dwTarget = *code;
-}
-
-/// Where the value of an option that takes a text belongs; null for any other option.
-std::string* FindText(COptions& options, const std::string& option)
-{
-    struct
-    {
-        const char* szOption;
-        std::string& target;
-    } const texts[] = {
-        {"--gina", options.gina},
-        {"--standin", options.standin},
-        {"--trace-log", options.traceLog},
-        {"--registry", options.registry},
-    };
-    for (const auto& text : texts) {
-        if (option == text.szOption) {
-            return &text.target;
+    const auto apply = [&dwTarget, &codes, szName](const std::string& value) {
+        const std::optional<DWORD> code = codes.Parse(value);
+        if (!code.has_value()) {
+            throw CUsageError(std::string(szName) + ' ' + value + ": expected " + codes.GetExpected());
         }
-    }
-    return nullptr;
-}
-
-void ApplyValue(COptions& options, const std::string& option, const std::string& value)
-{
-    if (std::string* pText = FindText(options, option); pText != nullptr) {
-        *pText = value;
-    } else if (option == "--version") {
-        SetCode(options.dwVersion, VERSIONS, option, value);
-    } else {
-        SetCode(options.dwTraceMask, NUMBERS, option, value);
-    }
-}
-
-bool TakesValue(COptions& options, const std::string& option)
-{
-    return option == "--version" || option == "--trace-mask" || FindText(options, option) != nullptr;
-}
-
-/// Applies an option without a value; false when there is no such option.
-bool ApplyFlag(COptions& options, const std::string& option)
-{
-    if (option == "--no-trace-log") {
-        options.traceLog.clear();
-    } else if (option == "--help") {
-        options.bHelp = true;
-    } else if (option == "--steps") {
-        options.bSteps = true;
-    } else {
-        return false;
-    }
-    return true;
-}
-
-void SetDay(COptions& options, const std::string& day)
-{
-    if (!options.day.empty()) {
-        throw CUsageError("a second day, " + day);
-    }
-    options.day = day;
+        dwTarget = *code;
+    };
+    return {szName, true, apply};
 }
 
 } // namespace
@@ -106,21 +49,23 @@ void SetDay(COptions& options, const std::string& day)
 COptions ParseOptions(int argc, const char* const* argv)
 {
     COptions options;
-    for (int nArgument = 1; nArgument < argc; ++nArgument) {
-        const std::string argument = argv[nArgument];
-        if (argument.empty() || argument[0] != '-') {
-            SetDay(options, argument);
-        } else if (TakesValue(options, argument)) {
-            if (++nArgument == argc || *argv[nArgument] == '\0') {
-                throw CUsageError(argument + " needs a value");
-            }
-            ApplyValue(options, argument, argv[nArgument]);
-        } else if (!ApplyFlag(options, argument)) {
-            throw CUsageError("unknown option " + argument);
-        }
+    const std::vector<std::string> days =
+        ParseCommandLine(argc, argv,
+                         {TextOption("--gina", options.gina),
+                          TextOption("--standin", options.standin),
+                          TextOption("--trace-log", options.traceLog),
+                          TextOption("--registry", options.registry),
+                          CodeOption("--version", options.dwVersion, VERSIONS),
+                          CodeOption("--trace-mask", options.dwTraceMask, NUMBERS),
+                          FlagOption("--help", options.bHelp),
+                          FlagOption("--steps", options.bSteps),
+                          {"--no-trace-log", false, [&](const std::string&) { options.traceLog.clear(); }}});
+    if (days.size() > 1) {
+        throw CUsageError("a second day, " + days[1]);
     }
-    if (options.day.empty() && !options.bHelp && !options.bSteps) {
+    if (days.empty() && !options.bHelp && !options.bSteps) {
         throw CUsageError("no day was named");
     }
+    options.day = days.empty() ? std::string() : days[0];
     return options;
 }

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 
 #include <windows.h>
+
+#include "CommandLine.h"
 
 /// What the command line asks for.
 struct COptions
@@ -20,13 +21,6 @@ struct COptions
     std::string registry;
     bool bHelp = false;
     bool bSteps = false;
-};
-
-/// A command line that cannot be followed; the text says why.
-class CUsageError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
 };
 
 /// Throws CUsageError.

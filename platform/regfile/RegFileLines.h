@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "Text.h"
+#include "PlatformText.h"
 
-namespace Native {
+namespace Platform {
 
 /// A line that says something: continued lines are joined, and blanks around them are gone.
 struct CRegFileLine
@@ -25,7 +25,4 @@ struct CRegFileText
 /// Throws CRegFileError.
 CRegFileText ReadRegFileText(const std::string& bytes);
 
-/// From the ANSI code page.
-WideText FromAnsi(const std::string& bytes);
-
-} // namespace Native
+} // namespace Platform

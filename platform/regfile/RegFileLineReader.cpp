@@ -1,8 +1,8 @@
 #include "RegFileLineReader.h"
 
-#include "RegFileParser.h"
+#include "platform/RegFile.h"
 
-namespace Native {
+namespace Platform {
 namespace {
 
 int GetHexDigit(WCHAR ch)
@@ -86,4 +86,4 @@ WideText CRegFileLineReader::TakeRest()
     return rest;
 }
 
-} // namespace Native
+} // namespace Platform

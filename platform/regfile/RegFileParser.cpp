@@ -1,8 +1,9 @@
-#include "RegFileParser.h"
+#include "platform/RegFile.h"
 
 #include "RegFileLineReader.h"
+#include "RegistryPath.h"
 
-namespace Native {
+namespace Platform {
 namespace {
 
 constexpr WCHAR ROOT[] = TEXT("HKEY_LOCAL_MACHINE");
@@ -67,16 +68,16 @@ private:
     {
         CRegFileChange change;
         change.bDelete = reader.Take(TEXT("-"));
-        reader.Expect(ROOT, "only keys of HKEY_LOCAL_MACHINE are kept here");
+        reader.Expect(ROOT, "only keys of HKEY_LOCAL_MACHINE can be used");
         WideText path = reader.TakeRest();
         if (path.empty() || path.back() != ']') {
             reader.Fail("a key without its closing bracket");
         }
         path.pop_back();
         if (!path.empty() && path.front() != '\\') {
-            reader.Fail("only keys of HKEY_LOCAL_MACHINE are kept here");
+            reader.Fail("only keys of HKEY_LOCAL_MACHINE can be used");
         }
-        change.key = RegistryTree::SplitPath(path);
+        change.key = SplitPath(path);
         CheckKey(reader, change);
         m_pKey = change.bDelete ? std::nullopt : std::optional(change.key);
         m_changes.push_back(std::move(change));
@@ -88,7 +89,7 @@ private:
             reader.Fail("HKEY_LOCAL_MACHINE itself cannot be deleted");
         }
         for (const WideText& name : change.key) {
-            if (name.size() > RegistryTree::MAX_KEY_NAME) {
+            if (name.size() > MAX_KEY_NAME) {
                 reader.Fail("the name of a key is too long");
             }
         }
@@ -105,7 +106,7 @@ private:
         if (!m_pKey) {
             reader.Fail("a value outside a key");
         }
-        if (change.value->size() > RegistryTree::MAX_VALUE_NAME) {
+        if (change.value->size() > MAX_VALUE_NAME) {
             reader.Fail("the name of a value is too long");
         }
         change.key = *m_pKey;
@@ -156,4 +157,4 @@ std::vector<CRegFileChange> ParseRegFile(const std::string& bytes)
     return std::move(CParser(ReadRegFileText(bytes)).m_changes);
 }
 
-} // namespace Native
+} // namespace Platform

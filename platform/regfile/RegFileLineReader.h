@@ -2,7 +2,7 @@
 
 #include "RegFileLines.h"
 
-namespace Native {
+namespace Platform {
 
 /// Reads one line of a .reg file from left to right. Whatever does not fit throws CRegFileError.
 class CRegFileLineReader
@@ -40,4 +40,4 @@ private:
     std::size_t m_nPosition = 0;
 };
 
-} // namespace Native
+} // namespace Platform

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "RegFileParser.h"
+#include "platform/RegFile.h"
 
-namespace Native {
+namespace Platform {
 namespace {
 
 constexpr WCHAR HEADING[] = TEXT("Windows Registry Editor Version 5.00");
@@ -99,12 +99,4 @@ CRegFileText ReadRegFileText(const std::string& bytes)
     return text;
 }
 
-WideText FromAnsi(const std::string& bytes)
-{
-    const int cbBytes = static_cast<int>(bytes.size());
-    WideText text(bytes.size(), 0);
-    MultiByteToWideChar(CP_ACP, 0, bytes.data(), cbBytes, text.data(), cbBytes);
-    return text;
-}
-
-} // namespace Native
+} // namespace Platform

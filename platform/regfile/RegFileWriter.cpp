@@ -1,9 +1,11 @@
-#include "RegFileWriter.h"
+#include "platform/RegFile.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace Native {
+#include "PlatformText.h"
+
+namespace Platform {
 namespace {
 
 constexpr std::size_t BYTES_IN_A_LINE = 25;
@@ -79,28 +81,29 @@ WideText WriteData(const CRegistryData& data)
     return WriteBytes(data);
 }
 
-bool WriteKey(const CTreeKey& key, const WideText& path, WideText& text)
-{
-    text += TEXT("\r\n[") + path + TEXT("]\r\n");
-    for (const auto& [name, data] : key.values) {
-        if (HasControls(name)) {
-            return false;
-        }
-        text +=
-            (name.empty() ? WideText(TEXT("@")) : Quote(name)) + TEXT("=") + WriteData(data) + TEXT("\r\n");
-    }
-    return std::all_of(key.keys.begin(), key.keys.end(), [&](const auto& child) {
-        return child.second->bVolatile ||
-               (!HasControls(child.first) && WriteKey(*child.second, path + TEXT("\\") + child.first, text));
-    });
-}
-
 } // namespace
 
-bool WriteRegFile(const CTreeKey& root, WideText& text)
+CRegFileWriter::CRegFileWriter() : m_text(TEXT("Windows Registry Editor Version 5.00\r\n")) {}
+
+bool CRegFileWriter::AddKey(const WideText& path)
 {
-    text = TEXT("Windows Registry Editor Version 5.00\r\n");
-    return WriteKey(root, TEXT("HKEY_LOCAL_MACHINE"), text);
+    m_text += TEXT("\r\n[HKEY_LOCAL_MACHINE");
+    m_text += (path.empty() ? WideText() : TEXT("\\") + path) + TEXT("]\r\n");
+    return !HasControls(path);
 }
 
-} // namespace Native
+bool CRegFileWriter::AddValue(const WideText& name, const CRegistryData* pData)
+{
+    m_text += (name.empty() ? WideText(TEXT("@")) : Quote(name)) + TEXT("=");
+    m_text += (pData != nullptr ? WriteData(*pData) : WideText(TEXT("-"))) + TEXT("\r\n");
+    return !HasControls(name);
+}
+
+std::string CRegFileWriter::GetBytes() const
+{
+    std::string bytes = "\xFF\xFE";
+    bytes.append(reinterpret_cast<const char*>(m_text.data()), m_text.size() * sizeof(WCHAR));
+    return bytes;
+}
+
+} // namespace Platform

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <windows.h>
+
+// What differs between the targets in looking at DLLs.
+
+namespace TargetDlls {
+
+/// The path of the file that stands for a complete name; empty when there is none.
+std::basic_string<WCHAR> Find(const std::basic_string<WCHAR>& name,
+                              const std::basic_string<WCHAR>& directory);
+
+/// Throws CBadImage when the bytes are no DLL of this system.
+std::vector<std::string> ListExports(const std::string& bytes);
+
+} // namespace TargetDlls

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <windows.h>
+
+/// What a DLL is, found out by reading its file. Nothing of it is loaded, so nothing of it runs.
+struct CDllFile
+{
+    enum class State
+    {
+        Missing,    ///< there is no such file
+        Unreadable, ///< the file cannot be read; dwError says why
+        Unusable,   ///< it is no DLL that a program of this system could load
+        Usable,
+    };
+
+    bool HasExport(const std::string& name) const;
+
+    State state = State::Missing;
+    DWORD dwError = ERROR_SUCCESS;
+    /// Where it was found; empty when it is missing.
+    std::basic_string<WCHAR> path;
+    /// The names that a usable one exports, in the order of their bytes. What it exports without a name is
+    /// not among them.
+    std::vector<std::string> exports;
+};
+
+/// Looks for the DLL as a program in the system directory would that loads it by this name: a name without a
+/// path in the system directory, the old system directory and the Windows directory, and not along the PATH;
+/// natively where LoadLibraryW looks. szDirectory: look there instead; null or empty for the above. The
+/// extension .dll need not be given. Throws std::bad_alloc only.
+CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory);

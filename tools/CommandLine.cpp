@@ -1,0 +1,37 @@
+#include "CommandLine.h"
+
+#include <algorithm>
+
+COption TextOption(const char* szName, std::string& target)
+{
+    return {szName, true, [&target](const std::string& value) { target = value; }};
+}
+
+COption FlagOption(const char* szName, bool& bTarget)
+{
+    return {szName, false, [&bTarget](const std::string&) { bTarget = true; }};
+}
+
+std::vector<std::string> ParseCommandLine(int argc, const char* const* argv,
+                                          const std::vector<COption>& options)
+{
+    std::vector<std::string> others;
+    for (int nArgument = 1; nArgument < argc; ++nArgument) {
+        const std::string argument = argv[nArgument];
+        if (argument.empty() || argument[0] != '-') {
+            others.push_back(argument);
+            continue;
+        }
+        const auto option = std::find_if(options.begin(), options.end(), [&](const COption& candidate) {
+            return candidate.name == argument;
+        });
+        if (option == options.end()) {
+            throw CUsageError("unknown option " + argument);
+        }
+        if (option->bTakesValue && (++nArgument == argc || *argv[nArgument] == '\0')) {
+            throw CUsageError(argument + " needs a value");
+        }
+        option->apply(option->bTakesValue ? argv[nArgument] : "");
+    }
+    return others;
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+/// The registry of a machine that lies in a .reg file, for targets that have no registry of their own.
+class CRegistryFile
+{
+public:
+    enum class Absence
+    {
+        IsNewMachine, ///< the file is made when the registry is saved
+        IsError,
+    };
+
+    /// Loads the registry; an empty path stands for none. Throws CSetupError.
+    CRegistryFile(const std::string& path, Absence absence);
+
+    /// Saves the registry where it came from, without its volatile keys. Throws CSetupError.
+    void Save() const;
+
+private:
+    std::string m_path;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "ExitStatus.h"
+
+// The options that commands may have, each a bit of CCommand::options.
+inline constexpr unsigned OPTION_JSON = 0x01;
+inline constexpr unsigned OPTION_DRY_RUN = 0x02;
+inline constexpr unsigned OPTION_FORCE = 0x04;
+inline constexpr unsigned OPTION_SYSTEM = 0x08;
+inline constexpr unsigned OPTION_REGISTRY = 0x10;
+
+/// What a command is given.
+struct CArguments
+{
+    /// What follows the command's name, as many as it takes.
+    std::vector<std::string> words;
+    bool bJson = false;
+    bool bDryRun = false;
+    bool bForce = false;
+    /// Empty for the system's own.
+    std::string system;
+    std::string registry;
+};
+
+/// Does the command and appends what it has to say to output, which is printed also when it throws. Throws
+/// CCommandError and CSetupError.
+using CommandFunction = ExitStatus(const CArguments& arguments, std::string& output);
+
+/// One command of the table.
+struct CCommand
+{
+    const char* szName; ///< one word or two
+    /// Names of what follows, as the help shows them; one in brackets may be left out.
+    const char* szArguments;
+    const char* szHelp;
+    unsigned options;
+    CommandFunction* pfnRun;
+};
+
+/// All commands, by groups. Another group is one line in CommandTable.cpp.
+extern const std::span<const std::span<const CCommand>> COMMAND_GROUPS;

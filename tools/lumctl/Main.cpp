@@ -1,0 +1,41 @@
+#include <cstdio>
+
+#include "CommandError.h"
+#include "CommandLine.h"
+#include "CommandLineRunner.h"
+#include "SetupError.h"
+
+namespace {
+
+ExitStatus Fail(ExitStatus status, const char* szReason, const char* szHint = "")
+{
+    std::fprintf(stderr, "lumctl: %s%s\n", szReason, szHint);
+    return status;
+}
+
+/// What was printed so far comes before why it ended.
+void Print(const std::string& output)
+{
+    std::fwrite(output.data(), 1, output.size(), stdout);
+    std::fflush(stdout);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::string output;
+    try {
+        const ExitStatus status = RunCommandLine(argc, argv, output);
+        Print(output);
+        return status;
+    } catch (const CUsageError& error) {
+        return Fail(STATUS_USAGE, error.what(), " (see lumctl --help)");
+    } catch (const CCommandError& error) {
+        Print(output);
+        return Fail(error.status, error.what());
+    } catch (const std::exception& error) {
+        Print(output);
+        return Fail(STATUS_FAILED, error.what());
+    }
+}

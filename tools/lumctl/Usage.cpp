@@ -1,0 +1,58 @@
+#include "Usage.h"
+
+#include "Command.h"
+#include "Text.h"
+
+namespace {
+
+constexpr std::size_t LINE_WIDTH = 78;
+constexpr int NAME_WIDTH = 22;
+
+constexpr COptionHelp HELPS[] = {
+    {OPTION_JSON, "--json", "", "print JSON"},
+    {OPTION_DRY_RUN, "--dry-run", "", "print what would be written, and write nothing"},
+    {OPTION_FORCE, "--force", "", "do also what is refused otherwise"},
+    {OPTION_SYSTEM, "--system", "DIRECTORY",
+     "look for GINAs in this directory instead of where Winlogon looks"},
+    {OPTION_REGISTRY, "--registry", "FILE",
+     "the machine's registry is this .reg file; not on Windows, where the system's own is used"},
+};
+
+std::string Row(const std::string& name, const std::string& help)
+{
+    std::string text;
+    std::string left = "  " + name;
+    for (const std::string& line : Wrap(help, LINE_WIDTH - NAME_WIDTH - 3)) {
+        text += Format("%-*s %s\n", NAME_WIDTH + 2, left.c_str(), line.c_str());
+        left.clear();
+    }
+    return text;
+}
+
+std::string WithArgument(const char* szName, const char* szArgument)
+{
+    return *szArgument != '\0' ? std::string(szName) + " " + szArgument : szName;
+}
+
+} // namespace
+
+const std::span<const COptionHelp> OPTION_HELPS = HELPS;
+
+std::string GetUsage()
+{
+    std::string text = "Usage: lumctl COMMAND [OPTION...]\n"
+                       "Shows and changes how LUM GINA stands in the chain of GINAs of this machine.\n";
+    for (const std::span<const CCommand> group : COMMAND_GROUPS) {
+        text += '\n';
+        for (const CCommand& command : group) {
+            text += Row(WithArgument(command.szName, command.szArguments), command.szHelp);
+        }
+    }
+    text += '\n';
+    for (const COptionHelp& option : HELPS) {
+        text += Row(WithArgument(option.szName, option.szArgument), option.szHelp);
+    }
+    return text + "\nExit status: 0 done, 1 not as it should be, 2 wrong command line, 3 failed,\n"
+                  "4 refused, 5 half done, 6 cannot be told. Unless it is 5, a command that did not\n"
+                  "do what it was to do has changed nothing.\n";
+}

@@ -1,0 +1,153 @@
+#include "ChainChange.h"
+
+#include <algorithm>
+
+#include "CommandError.h"
+#include "JsonWriter.h"
+
+namespace {
+
+const CValueData& DataOf(const CChainValues& values, const CValuePlace& place)
+{
+    static const CValueData none;
+    const CChainValue* pValue = values.Find(place);
+    return pValue != nullptr ? pValue->data : none;
+}
+
+bool Differs(const CChainChange& change, const CValuePlace& place)
+{
+    return DataOf(change.before, place) != DataOf(change.after, place);
+}
+
+void PrintWrites(const CChainChange& change, std::string& output)
+{
+    std::string key;
+    for (const CValuePlace& place : change.places) {
+        if (DescribeKey(place) != key) {
+            key = DescribeKey(place);
+            output += key + "\n";
+        }
+        output += "  " + ToNarrow(place.name.c_str()) + ": " + Describe(DataOf(change.before, place));
+        output +=
+            Differs(change, place) ? " -> " + Describe(DataOf(change.after, place)) + "\n" : " (stays)\n";
+    }
+}
+
+void RefuseWhileInService(const CChainChange& change)
+{
+    if (COfflineChain::IsHostInService()) {
+        throw CCommandError(change.command +
+                                ": lum_gina.dll is in service on this machine and takes back what "
+                                "is changed behind it; change the chain through it (--force "
+                                "writes all the same)",
+                            STATUS_REFUSED);
+    }
+}
+
+void RefuseDanger(const CChainChange& change, const std::vector<CFinding>& findings, std::string& output)
+{
+    for (const CFinding& finding : findings) {
+        if (finding.severity == Severity::Danger) {
+            PrintFindings(findings, output);
+            throw CCommandError(change.command + ": the machine would not come up: " + finding.text +
+                                    ". Nothing was written (--force writes all the same)",
+                                STATUS_REFUSED);
+        }
+    }
+}
+
+/// Empty when the registry has the values as they are to be.
+std::string FindUnwritten(const CChainValues& values, const std::vector<CValuePlace>& places)
+{
+    std::string text;
+    for (const CValuePlace& place : places) {
+        const CValueData data = ReadValue(place);
+        if (data != DataOf(values, place)) {
+            text += (text.empty() ? "" : "; ") + Describe(place) + " is " + Describe(data) + " and not " +
+                    Describe(DataOf(values, place));
+        }
+    }
+    return text;
+}
+
+/// Does what may fail, and gives why it did.
+std::string Try(const std::function<std::string()>& action)
+{
+    try {
+        return action();
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
+void TakeBack(COfflineChain& chain, const CChainChange& change, const std::string& trouble)
+{
+    const std::string again = Try([&] {
+        WriteValues(change.before, SafeOrder(chain, change.after, change.before));
+        return FindUnwritten(change.before, change.places);
+    });
+    if (!again.empty()) {
+        throw CCommandError(change.command + " is HALF DONE: " + trouble +
+                                ". What was there before could not be put back: " + again +
+                                ". See lumctl chain check",
+                            STATUS_HALF_DONE);
+    }
+    throw CCommandError(change.command + ": " + trouble + ". What was there before has been put back");
+}
+
+} // namespace
+
+void MakeChange(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
+                std::string& output)
+{
+    const WideText system = ToWide(arguments.system);
+    const std::vector<CFinding> findings = CheckChain(FollowChain(chain, change.after, system), system);
+    if (!arguments.bForce) {
+        RefuseDanger(change, findings, output);
+        RefuseWhileInService(change);
+    }
+    PrintWrites(change, output);
+    PrintFindings(findings, output);
+    if (arguments.bDryRun) {
+        output += "Nothing was written (--dry-run).\n";
+        return;
+    }
+    const std::string trouble = Try([&] {
+        change.write();
+        return FindUnwritten(change.after, change.places);
+    });
+    if (!trouble.empty()) {
+        TakeBack(chain, change, trouble);
+    }
+    output += "Written and read back.\n";
+}
+
+std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& before,
+                                   const CChainValues& after)
+{
+    std::vector<CValuePlace> places;
+    const auto add = [&](const CValuePlace& place) {
+        const bool bNew = std::find(places.begin(), places.end(), place) == places.end();
+        if (bNew && DataOf(before, place) != DataOf(after, place)) {
+            places.push_back(place);
+        }
+    };
+    const CChainView view = FollowChain(chain, after, WideText());
+    for (auto link = view.links.rbegin(); link != view.links.rend(); ++link) {
+        if (link->place) {
+            add(*link->place);
+        }
+    }
+    add(WinlogonPlace());
+    for (const CChainValue& value : after) {
+        add(value.place);
+    }
+    return places;
+}
+
+void WriteValues(const CChainValues& values, const std::vector<CValuePlace>& places)
+{
+    for (const CValuePlace& place : places) {
+        WriteValue(place, DataOf(values, place));
+    }
+}

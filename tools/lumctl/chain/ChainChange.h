@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+
+#include "ChainFindings.h"
+#include "Command.h"
+
+/// Values of a chain that are to be written, together and in this order.
+struct CChainChange
+{
+    CChainValues before;
+    /// All values as they are to be.
+    CChainValues after;
+    /// Those that are written, whether they differ or not.
+    std::vector<CValuePlace> places;
+    /// Writes them.
+    std::function<void()> write;
+    /// What was asked for, as in "lumctl chain enable".
+    std::string command;
+};
+
+/// Prints and makes a change, and reads it back. A change after which the machine does not come up is
+/// refused, and so is any while a host is in service, both unless it is forced. When something cannot be
+/// written, what was there before is put back. Throws CCommandError.
+void MakeChange(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
+                std::string& output);
+
+/// The places of values that differ, in an order in which the machine comes up after each write if it does
+/// with both chains: the new chain from its end to Winlogon, then what is in neither.
+std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& before,
+                                   const CChainValues& after);
+/// Writes the values of these places.
+void WriteValues(const CChainValues& values, const std::vector<CValuePlace>& places);

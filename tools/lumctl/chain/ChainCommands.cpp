@@ -1,0 +1,205 @@
+#include "ChainCommands.h"
+
+#include "ChainBackup.h"
+#include "ChainChange.h"
+#include "CommandError.h"
+#include "RegistryFile.h"
+#include "WholeFile.h"
+#include "chaining/ChainWriter.h"
+#include "chaining/KnownGinas.h"
+
+namespace {
+
+/// The machine that the command line names, and its chain.
+struct CMachine
+{
+    explicit CMachine(const CArguments& given)
+        : arguments(given), system(ToWide(given.system)),
+          file(given.registry, CRegistryFile::Absence::IsError)
+    {
+    }
+
+    CChainView Follow() { return FollowChain(chain, values, system); }
+
+    void Make(const CChainChange& change, std::string& output)
+    {
+        MakeChange(chain, change, arguments, output);
+        if (!arguments.bDryRun) {
+            file.Save();
+        }
+    }
+
+    const CArguments& arguments;
+    const WideText system;
+    const CRegistryFile file;
+    COfflineChain chain;
+    const CChainValues values = chain.ReadValues();
+};
+
+ExitStatus Show(const CArguments& arguments, std::string& output)
+{
+    CMachine machine(arguments);
+    (arguments.bJson ? PrintChainJson : PrintChain)(machine.Follow(), output);
+    return STATUS_DONE;
+}
+
+ExitStatus Check(const CArguments& arguments, std::string& output)
+{
+    CMachine machine(arguments);
+    const std::vector<CFinding> findings = CheckChain(machine.Follow(), machine.system);
+    const ExitStatus status = HasSeverity(findings, Severity::Danger)  ? STATUS_BAD
+                              : HasSeverity(findings, Severity::Doubt) ? STATUS_UNCERTAIN
+                                                                       : STATUS_DONE;
+    if (arguments.bJson) {
+        PrintFindingsJson(findings, output);
+        return status;
+    }
+    PrintFindings(findings, output);
+    output += status == STATUS_DONE  ? "The next boot is safe.\n"
+              : status == STATUS_BAD ? "The next boot is NOT SAFE.\n"
+                                     : "Whether the next boot is safe cannot be told.\n";
+    return status;
+}
+
+void RefuseIncomplete(CMachine& machine, const std::string& command, std::string& output)
+{
+    if (machine.chain.GetManager().m_bChainIncomplete) {
+        PrintFindings(CheckChain(machine.Follow(), machine.system), output);
+        throw CCommandError(command + ": the chain cannot be followed to its end, so it cannot be changed",
+                            STATUS_REFUSED);
+    }
+}
+
+/// What the manager's list, changed already, would be written as.
+CChainChange PlanWrite(CMachine& machine, const std::string& command)
+{
+    CRegistryManager& manager = machine.chain.GetManager();
+    CChainChange change{machine.values, machine.values, {}, {}, command};
+    const auto plan = [&](const CValuePlace& place, const WCHAR* szText) {
+        change.after.Set(place, szText != nullptr ? MakeText(szText) : std::nullopt);
+        change.places.push_back(place);
+    };
+    VisitChain(
+        *manager.m_pKnownGinaList, *manager.m_pGinaChainingList,
+        [&](const WCHAR* szGinaDLL) { plan(WinlogonPlace(), szGinaDLL); },
+        [&](const CGinaChainingInfoObject& info, const WCHAR* szGinaDLL) {
+            const std::optional<CValuePlace> place = PassthroughPlace(info);
+            if (place && szGinaDLL != nullptr) {
+                plan(*place, szGinaDLL);
+            }
+        });
+    change.write = [&manager] {
+        manager.m_bListOnly = false;
+        manager.WriteOutListToRegistry();
+    };
+    return change;
+}
+
+ExitStatus Enable(const CArguments& arguments, std::string& output)
+{
+    static const std::string COMMAND = "lumctl chain enable";
+    CMachine machine(arguments);
+    CRegistryManager& manager = machine.chain.GetManager();
+    if (manager.IsGinaInChainingList(HOST_GINA)) {
+        output += "lum_gina.dll is in the chain already; nothing to do.\n";
+        return STATUS_DONE;
+    }
+    RefuseIncomplete(machine, COMMAND, output);
+    manager.m_bListOnly = true;
+    if (!manager.InsertGinaIntoChainingList(HOST_GINA, nullptr, true)) {
+        throw CCommandError(COMMAND + ": lum_gina.dll could not be put into the chain; nothing was written");
+    }
+    machine.Make(PlanWrite(machine, COMMAND), output);
+    return STATUS_DONE;
+}
+
+void RemoveFromChain(CMachine& machine, const WideText& gina, const std::string& command, std::string& output)
+{
+    RefuseIncomplete(machine, command, output);
+    CRegistryManager& manager = machine.chain.GetManager();
+    manager.m_bListOnly = true;
+    if (!manager.RemoveGinaFromChainingList(gina.c_str())) {
+        throw CCommandError(command + ": it could not be taken out of the chain; nothing was written");
+    }
+    const CChainChange change = PlanWrite(machine, command);
+    const CChainView after = FollowChain(machine.chain, change.after, machine.system);
+    if (after.HasGina(gina.c_str()) && !after.IsSystemGinaImplied()) {
+        throw CCommandError(command +
+                                ": it would stay in the chain, since the GINA before it passes through to "
+                                "it by default; nothing was written",
+                            STATUS_REFUSED);
+    }
+    machine.Make(change, output);
+}
+
+ExitStatus Disable(const CArguments& arguments, std::string& output)
+{
+    CMachine machine(arguments);
+    if (!machine.Follow().HasGina(HOST_GINA)) {
+        output += "lum_gina.dll is not in the chain; nothing to do.\n";
+        return STATUS_DONE;
+    }
+    RemoveFromChain(machine, HOST_GINA, "lumctl chain disable", output);
+    return STATUS_DONE;
+}
+
+ExitStatus Remove(const CArguments& arguments, std::string& output)
+{
+    CMachine machine(arguments);
+    const std::string command = "lumctl chain remove " + arguments.words[0];
+    const WideText gina = ToWide(arguments.words[0]);
+    if (!machine.chain.GetManager().IsGinaInChainingList(gina.c_str())) {
+        throw CCommandError(command + ": there is no such GINA in the chain (see lumctl chain show)",
+                            STATUS_REFUSED);
+    }
+    RemoveFromChain(machine, gina, command, output);
+    return STATUS_DONE;
+}
+
+ExitStatus Backup(const CArguments& arguments, std::string& output)
+{
+    CMachine machine(arguments);
+    WriteWholeFile(arguments.words[0], WriteBackup(machine.values), arguments.bForce);
+    output += "The chain has been backed up into " + arguments.words[0] + ".\n";
+    return STATUS_DONE;
+}
+
+ExitStatus Restore(const CArguments& arguments, std::string& output)
+{
+    CMachine machine(arguments);
+    const CChainValues restored = ReadBackup(machine.chain, ReadWholeFile(arguments.words[0]));
+    CChainChange change;
+    change.before = machine.chain.ReadValues();
+    change.after = change.before;
+    for (const CChainValue& value : restored) {
+        change.after.Set(value.place, value.data);
+    }
+    change.places = SafeOrder(machine.chain, change.before, change.after);
+    change.write = [&change] { WriteValues(change.after, change.places); };
+    change.command = "lumctl chain restore";
+    if (change.places.empty()) {
+        output += "The chain is as it was backed up; nothing to do.\n";
+        return STATUS_DONE;
+    }
+    machine.Make(change, output);
+    return STATUS_DONE;
+}
+
+constexpr unsigned LOOKS = OPTION_SYSTEM | OPTION_REGISTRY;
+constexpr unsigned CHANGES = LOOKS | OPTION_DRY_RUN | OPTION_FORCE;
+
+constexpr CCommand COMMANDS[] = {
+    {"chain show", "", "show the chain of GINAs as it will run", LOOKS | OPTION_JSON, Show},
+    {"chain check", "", "say whether the next boot is safe, and what is to be done if not",
+     LOOKS | OPTION_JSON, Check},
+    {"chain enable", "", "put lum_gina.dll first into the chain", CHANGES, Enable},
+    {"chain disable", "", "take lum_gina.dll out of the chain", CHANGES, Disable},
+    {"chain remove", "NAME", "take another GINA out of the chain", CHANGES, Remove},
+    {"chain backup", "FILE", "write what the chain consists of into a .reg file",
+     OPTION_REGISTRY | OPTION_FORCE, Backup},
+    {"chain restore", "FILE", "make the chain what it was when the file was written", CHANGES, Restore},
+};
+
+} // namespace
+
+const std::span<const CCommand> CHAIN_COMMANDS = COMMANDS;

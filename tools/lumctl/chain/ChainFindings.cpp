@@ -1,0 +1,198 @@
+#include "ChainFindings.h"
+
+#include <algorithm>
+
+#include "JsonWriter.h"
+#include "chaining/KnownGinas.h"
+
+namespace {
+
+const char* NameOf(Severity severity)
+{
+    static constexpr const char* NAMES[] = {"danger", "doubt", "warning"};
+    return NAMES[static_cast<int>(severity)];
+}
+
+std::string Join(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names) {
+        text += (text.empty() ? "" : ", ") + name;
+    }
+    return text;
+}
+
+class CChecker
+{
+public:
+    CChecker(const CChainView& view, const WideText& system) : m_view(view)
+    {
+        // What the host loads when it cannot load the GINA behind it.
+        m_bFallback = InspectDll(SYSTEM_GINA, system.c_str()).state == CDllFile::State::Usable;
+        CheckWinlogon();
+        for (std::size_t nLink = 0; nLink < view.links.size(); ++nLink) {
+            CheckDll(nLink);
+            CheckFlags(nLink);
+        }
+        CheckEnd();
+    }
+
+    std::vector<CFinding> m_findings;
+
+private:
+    void Add(Severity severity, const std::string& text, const std::string& remedy)
+    {
+        m_findings.push_back({severity, text, remedy});
+    }
+
+    std::string Name(std::size_t nLink) const { return ToNarrow(m_view.links[nLink].gina.c_str()); }
+
+    /// The one that loads this GINA.
+    std::string Loader(std::size_t nLink) const { return nLink == 0 ? "Winlogon" : Name(nLink - 1); }
+
+    void CheckWinlogon()
+    {
+        if (m_view.winlogon && m_view.IsSystemGinaImplied()) {
+            Add(Severity::Doubt, Describe(WinlogonPlace()) + " is there and names no GINA",
+                "delete this value, or lumctl chain enable");
+        }
+    }
+
+    /// Why the GINA cannot be loaded; empty when it can.
+    std::string TroubleWithDll(std::size_t nLink) const
+    {
+        const CLinkView& link = m_view.links[nLink];
+        const std::string path = ToNarrow(link.dll.path.c_str());
+        switch (link.dll.state) {
+        case CDllFile::State::Missing:
+            return Name(nLink) + ", and there is no such DLL";
+        case CDllFile::State::Unreadable:
+            return Format("%s, and %s cannot be read (error %u)", Name(nLink).c_str(), path.c_str(),
+                          static_cast<unsigned>(link.dll.dwError));
+        case CDllFile::State::Unusable:
+            return Name(nLink) + ", and " + path + " is no DLL of this system";
+        default:
+            return link.missing.empty()
+                       ? std::string()
+                       : Name(nLink) + ", and " + path + " is no GINA: it lacks " + Join(link.missing);
+        }
+    }
+
+    std::string RemedyForDll(std::size_t nLink) const
+    {
+        const std::string name = Name(nLink);
+        if (nLink == 0 && m_view.IsSystemGinaImplied()) {
+            return "put " + name + " into the system directory";
+        }
+        return "put " + name + " into the system directory, or " +
+               (m_view.links[nLink].IsHost() ? "lumctl chain disable" : "lumctl chain remove " + name);
+    }
+
+    void CheckDll(std::size_t nLink)
+    {
+        const std::string trouble = TroubleWithDll(nLink);
+        if (trouble.empty()) {
+            return;
+        }
+        const bool bTolerated = nLink != 0 && m_view.links[nLink - 1].IsHost() && m_bFallback;
+        Add(bTolerated ? Severity::Warning : Severity::Danger,
+            Loader(nLink) + " loads " + trouble + (bTolerated ? "; it makes do with msgina.dll" : ""),
+            RemedyForDll(nLink));
+    }
+
+    void CheckFlags(std::size_t nLink)
+    {
+        const CLinkView& link = m_view.links[nLink];
+        if (link.bMustBeFirst && nLink != 0) {
+            Add(Severity::Warning, Name(nLink) + " wants to be the first GINA and is behind " + Loader(nLink),
+                "watch whether it works there, or lumctl chain remove " + Name(nLink));
+        }
+        if (link.bIsIncompatible && m_view.HasGina(HOST_GINA)) {
+            Add(Severity::Warning, Name(nLink) + " is recorded as incompatible with lum_gina.dll",
+                "lumctl chain remove " + Name(nLink));
+        }
+    }
+
+    void CheckEnd()
+    {
+        const CLinkView& last = m_view.links.back();
+        const std::string name = ToNarrow(last.gina.c_str());
+        if (m_view.end == ChainEnd::Unknown) {
+            CheckUnknown(last, name);
+        } else if (m_view.end == ChainEnd::NoPassthrough) {
+            const bool bTolerated = last.IsHost() && m_bFallback;
+            Add(bTolerated ? Severity::Warning : Severity::Danger,
+                name + " passes through to nothing" + (bTolerated ? "; it makes do with msgina.dll" : ""),
+                RemedyForPassthrough(last));
+        } else if (m_view.end == ChainEnd::Cycle) {
+            Add(Severity::Danger,
+                name + " passes through to " + ToNarrow(TextOf(last.passthrough).c_str()) +
+                    ", which comes before it",
+                RemedyForPassthrough(last));
+        }
+    }
+
+    void CheckUnknown(const CLinkView& last, const std::string& name)
+    {
+        const CValueData record = ReadValue(RecordPlace(last.gina));
+        Add(Severity::Doubt,
+            record
+                ? "the chaining record of " + name + " cannot be understood: " + Describe(record)
+                : name + " is unknown, so where the chain goes on cannot be seen nor anything in it changed",
+            "describe it by a chaining record, the text value " + Describe(RecordPlace(last.gina)) +
+                ": KEY,VALUE,msgina.dll,0,0,0,0, or NULL,NULL,NULL,1,1,0,0 when it passes through to "
+                "nothing");
+    }
+
+    static std::string RemedyForPassthrough(const CLinkView& link)
+    {
+        return link.place
+                   ? "set " + Describe(*link.place) + " to the GINA that is to follow, such as msgina.dll"
+                   : std::string("correct its chaining record");
+    }
+
+    const CChainView& m_view;
+    bool m_bFallback = false;
+};
+
+} // namespace
+
+std::vector<CFinding> CheckChain(const CChainView& view, const WideText& system)
+{
+    return std::move(CChecker(view, system).m_findings);
+}
+
+bool HasSeverity(const std::vector<CFinding>& findings, Severity severity)
+{
+    return std::any_of(findings.begin(), findings.end(),
+                       [=](const CFinding& finding) { return finding.severity == severity; });
+}
+
+void PrintFindings(const std::vector<CFinding>& findings, std::string& output)
+{
+    for (const CFinding& finding : findings) {
+        output += Format("%s: %s\n  remedy: %s\n", NameOf(finding.severity), finding.text.c_str(),
+                         finding.remedy.c_str());
+    }
+}
+
+void PrintFindingsJson(const std::vector<CFinding>& findings, std::string& output)
+{
+    CJsonWriter json(output);
+    json.BeginObject();
+    if (!HasSeverity(findings, Severity::Danger) && HasSeverity(findings, Severity::Doubt)) {
+        json.Null("safe");
+    } else {
+        json.Bool("safe", !HasSeverity(findings, Severity::Danger));
+    }
+    json.BeginArray("findings");
+    for (const CFinding& finding : findings) {
+        json.BeginObject();
+        json.Text("severity", std::string(NameOf(finding.severity)));
+        json.Text("text", finding.text);
+        json.Text("remedy", finding.remedy);
+        json.EndObject();
+    }
+    json.EndArray();
+    json.EndObject();
+}

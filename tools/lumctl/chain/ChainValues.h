@@ -1,0 +1,56 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Text.h"
+#include "platform/RegFile.h"
+
+/// Where a value lies.
+struct CValuePlace
+{
+    WideText key; ///< below HKEY_LOCAL_MACHINE
+    WideText name;
+
+    /// Letter case does not count.
+    bool operator==(const CValuePlace& other) const;
+};
+
+/// What a value says; nothing when it does not exist.
+using CValueData = std::optional<Platform::CRegistryData>;
+
+struct CChainValue
+{
+    CValuePlace place;
+    CValueData data;
+};
+
+/// The values of which a chain consists, each place once.
+class CChainValues
+{
+public:
+    /// Null when it is not among them.
+    const CChainValue* Find(const CValuePlace& place) const;
+    /// Adds the place when it is not among them.
+    void Set(const CValuePlace& place, const CValueData& data);
+
+    auto begin() const { return m_values.begin(); }
+    auto end() const { return m_values.end(); }
+
+private:
+    std::vector<CChainValue> m_values;
+};
+
+/// The text as the library reads it, whatever the type; empty when there is none.
+WideText TextOf(const CValueData& data);
+CValueData MakeText(const WCHAR* szText);
+
+/// For people: "HKEY_LOCAL_MACHINE\KEY", "NAME", and the data in quotes or as "(none)".
+std::string DescribeKey(const CValuePlace& place);
+std::string Describe(const CValuePlace& place);
+std::string Describe(const CValueData& data);
+
+/// These throw CCommandError. To write nothing is to delete the value; a key is made for a text only.
+CValueData ReadValue(const CValuePlace& place);
+void WriteValue(const CValuePlace& place, const CValueData& data);

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "ChainValues.h"
+#include "OfflineChain.h"
+#include "platform/DllFile.h"
+
+/// How it is known what a GINA does.
+enum class Knowledge
+{
+    Known,    ///< by the built-in table
+    Recorded, ///< by a chaining record
+    Unknown,
+};
+
+/// One GINA of a chain.
+struct CLinkView
+{
+    WideText gina;
+    Knowledge knowledge = Knowledge::Unknown;
+    bool bTerminator = false;
+    bool bMustBeFirst = false;
+    bool bIsIncompatible = false;
+    std::optional<CValuePlace> place; ///< of its passthrough value
+    CValueData passthrough;
+    CDllFile dll;
+    /// The exports that it must have and has not.
+    std::vector<std::string> missing;
+
+    bool IsHost() const;
+};
+
+/// Where a chain ends.
+enum class ChainEnd
+{
+    Complete,
+    Unknown,       ///< at a GINA of which is not known where it goes on
+    NoPassthrough, ///< at a GINA that does not say what it passes through to
+    Cycle,         ///< at a GINA that passes through to one before it
+};
+
+/// A chain as it runs: Winlogon loads the first GINA, each GINA the one after it.
+struct CChainView
+{
+    CValueData winlogon; ///< its GinaDLL
+    /// Never empty: when Winlogon names no GINA it loads the system's own, which is the only one here then.
+    std::vector<CLinkView> links;
+    ChainEnd end = ChainEnd::Complete;
+
+    bool HasGina(const WCHAR* szGina) const;
+    bool IsSystemGinaImplied() const { return TextOf(winlogon).empty(); }
+};
+
+/// The chain that the values make, whether the registry has them already or not. system: where DLLs are
+/// looked for, see InspectDll.
+CChainView FollowChain(COfflineChain& chain, const CChainValues& values, const WideText& system);
+
+const char* NameOf(ChainEnd end);
+
+/// Prints a line for each GINA, and how the chain ends.
+void PrintChain(const CChainView& view, std::string& output);
+void PrintChainJson(const CChainView& view, std::string& output);
