@@ -12,6 +12,8 @@ inline constexpr unsigned OPTION_DRY_RUN = 0x02;
 inline constexpr unsigned OPTION_FORCE = 0x04;
 inline constexpr unsigned OPTION_SYSTEM = 0x08;
 inline constexpr unsigned OPTION_REGISTRY = 0x10;
+inline constexpr unsigned OPTION_NOW = 0x20;
+inline constexpr unsigned OPTION_TIMEOUT = 0x40;
 
 /// What a command is given.
 struct CArguments
@@ -21,9 +23,12 @@ struct CArguments
     bool bJson = false;
     bool bDryRun = false;
     bool bForce = false;
+    bool bNow = false;
     /// Empty for the system's own.
     std::string system;
     std::string registry;
+    /// As it was given; empty for the default.
+    std::string timeout;
 };
 
 /// Does the command and appends what it has to say to output, which is printed also when it throws. Throws

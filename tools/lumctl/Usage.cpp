@@ -12,6 +12,8 @@ constexpr COptionHelp HELPS[] = {
     {OPTION_JSON, "--json", "", "print JSON"},
     {OPTION_DRY_RUN, "--dry-run", "", "print what would be written, and write nothing"},
     {OPTION_FORCE, "--force", "", "do also what is refused otherwise"},
+    {OPTION_NOW, "--now", "", "load or unload the plugin as well, and at once"},
+    {OPTION_TIMEOUT, "--timeout", "SECONDS", "wait this long for each answer of the host; 30 if not given"},
     {OPTION_SYSTEM, "--system", "DIRECTORY",
      "look for GINAs in this directory instead of where Winlogon looks"},
     {OPTION_REGISTRY, "--registry", "FILE",
@@ -41,7 +43,8 @@ const std::span<const COptionHelp> OPTION_HELPS = HELPS;
 std::string GetUsage()
 {
     std::string text = "Usage: lumctl COMMAND [OPTION...]\n"
-                       "Shows and changes how LUM GINA stands in the chain of GINAs of this machine.\n";
+                       "Shows and changes how LUM GINA stands in the chain of GINAs of this machine, and\n"
+                       "talks to the host in service.\n";
     for (const std::span<const CCommand> group : COMMAND_GROUPS) {
         text += '\n';
         for (const CCommand& command : group) {

@@ -1,0 +1,217 @@
+#include "OnlineCommands.h"
+
+#include <cstdlib>
+
+#include "CommandError.h"
+#include "CommandLine.h"
+#include "HostView.h"
+#include "JsonWriter.h"
+#include "RegistryFile.h"
+
+namespace {
+
+using Arguments = const CArguments&;
+
+WideText FirstName(Arguments arguments)
+{
+    return ToWide(arguments.words[0]);
+}
+
+/// A command that changes something. What the host could not do has changed nothing, or is in its trace log.
+template <ControlStatus (*pfnChange)(CControlClient&, Arguments)>
+ExitStatus Change(Arguments arguments, std::string& output)
+{
+    COnlineHost host(arguments);
+    if (!host.Ask(pfnChange(host.Client(), arguments))) {
+        throw CCommandError("the host could not do it; its trace log says why");
+    }
+    output += "Done.\n";
+    return STATUS_DONE;
+}
+
+/// A question that is answered with yes or no.
+template <ControlStatus (*pfnAsk)(CControlClient&, Arguments)>
+ExitStatus Question(Arguments arguments, std::string& output)
+{
+    COnlineHost host(arguments);
+    const bool bYes = host.Ask(pfnAsk(host.Client(), arguments));
+    if (arguments.bJson) {
+        CJsonWriter json(output);
+        json.BeginObject();
+        json.Bool("answer", bYes);
+        json.EndObject();
+    } else {
+        output += bYes ? "yes\n" : "no\n";
+    }
+    return bYes ? STATUS_DONE : STATUS_BAD;
+}
+
+ControlStatus AddPlugin(CControlClient& client, Arguments arguments)
+{
+    return client.AddPlugin(FirstName(arguments), arguments.bNow);
+}
+
+ControlStatus RemovePlugin(CControlClient& client, Arguments arguments)
+{
+    return client.RemovePlugin(FirstName(arguments), arguments.bNow);
+}
+
+ControlStatus MoveUp(CControlClient& client, Arguments arguments)
+{
+    return client.IncreasePriority(FirstName(arguments));
+}
+
+ControlStatus MoveDown(CControlClient& client, Arguments arguments)
+{
+    return client.DecreasePriority(FirstName(arguments));
+}
+
+template <bool bEnable>
+ControlStatus EnableGina(CControlClient& client, Arguments)
+{
+    return client.EnableGina(bEnable);
+}
+
+ControlStatus RemoveGina(CControlClient& client, Arguments arguments)
+{
+    return client.RemoveGina(FirstName(arguments));
+}
+
+template <bool bEnable>
+ControlStatus Monitor(CControlClient& client, Arguments)
+{
+    return client.EnableActiveRegistryMonitoring(bEnable);
+}
+
+ControlStatus IsInChain(CControlClient& client, Arguments arguments)
+{
+    return client.IsGinaInChainingList(FirstName(arguments));
+}
+
+DWORD ReadNumber(Arguments arguments, std::size_t nWord)
+{
+    if (arguments.words.size() <= nWord) {
+        return 0;
+    }
+    const char* szText = arguments.words[nWord].c_str();
+    char* pEnd = nullptr;
+    const unsigned long nValue = std::strtoul(szText, &pEnd, 0);
+    if (*pEnd != '\0' || *szText < '0' || *szText > '9' || nValue > 0xFFFFFFFF) {
+        throw CUsageError(std::string("plugins query needs numbers of 32 bits, not ") + szText);
+    }
+    return static_cast<DWORD>(nValue);
+}
+
+ControlStatus QueryPlugin(CControlClient& client, Arguments arguments)
+{
+    CControlQuery query;
+    query.target = FirstName(arguments);
+    query.dwParam1 = ReadNumber(arguments, 1);
+    query.dwParam2 = ReadNumber(arguments, 2);
+    query.dwParam3 = ReadNumber(arguments, 3);
+    return client.QueryPlugin(query);
+}
+
+ExitStatus Ping(Arguments arguments, std::string& output)
+{
+    COnlineHost host(arguments);
+    const bool bThere = host.IsThere();
+    output += bThere ? "A host is in service.\n" : "No host is in service.\n";
+    return bThere ? STATUS_DONE : STATUS_BAD;
+}
+
+ExitStatus Version(Arguments arguments, std::string& output)
+{
+    COnlineHost host(arguments);
+    DWORD dwVersion = 0;
+    host.Ask(host.Client().GetVersion(dwVersion));
+    output += Format("0x%08x\n", static_cast<unsigned>(dwVersion));
+    return STATUS_DONE;
+}
+
+void PrintRecord(const ControlProtocol::CWireRecord& record, bool bJson, std::string& output)
+{
+    const std::string wlx = Format("0x%08x", static_cast<unsigned>(record.dwWlxVersion));
+    const std::string plugin = Format("0x%08x", static_cast<unsigned>(record.dwLUMVersion));
+    if (!bJson) {
+        output += "GINA interface    " + wlx + "\nplugin interface  " + plugin + "\n";
+        return;
+    }
+    CJsonWriter json(output);
+    json.BeginObject();
+    json.Text("ginaInterface", wlx);
+    json.Text("pluginInterface", plugin);
+    json.EndObject();
+}
+
+ExitStatus Info(Arguments arguments, std::string& output)
+{
+    COnlineHost host(arguments);
+    ControlProtocol::CWireRecord record = {};
+    if (!host.Ask(host.Client().QueryPluginInfo(FirstName(arguments), record))) {
+        throw CCommandError(arguments.words[0] + " is not loaded, or does not tell", STATUS_BAD);
+    }
+    PrintRecord(record, arguments.bJson, output);
+    return STATUS_DONE;
+}
+
+ExitStatus Passthrough(Arguments arguments, std::string& output)
+{
+    COnlineHost host(arguments);
+    ControlProtocol::CWireRecord record = {};
+    if (!host.Ask(host.Client().GetPassthroughGina(record))) {
+        throw CCommandError("the host passes through to nothing", STATUS_BAD);
+    }
+    PrintRecord(record, arguments.bJson, output);
+    return STATUS_DONE;
+}
+
+ExitStatus ListPlugins(Arguments arguments, std::string& output)
+{
+    const CRegistryFile file(arguments.registry, CRegistryFile::Absence::IsError);
+    COnlineHost host(arguments);
+    const bool bAnswers = host.IsThere();
+    const std::vector<CConfiguredDll> plugins = LookAtPlugins(host, bAnswers);
+    (arguments.bJson ? PrintPluginsJson : PrintPlugins)(plugins, bAnswers, output);
+    return STATUS_DONE;
+}
+
+ExitStatus Status(Arguments arguments, std::string& output)
+{
+    const CRegistryFile file(arguments.registry, CRegistryFile::Absence::IsError);
+    COnlineHost host(arguments);
+    const CHostView view = LookAtHost(host);
+    (arguments.bJson ? PrintHostJson : PrintHost)(view, output);
+    return view.bAnswers ? STATUS_DONE : STATUS_BAD;
+}
+
+constexpr unsigned WAITS = OPTION_TIMEOUT;
+constexpr unsigned ASKS = WAITS | OPTION_JSON;
+constexpr unsigned LOOKS = ASKS | OPTION_REGISTRY;
+
+constexpr CCommand COMMANDS[] = {
+    {"status", "", "show whether a host is in service, and what is known of it", LOOKS, Status},
+    {"ping", "", "say whether a host is in service", WAITS, Ping},
+    {"version", "", "show the version of the host in service", WAITS, Version},
+    {"plugins list", "", "show the configured plugins, and whether they are loaded", LOOKS, ListPlugins},
+    {"plugins add", "NAME", "configure a plugin as the last one", WAITS | OPTION_NOW, Change<AddPlugin>},
+    {"plugins remove", "NAME", "take a plugin out of the configuration", WAITS | OPTION_NOW,
+     Change<RemovePlugin>},
+    {"plugins up", "NAME", "call a loaded plugin earlier, until the next start", WAITS, Change<MoveUp>},
+    {"plugins down", "NAME", "call a loaded plugin later, until the next start", WAITS, Change<MoveDown>},
+    {"plugins query", "NAME [P1] [P2] [P3]", "ask a loaded plugin, with up to three numbers", ASKS,
+     Question<QueryPlugin>},
+    {"plugins info", "NAME", "show the interface versions of a loaded plugin or GINA", ASKS, Info},
+    {"gina enable", "", "let the host put lum_gina.dll first into the chain", WAITS,
+     Change<EnableGina<true>>},
+    {"gina disable", "", "let the host take lum_gina.dll out of the chain", WAITS, Change<EnableGina<false>>},
+    {"gina remove", "NAME", "let the host take another GINA out of the chain", WAITS, Change<RemoveGina>},
+    {"gina in-chain", "NAME", "ask whether a GINA is in the chain", ASKS, Question<IsInChain>},
+    {"gina passthrough", "", "show the interface versions of the passthrough GINA", ASKS, Passthrough},
+    {"monitor on", "", "let the host watch the chain for changes by others", WAITS, Change<Monitor<true>>},
+    {"monitor off", "", "stop that", WAITS, Change<Monitor<false>>},
+};
+
+} // namespace
+
+const std::span<const CCommand> ONLINE_COMMANDS = COMMANDS;

@@ -1,0 +1,81 @@
+#include "OnlineHost.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "CommandError.h"
+#include "CommandLine.h"
+#include "Text.h"
+
+namespace {
+
+constexpr DWORD DEFAULT_SECONDS = 30;
+constexpr DWORD LONGEST_SECONDS = 3600;
+constexpr DWORD PATIENCE_MILLISECONDS = 1500;
+
+struct CFailure
+{
+    ControlStatus status;
+    ExitStatus exitStatus;
+    const char* szReason;
+};
+
+constexpr CFailure FAILURES[] = {
+    {ControlStatus::BadName, STATUS_USAGE, "the name is longer than 259 characters"},
+    {ControlStatus::NoServer, STATUS_FAILED, "no host is in service on this machine"},
+    {ControlStatus::AccessDenied, STATUS_FAILED, "only administrators may talk to the host"},
+    {ControlStatus::TimedOut, STATUS_UNCERTAIN, "the host did not answer in time; it may still do it"},
+    {ControlStatus::Cancelled, STATUS_UNCERTAIN, "given up; the host may still do it"},
+    {ControlStatus::NoAnswer, STATUS_UNCERTAIN, "the host ended the connection without an answer"},
+    {ControlStatus::BadAnswer, STATUS_UNCERTAIN, "what answered is not the host, or another version of it"},
+};
+
+DWORD ReadTimeout(const std::string& text)
+{
+    if (text.empty()) {
+        return DEFAULT_SECONDS * 1000;
+    }
+    char* pEnd = nullptr;
+    const unsigned long nSeconds = std::strtoul(text.c_str(), &pEnd, 10);
+    if (*pEnd != '\0' || text[0] < '0' || text[0] > '9' || nSeconds > LONGEST_SECONDS) {
+        throw CUsageError("--timeout needs a number of seconds, at most 3600");
+    }
+    return static_cast<DWORD>(nSeconds) * 1000;
+}
+
+/// One line for each command, however often it asks.
+CControlWait MakeWait(const std::string& timeout)
+{
+    return {ReadTimeout(timeout), [bSaid = false](DWORD dwWaited) mutable {
+                if (!bSaid && dwWaited > PATIENCE_MILLISECONDS) {
+                    std::fprintf(stderr,
+                                 "lumctl: waiting for the host, which takes a request every few seconds\n");
+                    bSaid = true;
+                }
+                return true;
+            }};
+}
+
+} // namespace
+
+COnlineHost::COnlineHost(const CArguments& arguments) : m_client(MakeWait(arguments.timeout)) {}
+
+bool COnlineHost::IsThere()
+{
+    const ControlStatus status = m_client.Verify();
+    return status != ControlStatus::NoServer && Ask(status);
+}
+
+bool COnlineHost::Ask(ControlStatus status) const
+{
+    if (status == ControlStatus::Success || status == ControlStatus::Refused) {
+        return status == ControlStatus::Success;
+    }
+    for (const CFailure& failure : FAILURES) {
+        if (failure.status == status) {
+            throw CCommandError(failure.szReason, failure.exitStatus);
+        }
+    }
+    throw CCommandError(Format("the pipe of the host failed with error %u",
+                               static_cast<unsigned>(m_client.GetSystemError())));
+}

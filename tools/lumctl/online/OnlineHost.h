@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Command.h"
+#include "ControlClient.h"
+
+/// The host in service, as the commands talk to it.
+class COnlineHost
+{
+public:
+    /// Waits as long as the command line allows, and says so when that takes a while.
+    explicit COnlineHost(const CArguments& arguments);
+
+    CControlClient& Client() { return m_client; }
+
+    /// Whether a host answers. Throws CCommandError when that cannot be told.
+    bool IsThere();
+    /// The answer to a question; for a change, whether it was made. Throws CCommandError for anything but yes
+    /// or no.
+    bool Ask(ControlStatus status) const;
+
+private:
+    CControlClient m_client;
+};
