@@ -7,6 +7,7 @@
 #include "LUMRegMonitorThreadObject.h"
 #include "TestMachine.h"
 #include "TestThread.h"
+#include "platform/FaultGuard.h"
 #include "platform/FaultInjection.h"
 
 namespace {
@@ -123,6 +124,22 @@ TEST_F(FailingThread, IsStoppedAlsoWhenNobodyCanWaitOrHearOfIt)
     }
 }
 
+void CALLBACK OnFailingMessage(HWND, UINT, UINT_PTR, DWORD)
+{
+    FaultGuard::RaiseForeignException();
+}
+
+TEST_F(FailingThread, ReportsAMessageThatFails)
+{
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+    CTestThread thread;
+    thread.StartThread();
+    PostThreadMessageW(GetCurrentThreadId(), WM_TIMER, 0, reinterpret_cast<LPARAM>(OnFailingMessage));
+    EXPECT_TRUE(thread.StopThread());
+    EXPECT_EQ((Lines{UNHANDLED}), Log());
+}
+
 TEST_F(FailingThread, ClosesTheOtherEventsWhenOneCannotBeClosed)
 {
     const char* const events[] = {"FinishEvent", "StopEvent", "StartEvent"};
@@ -156,6 +173,8 @@ TEST_F(FailingMonitor, GoesOnWithoutItsEventsAndWritesNothingToAnUnchangedChain)
     StartHost();
     const auto own = Build();
     CLUMRegMonitorThreadObject monitor(own.get(), m_pConfiguration.get(), m_pWinlogon.get(), false);
+    constexpr DWORD OPERATIONS_AND_REPORTS = 0xF6;
+    SetTraceMask(OPERATIONS_AND_REPORTS);
     for (DWORD dwUse = 1; dwUse <= 2; ++dwUse) {
         SetEvent(monitor.StopEvent);
         ClearLog();
@@ -165,7 +184,11 @@ TEST_F(FailingMonitor, GoesOnWithoutItsEventsAndWritesNothingToAnUnchangedChain)
         monitor.Thread();
         EXPECT_EQ(1, Count(NOT_SET));
         EXPECT_EQ(0u, writes.GetUses());
-        EXPECT_NE(0u, reads.GetUses()) << "it has compared";
+        EXPECT_NE(0u, reads.GetUses());
+        EXPECT_EQ(1, Count("[EXIT ] CRegistryManager::operator!=, Return: 0x0")) << "it has compared";
+        EXPECT_EQ(0, Count("[ENTRY] CRegistryManager::ResyncWithRegistry"));
+        EXPECT_EQ(1, Count("[ENTRY] CLUMRegMonitorThreadObject::Thread"));
+        EXPECT_EQ(1, Count("[EXIT ] CLUMRegMonitorThreadObject::Thread"));
     }
 }
 
