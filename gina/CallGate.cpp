@@ -13,16 +13,25 @@ constexpr WCHAR TXT_BUSY[] = TEXT("Calls are under way. The GINA object list was
 class CPolling
 {
 public:
-    void Pause() noexcept
+    explicit CPolling(DWORD dwMilliseconds = INFINITE) noexcept : m_dwMilliseconds(dwMilliseconds) {}
+
+    /// False when the time is up.
+    bool Pause() noexcept
     {
+        if (GetTickCount() - m_dwStart >= m_dwMilliseconds) {
+            return false;
+        }
         Sleep(m_nPauses < QUICK_PAUSES ? 0 : POLL_MILLISECONDS);
         ++m_nPauses;
+        return true;
     }
 
 private:
     static constexpr DWORD QUICK_PAUSES = 64;
     static constexpr DWORD POLL_MILLISECONDS = 5;
 
+    DWORD m_dwMilliseconds;
+    DWORD m_dwStart = GetTickCount();
     DWORD m_nPauses = 0;
 };
 
@@ -65,7 +74,8 @@ std::vector<CCallGate::CThreadCalls>::iterator CCallGate::FindThread(DWORD dwThr
                         [=](const CThreadCalls& calls) { return calls.dwThreadId == dwThreadId; });
 }
 
-bool CCallGate::TryEnter()
+/// bWaiting: whether this call is among those that wait.
+bool CCallGate::TryEnter(bool& bWaiting)
 {
     const CCriticalSection::CLock lock(m_lock);
     const DWORD dwThreadId = GetCurrentThreadId();
@@ -74,7 +84,10 @@ bool CCallGate::TryEnter()
         ++calls->dwCalls;
         return true;
     }
-    if (m_dwClosedBy != 0 && m_dwClosedBy != dwThreadId) {
+    const bool bMustWait = m_dwClosedBy != 0 && m_dwClosedBy != dwThreadId;
+    m_dwWaiting = m_dwWaiting - (bWaiting ? 1 : 0) + (bMustWait ? 1 : 0);
+    bWaiting = bMustWait;
+    if (bMustWait) {
         return false;
     }
     m_calls.push_back({dwThreadId, 1});
@@ -83,7 +96,8 @@ bool CCallGate::TryEnter()
 
 void CCallGate::Enter()
 {
-    for (CPolling polling; !TryEnter();) {
+    bool bWaiting = false;
+    for (CPolling polling; !TryEnter(bWaiting);) {
         polling.Pause();
     }
 }
@@ -103,6 +117,12 @@ bool CCallGate::IsIdle() noexcept
     return m_calls.empty();
 }
 
+bool CCallGate::HasWaiting() noexcept
+{
+    const CCriticalSection::CLock lock(m_lock);
+    return m_dwWaiting != 0;
+}
+
 bool CCallGate::TryClose() noexcept
 {
     const CCriticalSection::CLock lock(m_lock);
@@ -116,16 +136,21 @@ bool CCallGate::TryClose() noexcept
 
 bool CCallGate::Close(DWORD dwMilliseconds) noexcept
 {
+    CPolling polling(dwMilliseconds);
+    // One change after the other would keep a call out for ever: those that wait for the last one go first.
+    while (HasWaiting()) {
+        if (!polling.Pause()) {
+            return false;
+        }
+    }
     if (!TryClose()) {
         return false;
     }
-    const DWORD dwStart = GetTickCount();
-    for (CPolling polling; !IsIdle();) {
-        if (GetTickCount() - dwStart >= dwMilliseconds) {
+    while (!IsIdle()) {
+        if (!polling.Pause()) {
             Open();
             return false;
         }
-        polling.Pause();
     }
     return true;
 }

@@ -11,7 +11,8 @@
 /// A call may last minutes, so no lock is held while a plugin or GINA runs. The gate counts the calls in
 /// flight instead. A change that would pull the ground from under them closes it to new ones, waits a
 /// bounded time for those in flight to end, and gives up when they do not. A call that comes from within
-/// a call of the same thread always passes, since the outer one cannot end before it.
+/// a call of the same thread always passes, since the outer one cannot end before it. A call that waits for
+/// one change goes before the next.
 ///
 /// The list itself has a short lock: over its links and its cursor, never while a DLL runs.
 ///
@@ -127,7 +128,8 @@ private:
     bool Close(DWORD dwMilliseconds) noexcept;
     void Open() noexcept;
 
-    bool TryEnter();
+    bool TryEnter(bool& bWaiting);
+    bool HasWaiting() noexcept;
     bool TryClose() noexcept;
     bool IsIdle() noexcept;
     std::vector<CThreadCalls>::iterator FindThread(DWORD dwThreadId) noexcept;
@@ -137,6 +139,8 @@ private:
     /// Over what follows.
     CCriticalSection m_lock;
     std::vector<CThreadCalls> m_calls;
+    /// Calls that wait for the gate to open.
+    DWORD m_dwWaiting = 0;
     /// Of the thread that has closed the gate; 0 while it is open.
     DWORD m_dwClosedBy = 0;
 };

@@ -72,6 +72,27 @@ TEST_F(CallGate, NewCallsWaitForAChange)
     }
 }
 
+TEST_F(CallGate, OneChangeAfterTheOtherKeepsNoCallOut)
+{
+    CHappening closed;
+    CHappening entered;
+    int nChanges = 0;
+    CThread closer([&] {
+        for (; !entered.HasHappened() && nChanges < 100; ++nChanges) {
+            const CCallGate::CClosing closing(gate, LONG_TIME);
+            closed.Happen();
+            Sleep(20);
+        }
+    });
+    closed.Wait();
+    {
+        const CCallGate::CCall call(gate);
+        entered.Happen();
+    }
+    closer.Join();
+    EXPECT_LE(nChanges, 2) << "the one that it met, and the one behind it";
+}
+
 TEST_F(CallGate, AChangeFromWithinACallFailsAtOnce)
 {
     const CCallGate::CCall call(gate);
