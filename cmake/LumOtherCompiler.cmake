@@ -9,7 +9,7 @@ find_program(LUM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14 REQUIRED)
 # lum_other_object(OBJECTS source.cpp [OPTION...])
 #
 # Compiles a source file and appends the object file to the list of that name.
-function(lum_other_object objects source)
+function(lum_other_object list_name source)
   cmake_path(ABSOLUTE_PATH source OUTPUT_VARIABLE path)
   cmake_path(GET path FILENAME name)
   set(object "${CMAKE_CURRENT_BINARY_DIR}/${name}.obj")
@@ -19,7 +19,7 @@ function(lum_other_object objects source)
       "-I${CMAKE_SOURCE_DIR}/sdk" "-I${CMAKE_SOURCE_DIR}/tests/sdk/msvc" ${ARGN}
       -MD -MF "${object}.d" -c "${path}" -o "${object}"
     MAIN_DEPENDENCY "${path}" DEPFILE "${object}.d" VERBATIM)
-  set(${objects} ${${objects}} "${object}" PARENT_SCOPE)
+  set(${list_name} ${${list_name}} "${object}" PARENT_SCOPE)
 endfunction()
 
 # lum_other_dll(TARGET OBJECTS object... [DEF file.def] [IMPORTS file.def...] [OPTIONS option...])

@@ -1,5 +1,3 @@
-#include <winwlx.h>
-
 #include "TestMachine.h"
 #include "WlxInterface.h"
 
