@@ -274,9 +274,9 @@ TEST_F(FailingRegistryClasses, WithoutMemoryThereIsNoObject)
         // The first is the object itself; most of the rest are of tracing and the platform.
         for (int nBefore = 1; nBefore < 60; ++nBefore) {
             ClearLog();
-            const std::string outcome = GetOutcome([&] {
+            const std::string outcome = GetOutcome([nBefore, &makeValue = make] {
                 const CFailingAllocation noMemory(nBefore);
-                return make();
+                return makeValue();
             });
             nKeys += Log() == noKey ? 1 : 0;
             nNames += Log() == noValue ? 1 : 0;
