@@ -252,11 +252,19 @@ TEST_F(Stress, CallsAndChangesMeetOnAllThreads)
         }
         done.Happen();
     });
+    // At each stop the monitor compares the chain once more.
+    CThread monitor([&] {
+        while (!done.HasHappened()) {
+            EXPECT_TRUE(host->LUMEnableActiveRegistryMonitoring(true));
+            EXPECT_TRUE(host->LUMEnableActiveRegistryMonitoring(false));
+        }
+    });
     int nCalls = 0;
     while (!done.HasHappened()) {
         Call(nCalls++);
     }
     channel.Join();
+    monitor.Join();
     Call(0);
     ExpectChain(control);
     // A machine may be too busy to let a call end in time, but not as a rule.
