@@ -45,10 +45,6 @@ TEST_F(PipeThread, TracesAnExchangeInOrder)
               (Lines{"[NOTIFICATION] Client has connected to LUM GINA Pipe",
                      "[NOTIFICATION] Received request: LUM_VERIFY_LUM_GINA",
                      "[NOTIFICATION] Client has disconnected from LUM GINA Pipe"}));
-    EXPECT_EQ(Count("[EXCEPTION] FlushFileBuffers function call failed, Error: 0x218") +
-                  Count("[EXCEPTION] FlushFileBuffers function call failed, Error: 0xe9"),
-              1)
-        << "nobody is connected at the end";
 }
 
 TEST_F(PipeThread, TakesAClientEachPeriod)
