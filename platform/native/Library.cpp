@@ -44,6 +44,16 @@ HMODULE WINAPI LoadLibraryW(LPCWSTR szFile) noexcept
     });
 }
 
+HMODULE WINAPI GetModuleHandleW(LPCWSTR szFile) noexcept
+{
+    return LastErrorCall<HMODULE>(PlatformCall::GetModuleHandleW, szFile, nullptr, [&] {
+        Require(szFile != nullptr, ERROR_NOT_SUPPORTED);
+        const HMODULE hModule = LoadedModules::Find(CompleteName(szFile));
+        Require(hModule != nullptr, ERROR_MOD_NOT_FOUND);
+        return hModule;
+    });
+}
+
 BOOL WINAPI FreeLibrary(HMODULE hModule) noexcept
 {
     return LastErrorCall(PlatformCall::FreeLibrary, nullptr, FALSE, [&] {

@@ -53,6 +53,19 @@ CModule& GetModule(HMODULE hModule)
     return *module;
 }
 
+/// Null when no DLL of that file name is loaded, or it is being told to go.
+CModule* FindNamed(const WideText& name)
+{
+    for (CModule& module : GetModules()) {
+        WideText path;
+        FromUtf8(module.path.substr(module.path.find_last_of('/') + 1), path);
+        if (module.dwReferences != 0 && CompareNoCase(path, name) == 0) {
+            return &module;
+        }
+    }
+    return nullptr;
+}
+
 /// Whether the file is meant for this system at all.
 bool IsLibrary(const std::string& path)
 {
@@ -169,18 +182,22 @@ HMODULE LoadedModules::Load(const std::string& path)
     return Attach(module);
 }
 
+HMODULE LoadedModules::Find(const WideText& name)
+{
+    const std::lock_guard lock(g_mutex);
+    const CModule* pModule = FindNamed(name);
+    return pModule != nullptr ? pModule->GetHandle() : nullptr;
+}
+
 HMODULE LoadedModules::LoadAgain(const WideText& name)
 {
     const std::lock_guard lock(g_mutex);
-    for (CModule& module : GetModules()) {
-        WideText path;
-        FromUtf8(module.path.substr(module.path.find_last_of('/') + 1), path);
-        if (module.dwReferences != 0 && CompareNoCase(path, name) == 0) {
-            ++module.dwReferences;
-            return module.GetHandle();
-        }
+    CModule* pModule = FindNamed(name);
+    if (pModule == nullptr) {
+        return nullptr;
     }
-    return nullptr;
+    ++pModule->dwReferences;
+    return pModule->GetHandle();
 }
 
 void LoadedModules::Free(HMODULE hModule)

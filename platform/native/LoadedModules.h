@@ -15,6 +15,9 @@ namespace LoadedModules {
 /// Loads the file, or takes one more reference to it. The first time its DllMain is called.
 HMODULE Load(const std::string& path);
 
+/// The loaded DLL of that file name; null when there is none.
+HMODULE Find(const WideText& name);
+
 /// Takes one more reference to a loaded DLL of that file name; null when there is none.
 HMODULE LoadAgain(const WideText& name);
 

@@ -1,5 +1,7 @@
 #include "platform/MachineRegistry.h"
 
+#include "platform/ChildProcess.h"
+
 namespace {
 
 /// ERROR_SUCCESS, or why the file cannot be read.
@@ -11,24 +13,6 @@ LONG TryRead(const WCHAR* szFile)
         return static_cast<LONG>(GetLastError());
     }
     CloseHandle(hFile);
-    return ERROR_SUCCESS;
-}
-
-/// Runs a program to its end; ERROR_SUCCESS and its exit code, or why it could not be run.
-LONG RunProgram(std::basic_string<WCHAR> commandLine, DWORD& dwExitCode)
-{
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process))
-    {
-        return static_cast<LONG>(GetLastError());
-    }
-    WaitForSingleObject(process.hProcess, INFINITE);
-    GetExitCodeProcess(process.hProcess, &dwExitCode);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
     return ERROR_SUCCESS;
 }
 
@@ -48,11 +32,11 @@ LONG MachineRegistry::Import(const WCHAR* szFile, std::string* pReason)
         return ERROR_INVALID_NAME;
     }
     LONG lResult = TryRead(szPath);
-    DWORD dwExitCode = 0;
+    Platform::CChildEnd end;
     if (lResult == ERROR_SUCCESS) {
-        lResult = RunProgram(std::basic_string<WCHAR>(L"regedit.exe /s \"") + szPath + L'"', dwExitCode);
+        lResult = Platform::RunChild({L"regedit.exe", L"/s", szPath}, INFINITE, end);
     }
-    if (lResult == ERROR_SUCCESS && dwExitCode != 0) {
+    if (lResult == ERROR_SUCCESS && end.dwExitStatus != 0) {
         lResult = ERROR_BADDB;
         if (pReason != nullptr) {
             *pReason = "the registry editor cannot import it";

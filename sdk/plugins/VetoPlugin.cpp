@@ -5,7 +5,11 @@
 //     RefuseLock     the workstation is not locked
 //     RefuseLogoff   a user who asks to log off stays; a forced logoff and a shutdown go on
 //
+// Asked through the control channel with 1, 2 or 3, it says whether it refuses the first, second or third.
+//
 // A veto that is not asked for in just this form is none: a mistake in the registry locks nobody out.
+
+#include <iterator>
 
 #include "LUMPlugin.h"
 #include "Setting.h"
@@ -56,6 +60,13 @@ public:
     BOOL IsLogoffOk(lum::CGinaNode* pNode, PVOID pWlxContext) override
     {
         return IsRefused(REFUSE_LOGOFF) ? FALSE : CPlugin::IsLogoffOk(pNode, pWlxContext);
+    }
+
+    /// An administrator asks whether it refuses: 1 logon, 2 lock, 3 logoff.
+    bool QueryPlugin(lum::CGinaPluginInfo*, DWORD dwWhat, DWORD, DWORD) override
+    {
+        const WCHAR* const refusals[] = {REFUSE_LOGON, REFUSE_LOCK, REFUSE_LOGOFF};
+        return dwWhat - 1 < std::size(refusals) && IsRefused(refusals[dwWhat - 1]);
     }
 };
 

@@ -126,6 +126,7 @@ TEST_F(FaultInjection, ReachesEveryCall)
         {PlatformCall::FreeLibrary, [&] { return lastError(!FreeLibrary(nullptr)); }},
         {PlatformCall::GetModuleFileNameW,
          [&] { return lastError(GetModuleFileNameW(nullptr, szWide, 4) == 0); }},
+        {PlatformCall::GetModuleHandleW, [&] { return lastError(GetModuleHandleW(nullptr) == nullptr); }},
         {PlatformCall::GetProcAddress, [&] { return lastError(GetProcAddress(nullptr, "name") == nullptr); }},
         {PlatformCall::LoadLibraryW, [&] { return lastError(LoadLibraryW(nullptr) == nullptr); }},
         {PlatformCall::LoadResource,

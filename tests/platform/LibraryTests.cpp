@@ -168,11 +168,13 @@ TEST_F(Library, NamesItsFile)
     const HMODULE hAgain = LoadLibraryW(szFile);
     EXPECT_EQ(hAgain, hModule) << "by its full path";
     FreeLibrary(hAgain);
+    EXPECT_EQ(GetModuleHandleW(TEXT("LOADER_TEST_OUTER")), hModule);
 
     EXPECT_EQ(GetModuleFileNameW(hModule, szFile, 5), 5u);
     EXPECT_EQ(GetLastError(), DWORD(ERROR_INSUFFICIENT_BUFFER));
     EXPECT_EQ(WideText(szFile), file) << "no terminator is put into what fits";
     FreeLibrary(hModule);
+    EXPECT_EQ(GetModuleHandleW(OUTER), nullptr);
 
     const WideText program(szFile, GetModuleFileNameW(nullptr, szFile, MAX_PATH));
     EXPECT_NE(program.find(TEXT("platform_tests")), WideText::npos);

@@ -42,6 +42,30 @@ void CChainWatch::Attach(std::vector<std::string> plugins, const std::string& gi
     m_open.clear();
 }
 
+void CChainWatch::FollowCommand(const std::vector<std::string>& words)
+{
+    // What the library did for it is no way of a call of Winlogon's.
+    m_tail.Read();
+    if (words.size() < 4 || words[1] != "plugins") {
+        return;
+    }
+    const std::string& dll = words[3];
+    const bool bNow = std::find(words.begin(), words.end(), "--now") != words.end();
+    const auto plugin = std::find_if(m_plugins.begin(), m_plugins.end(),
+                                     [&](const std::string& other) { return IsSameDLL(other, dll); });
+    if (words[2] == "add" && bNow) {
+        m_plugins.push_back(dll);
+    } else if (plugin == m_plugins.end()) {
+        return;
+    } else if (words[2] == "remove" && bNow) {
+        m_plugins.erase(plugin);
+    } else if (words[2] == "up" && plugin != m_plugins.begin()) {
+        std::iter_swap(plugin, plugin - 1);
+    } else if (words[2] == "down" && plugin + 1 != m_plugins.end()) {
+        std::iter_swap(plugin, plugin + 1);
+    }
+}
+
 CWay CChainWatch::TakeWay()
 {
     CWay way;

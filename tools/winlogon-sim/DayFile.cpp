@@ -56,10 +56,17 @@ void CStepParser::ParseKind(const std::string& word)
         m_step.kind = word == "Attach" ? StepKind::Attach : StepKind::Detach;
         return;
     }
+    m_step.pMachineStep = FindMachineStep(word);
+    if (m_step.pMachineStep != nullptr) {
+        m_step.kind = StepKind::Machine;
+        m_step.machineStep = m_step.pMachineStep->pfnParse({m_words.begin() + 1, m_words.end()});
+        m_nNext = m_words.size();
+        return;
+    }
     m_step.pCall = FindCall(word);
     if (m_step.pCall == nullptr) {
         Refuse("unknown step \"" + word + '"',
-               "Attach, Detach or the name of an entry point, as WlxNegotiate");
+               "Attach, Detach, the name of an entry point, as WlxNegotiate, or a step of the machine's");
     }
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Calls.h"
+#include "MachineStep.h"
 
 // The form of a day file is described in days/README.md.
 
@@ -13,7 +14,8 @@ enum class StepKind
 {
     Attach,
     Detach,
-    Call
+    Call,
+    Machine,
 };
 
 /// One step of a day.
@@ -21,8 +23,11 @@ struct CStep
 {
     int nLine = 0;
     StepKind kind = StepKind::Call;
-    /// Null unless kind is CALL.
+    /// Null unless it is a call.
     const CWlxCall* pCall = nullptr;
+    /// Null unless it is a step of the machine's.
+    const CMachineStepKind* pMachineStep = nullptr;
+    CMachineStep machineStep;
     /// The values that the day sets, by argument: a number, or a text that may be null. Others have their
     /// defaults.
     std::optional<DWORD> numbers[STANDIN_MAX_ARGUMENTS];

@@ -68,6 +68,9 @@ void CReport::PrintStep(const CStepReport& step)
     for (const std::string& callback : step.callbacks) {
         std::printf("          calls Winlogon: %s\n", callback.c_str());
     }
+    for (const std::string& line : step.output) {
+        std::printf("          > %s\n", line.c_str());
+    }
     for (const std::string& difference : step.differences) {
         std::printf("        ! %s\n", difference.c_str());
     }

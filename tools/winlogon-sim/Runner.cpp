@@ -132,6 +132,9 @@ CStepReport CRunner::Run(const CStep& step)
     case StepKind::Call:
         Call(step, report);
         break;
+    case StepKind::Machine:
+        RunOnMachine(step, report);
+        break;
     }
     report.callbacks = Winlogon::TakeCallbacks();
     return report;
@@ -152,6 +155,20 @@ void CRunner::Detach(CStepReport& report)
     Winlogon::SetContext(0);
     report.step = "Detach";
     report.cameBack = m_gina + " freed";
+}
+
+void CRunner::RunOnMachine(const CStep& step, CStepReport& report)
+{
+    CMachineOutcome outcome = step.pMachineStep->pfnRun(step.machineStep);
+    report.step = step.pMachineStep->szName;
+    report.reached = std::move(outcome.action);
+    report.cameBack = std::move(outcome.result);
+    report.output = std::move(outcome.output);
+    if (!outcome.difference.empty()) {
+        report.differences.push_back(outcome.difference);
+    } else {
+        m_watch.FollowCommand(step.machineStep.command);
+    }
 }
 
 void CRunner::Call(const CStep& step, CStepReport& report)

@@ -19,6 +19,8 @@ struct CStepReport
     std::string cameBack;
     /// What the GINA side called in Winlogon meanwhile.
     std::vector<std::string> callbacks;
+    /// What a command printed.
+    std::vector<std::string> output;
     /// Why this step is not as it should be; empty when it is.
     std::vector<std::string> differences;
 };
@@ -43,6 +45,7 @@ private:
     void Attach(CStepReport& report);
     void Detach(CStepReport& report);
     void Call(const CStep& step, CStepReport& report);
+    void RunOnMachine(const CStep& step, CStepReport& report);
     /// Why Winlogon cannot make a call now; empty when it can, with the entry in pfnEntry.
     std::string FindEntry(const CWlxCall& call, FARPROC& pfnEntry) const;
     void SetUpStandin(const CStep& step);

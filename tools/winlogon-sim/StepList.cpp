@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "Calls.h"
+#include "MachineStep.h"
 
 namespace {
 
@@ -44,6 +45,9 @@ void PrintWords(const CCodes& codes)
 void PrintSteps()
 {
     std::printf("Attach\n    loads the library\nDetach\n    frees it\n");
+    for (const CMachineStepKind& step : MACHINE_STEPS) {
+        std::printf("%s %s\n    %s\n", step.szName, step.szWords, step.szHelp);
+    }
     for (const CWlxCall& call : GetCalls()) {
         PrintCall(call);
     }

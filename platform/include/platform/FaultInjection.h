@@ -27,6 +27,7 @@
     CALL(FlushFileBuffers) \
     CALL(FreeLibrary) \
     CALL(GetModuleFileNameW) \
+    CALL(GetModuleHandleW) \
     CALL(GetProcAddress) \
     CALL(ImpersonateNamedPipeClient) \
     CALL(LoadLibraryW) \

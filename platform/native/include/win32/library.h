@@ -14,6 +14,10 @@
 HMODULE WINAPI LoadLibraryW(LPCWSTR szFile) noexcept;
 BOOL WINAPI FreeLibrary(HMODULE hModule) noexcept;
 
+/// A loaded DLL of that file name, without a reference to it. Without a directory; null for the program is
+/// not supported.
+HMODULE WINAPI GetModuleHandleW(LPCWSTR szFile) noexcept;
+
 /// Names only, no ordinals.
 FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR szName) noexcept;
 

@@ -1,0 +1,71 @@
+#include "RegistryValues.h"
+
+#include "SetupError.h"
+
+namespace {
+
+void Check(LONG lResult, const WideText& key, const WideText& value)
+{
+    if (lResult != ERROR_SUCCESS) {
+        throw CSetupError(Format("cannot write %s of HKEY_LOCAL_MACHINE\\%s: error %d",
+                                 ToNarrow(value.c_str()).c_str(), ToNarrow(key.c_str()).c_str(),
+                                 static_cast<int>(lResult)));
+    }
+}
+
+/// Calls change(key) with a key under HKEY_LOCAL_MACHINE, created if it is not there.
+template <typename Change>
+void ChangeKey(const WideText& key, const WideText& value, Change change)
+{
+    HKEY hKey = nullptr;
+    Check(RegCreateKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                          KEY_ALL_ACCESS, nullptr, &hKey, nullptr),
+          key, value);
+    const LONG lResult = change(hKey);
+    RegCloseKey(hKey);
+    Check(lResult, key, value);
+}
+
+void WriteValue(const WideText& key, const WideText& value, DWORD dwType, const void* pData,
+                std::size_t cbData)
+{
+    ChangeKey(key, value, [&](HKEY hKey) {
+        return RegSetValueExW(hKey, value.c_str(), 0, dwType, static_cast<const BYTE*>(pData),
+                              static_cast<DWORD>(cbData));
+    });
+}
+
+} // namespace
+
+std::optional<std::string> ReadText(const WideText& key, const WideText& value)
+{
+    HKEY hKey = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    WCHAR szText[MAX_PATH + 1] = {};
+    DWORD cbText = MAX_PATH * sizeof(WCHAR);
+    const LONG lResult =
+        RegQueryValueExW(hKey, value.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(szText), &cbText);
+    RegCloseKey(hKey);
+    return lResult == ERROR_SUCCESS ? std::optional(ToNarrow(szText)) : std::nullopt;
+}
+
+void WriteText(const WideText& key, const WideText& value, const std::string& text)
+{
+    const WideText wide = ToWide(text);
+    WriteValue(key, value, REG_SZ, wide.c_str(), (wide.size() + 1) * sizeof(WCHAR));
+}
+
+void WriteNumber(const WideText& key, const WideText& value, DWORD dwNumber)
+{
+    WriteValue(key, value, REG_DWORD, &dwNumber, sizeof(dwNumber));
+}
+
+void DeleteValue(const WideText& key, const WideText& value)
+{
+    ChangeKey(key, value, [&](HKEY hKey) {
+        const LONG lResult = RegDeleteValueW(hKey, value.c_str());
+        return lResult == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : lResult;
+    });
+}
