@@ -161,6 +161,10 @@ TEST_F(SamplePlugins, VetoRefusesWhatItsSettingsSay)
         }
         SetDword(VETO_KEY, row.szSetting, 2);
         EXPECT_EQ(expected, calls()) << Narrow(row.szSetting);
+        const DWORD dwRow = static_cast<DWORD>(&row - rows);
+        for (const DWORD dwWhat : {0u, 1u, 2u, 3u, 4u}) {
+            EXPECT_EQ(dwWhat == dwRow + 1, FirstNode()->m_pItem->QueryPlugin(nullptr, dwWhat, 0, 0));
+        }
         SetDword(VETO_KEY, row.szSetting, 0);
         EXPECT_EQ(all, calls());
         // A setting of another type is a mistake, and locks nobody out.

@@ -8,11 +8,6 @@ std::string Name(const WideText& text)
     return ToNarrow(text.c_str());
 }
 
-std::string DescribeVersion(DWORD dwVersion)
-{
-    return Format("0x%08x", static_cast<unsigned>(dwVersion));
-}
-
 std::string DescribeService(const CHostView& view)
 {
     if (view.bAnswers) {
@@ -23,23 +18,45 @@ std::string DescribeService(const CHostView& view)
 
 std::string DescribePassthrough(const CHostView& view)
 {
-    std::string text = view.passthrough.name.empty() ? "none configured" : Name(view.passthrough.name);
+    std::string text = view.passthrough.name.empty() ? "none named" : Name(view.passthrough.name);
     if (view.bAnswers && !view.passthrough.name.empty()) {
         text += view.passthrough.bLoaded ? ", loaded" : ", NOT loaded";
     }
     if (view.bHasPassthroughRecord) {
-        text += "; what is loaded speaks interface version " + DescribeVersion(view.dwPassthroughVersion);
+        text += "; the loaded one speaks GINA interface " + DescribeVersion(view.dwPassthroughVersion);
     }
     return text;
 }
 
-void PrintPluginArrayJson(CJsonWriter& json, const std::vector<CConfiguredDll>& plugins, bool bAnswers)
+std::string DescribeChain(const CHostView& view)
 {
+    std::string text;
+    for (const WideText& gina : view.chain) {
+        text += (text.empty() ? "" : " > ") + Name(gina);
+    }
+    if (view.bAnswers) {
+        text += std::string(text.empty() ? "" : "; ") + "to the host, lum_gina.dll is " +
+                (view.bInChain ? "in it" : "NOT in it");
+    }
+    return text.empty() ? "not known" : text;
+}
+
+std::string DescribeMonitor(const CHostView& view)
+{
+    const std::string unknown = "no request tells whether it runs";
+    return view.dwMonitorSeconds == 0
+               ? unknown
+               : Format("every %u s; %s", static_cast<unsigned>(view.dwMonitorSeconds), unknown.c_str());
+}
+
+void PrintPluginArrayJson(CJsonWriter& json, const CPluginsView& view)
+{
+    json.Bool("configured", view.bConfigured);
     json.BeginArray("plugins");
-    for (const CConfiguredDll& plugin : plugins) {
+    for (const CConfiguredDll& plugin : view.plugins) {
         json.BeginObject();
         json.Text("name", plugin.name);
-        if (bAnswers) {
+        if (view.bAnswers) {
             json.Bool("loaded", plugin.bLoaded);
         } else {
             json.Null("loaded");
@@ -52,38 +69,42 @@ void PrintPluginArrayJson(CJsonWriter& json, const std::vector<CConfiguredDll>& 
 
 } // namespace
 
-void PrintPlugins(const std::vector<CConfiguredDll>& plugins, bool bAnswers, std::string& output)
+std::string DescribeVersion(DWORD dwVersion)
+{
+    return Format("%u.%u", static_cast<unsigned>(dwVersion >> 16), static_cast<unsigned>(dwVersion & 0xFFFF));
+}
+
+void PrintPlugins(const CPluginsView& view, std::string& output)
 {
     int nPlugin = 0;
-    for (const CConfiguredDll& plugin : plugins) {
+    for (const CConfiguredDll& plugin : view.plugins) {
         output += Format("%2d  %-24s %s\n", ++nPlugin, Name(plugin.name).c_str(),
-                         !bAnswers        ? "configured"
+                         !view.bAnswers   ? "configured"
                          : plugin.bLoaded ? "loaded"
                                           : "NOT loaded");
     }
-    output += plugins.empty() ? "No plugins are configured.\n"
-              : bAnswers      ? "This is the configured order. Moves since the last start do not show.\n"
+    output += !view.bConfigured      ? "The registry holds no configuration of the host.\n"
+              : view.plugins.empty() ? "No plugins are configured.\n"
+              : view.bAnswers ? "This is the configured order. Moves since the last start do not show.\n"
                               : "No host is in service; this is the configuration.\n";
 }
 
-void PrintPluginsJson(const std::vector<CConfiguredDll>& plugins, bool bAnswers, std::string& output)
+void PrintPluginsJson(const CPluginsView& view, std::string& output)
 {
     CJsonWriter json(output);
     json.BeginObject();
-    PrintPluginArrayJson(json, plugins, bAnswers);
+    PrintPluginArrayJson(json, view);
     json.EndObject();
 }
 
 void PrintHost(const CHostView& view, std::string& output)
 {
     output += "Host         " + DescribeService(view) + "\n";
-    if (view.bAnswers) {
-        output += std::string("Chain        lum_gina.dll is ") + (view.bInChain ? "" : "NOT ") + "in it\n";
-    }
+    output += "Chain        " + DescribeChain(view) + "\n";
     output += "Passthrough  " + DescribePassthrough(view) + "\n";
-    output += "Monitor      not known: no request tells\n";
+    output += "Monitor      " + DescribeMonitor(view) + "\n";
     output += "Plugins\n";
-    PrintPlugins(view.plugins, view.bAnswers, output);
+    PrintPlugins(view, output);
 }
 
 void PrintHostJson(const CHostView& view, std::string& output)
@@ -96,16 +117,22 @@ void PrintHostJson(const CHostView& view, std::string& output)
         json.Text("version", DescribeVersion(view.dwVersion));
         json.Bool("inChain", view.bInChain);
     }
+    json.BeginArray("chain");
+    for (const WideText& gina : view.chain) {
+        json.Text(nullptr, gina);
+    }
+    json.EndArray();
     json.BeginObject("passthrough");
     json.Text("name", view.passthrough.name);
     if (view.bAnswers) {
         json.Bool("loaded", view.passthrough.bLoaded);
     }
     if (view.bHasPassthroughRecord) {
-        json.Text("interfaceVersion", DescribeVersion(view.dwPassthroughVersion));
+        json.Text("ginaInterface", DescribeVersion(view.dwPassthroughVersion));
     }
     json.EndObject();
     json.Null("monitor");
-    PrintPluginArrayJson(json, view.plugins, view.bAnswers);
+    json.Number("monitorSeconds", static_cast<long>(view.dwMonitorSeconds));
+    PrintPluginArrayJson(json, view);
     json.EndObject();
 }

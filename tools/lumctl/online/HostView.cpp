@@ -1,22 +1,37 @@
 #include "HostView.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "Messages.h"
-#include "chain/ChainValues.h"
+#include "chain/ChainView.h"
 #include "chaining/KnownGinas.h"
 
 namespace {
+
+// As the library takes it.
+constexpr DWORD DEFAULT_SECONDS = 5;
 
 WideText ReadText(const WCHAR* szValue)
 {
     return TextOf(ReadValue({LUM_GINA_MTM, szValue}));
 }
 
-bool IsMarkedEnabled()
+DWORD ReadNumber(const CValuePlace& place)
 {
-    const CValueData data = ReadValue({WideText(LUM_GINA_MTM) + TEXT("\\Volatile"), TEXT("Enabled")});
-    return data && !data->bytes.empty() && data->bytes[0] != 0;
+    DWORD dwNumber = 0;
+    const CValueData data = ReadValue(place);
+    if (data && data->bytes.size() == sizeof(dwNumber)) {
+        std::memcpy(&dwNumber, data->bytes.data(), sizeof(dwNumber));
+    }
+    return dwNumber;
+}
+
+bool HasConfiguration()
+{
+    HKEY hKey = nullptr;
+    return RegOpenKeyExW(HKEY_LOCAL_MACHINE, LUM_GINA_MTM, 0, KEY_READ, &hKey) == ERROR_SUCCESS &&
+           RegCloseKey(hKey) == ERROR_SUCCESS;
 }
 
 /// As the library takes the list apart; it passes over empty entries.
@@ -33,24 +48,46 @@ std::vector<CConfiguredDll> SplitPlugins(const WideText& list)
     return plugins;
 }
 
+std::vector<WideText> ReadChain()
+{
+    COfflineChain chain;
+    std::vector<WideText> names;
+    for (const CLinkView& link : FollowChain(chain, chain.ReadValues(), WideText()).links) {
+        names.push_back(link.gina);
+    }
+    return names;
+}
+
+void AskAboutPlugins(COnlineHost& host, CPluginsView& view)
+{
+    view.bAnswers = host.IsThere();
+    view.bConfigured = HasConfiguration();
+    view.plugins = SplitPlugins(ReadText(TEXT("Plugins")));
+    for (CConfiguredDll& plugin : view.plugins) {
+        plugin.bLoaded = view.bAnswers && host.Ask(host.Client().IsGinaInPluginList(plugin.name));
+    }
+}
+
 } // namespace
 
-std::vector<CConfiguredDll> LookAtPlugins(COnlineHost& host, bool bAsk)
+CPluginsView LookAtPlugins(COnlineHost& host)
 {
-    std::vector<CConfiguredDll> plugins = SplitPlugins(ReadText(TEXT("Plugins")));
-    for (CConfiguredDll& plugin : plugins) {
-        plugin.bLoaded = bAsk && host.Ask(host.Client().IsGinaInPluginList(plugin.name));
-    }
-    return plugins;
+    CPluginsView view;
+    AskAboutPlugins(host, view);
+    return view;
 }
 
 CHostView LookAtHost(COnlineHost& host)
 {
     CHostView view;
-    view.bMarkedEnabled = IsMarkedEnabled();
-    view.bAnswers = host.IsThere();
-    view.plugins = LookAtPlugins(host, view.bAnswers);
-    view.passthrough.name = ReadText(TEXT("GinaDLL"));
+    AskAboutPlugins(host, view);
+    if (view.bConfigured) {
+        view.bMarkedEnabled = ReadNumber({WideText(LUM_GINA_MTM) + TEXT("\\Volatile"), TEXT("Enabled")}) != 0;
+        view.dwMonitorSeconds = ReadNumber({LUM_GINA_MTM, TEXT("MonitorInterval")});
+        view.dwMonitorSeconds = view.dwMonitorSeconds != 0 ? view.dwMonitorSeconds : DEFAULT_SECONDS;
+        view.passthrough.name = ReadText(TEXT("GinaDLL"));
+        view.chain = ReadChain();
+    }
     if (!view.bAnswers) {
         return view;
     }

@@ -12,15 +12,23 @@ struct CConfiguredDll
     bool bLoaded = false;
 };
 
+/// What the registry says of plugins.
+struct CPluginsView
+{
+    bool bConfigured = false; ///< whether the configuration can be seen from here at all
+    bool bAnswers = false;    ///< whether there was a host to ask
+    std::vector<CConfiguredDll> plugins;
+};
+
 /// What is known of the host in service. No request tells the calling order, the name of a plugin that is not
 /// configured, or whether the registry monitor runs. So the plugins are those of the configuration, in its
 /// order: that in which they were loaded, unless one was moved since.
-struct CHostView
+struct CHostView : CPluginsView
 {
     bool bMarkedEnabled = false; ///< by the host itself, in the volatile key
-    bool bAnswers = false;
     DWORD dwVersion = 0;
-    std::vector<CConfiguredDll> plugins;
+    std::vector<WideText> chain; ///< of GINAs, from Winlogon on, as the registry has it
+    DWORD dwMonitorSeconds = 0;
     CConfiguredDll passthrough;
     bool bHasPassthroughRecord = false;
     DWORD dwPassthroughVersion = 0;
@@ -30,9 +38,12 @@ struct CHostView
 /// Reads the configuration, and asks the host if there is one.
 CHostView LookAtHost(COnlineHost& host);
 /// The plugins alone.
-std::vector<CConfiguredDll> LookAtPlugins(COnlineHost& host, bool bAsk);
+CPluginsView LookAtPlugins(COnlineHost& host);
 
-void PrintPlugins(const std::vector<CConfiguredDll>& plugins, bool bAnswers, std::string& output);
-void PrintPluginsJson(const std::vector<CConfiguredDll>& plugins, bool bAnswers, std::string& output);
+void PrintPlugins(const CPluginsView& view, std::string& output);
+void PrintPluginsJson(const CPluginsView& view, std::string& output);
 void PrintHost(const CHostView& view, std::string& output);
 void PrintHostJson(const CHostView& view, std::string& output);
+
+/// "1.4" for 0x00010004.
+std::string DescribeVersion(DWORD dwVersion);

@@ -17,6 +17,19 @@ WideText FirstName(Arguments arguments)
     return ToWide(arguments.words[0]);
 }
 
+void PrintAnswer(Arguments arguments, const char* szName, bool bAnswer, const char* szText,
+                 std::string& output)
+{
+    if (!arguments.bJson) {
+        output += szText;
+        return;
+    }
+    CJsonWriter json(output);
+    json.BeginObject();
+    json.Bool(szName, bAnswer);
+    json.EndObject();
+}
+
 /// A command that changes something. What the host could not do has changed nothing, or is in its trace log.
 template <ControlStatus (*pfnChange)(CControlClient&, Arguments)>
 ExitStatus Change(Arguments arguments, std::string& output)
@@ -25,7 +38,7 @@ ExitStatus Change(Arguments arguments, std::string& output)
     if (!host.Ask(pfnChange(host.Client(), arguments))) {
         throw CCommandError("the host could not do it; its trace log says why");
     }
-    output += "Done.\n";
+    PrintAnswer(arguments, "done", true, "Done.\n", output);
     return STATUS_DONE;
 }
 
@@ -35,14 +48,7 @@ ExitStatus Question(Arguments arguments, std::string& output)
 {
     COnlineHost host(arguments);
     const bool bYes = host.Ask(pfnAsk(host.Client(), arguments));
-    if (arguments.bJson) {
-        CJsonWriter json(output);
-        json.BeginObject();
-        json.Bool("answer", bYes);
-        json.EndObject();
-    } else {
-        output += bYes ? "yes\n" : "no\n";
-    }
+    PrintAnswer(arguments, "answer", bYes, bYes ? "yes\n" : "no\n", output);
     return bYes ? STATUS_DONE : STATUS_BAD;
 }
 
@@ -116,7 +122,8 @@ ExitStatus Ping(Arguments arguments, std::string& output)
 {
     COnlineHost host(arguments);
     const bool bThere = host.IsThere();
-    output += bThere ? "A host is in service.\n" : "No host is in service.\n";
+    PrintAnswer(arguments, "inService", bThere,
+                bThere ? "A host is in service.\n" : "No host is in service.\n", output);
     return bThere ? STATUS_DONE : STATUS_BAD;
 }
 
@@ -125,13 +132,20 @@ ExitStatus Version(Arguments arguments, std::string& output)
     COnlineHost host(arguments);
     DWORD dwVersion = 0;
     host.Ask(host.Client().GetVersion(dwVersion));
-    output += Format("0x%08x\n", static_cast<unsigned>(dwVersion));
+    if (arguments.bJson) {
+        CJsonWriter json(output);
+        json.BeginObject();
+        json.Text("version", DescribeVersion(dwVersion));
+        json.EndObject();
+    } else {
+        output += DescribeVersion(dwVersion) + "\n";
+    }
     return STATUS_DONE;
 }
 
 void PrintRecord(const ControlProtocol::CWireRecord& record, bool bJson, std::string& output)
 {
-    const std::string wlx = Format("0x%08x", static_cast<unsigned>(record.dwWlxVersion));
+    const std::string wlx = DescribeVersion(record.dwWlxVersion);
     const std::string plugin = Format("0x%08x", static_cast<unsigned>(record.dwLUMVersion));
     if (!bJson) {
         output += "GINA interface    " + wlx + "\nplugin interface  " + plugin + "\n";
@@ -170,9 +184,7 @@ ExitStatus ListPlugins(Arguments arguments, std::string& output)
 {
     const CRegistryFile file(arguments.registry, CRegistryFile::Absence::IsError);
     COnlineHost host(arguments);
-    const bool bAnswers = host.IsThere();
-    const std::vector<CConfiguredDll> plugins = LookAtPlugins(host, bAnswers);
-    (arguments.bJson ? PrintPluginsJson : PrintPlugins)(plugins, bAnswers, output);
+    (arguments.bJson ? PrintPluginsJson : PrintPlugins)(LookAtPlugins(host), output);
     return STATUS_DONE;
 }
 
@@ -185,31 +197,29 @@ ExitStatus Status(Arguments arguments, std::string& output)
     return view.bAnswers ? STATUS_DONE : STATUS_BAD;
 }
 
-constexpr unsigned WAITS = OPTION_TIMEOUT;
-constexpr unsigned ASKS = WAITS | OPTION_JSON;
+constexpr unsigned ASKS = OPTION_TIMEOUT | OPTION_JSON;
 constexpr unsigned LOOKS = ASKS | OPTION_REGISTRY;
 
 constexpr CCommand COMMANDS[] = {
     {"status", "", "show whether a host is in service, and what is known of it", LOOKS, Status},
-    {"ping", "", "say whether a host is in service", WAITS, Ping},
-    {"version", "", "show the version of the host in service", WAITS, Version},
+    {"ping", "", "say whether a host is in service", ASKS, Ping},
+    {"version", "", "show the version of the host in service", ASKS, Version},
     {"plugins list", "", "show the configured plugins, and whether they are loaded", LOOKS, ListPlugins},
-    {"plugins add", "NAME", "configure a plugin as the last one", WAITS | OPTION_NOW, Change<AddPlugin>},
-    {"plugins remove", "NAME", "take a plugin out of the configuration", WAITS | OPTION_NOW,
+    {"plugins add", "NAME", "configure a plugin as the last one", ASKS | OPTION_NOW, Change<AddPlugin>},
+    {"plugins remove", "NAME", "take a plugin out of the configuration", ASKS | OPTION_NOW,
      Change<RemovePlugin>},
-    {"plugins up", "NAME", "call a loaded plugin earlier, until the next start", WAITS, Change<MoveUp>},
-    {"plugins down", "NAME", "call a loaded plugin later, until the next start", WAITS, Change<MoveDown>},
+    {"plugins up", "NAME", "call a loaded plugin earlier, until the next start", ASKS, Change<MoveUp>},
+    {"plugins down", "NAME", "call a loaded plugin later, until the next start", ASKS, Change<MoveDown>},
     {"plugins query", "NAME [P1] [P2] [P3]", "ask a loaded plugin, with up to three numbers", ASKS,
      Question<QueryPlugin>},
     {"plugins info", "NAME", "show the interface versions of a loaded plugin or GINA", ASKS, Info},
-    {"gina enable", "", "let the host put lum_gina.dll first into the chain", WAITS,
-     Change<EnableGina<true>>},
-    {"gina disable", "", "let the host take lum_gina.dll out of the chain", WAITS, Change<EnableGina<false>>},
-    {"gina remove", "NAME", "let the host take another GINA out of the chain", WAITS, Change<RemoveGina>},
+    {"gina enable", "", "let the host put lum_gina.dll first into the chain", ASKS, Change<EnableGina<true>>},
+    {"gina disable", "", "let the host take lum_gina.dll out of the chain", ASKS, Change<EnableGina<false>>},
+    {"gina remove", "NAME", "let the host take another GINA out of the chain", ASKS, Change<RemoveGina>},
     {"gina in-chain", "NAME", "ask whether a GINA is in the chain", ASKS, Question<IsInChain>},
     {"gina passthrough", "", "show the interface versions of the passthrough GINA", ASKS, Passthrough},
-    {"monitor on", "", "let the host watch the chain for changes by others", WAITS, Change<Monitor<true>>},
-    {"monitor off", "", "stop that", WAITS, Change<Monitor<false>>},
+    {"monitor on", "", "let the host watch the chain for changes by others", ASKS, Change<Monitor<true>>},
+    {"monitor off", "", "stop that", ASKS, Change<Monitor<false>>},
 };
 
 } // namespace
