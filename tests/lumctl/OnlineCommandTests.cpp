@@ -34,9 +34,10 @@ using OnlineCommands = CPipeMachine;
 TEST_F(OnlineCommands, AskAndChangeTheHost)
 {
     StartServer();
-    const std::string c = std::string(" 1  test_plugin_a.dll        loaded\n"
-                                      " 2  test_plugin_c.dll        NOT loaded\n") +
-                          LAST_LINE;
+    const std::string list = std::string(" 1  test_plugin_a.dll        loaded\n"
+                                         " 2  test_plugin_b.dll        loaded\n"
+                                         " 3  nobody.dll               NOT loaded\n") +
+                             LAST_LINE;
     const CRow rows[] = {
         {"ping", STATUS_DONE, "A host is in service.\n"},
         {"ping --json", STATUS_DONE, "{\n  \"inService\": true\n}\n"},
@@ -51,17 +52,16 @@ TEST_F(OnlineCommands, AskAndChangeTheHost)
         {"plugins query nobody.dll --json", STATUS_BAD, "{\n  \"answer\": false\n}\n"},
         {"plugins query test_plugin_a.dll two", STATUS_USAGE, "",
          "plugins query needs numbers of 32 bits, not two"},
-        {"plugins info test_plugin_a.dll", STATUS_DONE,
+        {"plugins info standin_gina.dll", STATUS_DONE,
          "GINA interface    1.4\nplugin interface  0x01000000\n"},
-        {"plugins info nobody.dll", STATUS_BAD, "", "nobody.dll is not loaded, or does not tell"},
+        {"plugins info nobody.dll --json", STATUS_BAD, "", "nobody.dll is not loaded, or does not tell"},
         {"plugins remove test_plugin_b.dll --now", STATUS_DONE, DONE},
         {"plugins remove test_plugin_b.dll --now", STATUS_FAILED, "", COULD_NOT},
+        {"plugins add test_plugin_b.dll --now", STATUS_DONE, DONE},
         {"plugins remove test_plugin_c.dll", STATUS_DONE, DONE},
-        {"plugins add test_plugin_c.dll --now", STATUS_DONE, DONE},
         {"plugins add nobody.dll --now", STATUS_FAILED, "", COULD_NOT},
-        {"plugins remove test_plugin_c.dll --now", STATUS_DONE, DONE},
-        {"plugins add test_plugin_c.dll", STATUS_DONE, DONE},
-        {"plugins list", STATUS_DONE, c.c_str()},
+        {"plugins add nobody.dll", STATUS_DONE, DONE},
+        {"plugins list", STATUS_DONE, list.c_str()},
         {"gina in-chain lum_gina.dll", STATUS_BAD, "no\n"},
         {"gina enable", STATUS_DONE, DONE},
         {"gina in-chain LUM_GINA.DLL --json", STATUS_DONE, "{\n  \"answer\": true\n}\n"},
@@ -78,7 +78,8 @@ TEST_F(OnlineCommands, AskAndChangeTheHost)
          "Monitor      every 3600 s; no request tells whether it runs\n"
          "Plugins\n"
          " 1  test_plugin_a.dll        loaded\n"
-         " 2  test_plugin_c.dll        NOT loaded\n"
+         " 2  test_plugin_b.dll        loaded\n"
+         " 3  nobody.dll               NOT loaded\n"
          "This is the configured order. Moves since the last start do not show.\n"},
         {"gina disable", STATUS_DONE, DONE},
         {"gina disable", STATUS_FAILED, "", COULD_NOT},
@@ -104,7 +105,11 @@ TEST_F(OnlineCommands, AskAndChangeTheHost)
       "loaded": true
     },
     {
-      "name": "test_plugin_c.dll",
+      "name": "test_plugin_b.dll",
+      "loaded": true
+    },
+    {
+      "name": "nobody.dll",
       "loaded": false
     }
   ],
@@ -115,7 +120,8 @@ TEST_F(OnlineCommands, AskAndChangeTheHost)
     for (const CRow& row : rows) {
         ExpectRun(row);
     }
-    EXPECT_EQ(Chain(), (Lines{"test_plugin_a.dll", "standin_gina.dll"}));
+    EXPECT_EQ(Chain(),
+              (Lines{"test_plugin_a.dll", "test_plugin_c.dll", "test_plugin_b.dll", "standin_gina.dll"}));
 }
 
 TEST_F(OnlineCommands, DoNotWaitForEver)

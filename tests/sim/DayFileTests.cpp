@@ -47,6 +47,18 @@ TEST(DayFile, TellsTextsNullAndDefaultsApart)
     EXPECT_EQ(**ParseStep("WlxInitialize station=\"NULL\"").texts[0], TEXT("NULL"));
 }
 
+TEST(DayFile, ReadsStepsOfTheMachine)
+{
+    const CMachineStep command = ParseStep("Admin lumctl plugins add a.dll --x=1 expect 3 # why").machineStep;
+    EXPECT_EQ(command.command, (std::vector<std::string>{"lumctl", "plugins", "add", "a.dll", "--x=1"}));
+    EXPECT_EQ(command.dwExpectedStatus, 3u);
+    const CMachineStep value = ParseStep("SetValue text=NULL name=b key=\"a b\\c\"").machineStep;
+    EXPECT_EQ(value.key, TEXT("a b\\c"));
+    EXPECT_EQ(value.name, TEXT("b"));
+    EXPECT_FALSE(value.text.has_value());
+    EXPECT_EQ(ParseStep("AwaitValue key=a name=b text=\"NULL\"").machineStep.text, "NULL");
+}
+
 TEST(DayFile, KeepsAnyResultThatAGinaCanReturn)
 {
     struct
@@ -73,8 +85,13 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"Attach\nDetach\nDetach", "day.txt:3: a step without the library; expected Attach before it"},
         {"Attach\n\nAttach", "day.txt:3: Attach while the library is loaded; expected Detach before it"},
         {"Attach now", "day.txt:1: \"now\" behind Attach or Detach; expected nothing"},
-        {"Attach\nWlxNap", "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach or the name of an "
-                           "entry point, as WlxNegotiate"},
+        {"Attach\nWlxNap", "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach, the name of an "
+                           "entry point, as WlxNegotiate, or a step of the machine's"},
+        {"Attach\nAdmin", "day.txt:2: the end of the line; expected a program and its arguments"},
+        {"Attach\nAdmin a expect b", "day.txt:2: \"b\"; expected an exit status"},
+        {"Attach\nSetValue key=a name=b",
+         "day.txt:2: other arguments; expected key=, name=, text= once each"},
+        {"Attach\nAwaitFree dll=a dll=b", "day.txt:2: other arguments; expected dll= once each"},
         {"Attach\nWlxIsLockOk sas=1", "day.txt:2: unknown argument \"sas\"; expected gina, expect or "
                                       "answered by"},
         {"Attach\nWlxWkstaLockedSAS context=1",

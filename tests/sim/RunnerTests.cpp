@@ -47,6 +47,16 @@ TEST(Runner, TellsWhatIsWrongWithAStep)
         {"WlxNegotiate gina negotiates 1.3\nWlxReconnectNotify", {skipped + "not in version 1.3"}},
         {"WlxNegotiate gina negotiates 1.3\nWlxRemoveStatusMessage", {}, "TRUE"},
         {"WlxNegotiate\nDetach\nAttach\nWlxLogoff", {skipped + "no version was agreed"}},
+        {"Admin lumctl nonsense expect 2", {}, "exit status 2"},
+        {"Admin lumctl nonsense", {"the day expects exit status 0"}, "exit status 2"},
+        {"SetValue key=SOFTWARE\\ORX\\Test name=Sim text=\"a b\"\n"
+         "AwaitValue key=SOFTWARE\\ORX\\Test name=Sim text=\"a b\"",
+         {},
+         "Sim = \"a b\""},
+        {"SetValue key=SOFTWARE\\ORX\\Test name=Sim text=NULL\n"
+         "AwaitValue key=SOFTWARE\\ORX\\Test name=Sim text=NULL",
+         {},
+         "Sim = no value"},
     };
     for (const CRow& row : rows) {
         const CStepReport report = Live(row.szDay);
@@ -70,6 +80,7 @@ TEST(Runner, KnowsTheExportsThatAGinaLacks)
     EXPECT_EQ(Live("WlxNegotiate\nWlxReconnectNotify", gina).cameBack,
               "skipped: " + gina + " does not export it");
     EXPECT_THROW(Live("WlxNegotiate", "no_such_gina.dll"), CSetupError);
+    EXPECT_THROW(Live("Admin no_such_program"), CSetupError);
 }
 
 } // namespace
