@@ -4,11 +4,6 @@
 #include <fstream>
 #include <iterator>
 
-#include "CommandError.h"
-#include "CommandLine.h"
-#include "CommandLineRunner.h"
-#include "SetupError.h"
-
 namespace {
 
 // Tests run in a folder of their own beside the one of programs and DLLs.
@@ -30,28 +25,11 @@ CLumctlMachine::CLumctlMachine()
 
 CLumctlMachine::CRun CLumctlMachine::Run(const std::string& commandLine)
 {
-    std::vector<std::string> words = SplitNames("lumctl " + commandLine);
+    std::vector<std::string> words = SplitWords(commandLine);
     if (commandLine.find("backup") == std::string::npos) {
         words.insert(words.end(), {"--system", FOLDER});
     }
-    std::vector<const char*> argv;
-    for (const std::string& word : words) {
-        argv.push_back(word.c_str());
-    }
-    CRun run = {STATUS_DONE, "", ""};
-    try {
-        run.status = RunCommandLine(static_cast<int>(argv.size()), argv.data(), run.output);
-    } catch (const CCommandError& error) {
-        run.status = error.status;
-        run.error = error.what();
-    } catch (const CUsageError& error) {
-        run.status = STATUS_USAGE;
-        run.error = error.what();
-    } catch (const CSetupError& error) {
-        run.status = STATUS_FAILED;
-        run.error = error.what();
-    }
-    return run;
+    return RunLumctl(words);
 }
 
 void CLumctlMachine::SetDlls(const std::string& names)

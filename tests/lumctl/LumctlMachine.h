@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ChainMachine.h"
-#include "ExitStatus.h"
+#include "LumctlRun.h"
 
 /// A machine with GINAs in a folder of its own, on which lumctl is run.
 class CLumctlMachine : public CChainMachine
@@ -9,12 +9,7 @@ class CLumctlMachine : public CChainMachine
 protected:
     CLumctlMachine();
 
-    struct CRun
-    {
-        ExitStatus status;
-        std::string output;
-        std::string error; ///< empty when there was none
-    };
+    using CRun = CLumctlRun;
 
     /// Runs a command line, such as "chain show", for GINAs in the folder.
     static CRun Run(const std::string& commandLine);

@@ -72,9 +72,14 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"WlxNegotiate", "day.txt:1: a step without the library; expected Attach before it"},
         {"Attach\nDetach\nDetach", "day.txt:3: a step without the library; expected Attach before it"},
         {"Attach\n\nAttach", "day.txt:3: Attach while the library is loaded; expected Detach before it"},
-        {"Attach now", "day.txt:1: \"now\" behind Attach or Detach; expected nothing"},
-        {"Attach\nWlxNap", "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach or the name of an "
-                           "entry point, as WlxNegotiate"},
+        {"Attach now", "day.txt:1: \"now\" behind Attach, Detach or Wait; expected nothing"},
+        {"Attach\nWlxNap",
+         "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach, Wait or the name of an "
+         "entry point, as WlxNegotiate"},
+        {"Attach\nWait", "day.txt:2: the end of the line; expected a number"},
+        {"Attach\nWait 86401", "day.txt:2: Wait 86401; expected 86400 seconds at most"},
+        {"Attach\nWait 1 s", "day.txt:2: \"s\" behind Attach, Detach or Wait; expected nothing"},
+        {"Wait 1", "day.txt:1: a step without the library; expected Attach before it"},
         {"Attach\nWlxIsLockOk sas=1", "day.txt:2: unknown argument \"sas\"; expected gina, expect or "
                                       "answered by"},
         {"Attach\nWlxWkstaLockedSAS context=1",

@@ -23,6 +23,7 @@ private:
     }
 
     void ParseKind(const std::string& word);
+    void ParseWait();
     void ParseClause();
     void ParseArgument(const CDayWord& word);
     void SetArgument(DWORD dwIndex, const CDayWord& word);
@@ -56,10 +57,24 @@ void CStepParser::ParseKind(const std::string& word)
         m_step.kind = word == "Attach" ? StepKind::Attach : StepKind::Detach;
         return;
     }
+    if (word == "Wait") {
+        ParseWait();
+        return;
+    }
     m_step.pCall = FindCall(word);
     if (m_step.pCall == nullptr) {
         Refuse("unknown step \"" + word + '"',
-               "Attach, Detach or the name of an entry point, as WlxNegotiate");
+               "Attach, Detach, Wait or the name of an entry point, as WlxNegotiate");
+    }
+}
+
+void CStepParser::ParseWait()
+{
+    constexpr DWORD LONGEST_SECONDS = 86400;
+    m_step.kind = StepKind::Wait;
+    m_step.dwSeconds = TakeCode(NUMBERS);
+    if (m_step.dwSeconds > LONGEST_SECONDS) {
+        Refuse(Format("Wait %u", static_cast<unsigned>(m_step.dwSeconds)), "86400 seconds at most");
     }
 }
 
@@ -67,7 +82,7 @@ void CStepParser::ParseClause()
 {
     const CDayWord& word = m_words[m_nNext++];
     if (m_step.kind != StepKind::Call) {
-        Refuse('"' + word.name + "\" behind Attach or Detach", "nothing");
+        Refuse('"' + word.name + "\" behind Attach, Detach or Wait", "nothing");
     }
     if (word.bHasValue) {
         ParseArgument(word);

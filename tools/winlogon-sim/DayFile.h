@@ -13,6 +13,7 @@ enum class StepKind
 {
     Attach,
     Detach,
+    Wait,
     Call
 };
 
@@ -23,6 +24,8 @@ struct CStep
     StepKind kind = StepKind::Call;
     /// Null unless kind is CALL.
     const CWlxCall* pCall = nullptr;
+    /// How long to wait.
+    DWORD dwSeconds = 0;
     /// The values that the day sets, by argument: a number, or a text that may be null. Others have their
     /// defaults.
     std::optional<DWORD> numbers[STANDIN_MAX_ARGUMENTS];

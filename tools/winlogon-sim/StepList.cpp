@@ -43,7 +43,8 @@ void PrintWords(const CCodes& codes)
 
 void PrintSteps()
 {
-    std::printf("Attach\n    loads the library\nDetach\n    frees it\n");
+    std::printf("Attach\n    loads the library\nDetach\n    frees it\n"
+                "Wait SECONDS\n    leaves it in service\n");
     for (const CWlxCall& call : GetCalls()) {
         PrintCall(call);
     }

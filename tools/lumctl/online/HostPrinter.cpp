@@ -16,7 +16,7 @@ std::string DescribeVersion(DWORD dwVersion)
 std::string DescribeService(const CHostView& view)
 {
     if (view.bAnswers) {
-        return "in service, version " + DescribeVersion(view.dwVersion);
+        return "in service, version " + (view.dwVersion != 0 ? DescribeVersion(view.dwVersion) : "not known");
     }
     return view.bMarkedEnabled ? "marked as in service, and does not answer" : "not in service";
 }
@@ -31,6 +31,15 @@ std::string DescribePassthrough(const CHostView& view)
         text += "; what is loaded speaks interface version " + DescribeVersion(view.dwPassthroughVersion);
     }
     return text;
+}
+
+void PrintVersionJson(CJsonWriter& json, DWORD dwVersion)
+{
+    if (dwVersion != 0) {
+        json.Text("version", DescribeVersion(dwVersion));
+    } else {
+        json.Null("version");
+    }
 }
 
 void PrintPluginArrayJson(CJsonWriter& json, const std::vector<CConfiguredDll>& plugins, bool bAnswers)
@@ -93,7 +102,7 @@ void PrintHostJson(const CHostView& view, std::string& output)
     json.Bool("answers", view.bAnswers);
     json.Bool("markedEnabled", view.bMarkedEnabled);
     if (view.bAnswers) {
-        json.Text("version", DescribeVersion(view.dwVersion));
+        PrintVersionJson(json, view.dwVersion);
         json.Bool("inChain", view.bInChain);
     }
     json.BeginObject("passthrough");

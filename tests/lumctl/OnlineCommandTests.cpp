@@ -1,0 +1,219 @@
+#include <regex>
+
+#include "FalseServer.h"
+#include "LumctlRun.h"
+#include "OnlineMachine.h"
+
+namespace {
+
+/// A command line, and everything that comes of it.
+struct CCommandRow
+{
+    std::string commandLine;
+    ExitStatus status;
+    /// JSON without line breaks and indentation; "VERSION" for a version of the library or none.
+    std::string output;
+    std::string error;
+};
+
+constexpr char NOT_DONE[] = "the host could not do it; its trace log says why";
+constexpr char NO_HOST[] = "no host is in service on this machine";
+constexpr char TIMED_OUT[] = "the host did not answer in time; it may still do it";
+constexpr char BAD_TIMEOUT[] = "--timeout needs a number of seconds, at most 3600";
+
+std::string Normalize(const CCommandRow& row, const std::string& output)
+{
+    static const std::regex indentation("\n *");
+    static const std::regex version("(\"version\": |, version )(null|not known|\"?0x[0-9a-f]{8}\"?)");
+    const bool bJson = row.commandLine.find("--json") != std::string::npos;
+    return std::regex_replace(bJson ? std::regex_replace(output, indentation, "") : output, version,
+                              "$1VERSION");
+}
+
+void ExpectRun(const CCommandRow& row)
+{
+    const CLumctlRun run = RunLumctl(SplitWords(row.commandLine));
+    EXPECT_EQ(run.status, row.status) << row.commandLine;
+    EXPECT_EQ(Normalize(row, run.output), row.output) << row.commandLine;
+    EXPECT_EQ(run.error, row.error) << row.commandLine;
+}
+
+class OnlineCommands : public COnlineMachine
+{
+};
+
+TEST_F(OnlineCommands, ShowWhatTheHostAnswers)
+{
+    SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_a.dll,,nobody.dll"));
+    const std::string list = " 1  test_plugin_a.dll        loaded\n"
+                             " 2  nobody.dll               NOT loaded\n"
+                             "This is the configured order. Moves since the last start do not show.\n";
+    const std::string listJson = "\"plugins\": [{\"name\": \"test_plugin_a.dll\",\"loaded\": true},"
+                                 "{\"name\": \"nobody.dll\",\"loaded\": false}],"
+                                 "\"order\": \"configured\"}";
+    const std::string status =
+        "Host         in service, version VERSION\n"
+        "Chain        lum_gina.dll is in it\n"
+        "Passthrough  msgina.dll, loaded; what is loaded speaks interface version 0x00010004\n"
+        "Monitor      not known: no request tells\n"
+        "Plugins\n" +
+        list;
+    const std::string statusJson = "{\"answers\": true,\"markedEnabled\": true,\"version\": VERSION,"
+                                   "\"inChain\": true,\"passthrough\": {\"name\": \"msgina.dll\","
+                                   "\"loaded\": true,\"interfaceVersion\": \"0x00010004\"},"
+                                   "\"monitor\": null," +
+                                   listJson;
+    const std::string info = "plugins info " + std::string(260, 'x');
+    const char* szRecord = "GINA interface    0x00010004\nplugin interface  0x01000000\n";
+    const char* szRecordJson = "{\"ginaInterface\": \"0x00010004\",\"pluginInterface\": \"0x01000000\"}";
+    StartServer();
+    for (const CCommandRow& row : std::initializer_list<CCommandRow>{
+             {"ping", STATUS_DONE, "A host is in service.\n", ""},
+             {"status", STATUS_DONE, status, ""},
+             {"status --json", STATUS_DONE, statusJson, ""},
+             {"plugins list", STATUS_DONE, list, ""},
+             {"plugins list --json", STATUS_DONE, "{" + listJson, ""},
+             {"plugins info MSGINA.dll", STATUS_DONE, szRecord, ""},
+             {"plugins info msgina.dll --json", STATUS_DONE, szRecordJson, ""},
+             {"plugins info nobody.dll", STATUS_BAD, "", "nobody.dll is not loaded, or does not tell"},
+             {info, STATUS_USAGE, "", "the name is longer than 259 characters"},
+             {"gina passthrough", STATUS_DONE, szRecord, ""},
+             {"gina passthrough --json", STATUS_DONE, szRecordJson, ""},
+             {"gina in-chain WPNGINA.dll", STATUS_DONE, "yes\n", ""},
+             {"gina in-chain kvs_gina.dll --json", STATUS_BAD, "{\"answer\": false}", ""},
+             {"plugins query nobody.dll", STATUS_BAD, "no\n", ""},
+             {"plugins query test_plugin_b.dll --json", STATUS_DONE, "{\"answer\": true}", ""},
+             {"plugins query test_plugin_b.dll 4294967296", STATUS_USAGE, "",
+              "plugins query needs numbers of 32 bits, not 4294967296"},
+             {"plugins query test_plugin_b.dll 1 x", STATUS_USAGE, "",
+              "plugins query needs numbers of 32 bits, not x"},
+             {"plugins query test_plugin_b.dll 0x", STATUS_USAGE, "",
+              "plugins query needs numbers of 32 bits, not 0x"},
+         })
+    {
+        ExpectRun(row);
+    }
+}
+
+TEST_F(OnlineCommands, HandAPluginItsNumbers)
+{
+    StartServer();
+    ExpectRun({"plugins query test_plugin_b.dll 7 0x10 4294967295", STATUS_DONE, "yes\n", ""});
+    const PluginRecord& record = plugins[1].LastRecord();
+    EXPECT_EQ(record.call, PluginCall::QueryPlugin);
+    EXPECT_EQ(std::vector<ULONG_PTR>(record.argument + 1, record.argument + 4),
+              (std::vector<ULONG_PTR>{7, 16, 0xffffffff}));
+}
+
+TEST_F(OnlineCommands, ChangeTheHost)
+{
+    const struct
+    {
+        const char* szCommandLine;
+        bool bDone;
+        const char* szState;
+    } rows[] = {
+        {"plugins up test_plugin_b.dll", true, "wpnGina | b,a,c,msgina | a,b,c"},
+        {"plugins up test_plugin_b.dll", false, "wpnGina | b,a,c,msgina | a,b,c"},
+        {"plugins down test_plugin_a.dll", true, "wpnGina | b,c,a,msgina | a,b,c"},
+        {"plugins down nobody.dll", false, "wpnGina | b,c,a,msgina | a,b,c"},
+        {"plugins remove test_plugin_a.dll", true, "wpnGina | b,c,a,msgina | b,c"},
+        {"plugins remove TEST_PLUGIN_B.dll --now", true, "wpnGina | c,a,msgina | c"},
+        {"plugins remove nobody.dll --now", false, "wpnGina | c,a,msgina | c"},
+        {"plugins add test_plugin_a.dll", true, "wpnGina | c,a,msgina | c,a"},
+        {"plugins add test_plugin_b.dll --now", true, "wpnGina | c,a,b,msgina | c,a,b"},
+        {"plugins add nobody.dll --now", false, "wpnGina | c,a,b,msgina | c,a,b"},
+        {"gina remove wpnGina.dll", true, "lum_gina | c,a,b,msgina | c,a,b"},
+        {"gina remove wpnGina.dll", false, "lum_gina | c,a,b,msgina | c,a,b"},
+        {"gina disable", true, "(none) | c,a,b,msgina | c,a,b"},
+        {"gina enable", true, "lum_gina | c,a,b,msgina | c,a,b"},
+        {"monitor on", true, "lum_gina | c,a,b,msgina | c,a,b | monitored"},
+        {"monitor off", true, "lum_gina | c,a,b,msgina | c,a,b"},
+    };
+    StartServer();
+    for (const auto& row : rows) {
+        ExpectRun({row.szCommandLine, row.bDone ? STATUS_DONE : STATUS_FAILED, row.bDone ? "Done.\n" : "",
+                   row.bDone ? "" : NOT_DONE});
+        EXPECT_EQ(Describe(), row.szState) << row.szCommandLine;
+    }
+}
+
+TEST_F(OnlineCommands, SayThatTheHostDoesNotAnswer)
+{
+    for (const CCommandRow& row : std::initializer_list<CCommandRow>{
+             {"ping --timeout 0", STATUS_UNCERTAIN, "", TIMED_OUT},
+             {"status --timeout 0", STATUS_UNCERTAIN, "", TIMED_OUT},
+             {"plugins list --json --timeout 0", STATUS_UNCERTAIN, "", TIMED_OUT},
+             {"plugins add x.dll --now --timeout 0", STATUS_UNCERTAIN, "", TIMED_OUT},
+             {"ping --timeout 3601", STATUS_USAGE, "", BAD_TIMEOUT},
+             {"ping --timeout 1s", STATUS_USAGE, "", BAD_TIMEOUT},
+             {"ping --timeout -1", STATUS_USAGE, "", BAD_TIMEOUT},
+         })
+    {
+        ExpectRun(row);
+    }
+}
+
+TEST_F(OnlineCommands, SayThatThereIsNoHost)
+{
+    const std::string list = " 1  test_plugin_a.dll        configured\n"
+                             " 2  test_plugin_b.dll        configured\n"
+                             " 3  test_plugin_c.dll        configured\n"
+                             "No host is in service; this is the configuration.\n";
+    const std::string listJson = "\"plugins\": [{\"name\": \"test_plugin_a.dll\",\"loaded\": null},"
+                                 "{\"name\": \"test_plugin_b.dll\",\"loaded\": null},"
+                                 "{\"name\": \"test_plugin_c.dll\",\"loaded\": null}],"
+                                 "\"order\": \"configured\"}";
+    const std::string rest =
+        "Passthrough  msgina.dll\nMonitor      not known: no request tells\nPlugins\n" + list;
+    host.reset();
+    ExpectRun({"status", STATUS_BAD, "Host         marked as in service, and does not answer\n" + rest, ""});
+    SetDword(VOLATILE_KEY, TEXT("Enabled"), 0);
+    for (const CCommandRow& row : std::initializer_list<CCommandRow>{
+             {"ping", STATUS_BAD, "No host is in service.\n", ""},
+             {"status", STATUS_BAD, "Host         not in service\n" + rest, ""},
+             {"status --json", STATUS_BAD,
+              "{\"answers\": false,\"markedEnabled\": false,\"passthrough\": {\"name\": \"msgina.dll\"},"
+              "\"monitor\": null," +
+                  listJson,
+              ""},
+             {"plugins list", STATUS_DONE, list, ""},
+             {"plugins list --json", STATUS_DONE, "{" + listJson, ""},
+             {"version", STATUS_FAILED, "", NO_HOST},
+             {"plugins add x.dll", STATUS_FAILED, "", NO_HOST},
+             {"plugins info x.dll --json", STATUS_FAILED, "", NO_HOST},
+             {"plugins query x.dll", STATUS_FAILED, "", NO_HOST},
+             {"gina enable", STATUS_FAILED, "", NO_HOST},
+             {"monitor on", STATUS_FAILED, "", NO_HOST},
+         })
+    {
+        ExpectRun(row);
+    }
+}
+
+class CommandsAtAFalseServer : public CFalseServer
+{
+};
+
+TEST_F(CommandsAtAFalseServer, TellWhatItsAnswerMeans)
+{
+    const struct
+    {
+        std::string answer;
+        CCommandRow row;
+    } rows[] = {
+        {std::string("\x03\x00\x01\x00", 4), {"version", STATUS_DONE, "0x00010003\n", ""}},
+        {std::string(4, '\0'),
+         {"version", STATUS_UNCERTAIN, "", "the host cannot tell its version; its trace log says why"}},
+        {"\1", {"gina passthrough", STATUS_BAD, "", "the host passes through to nothing"}},
+        {"\7", {"ping", STATUS_UNCERTAIN, "", "what answered is not the host, or another version of it"}},
+        {"", {"monitor off", STATUS_UNCERTAIN, "", "the host ended the connection without an answer"}},
+    };
+    for (const auto& row : rows) {
+        AnswerWith(row.answer);
+        ExpectRun(row.row);
+        Join();
+    }
+}
+
+} // namespace
