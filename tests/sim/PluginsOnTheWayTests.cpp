@@ -24,6 +24,9 @@ protected:
     static CStepReport Live(const char* szPlugins, const std::string& day, const std::string& traceLog = TRACE_LOG)
     {
         SetString(OWN_KEY, TEXT("Plugins"), Widen(szPlugins).c_str());
+        // The lines of the service threads could cost one of Winlogon's thread.
+        SetDword(OWN_KEY, TEXT("PipeInterval"), 3600);
+        SetDword(OWN_KEY, TEXT("MonitorInterval"), 3600);
         COptions options;
         options.standin = "msgina.dll";
         options.traceLog = traceLog;
