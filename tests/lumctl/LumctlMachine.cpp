@@ -25,7 +25,7 @@ CLumctlMachine::CLumctlMachine()
 
 CLumctlMachine::CRun CLumctlMachine::Run(const std::string& commandLine)
 {
-    std::vector<std::string> words = SplitNames("lumctl " + commandLine);
+    std::vector<std::string> words = SplitWords(commandLine);
     if (commandLine.find("backup") == std::string::npos) {
         words.insert(words.end(), {"--system", FOLDER});
     }

@@ -1,12 +1,16 @@
 #include "LumctlRun.h"
 
+#include <iterator>
+#include <sstream>
+
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "CommandLineRunner.h"
 #include "SetupError.h"
 
-CLumctlRun RunLumctl(const std::vector<std::string>& words)
+CLumctlRun RunLumctl(std::vector<std::string> words)
 {
+    words.insert(words.begin(), "lumctl");
     std::vector<const char*> argv;
     for (const std::string& word : words) {
         argv.push_back(word.c_str());
@@ -25,4 +29,10 @@ CLumctlRun RunLumctl(const std::vector<std::string>& words)
         run.error = error.what();
     }
     return run;
+}
+
+std::vector<std::string> SplitWords(const std::string& commandLine)
+{
+    std::istringstream text(commandLine);
+    return {std::istream_iterator<std::string>(text), {}};
 }

@@ -5,7 +5,7 @@
 
 #include "ExitStatus.h"
 
-/// What a run of lumctl came to.
+/// What lumctl made of a command line.
 struct CLumctlRun
 {
     ExitStatus status;
@@ -13,5 +13,8 @@ struct CLumctlRun
     std::string error; ///< empty when there was none
 };
 
-/// Runs a command line in this process, such as "lumctl", "chain", "show".
-CLumctlRun RunLumctl(const std::vector<std::string>& words);
+/// Runs the words that stand behind the program's name.
+CLumctlRun RunLumctl(std::vector<std::string> words);
+
+/// The words of a command line, without quoting.
+std::vector<std::string> SplitWords(const std::string& commandLine);

@@ -1,162 +1,230 @@
-#include <iterator>
-#include <sstream>
+#include <regex>
 
-#include "../control-pipe/PipeMachine.h"
+#include "FalseServer.h"
 #include "LumctlRun.h"
-
-// What lumctl says and does to a host in service, through its pipe.
+#include "OnlineMachine.h"
 
 namespace {
 
-struct CRow
+/// A command line, and everything that comes of it.
+struct CCommandRow
 {
-    const char* szCommand;
+    std::string commandLine;
     ExitStatus status;
-    const char* szOutput;
-    const char* szError = "";
+    /// JSON without line breaks and indentation; "VERSION" for a version of the library or none.
+    std::string output;
+    std::string error;
 };
 
-void ExpectRun(const CRow& row)
+constexpr char NOT_DONE[] = "the host could not do it; its trace log says why";
+constexpr char NO_HOST[] = "no host is in service on this machine";
+constexpr char TIMED_OUT[] = "the host did not answer in time; it may still do it";
+constexpr char BAD_TIMEOUT[] = "--timeout needs a number of seconds, at most 3600";
+
+std::string Normalize(const CCommandRow& row, const std::string& output)
 {
-    std::istringstream stream(std::string("lumctl ") + row.szCommand);
-    const CLumctlRun run = RunLumctl({std::istream_iterator<std::string>(stream), {}});
-    EXPECT_EQ(run.status, row.status) << row.szCommand;
-    EXPECT_EQ(run.output, row.szOutput) << row.szCommand;
-    EXPECT_EQ(run.error, row.szError) << row.szCommand;
+    static const std::regex indentation("\n *");
+    static const std::regex version("(\"version\": |, version )(null|not known|\"?0x[0-9a-f]{8}\"?)");
+    const bool bJson = row.commandLine.find("--json") != std::string::npos;
+    return std::regex_replace(bJson ? std::regex_replace(output, indentation, "") : output, version,
+                              "$1VERSION");
 }
 
-constexpr const char* DONE = "Done.\n";
-constexpr const char* COULD_NOT = "the host could not do it; its trace log says why";
-constexpr const char* LAST_LINE = "This is the configured order. Moves since the last start do not show.\n";
+void ExpectRun(const CCommandRow& row)
+{
+    const CLumctlRun run = RunLumctl(SplitWords(row.commandLine));
+    EXPECT_EQ(run.status, row.status) << row.commandLine;
+    EXPECT_EQ(Normalize(row, run.output), row.output) << row.commandLine;
+    EXPECT_EQ(run.error, row.error) << row.commandLine;
+}
 
-using OnlineCommands = CPipeMachine;
+class OnlineCommands : public COnlineMachine
+{
+};
 
-TEST_F(OnlineCommands, AskAndChangeTheHost)
+TEST_F(OnlineCommands, ShowWhatTheHostAnswers)
+{
+    SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_a.dll,,nobody.dll"));
+    const std::string list = " 1  test_plugin_a.dll        loaded\n"
+                             " 2  nobody.dll               NOT loaded\n"
+                             "This is the configured order. Moves since the last start do not show.\n";
+    const std::string listJson =
+        "\"configured\": true,\"plugins\": [{\"name\": \"test_plugin_a.dll\",\"loaded\": true},"
+        "{\"name\": \"nobody.dll\",\"loaded\": false}],"
+        "\"order\": \"configured\"}";
+    const std::string status =
+        "Host         in service, version VERSION\n"
+        "Chain        wpnGina.dll > lum_gina.dll > msgina.dll; to the host, lum_gina.dll is in it\n"
+        "Passthrough  msgina.dll, loaded; what is loaded speaks interface version 0x00010004\n"
+        "Monitor      every 3600 s; no request tells whether it runs\n"
+        "Plugins\n" +
+        list;
+    const std::string chainJson = "\"chain\": [\"wpnGina.dll\",\"lum_gina.dll\",\"msgina.dll\"],";
+    const std::string statusJson = "{\"answers\": true,\"markedEnabled\": true,\"version\": VERSION,"
+                                   "\"inChain\": true," +
+                                   chainJson +
+                                   "\"passthrough\": {\"name\": \"msgina.dll\","
+                                   "\"loaded\": true,\"interfaceVersion\": \"0x00010004\"},"
+                                   "\"monitor\": null,\"monitorSeconds\": 3600," +
+                                   listJson;
+    const std::string info = "plugins info " + std::string(260, 'x');
+    const char* szRecord = "GINA interface    0x00010004\nplugin interface  0x01000000\n";
+    const char* szRecordJson = "{\"ginaInterface\": \"0x00010004\",\"pluginInterface\": \"0x01000000\"}";
+    StartServer();
+    for (const CCommandRow& row : std::initializer_list<CCommandRow>{
+             {"ping", STATUS_DONE, "A host is in service.\n", ""},
+             {"ping --json", STATUS_DONE, "{\"inService\": true}", ""},
+             {"gina enable --json", STATUS_FAILED, "", NOT_DONE},
+             {"monitor off --json", STATUS_DONE, "{\"done\": true}", ""},
+             {"status", STATUS_DONE, status, ""},
+             {"status --json", STATUS_DONE, statusJson, ""},
+             {"plugins list", STATUS_DONE, list, ""},
+             {"plugins list --json", STATUS_DONE, "{" + listJson, ""},
+             {"plugins info MSGINA.dll", STATUS_DONE, szRecord, ""},
+             {"plugins info msgina.dll --json", STATUS_DONE, szRecordJson, ""},
+             {"plugins info nobody.dll", STATUS_BAD, "", "nobody.dll is not loaded, or does not tell"},
+             {info, STATUS_USAGE, "", "the name is longer than 259 characters"},
+             {"gina passthrough", STATUS_DONE, szRecord, ""},
+             {"gina passthrough --json", STATUS_DONE, szRecordJson, ""},
+             {"gina in-chain WPNGINA.dll", STATUS_DONE, "yes\n", ""},
+             {"gina in-chain kvs_gina.dll --json", STATUS_BAD, "{\"answer\": false}", ""},
+             {"plugins query nobody.dll", STATUS_BAD, "no\n", ""},
+             {"plugins query test_plugin_b.dll --json", STATUS_DONE, "{\"answer\": true}", ""},
+             {"plugins query test_plugin_b.dll 4294967296", STATUS_USAGE, "",
+              "plugins query needs numbers of 32 bits, not 4294967296"},
+             {"plugins query test_plugin_b.dll 1 x", STATUS_USAGE, "",
+              "plugins query needs numbers of 32 bits, not x"},
+             {"plugins query test_plugin_b.dll 0x", STATUS_USAGE, "",
+              "plugins query needs numbers of 32 bits, not 0x"},
+         })
+    {
+        ExpectRun(row);
+    }
+}
+
+TEST_F(OnlineCommands, HandAPluginItsNumbers)
 {
     StartServer();
-    const std::string list = std::string(" 1  test_plugin_a.dll        loaded\n"
-                                         " 2  test_plugin_b.dll        loaded\n"
-                                         " 3  nobody.dll               NOT loaded\n") +
-                             LAST_LINE;
-    const CRow rows[] = {
-        {"ping", STATUS_DONE, "A host is in service.\n"},
-        {"ping --json", STATUS_DONE, "{\n  \"inService\": true\n}\n"},
-        // The host of this test is no DLL, so it has no version resource.
-        {"version", STATUS_DONE, "0.0\n"},
-        {"version --json", STATUS_DONE, "{\n  \"version\": \"0.0\"\n}\n"},
-        {"plugins up test_plugin_b.dll", STATUS_DONE, DONE},
-        {"plugins up test_plugin_b.dll", STATUS_FAILED, "", COULD_NOT},
-        {"plugins down TEST_PLUGIN_B.DLL --json", STATUS_DONE, "{\n  \"done\": true\n}\n"},
-        {"plugins down test_plugin_c.dll", STATUS_FAILED, "", COULD_NOT},
-        {"plugins query test_plugin_a.dll 1 0x2 4294967295", STATUS_DONE, "yes\n"},
-        {"plugins query nobody.dll --json", STATUS_BAD, "{\n  \"answer\": false\n}\n"},
-        {"plugins query test_plugin_a.dll two", STATUS_USAGE, "",
-         "plugins query needs numbers of 32 bits, not two"},
-        {"plugins info standin_gina.dll", STATUS_DONE,
-         "GINA interface    1.4\nplugin interface  0x01000000\n"},
-        {"plugins info nobody.dll --json", STATUS_BAD, "", "nobody.dll is not loaded, or does not tell"},
-        {"plugins remove test_plugin_b.dll --now", STATUS_DONE, DONE},
-        {"plugins remove test_plugin_b.dll --now", STATUS_FAILED, "", COULD_NOT},
-        {"plugins add test_plugin_b.dll --now", STATUS_DONE, DONE},
-        {"plugins remove test_plugin_c.dll", STATUS_DONE, DONE},
-        {"plugins add nobody.dll --now", STATUS_FAILED, "", COULD_NOT},
-        {"plugins add nobody.dll", STATUS_DONE, DONE},
-        {"plugins list", STATUS_DONE, list.c_str()},
-        {"gina in-chain lum_gina.dll", STATUS_BAD, "no\n"},
-        {"gina enable", STATUS_DONE, DONE},
-        {"gina in-chain LUM_GINA.DLL --json", STATUS_DONE, "{\n  \"answer\": true\n}\n"},
-        {"gina remove wpnGina.dll", STATUS_FAILED, "", COULD_NOT},
-        {"gina passthrough --json", STATUS_DONE,
-         "{\n  \"ginaInterface\": \"1.4\",\n  \"pluginInterface\": \"0x01000000\"\n}\n"},
-        {"monitor off", STATUS_DONE, DONE},
-        {"monitor on", STATUS_DONE, DONE},
-        {"monitor off", STATUS_DONE, DONE},
-        {"status", STATUS_DONE,
-         "Host         in service, version 0.0\n"
-         "Chain        lum_gina.dll > msgina.dll; to the host, lum_gina.dll is in it\n"
-         "Passthrough  msgina.dll, NOT loaded; the loaded one speaks GINA interface 1.4\n"
-         "Monitor      every 3600 s; no request tells whether it runs\n"
-         "Plugins\n"
-         " 1  test_plugin_a.dll        loaded\n"
-         " 2  test_plugin_b.dll        loaded\n"
-         " 3  nobody.dll               NOT loaded\n"
-         "This is the configured order. Moves since the last start do not show.\n"},
-        {"gina disable", STATUS_DONE, DONE},
-        {"gina disable", STATUS_FAILED, "", COULD_NOT},
-        {"status --json", STATUS_DONE, R"({
-  "answers": true,
-  "markedEnabled": true,
-  "version": "0.0",
-  "inChain": false,
-  "chain": [
-    "msgina.dll"
-  ],
-  "passthrough": {
-    "name": "msgina.dll",
-    "loaded": false,
-    "ginaInterface": "1.4"
-  },
-  "monitor": null,
-  "monitorSeconds": 3600,
-  "configured": true,
-  "plugins": [
-    {
-      "name": "test_plugin_a.dll",
-      "loaded": true
-    },
-    {
-      "name": "test_plugin_b.dll",
-      "loaded": true
-    },
-    {
-      "name": "nobody.dll",
-      "loaded": false
-    }
-  ],
-  "order": "configured"
-}
-)"},
-    };
-    for (const CRow& row : rows) {
-        ExpectRun(row);
-    }
-    EXPECT_EQ(Chain(),
-              (Lines{"test_plugin_a.dll", "test_plugin_c.dll", "test_plugin_b.dll", "standin_gina.dll"}));
+    ExpectRun({"plugins query test_plugin_b.dll 7 0x10 4294967295", STATUS_DONE, "yes\n", ""});
+    const PluginRecord& record = plugins[1].LastRecord();
+    EXPECT_EQ(record.call, PluginCall::QueryPlugin);
+    EXPECT_EQ(std::vector<ULONG_PTR>(record.argument + 1, record.argument + 4),
+              (std::vector<ULONG_PTR>{7, 16, 0xffffffff}));
 }
 
-TEST_F(OnlineCommands, DoNotWaitForEver)
+TEST_F(OnlineCommands, ChangeTheHost)
 {
-    // The pipe is there, and nobody serves it.
-    const char* const late = "the host did not answer in time; it may still do it";
-    const CRow rows[] = {
-        {"ping --timeout 0", STATUS_UNCERTAIN, "", late},
-        {"plugins remove test_plugin_a.dll --timeout 0", STATUS_UNCERTAIN, "", late},
-        {"status --json --timeout 0", STATUS_UNCERTAIN, "", late},
-        {"ping --timeout soon", STATUS_USAGE, "", "--timeout needs a number of seconds, at most 3600"},
+    const struct
+    {
+        const char* szCommandLine;
+        bool bDone;
+        const char* szState;
+    } rows[] = {
+        {"plugins up test_plugin_b.dll", true, "wpnGina | b,a,c,msgina | a,b,c"},
+        {"plugins up test_plugin_b.dll", false, "wpnGina | b,a,c,msgina | a,b,c"},
+        {"plugins down test_plugin_a.dll", true, "wpnGina | b,c,a,msgina | a,b,c"},
+        {"plugins down nobody.dll", false, "wpnGina | b,c,a,msgina | a,b,c"},
+        {"plugins remove test_plugin_a.dll", true, "wpnGina | b,c,a,msgina | b,c"},
+        {"plugins remove TEST_PLUGIN_B.dll --now", true, "wpnGina | c,a,msgina | c"},
+        {"plugins remove nobody.dll --now", false, "wpnGina | c,a,msgina | c"},
+        {"plugins add test_plugin_a.dll", true, "wpnGina | c,a,msgina | c,a"},
+        {"plugins add test_plugin_b.dll --now", true, "wpnGina | c,a,b,msgina | c,a,b"},
+        {"plugins add nobody.dll --now", false, "wpnGina | c,a,b,msgina | c,a,b"},
+        {"gina remove wpnGina.dll", true, "lum_gina | c,a,b,msgina | c,a,b"},
+        {"gina remove wpnGina.dll", false, "lum_gina | c,a,b,msgina | c,a,b"},
+        {"gina disable", true, "(none) | c,a,b,msgina | c,a,b"},
+        {"gina enable", true, "lum_gina | c,a,b,msgina | c,a,b"},
+        {"monitor on", true, "lum_gina | c,a,b,msgina | c,a,b | monitored"},
+        {"monitor off", true, "lum_gina | c,a,b,msgina | c,a,b"},
     };
-    for (const CRow& row : rows) {
+    StartServer();
+    for (const auto& row : rows) {
+        ExpectRun({row.szCommandLine, row.bDone ? STATUS_DONE : STATUS_FAILED, row.bDone ? "Done.\n" : "",
+                   row.bDone ? "" : NOT_DONE});
+        EXPECT_EQ(Describe(), row.szState) << row.szCommandLine;
+    }
+}
+
+TEST_F(OnlineCommands, SayThatTheHostDoesNotAnswer)
+{
+    for (const CCommandRow& row : std::initializer_list<CCommandRow>{
+             {"ping --timeout 0", STATUS_UNCERTAIN, "", TIMED_OUT},
+             {"status --timeout 0", STATUS_UNCERTAIN, "", TIMED_OUT},
+             {"plugins list --json --timeout 0", STATUS_UNCERTAIN, "", TIMED_OUT},
+             {"plugins add x.dll --now --timeout 0", STATUS_UNCERTAIN, "", TIMED_OUT},
+             {"ping --timeout 3601", STATUS_USAGE, "", BAD_TIMEOUT},
+             {"ping --timeout 1s", STATUS_USAGE, "", BAD_TIMEOUT},
+             {"ping --timeout -1", STATUS_USAGE, "", BAD_TIMEOUT},
+         })
+    {
         ExpectRun(row);
     }
 }
 
-TEST(OnlineCommandsAlone, TellThatThereIsNoHost)
+TEST_F(OnlineCommands, SayThatThereIsNoHost)
 {
-    const char* const none = "no host is in service on this machine";
-    const std::string longName = "plugins add " + std::string(260, 'x');
-    const CRow rows[] = {
-        {"ping", STATUS_BAD, "No host is in service.\n"},
-        {"version", STATUS_FAILED, "", none},
-        {"gina disable --json", STATUS_FAILED, "", none},
-        {"plugins query test_plugin_a.dll", STATUS_FAILED, "", none},
-        {longName.c_str(), STATUS_USAGE, "", "the name is longer than 259 characters"},
-        {"plugins list", STATUS_DONE, "The registry holds no configuration of the host.\n"},
-        {"status", STATUS_BAD,
-         "Host         not in service\nChain        not known\nPassthrough  none named\n"
-         "Monitor      no request tells whether it runs\nPlugins\n"
-         "The registry holds no configuration of the host.\n"},
-    };
-    for (const CRow& row : rows) {
+    const std::string list = " 1  test_plugin_a.dll        configured\n"
+                             " 2  test_plugin_b.dll        configured\n"
+                             " 3  test_plugin_c.dll        configured\n"
+                             "No host is in service; this is the configuration.\n";
+    const std::string listJson =
+        "\"configured\": true,\"plugins\": [{\"name\": \"test_plugin_a.dll\",\"loaded\": null},"
+        "{\"name\": \"test_plugin_b.dll\",\"loaded\": null},"
+        "{\"name\": \"test_plugin_c.dll\",\"loaded\": null}],"
+        "\"order\": \"configured\"}";
+    const std::string rest = "Chain        wpnGina.dll > lum_gina.dll > msgina.dll\nPassthrough  msgina.dll\n"
+                             "Monitor      every 3600 s; no request tells whether it runs\nPlugins\n" +
+                             list;
+    host.reset();
+    ExpectRun({"status", STATUS_BAD, "Host         marked as in service, and does not answer\n" + rest, ""});
+    SetDword(VOLATILE_KEY, TEXT("Enabled"), 0);
+    for (const CCommandRow& row : std::initializer_list<CCommandRow>{
+             {"ping", STATUS_BAD, "No host is in service.\n", ""},
+             {"status", STATUS_BAD, "Host         not in service\n" + rest, ""},
+             {"status --json", STATUS_BAD,
+              "{\"answers\": false,\"markedEnabled\": false,"
+              "\"chain\": [\"wpnGina.dll\",\"lum_gina.dll\",\"msgina.dll\"],\"passthrough\": {\"name\": "
+              "\"msgina.dll\"},"
+              "\"monitor\": null,\"monitorSeconds\": 3600," +
+                  listJson,
+              ""},
+             {"plugins list", STATUS_DONE, list, ""},
+             {"plugins list --json", STATUS_DONE, "{" + listJson, ""},
+             {"version", STATUS_FAILED, "", NO_HOST},
+             {"plugins add x.dll", STATUS_FAILED, "", NO_HOST},
+             {"plugins info x.dll --json", STATUS_FAILED, "", NO_HOST},
+             {"plugins query x.dll", STATUS_FAILED, "", NO_HOST},
+             {"gina enable", STATUS_FAILED, "", NO_HOST},
+             {"monitor on", STATUS_FAILED, "", NO_HOST},
+         })
+    {
         ExpectRun(row);
+    }
+}
+
+class CommandsAtAFalseServer : public CFalseServer
+{
+};
+
+TEST_F(CommandsAtAFalseServer, TellWhatItsAnswerMeans)
+{
+    const struct
+    {
+        std::string answer;
+        CCommandRow row;
+    } rows[] = {
+        {std::string("\x03\x00\x01\x00", 4), {"version", STATUS_DONE, "0x00010003\n", ""}},
+        {std::string("\x03\x00\x01\x00", 4), {"version --json", STATUS_DONE, "{\"version\": VERSION}", ""}},
+        {std::string(4, '\0'),
+         {"version", STATUS_UNCERTAIN, "", "the host cannot tell its version; its trace log says why"}},
+        {"\1", {"gina passthrough", STATUS_BAD, "", "the host passes through to nothing"}},
+        {"\7", {"ping", STATUS_UNCERTAIN, "", "what answered is not the host, or another version of it"}},
+        {"", {"monitor off", STATUS_UNCERTAIN, "", "the host ended the connection without an answer"}},
+    };
+    for (const auto& row : rows) {
+        AnswerWith(row.answer);
+        ExpectRun(row.row);
+        Join();
     }
 }
 

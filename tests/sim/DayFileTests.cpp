@@ -84,14 +84,19 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"WlxNegotiate", "day.txt:1: a step without the library; expected Attach before it"},
         {"Attach\nDetach\nDetach", "day.txt:3: a step without the library; expected Attach before it"},
         {"Attach\n\nAttach", "day.txt:3: Attach while the library is loaded; expected Detach before it"},
-        {"Attach now", "day.txt:1: \"now\" behind Attach or Detach; expected nothing"},
-        {"Attach\nWlxNap", "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach, the name of an "
-                           "entry point, as WlxNegotiate, or a step of the machine's"},
+        {"Attach now", "day.txt:1: \"now\" behind Attach, Detach or Wait; expected nothing"},
+        {"Attach\nWlxNap",
+         "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach, Wait, the name of an "
+         "entry point, as WlxNegotiate, or a step of the machine's"},
         {"Attach\nAdmin", "day.txt:2: the end of the line; expected a program and its arguments"},
         {"Attach\nAdmin a expect b", "day.txt:2: \"b\"; expected an exit status"},
         {"Attach\nSetValue key=a name=b",
          "day.txt:2: other arguments; expected key=, name=, text= once each"},
         {"Attach\nAwaitFree dll=a dll=b", "day.txt:2: other arguments; expected dll= once each"},
+        {"Attach\nWait", "day.txt:2: the end of the line; expected a number"},
+        {"Attach\nWait 86401", "day.txt:2: Wait 86401; expected 86400 seconds at most"},
+        {"Attach\nWait 1 s", "day.txt:2: \"s\" behind Attach, Detach or Wait; expected nothing"},
+        {"Wait 1", "day.txt:1: a step without the library; expected Attach before it"},
         {"Attach\nWlxIsLockOk sas=1", "day.txt:2: unknown argument \"sas\"; expected gina, expect or "
                                       "answered by"},
         {"Attach\nWlxWkstaLockedSAS context=1",

@@ -15,20 +15,24 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-constexpr char TRACE_LOG[] = "plugins_on_the_way.log";
+const std::string TRACE_LOG = GetLogFolder() + "plugins_on_the_way.log";
 
 class PluginsOnTheWay : public CTestMachine
 {
 protected:
     /// Lives a day with these plugins in front of the stand-in, and gives the report of its last step.
-    static CStepReport Live(const char* szPlugins, const std::string& day, const char* szTraceLog = TRACE_LOG)
+    static CStepReport Live(const char* szPlugins, const std::string& day,
+                            const std::string& traceLog = TRACE_LOG)
     {
         SetString(OWN_KEY, TEXT("Plugins"), Widen(szPlugins).c_str());
+        // The lines of the service threads could cost one of Winlogon's thread.
+        SetDword(OWN_KEY, TEXT("PipeInterval"), 3600);
+        SetDword(OWN_KEY, TEXT("MonitorInterval"), 3600);
         COptions options;
         options.standin = "msgina.dll";
-        options.traceLog = szTraceLog;
+        options.traceLog = traceLog;
         const CMachine machine(options);
-        CRunner runner("lum_gina.dll", machine.GetStandin(), WLX_VERSION_1_4, szTraceLog);
+        CRunner runner("lum_gina.dll", machine.GetStandin(), WLX_VERSION_1_4, traceLog);
         CStepReport report;
         for (const CStep& step : ParseDay("Attach\nWlxNegotiate\n" + day, "day")) {
             report = runner.Run(step);
@@ -36,7 +40,7 @@ protected:
         return report;
     }
 
-    ~PluginsOnTheWay() override { std::remove(TRACE_LOG); }
+    ~PluginsOnTheWay() override { std::remove(TRACE_LOG.c_str()); }
 
     CPluginDriver a{TEXT("test_plugin_a.dll")};
     CPluginDriver b{TEXT("test_plugin_b.dll")};

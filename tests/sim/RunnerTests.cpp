@@ -46,6 +46,8 @@ TEST(Runner, TellsWhatIsWrongWithAStep)
         {"WlxNegotiate gina returns FALSE\nWlxLogoff", {skipped + "no version was agreed"}},
         {"WlxNegotiate gina negotiates 1.3\nWlxReconnectNotify", {skipped + "not in version 1.3"}},
         {"WlxNegotiate gina negotiates 1.3\nWlxRemoveStatusMessage", {}, "TRUE"},
+        {"WlxNegotiate\nWait 0\nWlxIsLockOk", {}, "TRUE"},
+        {"WlxNegotiate\nWait 1", {}, "1 s later"},
         {"WlxNegotiate\nDetach\nAttach\nWlxLogoff", {skipped + "no version was agreed"}},
         {"Admin lumctl nonsense expect 2", {}, "exit status 2"},
         {"Admin lumctl nonsense", {"the day expects exit status 0"}, "exit status 2"},

@@ -29,14 +29,6 @@ void DeleteUsedKeys()
     }
 }
 
-/// On Windows the user's own temporary folder: each line opens the file anew, which is slow on a network
-/// file system, as the build folder may lie on.
-std::string GetLogFolder()
-{
-    const char* szTemp = std::getenv("TEMP");
-    return szTemp != nullptr ? std::string(szTemp) + "\\" : std::string();
-}
-
 std::string ReadFile(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
@@ -60,6 +52,12 @@ std::vector<std::string> ReadLines(const std::string& path)
 }
 
 } // namespace
+
+std::string GetLogFolder()
+{
+    const char* szTemp = std::getenv("TEMP");
+    return szTemp != nullptr ? std::string(szTemp) + "\\" : std::string();
+}
 
 CTestMachine::CTestMachine()
 {

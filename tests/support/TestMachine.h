@@ -47,6 +47,11 @@ inline constexpr WCHAR OWN_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina");
 inline constexpr WCHAR VOLATILE_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile");
 inline constexpr WCHAR DEBUG_KEY[] = TEXT("Software\\ORX\\Security\\Debug");
 
+/// Where tests have trace logs written, with a separator at its end. On Windows the user's own temporary
+/// folder: each line opens the file anew, which is slow on a network file system, as the build folder may lie
+/// on.
+std::string GetLogFolder();
+
 /// Plain ASCII in and out.
 std::string Narrow(const WCHAR* szText);
 std::basic_string<WCHAR> Widen(const std::string& text);

@@ -42,10 +42,20 @@ void CChainWatch::Attach(std::vector<std::string> plugins, const std::string& gi
     m_open.clear();
 }
 
+/// The library still writes when the command has its answer. Those lines are no way of a call of Winlogon's,
+/// and lines that two threads write at a time can cost each other.
+void CChainWatch::AwaitQuiet()
+{
+    constexpr DWORD PAUSE_MILLISECONDS = 100;
+    int nPauses = 20;
+    do {
+        Sleep(PAUSE_MILLISECONDS);
+    } while (!m_tail.Read().empty() && --nPauses != 0);
+}
+
 void CChainWatch::FollowCommand(const std::vector<std::string>& words)
 {
-    // What the library did for it is no way of a call of Winlogon's.
-    m_tail.Read();
+    AwaitQuiet();
     if (words.size() < 4 || words[1] != "plugins") {
         return;
     }

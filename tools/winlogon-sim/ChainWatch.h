@@ -34,6 +34,7 @@ private:
         std::optional<std::size_t> hop;
     };
 
+    void AwaitQuiet();
     void See(const CTraceLine& line, CWay& way);
     void SeeObject(const CTraceLine& line, CWay& way);
     void SeeLeftOut(const CTraceLine& line);

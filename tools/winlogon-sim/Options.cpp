@@ -15,7 +15,8 @@ the GINA and what came back, and where the two differ without a plugin's doing.
                       library's configuration (what that names already, or msgina.dll)
   --version VERSION   the interface version that Winlogon offers (1.4)
   --trace-log PATH    where the library writes its trace log (winlogon-sim.log)
-  --trace-mask MASK   the trace levels that it writes (0xFFF, all of them)
+  --trace-mask MASK   the trace levels that it writes (0xFFE, all but the polls of
+                      the control pipe)
   --no-trace-log      configure no trace log
   --setup FILE        import this .reg file before the day: plugins, their settings, or others
   --registry FILE     load the machine's registry from this .reg file first, when it is there,

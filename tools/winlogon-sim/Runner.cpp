@@ -129,6 +129,9 @@ CStepReport CRunner::Run(const CStep& step)
     case StepKind::Detach:
         Detach(report);
         break;
+    case StepKind::Wait:
+        Wait(step, report);
+        break;
     case StepKind::Call:
         Call(step, report);
         break;
@@ -157,6 +160,13 @@ void CRunner::Detach(CStepReport& report)
     report.cameBack = m_gina + " freed";
 }
 
+void CRunner::Wait(const CStep& step, CStepReport& report)
+{
+    Sleep(step.dwSeconds * 1000);
+    report.step = "Wait";
+    report.cameBack = Format("%u s later", static_cast<unsigned>(step.dwSeconds));
+}
+
 void CRunner::RunOnMachine(const CStep& step, CStepReport& report)
 {
     CMachineOutcome outcome = step.pMachineStep->pfnRun(step.machineStep);
@@ -166,9 +176,13 @@ void CRunner::RunOnMachine(const CStep& step, CStepReport& report)
     report.output = std::move(outcome.output);
     if (!outcome.difference.empty()) {
         report.differences.push_back(outcome.difference);
-    } else {
-        m_watch.FollowCommand(step.machineStep.command);
     }
+    if (step.machineStep.command.empty()) {
+        return;
+    }
+    m_watch.FollowCommand(report.differences.empty() && step.machineStep.dwExpectedStatus == 0
+                              ? step.machineStep.command
+                              : std::vector<std::string>());
 }
 
 void CRunner::Call(const CStep& step, CStepReport& report)

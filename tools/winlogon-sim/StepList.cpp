@@ -44,7 +44,8 @@ void PrintWords(const CCodes& codes)
 
 void PrintSteps()
 {
-    std::printf("Attach\n    loads the library\nDetach\n    frees it\n");
+    std::printf("Attach\n    loads the library\nDetach\n    frees it\n"
+                "Wait SECONDS\n    leaves it in service\n");
     for (const CMachineStepKind& step : MACHINE_STEPS) {
         std::printf("%s %s\n    %s\n", step.szName, step.szWords, step.szHelp);
     }

@@ -11,21 +11,30 @@ std::string Name(const WideText& text)
 std::string DescribeService(const CHostView& view)
 {
     if (view.bAnswers) {
-        return "in service, version " + DescribeVersion(view.dwVersion);
+        return "in service, version " + (view.dwVersion != 0 ? DescribeVersion(view.dwVersion) : "not known");
     }
     return view.bMarkedEnabled ? "marked as in service, and does not answer" : "not in service";
 }
 
 std::string DescribePassthrough(const CHostView& view)
 {
-    std::string text = view.passthrough.name.empty() ? "none named" : Name(view.passthrough.name);
+    std::string text = view.passthrough.name.empty() ? "none configured" : Name(view.passthrough.name);
     if (view.bAnswers && !view.passthrough.name.empty()) {
         text += view.passthrough.bLoaded ? ", loaded" : ", NOT loaded";
     }
     if (view.bHasPassthroughRecord) {
-        text += "; the loaded one speaks GINA interface " + DescribeVersion(view.dwPassthroughVersion);
+        text += "; what is loaded speaks interface version " + DescribeVersion(view.dwPassthroughVersion);
     }
     return text;
+}
+
+void PrintVersionJson(CJsonWriter& json, DWORD dwVersion)
+{
+    if (dwVersion != 0) {
+        json.Text("version", DescribeVersion(dwVersion));
+    } else {
+        json.Null("version");
+    }
 }
 
 std::string DescribeChain(const CHostView& view)
@@ -71,7 +80,7 @@ void PrintPluginArrayJson(CJsonWriter& json, const CPluginsView& view)
 
 std::string DescribeVersion(DWORD dwVersion)
 {
-    return Format("%u.%u", static_cast<unsigned>(dwVersion >> 16), static_cast<unsigned>(dwVersion & 0xFFFF));
+    return Format("0x%08x", static_cast<unsigned>(dwVersion));
 }
 
 void PrintPlugins(const CPluginsView& view, std::string& output)
@@ -114,7 +123,7 @@ void PrintHostJson(const CHostView& view, std::string& output)
     json.Bool("answers", view.bAnswers);
     json.Bool("markedEnabled", view.bMarkedEnabled);
     if (view.bAnswers) {
-        json.Text("version", DescribeVersion(view.dwVersion));
+        PrintVersionJson(json, view.dwVersion);
         json.Bool("inChain", view.bInChain);
     }
     json.BeginArray("chain");
@@ -128,7 +137,7 @@ void PrintHostJson(const CHostView& view, std::string& output)
         json.Bool("loaded", view.passthrough.bLoaded);
     }
     if (view.bHasPassthroughRecord) {
-        json.Text("ginaInterface", DescribeVersion(view.dwPassthroughVersion));
+        json.Text("interfaceVersion", DescribeVersion(view.dwPassthroughVersion));
     }
     json.EndObject();
     json.Null("monitor");

@@ -45,5 +45,5 @@ void PrintPluginsJson(const CPluginsView& view, std::string& output);
 void PrintHost(const CHostView& view, std::string& output);
 void PrintHostJson(const CHostView& view, std::string& output);
 
-/// "1.4" for 0x00010004.
+/// "0x00010004".
 std::string DescribeVersion(DWORD dwVersion);

@@ -101,7 +101,8 @@ DWORD ReadNumber(Arguments arguments, std::size_t nWord)
     }
     const char* szText = arguments.words[nWord].c_str();
     char* pEnd = nullptr;
-    const unsigned long nValue = std::strtoul(szText, &pEnd, 0);
+    // Wider than a DWORD on every target, so that what is too large is seen.
+    const unsigned long long nValue = std::strtoull(szText, &pEnd, 0);
     if (*pEnd != '\0' || *szText < '0' || *szText > '9' || nValue > 0xFFFFFFFF) {
         throw CUsageError(std::string("plugins query needs numbers of 32 bits, not ") + szText);
     }
@@ -132,6 +133,9 @@ ExitStatus Version(Arguments arguments, std::string& output)
     COnlineHost host(arguments);
     DWORD dwVersion = 0;
     host.Ask(host.Client().GetVersion(dwVersion));
+    if (dwVersion == 0) {
+        throw CCommandError("the host cannot tell its version; its trace log says why", STATUS_UNCERTAIN);
+    }
     if (arguments.bJson) {
         CJsonWriter json(output);
         json.BeginObject();
