@@ -34,8 +34,17 @@ constexpr CDisposition DISPOSITIONS[] = {
 std::mutex g_mutex;
 std::vector<const CFileObject*> g_files;
 
+/// Whether an opener asked for any right to write.
+bool Writes(DWORD dwAccess)
+{
+    return (dwAccess & (GENERIC_WRITE | FILE_APPEND_DATA)) != 0;
+}
+
 int GetOpenMode(DWORD dwAccess)
 {
+    if (dwAccess == FILE_APPEND_DATA) {
+        return O_WRONLY | O_APPEND | O_CLOEXEC;
+    }
     const bool bRead = (dwAccess & GENERIC_READ) != 0;
     const bool bWrite = (dwAccess & GENERIC_WRITE) != 0;
     return (bWrite ? bRead ? O_RDWR : O_WRONLY : O_RDONLY) | O_CLOEXEC;
@@ -45,7 +54,7 @@ int GetOpenMode(DWORD dwAccess)
 bool AllowsAccess(DWORD dwShareMode, DWORD dwAccess)
 {
     return ((dwAccess & GENERIC_READ) == 0 || (dwShareMode & FILE_SHARE_READ) != 0) &&
-           ((dwAccess & GENERIC_WRITE) == 0 || (dwShareMode & FILE_SHARE_WRITE) != 0);
+           (!Writes(dwAccess) || (dwShareMode & FILE_SHARE_WRITE) != 0);
 }
 
 /// A missing file and a missing directory are one error here and two on Windows.
@@ -150,7 +159,7 @@ DWORD CFileObject::Read(void* pBuffer, DWORD cbBuffer)
 
 DWORD CFileObject::Write(const void* pBuffer, DWORD cbBuffer)
 {
-    Require((m_dwAccess & GENERIC_WRITE) != 0, ERROR_ACCESS_DENIED);
+    Require(Writes(m_dwAccess), ERROR_ACCESS_DENIED);
     std::size_t cbDone = 0;
     while (cbDone < cbBuffer) {
         const char* pRest = static_cast<const char*>(pBuffer) + cbDone;

@@ -182,6 +182,20 @@ TEST_F(Files, ReadsAndWritesWhereThePointerIs)
     EXPECT_EQ(Contents(), "abCdef");
 }
 
+TEST_F(Files, AppendsAtTheEndThatIsThereWhenItWrites)
+{
+    const HANDLE hFirst = Open(FILE_NAME, FILE_APPEND_DATA, OPEN_ALWAYS);
+    const HANDLE hSecond = Open(FILE_NAME, FILE_APPEND_DATA, OPEN_ALWAYS);
+    DWORD cbMoved = 0;
+    for (const HANDLE hFile : {hFirst, hSecond, hFirst}) {
+        EXPECT_EQ(SetFilePointer(hFile, 0, nullptr, FILE_BEGIN), 0u);
+        EXPECT_TRUE(WriteFile(hFile, "ab", 2, &cbMoved, nullptr));
+    }
+    EXPECT_TRUE(CloseHandle(hFirst));
+    EXPECT_TRUE(CloseHandle(hSecond));
+    EXPECT_EQ(Contents(), "ababab");
+}
+
 TEST_F(Files, HoldsAHandleToItsAccessAndKnowsClosedOnes)
 {
     char buffer[4] = {};

@@ -7,6 +7,7 @@
 
 #define GENERIC_READ 0x80000000u
 #define GENERIC_WRITE 0x40000000u
+#define FILE_APPEND_DATA 0x00000004
 
 #define FILE_SHARE_READ 0x00000001
 #define FILE_SHARE_WRITE 0x00000002
@@ -40,7 +41,8 @@ using LPOVERLAPPED = OVERLAPPED*;
 BOOL WINAPI CreateDirectoryW(LPCWSTR szPath, LPSECURITY_ATTRIBUTES pSecurity) noexcept;
 
 /// A name of \\.\pipe\ opens a pipe (see pipes.h), any other one a file.
-/// dwAccess: GENERIC_READ, GENERIC_WRITE or both. Sharing is kept among the handles of this process;
+/// dwAccess: GENERIC_READ, GENERIC_WRITE or both; or FILE_APPEND_DATA alone, and each write goes to the end,
+/// wherever the file pointer is. Sharing is kept among the handles of this process;
 /// attributes and flags are ignored.
 HANDLE WINAPI CreateFileW(LPCWSTR szPath, DWORD dwAccess, DWORD dwShareMode, LPSECURITY_ATTRIBUTES pSecurity,
                           DWORD dwDisposition, DWORD dwFlags, HANDLE hTemplate) noexcept;
