@@ -23,7 +23,6 @@ private:
     }
 
     void ParseKind(const std::string& word);
-    void ParseWait();
     void ParseClause();
     void ParseArgument(const CDayWord& word);
     void SetArgument(DWORD dwIndex, const CDayWord& word);
@@ -57,10 +56,6 @@ void CStepParser::ParseKind(const std::string& word)
         m_step.kind = word == "Attach" ? StepKind::Attach : StepKind::Detach;
         return;
     }
-    if (word == "Wait") {
-        ParseWait();
-        return;
-    }
     m_step.pMachineStep = FindMachineStep(word);
     if (m_step.pMachineStep != nullptr) {
         m_step.kind = StepKind::Machine;
@@ -71,18 +66,7 @@ void CStepParser::ParseKind(const std::string& word)
     m_step.pCall = FindCall(word);
     if (m_step.pCall == nullptr) {
         Refuse("unknown step \"" + word + '"',
-               "Attach, Detach, Wait, the name of an entry point, as WlxNegotiate, or a step of the "
-               "machine's");
-    }
-}
-
-void CStepParser::ParseWait()
-{
-    constexpr DWORD LONGEST_SECONDS = 86400;
-    m_step.kind = StepKind::Wait;
-    m_step.dwSeconds = TakeCode(NUMBERS);
-    if (m_step.dwSeconds > LONGEST_SECONDS) {
-        Refuse(Format("Wait %u", static_cast<unsigned>(m_step.dwSeconds)), "86400 seconds at most");
+               "Attach, Detach, the name of an entry point, as WlxNegotiate, or a step of the machine's");
     }
 }
 
@@ -90,7 +74,7 @@ void CStepParser::ParseClause()
 {
     const CDayWord& word = m_words[m_nNext++];
     if (m_step.kind != StepKind::Call) {
-        Refuse('"' + word.name + "\" behind Attach, Detach or Wait", "nothing");
+        Refuse('"' + word.name + "\" behind Attach or Detach", "nothing");
     }
     if (word.bHasValue) {
         ParseArgument(word);

@@ -14,7 +14,6 @@ enum class StepKind
 {
     Attach,
     Detach,
-    Wait,
     Call,
     Machine,
 };
@@ -29,8 +28,6 @@ struct CStep
     /// Null unless it is a step of the machine's.
     const CMachineStepKind* pMachineStep = nullptr;
     CMachineStep machineStep;
-    /// How long to wait.
-    DWORD dwSeconds = 0;
     /// The values that the day sets, by argument: a number, or a text that may be null. Others have their
     /// defaults.
     std::optional<DWORD> numbers[STANDIN_MAX_ARGUMENTS];

@@ -13,6 +13,7 @@ namespace {
 // Long enough for a machine that is emulated.
 constexpr DWORD LONGEST_COMMAND_MILLISECONDS = 180000;
 constexpr DWORD LONGEST_WAIT_MILLISECONDS = 60000;
+constexpr DWORD LONGEST_PAUSE_SECONDS = 86400;
 constexpr DWORD POLL_MILLISECONDS = 20;
 
 /// Waits until a condition holds; false when it does not in time.
@@ -34,14 +35,14 @@ std::string Describe(const std::optional<std::string>& text)
     return text.has_value() ? '"' + *text + '"' : "no value";
 }
 
-DWORD ParseStatus(const std::string& word)
+DWORD ParseNumber(const std::string& word, unsigned long nLargest, const char* szExpected)
 {
     char* pEnd = nullptr;
-    const unsigned long nStatus = std::strtoul(word.c_str(), &pEnd, 10);
-    if (word.empty() || *pEnd != '\0') {
-        throw std::runtime_error('"' + word + "\"; expected an exit status");
+    const unsigned long nNumber = std::strtoul(word.c_str(), &pEnd, 10);
+    if (word.empty() || *pEnd != '\0' || nNumber > nLargest) {
+        throw std::runtime_error('"' + word + "\"; expected " + szExpected);
     }
-    return static_cast<DWORD>(nStatus);
+    return static_cast<DWORD>(nNumber);
 }
 
 CMachineStep ParseCommand(const std::vector<CDayWord>& words)
@@ -52,12 +53,20 @@ CMachineStep ParseCommand(const std::vector<CDayWord>& words)
     }
     std::vector<std::string>& command = step.command;
     if (command.size() >= 2 && command[command.size() - 2] == "expect") {
-        step.dwExpectedStatus = ParseStatus(command.back());
+        step.dwExpectedStatus = ParseNumber(command.back(), 0xFFFFFFFF, "an exit status");
         command.resize(command.size() - 2);
     }
     if (command.empty()) {
         throw std::runtime_error("the end of the line; expected a program and its arguments");
     }
+    return step;
+}
+
+CMachineStep ParseSeconds(const std::vector<CDayWord>& words)
+{
+    CMachineStep step;
+    const std::string word = words.size() == 1 && !words[0].bHasValue ? words[0].name : "";
+    step.dwSeconds = ParseNumber(word, LONGEST_PAUSE_SECONDS, "a number of seconds, at most 86400");
     return step;
 }
 
@@ -170,6 +179,12 @@ CMachineOutcome AwaitValue(const CMachineStep& step)
             bDone ? "" : "the day expects " + Describe(step.text)};
 }
 
+CMachineOutcome Pause(const CMachineStep& step)
+{
+    Sleep(step.dwSeconds * 1000);
+    return {std::to_string(step.dwSeconds) + " s", "", {}, ""};
+}
+
 CMachineOutcome AwaitFree(const CMachineStep& step)
 {
     const bool bFree = Await([name = ToWide(step.dll)] { return GetModuleHandleW(name.c_str()) == nullptr; });
@@ -188,6 +203,8 @@ const std::vector<CMachineStepKind> MACHINE_STEPS = {
      ParseArguments<KEY, NAME, TEXT_OR_NULL>, AwaitValue},
     {"AwaitFree", "dll=NAME", "waits until that DLL is not loaded, at most a minute", ParseArguments<DLL>,
      AwaitFree},
+    {"Wait", "SECONDS", "the library stays in service meanwhile, for whoever wants to try lumctl",
+     ParseSeconds, Pause},
 };
 
 const CMachineStepKind* FindMachineStep(const std::string& name)

@@ -8,7 +8,8 @@
 #include "DayWords.h"
 #include "Text.h"
 
-// What happens on a machine beside Winlogon's calls: an administrator works, another installer writes.
+// What happens on a machine beside Winlogon's calls: an administrator works, another installer writes, time
+// passes.
 
 struct CMachineStep
 {
@@ -20,6 +21,7 @@ struct CMachineStep
     WideText name;
     std::optional<std::string> text;
     std::string dll;
+    DWORD dwSeconds = 0;
 };
 
 /// What came of it.

@@ -129,9 +129,6 @@ CStepReport CRunner::Run(const CStep& step)
     case StepKind::Detach:
         Detach(report);
         break;
-    case StepKind::Wait:
-        Wait(step, report);
-        break;
     case StepKind::Call:
         Call(step, report);
         break;
@@ -158,13 +155,6 @@ void CRunner::Detach(CStepReport& report)
     Winlogon::SetContext(0);
     report.step = "Detach";
     report.cameBack = m_gina + " freed";
-}
-
-void CRunner::Wait(const CStep& step, CStepReport& report)
-{
-    Sleep(step.dwSeconds * 1000);
-    report.step = "Wait";
-    report.cameBack = Format("%u s later", static_cast<unsigned>(step.dwSeconds));
 }
 
 void CRunner::RunOnMachine(const CStep& step, CStepReport& report)

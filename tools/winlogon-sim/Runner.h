@@ -44,7 +44,6 @@ public:
 private:
     void Attach(CStepReport& report);
     void Detach(CStepReport& report);
-    static void Wait(const CStep& step, CStepReport& report);
     void Call(const CStep& step, CStepReport& report);
     void RunOnMachine(const CStep& step, CStepReport& report);
     /// Why Winlogon cannot make a call now; empty when it can, with the entry in pfnEntry.

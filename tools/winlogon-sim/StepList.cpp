@@ -44,8 +44,7 @@ void PrintWords(const CCodes& codes)
 
 void PrintSteps()
 {
-    std::printf("Attach\n    loads the library\nDetach\n    frees it\n"
-                "Wait SECONDS\n    leaves it in service\n");
+    std::printf("Attach\n    loads the library\nDetach\n    frees it\n");
     for (const CMachineStepKind& step : MACHINE_STEPS) {
         std::printf("%s %s\n    %s\n", step.szName, step.szWords, step.szHelp);
     }
