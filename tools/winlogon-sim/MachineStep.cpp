@@ -182,7 +182,7 @@ CMachineOutcome AwaitValue(const CMachineStep& step)
 CMachineOutcome Pause(const CMachineStep& step)
 {
     Sleep(step.dwSeconds * 1000);
-    return {std::to_string(step.dwSeconds) + " s", "", {}, ""};
+    return {"", std::to_string(step.dwSeconds) + " s later", {}, ""};
 }
 
 CMachineOutcome AwaitFree(const CMachineStep& step)
