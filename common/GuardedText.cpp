@@ -1,7 +1,5 @@
 #include "GuardedText.h"
 
-#include <string>
-
 #include "Exceptions.h"
 #include "platform/FaultGuard.h"
 
@@ -24,6 +22,13 @@ auto RunOnText(const CMessageOrigin& origin, CSourceLocation where, Body body)
 std::size_t MeasureText(const CMessageOrigin& origin, const WCHAR* szText, CSourceLocation where)
 {
     return RunOnText(origin, where, [=] { return Traits::length(szText); });
+}
+
+std::basic_string<WCHAR> ReadText(const CMessageOrigin& origin, const WCHAR* szText, CSourceLocation where)
+{
+    std::basic_string<WCHAR> text(MeasureText(origin, szText, where), 0);
+    CopyToBuffer(origin, text.data(), szText, text.size(), where);
+    return text;
 }
 
 void CopyToBuffer(const CMessageOrigin& origin, WCHAR* szBuffer, const WCHAR* szText, std::size_t cchText,

@@ -3,6 +3,7 @@
 #include <iterator>
 #include <new>
 
+#include "GuardedText.h"
 #include "Operation.h"
 #include "RequireArgument.h"
 #include "platform/FaultGuard.h"
@@ -13,6 +14,9 @@ namespace {
 // while the library is being unloaded no thread can end, and that must not keep the process.
 constexpr DWORD LAST_LINES_MILLISECONDS = 2000;
 constexpr DWORD POLL_MILLISECONDS = 1;
+// A thread that is inside a plugin may stay there, and must not keep the machine from shutting down.
+constexpr DWORD LONGEST_STOP_MILLISECONDS = 10000;
+constexpr WCHAR TXT_NOT_FINISHED[] = TEXT("Thread has not finished in time. It is left alone");
 
 /// A thread's name for trace lines that are written when the object may be gone; cut to fit.
 class CNameCopy
@@ -57,18 +61,47 @@ void TrySignalEvent(const CMessageOrigin& origin, HANDLE hEvent) noexcept
     }
 }
 
-/// A window procedure is somebody else's code: one that fails must not end the wait for the thread.
-void DispatchPendingMessages(const CMessageOrigin& origin) noexcept
+/// The window messages that come in while a thread waits for something else.
+class CIncomingMessages
 {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+public:
+    explicit CIncomingMessages(const CMessageOrigin& origin) noexcept : m_Origin(origin) {}
+    ~CIncomingMessages()
+    {
+        // It is for the loop that the wait has interrupted.
+        if (m_bQuit) {
+            PostThreadMessageW(GetCurrentThreadId(), WM_QUIT, m_nExitCode, 0);
+        }
+    }
+    CIncomingMessages(const CIncomingMessages&) = delete;
+    CIncomingMessages& operator=(const CIncomingMessages&) = delete;
+
+    /// Dispatches one; false when there is none. A window procedure is somebody else's code: one that fails
+    /// must not end the wait.
+    bool DispatchNext() noexcept
+    {
+        MSG message;
+        if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            return false;
+        }
+        if (message.message == WM_QUIT) {
+            m_bQuit = true;
+            m_nExitCode = message.wParam;
+            return true;
+        }
         try {
             GuardedCall([&] { DispatchMessageW(&message); });
         } catch (...) {
-            CWarning(origin, ERR_UNHANDLED_EXCEPTION);
+            CWarning(m_Origin, ERR_UNHANDLED_EXCEPTION);
         }
+        return true;
     }
-}
+
+private:
+    CMessageOrigin m_Origin;
+    bool m_bQuit = false;
+    WPARAM m_nExitCode = 0;
+};
 
 } // namespace
 
@@ -95,12 +128,12 @@ CThreadObject::CThreadObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const
 void CThreadObject::CopyName(const WCHAR* szThreadName)
 {
     try {
-        const std::size_t cchName = std::char_traits<WCHAR>::length(szThreadName) + 1;
-        m_szThreadName.reset(new (std::nothrow) WCHAR[cchName]);
+        const std::size_t cchName = MeasureText(*this, szThreadName);
+        m_szThreadName.reset(new (std::nothrow) WCHAR[cchName + 1]);
         if (m_szThreadName == nullptr) {
             throw CMemAllocException(*this, TEXT("m_szThreadName"));
         }
-        std::char_traits<WCHAR>::copy(m_szThreadName.get(), szThreadName, cchName);
+        CopyToBuffer(*this, m_szThreadName.get(), szThreadName, cchName);
     } catch (...) {
         IsHandling<CMessage>();
         CPointerWarning(*this, ERR_FLOATING_POINTER, TEXT("szThreadName"));
@@ -192,7 +225,10 @@ bool CThreadObject::StopThread()
         if (m_hThread != nullptr && m_bRunning) {
             try {
                 SignalEvent(*this, StopEvent);
-                AwaitFinish();
+                if (!AwaitFinish()) {
+                    CVariableWarning(*this, TXT_NOT_FINISHED, m_szThreadName.get());
+                    return false;
+                }
             } catch (CSetEventException& exception) {
                 exception.WriteIfUnwritten();
             }
@@ -201,26 +237,50 @@ bool CThreadObject::StopThread()
     });
 }
 
-/// Ends also when a message that is dispatched here has led to another stop, and when the thread has ended
-/// without setting its event.
-void CThreadObject::AwaitFinish() const noexcept
+/// False when the thread has not finished in time. True also when a message that is dispatched here has led
+/// to another stop, and when the thread has ended without setting its event.
+bool CThreadObject::AwaitFinish() const noexcept
 {
     // An object that deletes itself does so on its own thread.
     if (GetCurrentThreadId() == m_dwThreadId) {
-        return;
+        return true;
     }
-    const HANDLE hEnds[] = {FinishEvent, m_hThread};
-    constexpr DWORD dwEnds = static_cast<DWORD>(std::size(hEnds));
-    DWORD dwResult = WAIT_OBJECT_0 + dwEnds;
-    while (dwResult == WAIT_OBJECT_0 + dwEnds) {
-        DispatchPendingMessages(*this);
+    const DWORD dwStart = GetTickCount();
+    CIncomingMessages messages(*this);
+    bool bFinished = false;
+    while (!bFinished) {
+        // The thread is looked at after each message: there are some that come again at once, for ever.
+        const bool bDispatched = messages.DispatchNext();
+        const DWORD dwWaited = GetTickCount() - dwStart;
         if (m_hThread == nullptr) {
-            return;
+            return true;
         }
-        dwResult = MsgWaitForMultipleObjects(dwEnds, hEnds, FALSE, INFINITE, QS_ALLINPUT);
+        if (dwWaited >= LONGEST_STOP_MILLISECONDS) {
+            return false;
+        }
+        bFinished = AwaitFinishOrInput(bDispatched ? 0 : LONGEST_STOP_MILLISECONDS - dwWaited);
     }
     // The thread still uses the object until it has ended.
     IsSignalled(m_hThread, LAST_LINES_MILLISECONDS);
+    return true;
+}
+
+/// Whether the thread has finished; comes back early for a window message.
+bool CThreadObject::AwaitFinishOrInput(DWORD dwMilliseconds) const noexcept
+{
+    const HANDLE hEnds[] = {FinishEvent, m_hThread};
+    constexpr DWORD dwEnds = static_cast<DWORD>(std::size(hEnds));
+    const DWORD dwResult = MsgWaitForMultipleObjects(dwEnds, hEnds, FALSE, dwMilliseconds, QS_ALLINPUT);
+    if (dwResult == WAIT_FAILED) {
+        // Nobody may take that for an end: the object would be destroyed under its thread.
+        return IsSignalled(FinishEvent) || IsSignalled(m_hThread, POLL_MILLISECONDS);
+    }
+    return dwResult < WAIT_OBJECT_0 + dwEnds;
+}
+
+bool CThreadObject::IsAlive() const noexcept
+{
+    return m_bRunning && m_hThread != nullptr && !IsSignalled(m_hThread);
 }
 
 bool CThreadObject::CleanThread()

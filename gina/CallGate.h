@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "CriticalSection.h"
+#include "platform/FaultGuard.h"
 
 /// The gate over the GINA object list: calls go through it, changes close it.
 ///
@@ -58,12 +59,13 @@ public:
         bool m_bClosed;
     };
 
-    /// Looks at the list, or moves its cursor, under its lock: gives what body() gives.
+    /// Looks at the list, or moves its cursor, under its lock: gives what body() gives. A plugin can write to
+    /// the nodes, and to what is in them: a fault there leaves the lock and is thrown as CForeignFault.
     template <typename Body>
     auto Look(Body body)
     {
         const CCriticalSection::CLock lock(m_listLock);
-        return body();
+        return GuardedHostCall(body);
     }
 
     /// Changes the list where calls in flight may stand: change() runs under the lock and without any call in

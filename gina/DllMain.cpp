@@ -14,6 +14,11 @@ constexpr WCHAR TXT_DETACHED[] = TEXT("Gina has been detached.");
 constexpr WCHAR TXT_NOT_CREATED[] = TEXT("Could not instantiate LUMGina object. Aborting...");
 constexpr WCHAR TXT_NOT_DELETED[] = TEXT("Could not delete LUMGina object on DLL_PROCESS_DETACH");
 
+/// A host whose threads run on is left as it is.
+struct CThreadsRunOn
+{
+};
+
 BOOL Attach(HINSTANCE hInstance) noexcept
 {
     CEntryTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("ATTACH"));
@@ -34,6 +39,10 @@ BOOL Detach() noexcept
 {
     CEntryTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("DETACH"));
     try {
+        // Without WlxShutdown they may still run.
+        if (g_pLUMGina != nullptr && !g_pLUMGina->StopThreads()) {
+            throw CThreadsRunOn();
+        }
         delete g_pLUMGina;
         g_pLUMGina = nullptr;
     } catch (...) {

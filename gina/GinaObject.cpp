@@ -79,9 +79,11 @@ void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion
 std::basic_string<WCHAR> CGinaObject::GetRecordedName() const
 {
     const WCHAR* szRecorded = GetPluginInfo().m_szGinaDLL;
+    if (szRecorded == nullptr) {
+        return m_szGinaDLLName;
+    }
     try {
-        return szRecorded != nullptr ? std::basic_string<WCHAR>(szRecorded, MeasureText(*this, szRecorded))
-                                     : m_szGinaDLLName;
+        return ReadText(*this, szRecorded);
     } catch (CWcscpyException& exception) {
         exception.WriteIfUnwritten();
         return m_szGinaDLLName;

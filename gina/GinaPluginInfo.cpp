@@ -1,6 +1,6 @@
 #include "GinaPluginInfo.h"
 
-#include <cstring>
+#include <memory>
 
 #include "Exceptions.h"
 #include "GuardedText.h"
@@ -12,6 +12,11 @@ namespace {
 constexpr WCHAR CLASS_NAME[] = TEXT("CGinaPluginInfo");
 constexpr WCHAR VAR_GINA_DLL[] = TEXT("m_szGinaDLL");
 constexpr WCHAR VAR_FRIENDLY_NAME[] = TEXT("m_szFriendlyName");
+
+struct CLocalFree
+{
+    void operator()(WCHAR* szText) const noexcept { LocalFree(szText); }
+};
 
 } // namespace
 
@@ -82,10 +87,12 @@ void CGinaPluginInfo::Replace(WCHAR*& szText, const WCHAR* szSource, const WCHAR
     if (szSource == nullptr) {
         return;
     }
-    const std::size_t cbCopy = (MeasureText(*this, szSource) + 1) * sizeof(WCHAR);
-    szText = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, cbCopy));
-    if (szText == nullptr) {
+    const std::size_t cchSource = MeasureText(*this, szSource);
+    std::unique_ptr<WCHAR, CLocalFree> szCopy(
+        static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, (cchSource + 1) * sizeof(WCHAR))));
+    if (szCopy == nullptr) {
         throw CMemAllocException(*this, szVariable);
     }
-    std::memcpy(szText, szSource, cbCopy);
+    CopyToBuffer(*this, szCopy.get(), szSource, cchSource);
+    szText = szCopy.release();
 }

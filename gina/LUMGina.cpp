@@ -217,12 +217,14 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
             return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
                                      pWinlogonFunctions, pWlxContext, 0, 0);
         });
+        // Counted before there are other threads that add and remove.
+        const bool bInitialized = m_pGinaObjectList->m_dwCount != 0;
         // Later instances, as those of other sessions, leave the service threads to the first.
-        if (m_pGinaObjectList->m_dwCount != 0 && dwInstanceCount == 1) {
+        if (bInitialized && dwInstanceCount == 1) {
             StartThreads();
         }
         SetWinlogonTimeout(hWlx);
-        return m_pGinaObjectList->m_dwCount != 0;
+        return bInitialized;
     });
 }
 

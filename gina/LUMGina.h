@@ -77,6 +77,7 @@ public:
     /// out of the configuration. Waits a bounded time for the calls in flight: false, and nothing changed,
     /// when they do not end, at once from within one of them. One that fails when it is told stays.
     bool LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept;
+
     // What the control channel asks for; runs on its thread. These never throw.
 
     /// Starts or stops the registry monitor. True when it is as wanted, also if it was before.
@@ -85,6 +86,10 @@ public:
     /// Gives the version of this library as one number: the minor version and the build, one over the other,
     /// in the upper 16 bits, the revision in the lower. False, and nothing given, when it cannot be read.
     bool LUMGetLUMGinaVersion(DWORD* pdwVersion);
+
+    /// Stops the service threads that run. False when one has not finished in time, as when it is inside a
+    /// plugin: the host must not be destroyed then.
+    bool StopThreads();
 
     DWORD m_dwNegotiatedWlxVersion;
     CGinaContext* m_pGinaContext;
@@ -125,7 +130,6 @@ private:
     template <typename Visit>
     void ForEachThread(Visit visit);
     void StartThreads();
-    void StopThreads();
 
     GinaNode* FindFirst(CGinaObject*& pFirst);
     template <typename Result, typename... Params, typename... Args>

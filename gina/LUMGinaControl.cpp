@@ -39,9 +39,11 @@ void CLUMGina::StartThreads()
     ForEachThread(Start);
 }
 
-void CLUMGina::StopThreads()
+bool CLUMGina::StopThreads()
 {
-    ForEachThread(Stop);
+    bool bStopped = true;
+    ForEachThread([&](CThreadObject& thread) { bStopped = Stop(thread) && bStopped; });
+    return bStopped;
 }
 
 bool CLUMGina::LUMEnableActiveRegistryMonitoring(bool bEnable)
@@ -49,7 +51,7 @@ bool CLUMGina::LUMEnableActiveRegistryMonitoring(bool bEnable)
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMEnableActiveRegistryMonitoring"));
     return op.Run(Absorb<>(), [&] {
         CThreadObject& thread = Needed(m_pLUMRegMonitorThreadObject);
-        return bEnable ? Start(thread) : Stop(thread);
+        return bEnable ? thread.IsAlive() || Start(thread) : Stop(thread);
     });
 }
 

@@ -19,12 +19,10 @@ Result CLUMGina::CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params
     const CCallGate::CCall call(m_gate);
     CGinaObject* pFirst = nullptr;
     GinaNode* pNode = FindFirst(pFirst);
-    const auto callFirst = [&] {
-        const CHostFrames hostFrames(HostFaults::Guarded);
-        return pFirst != nullptr ? (pFirst->*pfnOperation)(pNode, args...) : FailureResult<Result>();
-    };
     // Within the call in flight, which a fault must not leave behind.
-    return GuardedCall(callFirst);
+    return GuardedHostCall([&] {
+        return pFirst != nullptr ? (pFirst->*pfnOperation)(pNode, args...) : FailureResult<Result>();
+    });
 }
 
 /// Moves the cursor to the head and gives the node there, and the object that it holds.

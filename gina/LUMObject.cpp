@@ -9,6 +9,32 @@ namespace {
 
 constexpr WCHAR OWN_DLL[] = TEXT("lum_gina.dll");
 
+/// A plugin may write anything to a record that it is handed, and what becomes of the record later is
+/// traced under its tag and key: they are put back at the end of the scope.
+class CKeptOrigin
+{
+public:
+    explicit CKeptOrigin(CGlobalObject* pObject) noexcept
+        : m_pObject(pObject), m_szAPP(pObject != nullptr ? pObject->szAPP : nullptr),
+          m_szMTM(pObject != nullptr ? pObject->szMTM : nullptr)
+    {
+    }
+    ~CKeptOrigin()
+    {
+        if (m_pObject != nullptr) {
+            m_pObject->szAPP = m_szAPP;
+            m_pObject->szMTM = m_szMTM;
+        }
+    }
+    CKeptOrigin(const CKeptOrigin&) = delete;
+    CKeptOrigin& operator=(const CKeptOrigin&) = delete;
+
+private:
+    CGlobalObject* m_pObject;
+    const WCHAR* m_szAPP;
+    const WCHAR* m_szMTM;
+};
+
 } // namespace
 
 CLUMObject::CLUMObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, CRegistryManager* pRegistryManager,
@@ -96,17 +122,19 @@ bool CLUMObject::LUMDecreasePriority(const CGinaPluginInfo& record) noexcept
     });
 }
 
-/// Whether the name is that of a plugin which is not the last one. Moves the cursor.
+/// Whether the name is that of a plugin which is not the last one. Moves the cursor. Names that cannot be
+/// compared, for want of memory, are none that differ; so the place counts as well: a plugin behind the
+/// passthrough GINA would be called instead of it.
 bool CLUMObject::IsAboveAnotherPlugin(const WCHAR* szPlugin) noexcept
 {
     CGinaObjectList& list = *m_pGinaObjectList;
     if (!list.MoveTo(szPlugin) || list.m_pCursor == list.m_pTail) {
         return false;
     }
-    const CGinaObject* pFound = list.m_pCursor->m_pItem;
+    const GinaNode* pFound = list.m_pCursor;
     list.End();
     list.Prev();
-    return !(*pFound == *list.m_pCursor->m_pItem);
+    return list.m_pCursor != pFound && !(*pFound->m_pItem == *list.m_pCursor->m_pItem);
 }
 
 /// Calls an object of the list. find() moves the cursor to it, or gives false.
@@ -116,13 +144,15 @@ bool CLUMObject::CallObject(Find find, Query query)
     const CCallGate::CCall call(m_gate);
     CGinaObject* pObject = nullptr;
     const bool bFound = m_gate.Look([&] { return find() && m_pGinaObjectList->GetItem(pObject); });
-    return bFound && query(*pObject);
+    // What a plugin has written to its record is read in there.
+    return bFound && GuardedHostCall([&] { return query(*pObject); });
 }
 
 bool CLUMObject::LUMQueryPlugin(CGinaPluginInfo* pPluginInfo, const CGinaPluginInfo* pTarget,
                                 DWORD dwQueryParam1, DWORD dwQueryParam2, DWORD dwQueryParam3) noexcept
 {
     return Run(TEXT("LUMQueryPlugin"), [&] {
+        const CKeptOrigin kept(pPluginInfo);
         return CallObject(
             [&] { return pTarget != nullptr && m_pGinaObjectList->MoveTo(pTarget->m_szGinaDLL); },
             [&](CGinaObject& object) {
@@ -134,6 +164,7 @@ bool CLUMObject::LUMQueryPlugin(CGinaPluginInfo* pPluginInfo, const CGinaPluginI
 bool CLUMObject::LUMQueryPluginInfo(const WCHAR* szGinaDLL, CGinaPluginInfo& record) noexcept
 {
     return Run(TEXT("LUMQueryPluginInfo"), [&] {
+        const CKeptOrigin kept(&record);
         return CallObject([&] { return m_pGinaObjectList->MoveTo(szGinaDLL); },
                           [&](CGinaObject& object) { return object.QueryPluginInfo(&record); });
     });

@@ -17,8 +17,8 @@ class CRegistryManager;
 class CLUMObject : public CGlobalObject
 {
 public:
-    /// The arguments are not owned, must outlive the object and must not be null: CBadArgException, in the
-    /// order of the arguments. gate is the one over pGinaObjectList.
+    /// The arguments are not owned, must outlive the object and must not be null: CBadArgException, for the
+    /// manager first, then the configuration, then the list. gate is the one over pGinaObjectList.
     CLUMObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, CRegistryManager* pRegistryManager,
                CGinaObjectList* pGinaObjectList, CLUMRegistry* pLUMRegistry, CCallGate& gate);
     ~CLUMObject();

@@ -4,14 +4,13 @@
 #include "Exceptions.h"
 #include "LUMRegistry.h"
 #include "Operation.h"
+#include "RequireArgument.h"
+#include "ServicePeriod.h"
 #include "control/PipeService.h"
 
 namespace {
 
 constexpr WCHAR THREAD_NAME[] = TEXT("LUMPipeThreadObject");
-
-constexpr DWORD DEFAULT_PERIOD_MILLISECONDS = 5000;
-constexpr DWORD LONGEST_PERIOD_SECONDS = (INFINITE - 1) / 1000;
 
 constexpr DWORD BYTE_MODE = PIPE_TYPE_BYTE | PIPE_READMODE_BYTE;
 constexpr DWORD BUFFER_SIZE = 4096;
@@ -25,14 +24,9 @@ CLUMPipeThreadObject::CLUMPipeThreadObject(CLUMObject* pLUMObject, CLUMGina* pLU
       m_pLUMObject(pLUMObject), m_pLUMGina(pLUMGina), m_pLUMRegistry(pLUMRegistry), m_bStopping(false)
 {
     const CConstructionTrace trace(*this, s_szClass);
-    const auto require = [this](const void* pArgument, const WCHAR* szArgument) {
-        if (pArgument == nullptr) {
-            throw CBadArgException(*this, szArgument);
-        }
-    };
-    require(pLUMObject, TEXT("pLUMObject"));
-    require(pLUMGina, TEXT("pLUMGina"));
-    require(pLUMRegistry, TEXT("pLUMRegistry"));
+    RequireArgument(*this, pLUMObject, TEXT("pLUMObject"));
+    RequireArgument(*this, pLUMGina, TEXT("pLUMGina"));
+    RequireArgument(*this, pLUMRegistry, TEXT("pLUMRegistry"));
     try {
         CreatePipe();
     } catch (...) {
@@ -89,28 +83,11 @@ void CLUMPipeThreadObject::ServeClients()
     const CPipeConnection::AwaitStop awaitStop = [this](DWORD dwMilliseconds) {
         return AwaitStopOnce(dwMilliseconds);
     };
-    const DWORD dwPeriod = ReadPeriod();
+    const DWORD dwPeriod = GetServicePeriod(*m_pLUMRegistry, &CLUMRegistry::GetPipeInterval, true);
     CPipeService service(*this, m_hPipe, {*m_pLUMObject, *m_pLUMGina}, awaitStop, {});
     do {
         service.Poll();
     } while (!AwaitStopOnce(dwPeriod));
-}
-
-DWORD CLUMPipeThreadObject::ReadPeriod() noexcept
-{
-    DWORD dwSeconds = 0;
-    try {
-        if (!m_pLUMRegistry->GetPipeInterval(&dwSeconds, true)) {
-            dwSeconds = 0;
-        }
-    } catch (...) {
-        IsHandling<CMessage>();
-        dwSeconds = 0;
-    }
-    if (dwSeconds == 0) {
-        return DEFAULT_PERIOD_MILLISECONDS;
-    }
-    return (dwSeconds < LONGEST_PERIOD_SECONDS ? dwSeconds : LONGEST_PERIOD_SECONDS) * 1000;
 }
 
 bool CLUMPipeThreadObject::AwaitStopOnce(DWORD dwMilliseconds) noexcept

@@ -33,7 +33,6 @@ private:
 
     void CreatePipe();
     void ServeClients();
-    DWORD ReadPeriod() noexcept;
     bool AwaitStopOnce(DWORD dwMilliseconds) noexcept;
     void ReleasePipe() noexcept;
     void ClosePipe() noexcept;

@@ -1,21 +1,11 @@
 #include "LUMRegMonitorThreadObject.h"
 
-#include <algorithm>
-
 #include "LUMRegistry.h"
 #include "Operation.h"
 #include "RequireArgument.h"
+#include "ServicePeriod.h"
 #include "WinlogonRegistry.h"
 #include "chaining/RegistryManager.h"
-
-namespace {
-
-constexpr DWORD DEFAULT_SECONDS = 5;
-constexpr DWORD MILLISECONDS_PER_SECOND = 1000;
-// A longer period would not fit, or would mean for ever.
-constexpr DWORD LONGEST_SECONDS = (INFINITE - 1) / MILLISECONDS_PER_SECOND;
-
-} // namespace
 
 CLUMRegMonitorThreadObject::CLUMRegMonitorThreadObject(CRegistryManager* pRegistryManager,
                                                        CLUMRegistry* pLUMRegistry,
@@ -54,23 +44,10 @@ void CLUMRegMonitorThreadObject::Thread()
     });
 }
 
-DWORD CLUMRegMonitorThreadObject::GetPeriod() const noexcept
-{
-    DWORD dwSeconds = 0;
-    try {
-        if (!m_pLUMRegistry->GetRegistryMonitorInterval(&dwSeconds, false)) {
-            dwSeconds = 0;
-        }
-    } catch (...) {
-        IsHandling<CMessage>();
-    }
-    dwSeconds = dwSeconds != 0 ? dwSeconds : DEFAULT_SECONDS;
-    return std::min(dwSeconds, LONGEST_SECONDS) * MILLISECONDS_PER_SECOND;
-}
-
 void CLUMRegMonitorThreadObject::Watch() const
 {
-    const DWORD dwPeriod = GetPeriod();
+    const DWORD dwPeriod =
+        GetServicePeriod(*m_pLUMRegistry, &CLUMRegistry::GetRegistryMonitorInterval, false);
     bool bStop = false;
     while (!bStop) {
         bStop = AwaitStop(dwPeriod);

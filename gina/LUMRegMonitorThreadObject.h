@@ -25,7 +25,6 @@ public:
 
     /// The period in milliseconds: the configured number of seconds; 5 seconds when that is 0, missing or
     /// cannot be read.
-    DWORD GetPeriod() const noexcept;
 
     CRegistryManager* m_pRegistryManager;
     CWinlogonRegistry* m_pWinlogonRegistry;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "Messages.h"
 
@@ -9,7 +10,11 @@
 std::size_t MeasureText(const CMessageOrigin& origin, const WCHAR* szText,
                         CSourceLocation where = CSourceLocation::Current());
 
+/// A copy of such a text. Throws CWcscpyException when it cannot be read.
+std::basic_string<WCHAR> ReadText(const CMessageOrigin& origin, const WCHAR* szText,
+                                  CSourceLocation where = CSourceLocation::Current());
+
 /// Copies cchText characters into a buffer that a caller has given, and terminates them. Throws
-/// CWcscpyException when it cannot be written.
+/// CWcscpyException when that cannot be done.
 void CopyToBuffer(const CMessageOrigin& origin, WCHAR* szBuffer, const WCHAR* szText, std::size_t cchText,
                   CSourceLocation where = CSourceLocation::Current());

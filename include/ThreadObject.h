@@ -33,10 +33,15 @@ public:
     /// absent: a new one is started.
     bool StartThread();
 
-    /// Asks the thread function to finish and waits until it has, without a time limit. Window messages of
-    /// the calling thread are dispatched meanwhile, so hold no lock that a window procedure or the thread
-    /// function needs. A thread that ended without a word is not waited for. False when there is no thread.
+    /// Asks the thread function to finish and waits until it has. Window messages of the calling thread are
+    /// dispatched meanwhile, so hold no lock that a window procedure or the thread function needs. A thread
+    /// that ended without a word is not waited for. False when there is no thread, and when it has not
+    /// finished within ten seconds: it is still running then (m_bRunning), and so neither the object nor what
+    /// the thread uses may be destroyed.
     bool StopThread();
+
+    /// Whether there is a thread that has been started and has not ended.
+    bool IsAlive() const noexcept;
 
     /// Lets go of the thread without stopping it; it must have finished. False when there is no thread.
     bool CleanThread();
@@ -49,7 +54,7 @@ public:
 
     DWORD m_dwThreadId;
     HANDLE m_hThread;
-    /// From StartThread until StopThread, also when the thread function has returned by itself.
+    /// From StartThread until StopThread has succeeded, also when the thread function has returned by itself.
     bool m_bRunning;
     std::unique_ptr<WCHAR[]> m_szThreadName;
     HANDLE FinishEvent;
@@ -80,7 +85,8 @@ private:
 
     void Launch();
     void DropFinishedThread() noexcept;
-    void AwaitFinish() const noexcept;
+    bool AwaitFinish() const noexcept;
+    bool AwaitFinishOrInput(DWORD dwMilliseconds) const noexcept;
     void CloseThread() noexcept;
     void RunThread();
 

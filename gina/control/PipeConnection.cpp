@@ -82,22 +82,22 @@ void CPipeConnection::Close() noexcept
     DisconnectNamedPipe(m_hPipe);
 }
 
-/// What the client sends beyond its request is thrown away: while there is any, the pipe does not tell that the
-/// client has gone.
+/// What the client sends beyond its request is thrown away: while there is any, the pipe does not tell that
+/// the client has gone.
 bool CPipeConnection::AwaitHangUp() noexcept
 {
     m_dwStart = GetTickCount();
+    BYTE rest[256];
     DWORD cbAvailable = 0;
-    while (PeekNamedPipe(m_hPipe, nullptr, 0, nullptr, &cbAvailable, nullptr)) {
-        BYTE rest[256];
-        if (cbAvailable != 0 && !ReadFile(m_hPipe, rest, sizeof(rest), &cbAvailable, nullptr)) {
-            return true;
-        }
+    while (PeekNamedPipe(m_hPipe, nullptr, 0, nullptr, &cbAvailable, nullptr) &&
+           (cbAvailable == 0 || ReadFile(m_hPipe, rest, sizeof(rest), &cbAvailable, nullptr)))
+    {
         if (IsOver(m_Deadlines.dwReplyMilliseconds) || m_awaitStop(POLL_MILLISECONDS)) {
             return false;
         }
     }
-    return true;
+    const DWORD dwError = GetLastError();
+    return dwError == ERROR_BROKEN_PIPE || dwError == ERROR_PIPE_NOT_CONNECTED;
 }
 
 void CPipeConnection::Revert()

@@ -58,8 +58,8 @@ CRecord::CRecord(CControlChannel& channel) : m_Info(LUM_GINA_APP, LUM_GINA_MTM)
 void CRecord::ReadGinaDLL(CControlChannel& channel)
 {
     const CCountedName<VAR_RECORD_GINA_DLL> szGinaDLL(channel);
-    if (*szGinaDLL != 0) {
-        m_Info.SetGinaDLL(szGinaDLL);
+    if (*szGinaDLL != 0 && !m_Info.SetGinaDLL(szGinaDLL)) {
+        throw CMemAllocException(LUM_GINA_ORIGIN, VAR_RECORD_GINA_DLL);
     }
 }
 

@@ -32,9 +32,6 @@ TEST_F(FailingPipe, CostsOneRequest)
         {PlatformCall::ReadFile, 3, loaded, "", read},
         {PlatformCall::PeekNamedPipe, 1, loaded, "", read},
         {PlatformCall::WriteFile, 1, loaded, "", write},
-        {PlatformCall::ImpersonateNamedPipeClient, 1, loaded, "01", impersonate},
-        {PlatformCall::ImpersonateNamedPipeClient, 1, std::string("\x71\0", 2), "01", impersonate},
-        {PlatformCall::ImpersonateNamedPipeClient, 1, "\x75", "00", impersonate},
         {PlatformCall::ImpersonateNamedPipeClient, 1, "\x02", "01", impersonate},
         {PlatformCall::SetNamedPipeHandleState, 1, loaded, "00", ""},
         {PlatformCall::SetNamedPipeHandleState, 2, loaded, "00", ""},
@@ -53,6 +50,25 @@ TEST_F(FailingPipe, CostsOneRequest)
         // The end of this exchange is not to be taken for the next one.
         StopServer();
         EXPECT_TRUE(fault.HasFired()) << static_cast<int>(row.call);
+    }
+}
+
+TEST_F(FailingPipe, WithoutTheClientsIdentityNothingIsDoneForIt)
+{
+    SetTraceMask(LEVEL_ENTRY);
+    for (const CRequestExample& example : GetRequestExamples()) {
+        SCOPED_TRACE(example.szName);
+        const CFaultInjection fault(PlatformCall::ImpersonateNamedPipeClient, 1, CHOSEN, PIPE_NAME);
+        const bool bForAnyone = example.bytes[0] == 117 || example.bytes[0] == 119;
+        const std::size_t nDigits = bForAnyone ? example.reply.size() : 2;
+        ClearLog();
+        StartServer();
+        const std::string reply = Exchange(example.bytes, nDigits);
+        StopServer();
+        EXPECT_TRUE(fault.HasFired());
+        EXPECT_EQ(reply.size(), nDigits);
+        EXPECT_EQ(reply == "01", !bForAnyone);
+        EXPECT_EQ(Count(std::string("[ENTRY] ") + example.szOperation), example.bytes[0] == 119 ? 1 : 0);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "Exceptions.h"
 #include "PipeMachine.h"
+#include "Thread.h"
 
 // The thread, at its own pace.
 
@@ -69,6 +70,41 @@ TEST_F(PipeThread, ServesThePipeOnceOnly)
     ASSERT_TRUE(Thread().StartThread());
     ExpectLine("[DEBUG] Could not connect to pipe, error 0x6");
     EXPECT_TRUE(Thread().StopThread());
+}
+
+/// What a plugin does that does not come back before it is let go.
+struct CStay
+{
+    CHappening inside;
+    CHappening end;
+};
+
+void WINAPI Stay(void* pStay, const PluginRecord*)
+{
+    static_cast<CStay*>(pStay)->inside.Happen();
+    static_cast<CStay*>(pStay)->end.Wait();
+}
+
+TEST_F(PipeThread, InsideAPluginDoesNotKeepTheMachineFromShuttingDown)
+{
+    SetDword(VOLATILE_KEY, TEXT("InstanceCount"), 0);
+    Restart();
+    CStay stay;
+    plugins[0]->SetHook(PluginCall::QueryPluginInfo, Stay, &stay);
+    CRawClient client;
+    client.Send("\x70" + Fixed("test_plugin_a.dll"));
+    stay.inside.Wait();
+    const DWORD dwStart = GetTickCount();
+    host->LUMWlxShutdown(CONTEXT, 0);
+    EXPECT_LT(GetTickCount() - dwStart, 20000u);
+    EXPECT_EQ(
+        Count("[WARNING] Thread has not finished in time. It is left alone, Variable: LUMPipeThreadObject"),
+        1);
+    EXPECT_TRUE(Thread().IsAlive());
+    EXPECT_FALSE(host->m_pLUMRegMonitorThreadObject->m_bRunning) << "the other one is stopped all the same";
+    stay.end.Happen();
+    EXPECT_TRUE(host->StopThreads());
+    EXPECT_FALSE(Thread().m_bRunning);
 }
 
 TEST_F(PipeThread, NeedsWhatItServesAndAPipe)

@@ -55,6 +55,8 @@ TEST_F(Requests, AreCarriedOutAndAnswered)
     }
     EXPECT_EQ(GetValue(OWN_KEY, TEXT("Plugins")),
               "\"test_plugin_a.dll,test_plugin_b.dll,test_plugin_c.dll,nobody.dll\"");
+    host->m_pGinaObjectList->Flush();
+    EXPECT_EQ(Exchange("\x66"), "01") << "there is no passthrough GINA";
 }
 
 TEST_F(Requests, ThatAreUnknownFail)

@@ -175,9 +175,17 @@ TEST_F(LUMObject, FindsWhatIsLoaded)
     }
 }
 
+void WINAPI WriteOrigin(void*, const PluginRecord* pRecord)
+{
+    auto* pInfo = reinterpret_cast<CGinaPluginInfo*>(pRecord->argument[0]);
+    pInfo->szAPP = pInfo->szMTM = reinterpret_cast<const WCHAR*>(ULONG_PTR(8));
+}
+
 TEST_F(LUMObject, QueriesReachThePluginTheyName)
 {
     CNamed record("asked");
+    plugins[1]->SetHook(PluginCall::QueryPlugin, WriteOrigin, nullptr);
+    plugins[2]->SetHook(PluginCall::QueryPluginInfo, WriteOrigin, nullptr);
     EXPECT_TRUE(object().LUMQueryPlugin(
         &record, &static_cast<const CGinaPluginInfo&>(CNamed("TEST_PLUGIN_B.dll")), 1, 2, 0xFFFFFFFF));
     const PluginRecord& asked = plugins[1].LastRecord();
@@ -189,6 +197,8 @@ TEST_F(LUMObject, QueriesReachThePluginTheyName)
     EXPECT_EQ(PluginCall::QueryPluginInfo, plugins[2].LastRecord().call);
     EXPECT_EQ(reinterpret_cast<ULONG_PTR>(static_cast<CGinaPluginInfo*>(&record)),
               plugins[2].LastRecord().argument[0]);
+    EXPECT_EQ(LUM_GINA_APP, record.szAPP) << "whatever the plugins have written there";
+    EXPECT_EQ(LUM_GINA_MTM, record.szMTM);
     EXPECT_TRUE(Log().empty());
 
     // The low byte is the answer.

@@ -2,6 +2,7 @@
 #include "Exceptions.h"
 #include "FailingAllocation.h"
 #include "LUMRegMonitorThreadObject.h"
+#include "ServicePeriod.h"
 #include "TestThread.h"
 
 namespace {
@@ -43,26 +44,37 @@ protected:
     std::unique_ptr<CLUMRegMonitorThreadObject> monitor;
 };
 
-TEST_F(RegistryMonitor, TakesItsPeriodFromTheConfiguration)
+TEST_F(RegistryMonitor, AndThePipeThreadTakeTheirPeriodsFromTheConfiguration)
 {
-    Make(0);
-    EXPECT_EQ(5000u, monitor->GetPeriod());
-    for (const DWORD dwSeconds : {1u, 30u, 4294967u}) {
-        SetDword(OWN_KEY, INTERVAL, dwSeconds);
-        EXPECT_EQ(dwSeconds * 1000, monitor->GetPeriod());
+    struct
+    {
+        const char* szName;
+        bool (CLUMRegistry::*pfnGet)(DWORD*, bool);
+    } const rows[] = {{"MonitorInterval", &CLUMRegistry::GetRegistryMonitorInterval},
+                      {"PipeInterval", &CLUMRegistry::GetPipeInterval}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.szName);
+        const auto name = Widen(row.szName);
+        SetTraceMask(0);
+        SetDword(OWN_KEY, name.c_str(), 0);
+        StartHost();
+        const auto getPeriod = [&] { return GetServicePeriod(*m_pConfiguration, row.pfnGet, true); };
+        EXPECT_EQ(5000u, getPeriod());
+        for (const DWORD dwSeconds : {1u, 30u, 4294967u}) {
+            SetDword(OWN_KEY, name.c_str(), dwSeconds);
+            EXPECT_EQ(dwSeconds * 1000, getPeriod());
+        }
+        SetDword(OWN_KEY, name.c_str(), 0xFFFFFFFF);
+        EXPECT_EQ(4294967000u, getPeriod()) << "what would not fit is not cut to something short";
+        SetString(OWN_KEY, name.c_str(), TEXT("soon"));
+        SetTraceMask(REPORTS);
+        EXPECT_EQ(5000u, getPeriod()) << "not a number";
+        EXPECT_EQ(1, Count(std::string("[EXCEPTION] Unable to read from registry, Registry Value: ") +
+                           row.szName + ", Error: 0xea"));
+        RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY);
+        StartHost();
+        EXPECT_EQ(5000u, getPeriod()) << "no value at all";
     }
-    SetDword(OWN_KEY, INTERVAL, 0xFFFFFFFF);
-    EXPECT_EQ(4294967000u, monitor->GetPeriod()) << "what would not fit is not cut to something short";
-    SetString(OWN_KEY, INTERVAL, TEXT("soon"));
-    SetTraceMask(REPORTS);
-    EXPECT_EQ(5000u, monitor->GetPeriod()) << "not a number";
-    EXPECT_EQ("[EXCEPTION] Unable to read from registry, Registry Value: MonitorInterval, Error: 0xea",
-              Log().front());
-    RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY);
-    StartHost();
-    monitor = std::make_unique<CLUMRegMonitorThreadObject>(own.get(), m_pConfiguration.get(),
-                                                           m_pWinlogon.get(), false);
-    EXPECT_EQ(5000u, monitor->GetPeriod()) << "no value at all";
 }
 
 TEST_F(RegistryMonitor, SeesAChangeWithinAPeriodEachTime)

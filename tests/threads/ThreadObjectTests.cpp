@@ -140,6 +140,27 @@ TEST_F(ThreadObject, DispatchesTheMessagesOfItsOwnerWhileItIsStopped)
     }
 }
 
+void CALLBACK OnEndlessMessage(HWND, UINT, UINT_PTR, DWORD)
+{
+    Post(GetCurrentThreadId(), OnEndlessMessage);
+}
+
+TEST_F(ThreadObject, IsStoppedUnderMessagesThatNeverEnd)
+{
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+    CTestThread thread;
+    thread.StartThread();
+    EXPECT_TRUE(PostThreadMessageW(GetCurrentThreadId(), WM_QUIT, 7, 0));
+    Post(GetCurrentThreadId(), OnEndlessMessage);
+    EXPECT_TRUE(StopsPromptly(thread));
+    WPARAM nExitCode = 0;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        nExitCode = message.message == WM_QUIT ? message.wParam : nExitCode;
+    }
+    EXPECT_EQ(7u, nExitCode) << "the owner's own loop has to see it";
+}
+
 CTestThread* g_pStoppedByMessage;
 
 void CALLBACK OnStopMessage(HWND, UINT, UINT_PTR, DWORD)

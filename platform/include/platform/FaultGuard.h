@@ -9,10 +9,11 @@
 // The one component that knows how to survive a loaded DLL.
 //
 // A GINA or plugin is somebody else's code. It may read a null pointer, divide by zero, run out of
-// stack, or throw an exception of a compiler whose frames ours cannot unwind. Three things are
+// stack, or throw an exception of a compiler whose frames ours cannot unwind. Four things are
 // offered here, and nothing else in the system knows how they work:
 //
 //   GuardedCall    calls into a DLL; whatever goes wrong in it arrives as a C++ exception.
+//   GuardedHostCall  runs code of the host's that reads what a DLL may have written.
 //   CalledFromDLL  wraps an operation that a DLL calls; an exception that leaves the operation
 //                  travels through the DLL's frames, whose own handlers and destructors see it.
 //   CHostFrames    marks the frames from here on as the host's again, for a call that comes back
@@ -113,6 +114,17 @@ auto GuardedCall(Call call)
             &context);
         return context.result;
     }
+}
+
+/// Runs code of the host's own in a guard: a fault in it arrives as CForeignFault, so that what the caller
+/// holds, as a lock, is let go. For code that reads what a DLL can write to.
+template <typename Call>
+auto GuardedHostCall(Call call)
+{
+    return GuardedCall([&]() -> std::invoke_result_t<Call> {
+        const CHostFrames frames(HostFaults::Guarded);
+        return call();
+    });
 }
 
 /// Runs an operation that a loaded DLL may have called. What the operation throws goes through

@@ -5,6 +5,7 @@
 // The messages of a thread, as far as a thread without windows has any.
 
 #define WM_NULL 0x0000
+#define WM_QUIT 0x0012
 #define WM_TIMER 0x0113
 #define WM_APP 0x8000
 
