@@ -95,6 +95,12 @@ bool CRegistryKey::CreateKey()
         FailureWarning::UnlessRaised);
 }
 
+bool CRegistryKey::IsUsable() const noexcept
+{
+    return m_bOpen &&
+           RegQueryValueExW(m_hKey, nullptr, nullptr, nullptr, nullptr, nullptr) != ERROR_KEY_DELETED;
+}
+
 bool CRegistryKey::CloseKey()
 {
     const COperation op(*this, s_szClass, TEXT("CloseKey"));

@@ -17,7 +17,8 @@ void LoadValue(const CMessageOrigin& origin, std::unique_ptr<Value>& pValue,
         pValue = OpenMachineValue<Value>(origin, WINLOGON_KEY, szValueName, false, false);
         pValue->ReadRegistry();
     } catch (...) {
-        // Most machines lack most of the values. Their objects stay, and find what is written later.
+        // Most machines lack most of the values, and one may be too long to be read. Their objects stay, and
+        // find what is written later.
         if (pValue == nullptr || !IsHandling<CUnableToReadRegistryException>()) {
             pValue.reset();
             CKeyWarning(origin, TXT_KEY_NOT_LOADED, szValueName);

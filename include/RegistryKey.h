@@ -31,6 +31,9 @@ public:
     /// Closes the key; a closed one is only warned of. Throws CUnableToCloseRegistryKeyException.
     bool CloseKey();
 
+    /// Whether the key is open and has not been deleted meanwhile.
+    bool IsUsable() const noexcept;
+
 protected:
     HKEY m_hKeyRoot;
     std::basic_string<WCHAR> m_szSubKey;

@@ -113,12 +113,13 @@ void CGinaChainingInfoObject::MakeOldGinaDLL()
     }
 }
 
-/// Whether the value is open. A GINA that has been installed anew has another key than the one that was
-/// open, to which no write gets through any more.
-bool CGinaChainingInfoObject::ReopenOldGinaDLL(const COperation& op) noexcept
+/// Whether writes get through to the value. A GINA that has been installed anew has another key than the one
+/// that was open. One that still exists is kept open: a client that asks for the change may have fewer rights
+/// than the host had when it opened it.
+bool CGinaChainingInfoObject::IsOldGinaDLLOpen(const COperation& op) noexcept
 {
     try {
-        return m_pOldGinaDLL != nullptr && m_pOldGinaDLL->OpenKey();
+        return m_pOldGinaDLL != nullptr && (m_pOldGinaDLL->IsUsable() || m_pOldGinaDLL->OpenKey());
     } catch (...) {
         Absorb<CMessage>()(op);
         return false;
@@ -158,7 +159,7 @@ void CGinaChainingInfoObject::SetOldGinaDLL(const WCHAR* szValue) noexcept
             return;
         }
         // For null, which the value refuses, nothing may be made either.
-        if (szValue != nullptr && !ReopenOldGinaDLL(op)) {
+        if (szValue != nullptr && !IsOldGinaDLLOpen(op)) {
             MakeOldGinaDLL();
         }
         if (m_pOldGinaDLL != nullptr) {

@@ -62,5 +62,5 @@ private:
 
     void Describe(const CChainingRecord& record);
     void MakeOldGinaDLL();
-    bool ReopenOldGinaDLL(const COperation& op) noexcept;
+    bool IsOldGinaDLLOpen(const COperation& op) noexcept;
 };

@@ -2,7 +2,7 @@
 
 #include <elf.h>
 
-#include "../dllfile/ImageBytes.h"
+#include "../dllfile/PeImage.h"
 #include "LibrarySearch.h"
 
 namespace {
@@ -62,5 +62,6 @@ std::basic_string<WCHAR> TargetDlls::Find(const std::basic_string<WCHAR>& name,
 
 std::vector<std::string> TargetDlls::ListExports(const std::string& bytes)
 {
-    return CElfImage(bytes).ListExports();
+    // A machine's registry is looked at here, too, and then the DLLs are that machine's.
+    return bytes.starts_with("MZ") ? CPeImage(bytes).ListExports() : CElfImage(bytes).ListExports();
 }

@@ -52,6 +52,19 @@ TEST_F(FailingRegistry, ARepairThatDoesNotHoldEndsTheBuilding)
                     "fixed, GinaDLL: wpnGina.dll"));
 }
 
+TEST_F(FailingRegistry, AChainIsWrittenThroughTheKeysThatTheHostHasOpened)
+{
+    SetValues(ValuesOf("lum_gina.dll wpnGina.dll PLinkGina.dll msgina.dll"));
+    const auto manager = Build();
+    {
+        // As for a client whose identity may open nothing.
+        const CFaultInjection fault(PlatformCall::RegOpenKeyExW, 1, ERROR_ACCESS_DENIED, nullptr,
+                                    FaultRepeat::FromThenOn);
+        EXPECT_TRUE(manager->RemoveGinaFromChainingList(TEXT("wpnGina.dll")));
+    }
+    EXPECT_EQ("lum_gina.dll PLinkGina.dll msgina.dll", ChainOf(*Build(true)));
+}
+
 TEST_F(FailingRegistry, WhatCannotBeWrittenDoesNotStopTheRest)
 {
     SetValues(ValuesOf("wpnGina.dll PLinkGina.dll msgina.dll"));

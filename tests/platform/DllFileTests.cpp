@@ -1,3 +1,4 @@
+#include <cstring>
 #include <fstream>
 #include <iterator>
 
@@ -60,6 +61,39 @@ TEST(DllFile, ExportsWhatTheLoaderFinds)
     }
     FreeLibrary(hModule);
     EXPECT_FALSE(file.HasExport("NoSuchExport"));
+}
+
+/// A 32-bit Windows DLL with one section, in which it exports one name.
+std::string MakePeFile(const std::string& name)
+{
+    std::string bytes(0x400, '\0');
+    const auto put = [&](std::size_t nOffset, DWORD dwValue) { std::memcpy(&bytes[nOffset], &dwValue, 4); };
+    put(0x0, 0x5A4D);        // "MZ"
+    put(0x3C, 0x40);         // where the headers are
+    put(0x40, 0x4550);       // "PE"
+    put(0x44, 0x0001014C);   // i386, one section
+    put(0x54, 0x210200E0);   // the size of the optional header; a DLL
+    put(0x58, 0x10B);        // 32 bits
+    put(0x58 + 92, 16);      // data directories
+    put(0x58 + 96, 0x1000);  // that of the exports
+    put(0x138 + 12, 0x1000); // where the section is loaded,
+    put(0x138 + 16, 0x200);  // its size,
+    put(0x138 + 20, 0x200);  // and where it lies
+    put(0x200 + 24, 1);      // names
+    put(0x200 + 32, 0x1040);
+    put(0x240, 0x1050);
+    bytes.replace(0x250, name.size(), name);
+    return bytes;
+}
+
+TEST(DllFile, OfWindowsIsReadOnBothTargets)
+{
+    const CDllFile file = InspectBytes(MakePeFile("WlxNegotiate"));
+    EXPECT_EQ(State::Usable, file.state);
+    EXPECT_EQ(std::vector<std::string>{"WlxNegotiate"}, file.exports);
+    std::string elsewhere = MakePeFile("WlxNegotiate");
+    elsewhere[0x44] = 0x64;
+    EXPECT_EQ(State::Unusable, InspectBytes(elsewhere).state) << "of another processor";
 }
 
 TEST(DllFile, DamageIsNoDllAndNoCrash)

@@ -12,7 +12,8 @@ struct CDllFile
     {
         Missing,    ///< there is no such file
         Unreadable, ///< the file cannot be read; dwError says why
-        Unusable,   ///< it is no DLL that a program of this system could load
+        Unusable,   ///< it is no DLL that a program of this system could load; natively it may be one of
+                    ///< Windows
         Usable,
     };
 

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <windows.h>
+
+#include "ImageBytes.h"
+
+/// The headers of a 32-bit Windows DLL and where its sections lie, as far as the exports need them.
+class CPeImage
+{
+public:
+    /// Throws CBadImage when the bytes, which must outlive the object, are no such DLL.
+    explicit CPeImage(const std::string& bytes);
+
+    /// The names of what it exports. Throws CBadImage.
+    std::vector<std::string> ListExports() const;
+
+private:
+    std::size_t OffsetOf(DWORD dwAddress) const;
+
+    CImageBytes m_bytes;
+    IMAGE_NT_HEADERS32 m_headers;
+    std::size_t m_nSections;
+};
