@@ -311,6 +311,7 @@ void CThreadObject::DeleteThis()
 
 DWORD WINAPI CThreadObject::ThreadStarter(LPVOID pObject)
 {
+    const CHostFrames hostFrames;
     try {
         static_cast<CThreadObject*>(pObject)->RunThread();
     } catch (...) {

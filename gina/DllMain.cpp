@@ -3,6 +3,7 @@
 #include "Exceptions.h"
 #include "LUMGinaInterface.h"
 #include "Operation.h"
+#include "platform/FaultGuard.h"
 
 // Attach and detach of the library.
 
@@ -19,11 +20,13 @@ struct CThreadsRunOn
 {
 };
 
+// A processor fault of the host itself ends attach and detach as any other failure.
+
 BOOL Attach(HINSTANCE hInstance) noexcept
 {
     CEntryTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("ATTACH"));
     try {
-        g_pLUMGina = new (std::nothrow) CLUMGina(hInstance);
+        g_pLUMGina = GuardedHostCall([=] { return new (std::nothrow) CLUMGina(hInstance); });
     } catch (...) {
         if (!IsHandling<CMessage>()) {
             CCritical(LUM_GINA_ORIGIN, TXT_NOT_CREATED);
@@ -35,16 +38,21 @@ BOOL Attach(HINSTANCE hInstance) noexcept
     return TRUE;
 }
 
+void DestroyHost()
+{
+    // Without WlxShutdown they may still run.
+    if (g_pLUMGina != nullptr && !g_pLUMGina->StopThreads()) {
+        throw CThreadsRunOn();
+    }
+    delete g_pLUMGina;
+    g_pLUMGina = nullptr;
+}
+
 BOOL Detach() noexcept
 {
     CEntryTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("DETACH"));
     try {
-        // Without WlxShutdown they may still run.
-        if (g_pLUMGina != nullptr && !g_pLUMGina->StopThreads()) {
-            throw CThreadsRunOn();
-        }
-        delete g_pLUMGina;
-        g_pLUMGina = nullptr;
+        GuardedHostCall(DestroyHost);
     } catch (...) {
         CWarning(LUM_GINA_ORIGIN, TXT_NOT_DELETED);
         return TRUE;

@@ -36,14 +36,15 @@ void Recover(const CThreadState& state, DWORD dwCode) noexcept
     }
 }
 
-/// Whether what is thrown here would be thrown into a DLL.
+/// Whether what is thrown here would be thrown into a DLL. A thread on which the host has marked nothing is a
+/// DLL's own.
 bool IsDLLInnermost() noexcept
 {
     const CExceptionFrame* pFrame = CExceptionFrame::GetInnermost();
     while (!pFrame->IsEnd() && !IsHostFrames(*pFrame) && !CGuardFrame::Is(*pFrame)) {
         pFrame = pFrame->pOuter;
     }
-    return !pFrame->IsEnd() && CGuardFrame::Is(*pFrame);
+    return pFrame->IsEnd() || CGuardFrame::Is(*pFrame);
 }
 
 } // namespace

@@ -125,6 +125,32 @@ TEST_F(AbiPlugin, SeesAndPassesWhatItsFramesAreMeantTo)
     }
 }
 
+/// A call of a plugin's on a thread that the plugin has started.
+struct CPluginThread
+{
+    static DWORD WINAPI Run(void* pContext)
+    {
+        auto& self = *static_cast<CPluginThread*>(pContext);
+        self.pfnScenario(FailingOperation, &self.nCalls, &self.report);
+        return 0;
+    }
+
+    AbiScenario pfnScenario;
+    int nCalls = 0;
+    AbiReport report = {};
+};
+
+TEST_F(AbiPlugin, SeesAFailureAlsoOnAThreadOfItsOwn)
+{
+    CPluginThread call{Find("Swallow")};
+    const HANDLE hThread = CreateThread(nullptr, 0, CPluginThread::Run, &call, 0, nullptr);
+    EXPECT_EQ(WaitForSingleObject(hThread, INFINITE), WAIT_OBJECT_0);
+    CloseHandle(hThread);
+    EXPECT_EQ(call.report.nCaught, 1);
+    EXPECT_EQ(call.report.nDestroyed, 1);
+    EXPECT_EQ(CHostError::s_nAlive, 0) << "the exception was released";
+}
+
 TEST_F(AbiPlugin, NotificationsAndFaultsOfHostFramesGoToWhoeverHandlesThemFurtherOut)
 {
     const AbiScenario pfnWinlogon = Find("SwallowAsStructured");

@@ -1,6 +1,7 @@
 #include "PipeMachine.h"
 
 #include "Exceptions.h"
+#include "platform/FaultGuard.h"
 
 CPipeMachine::CPipeMachine()
 {
@@ -35,6 +36,7 @@ void CPipeMachine::StopServer()
 
 DWORD WINAPI CPipeMachine::Serve(LPVOID pMachine)
 {
+    const CHostFrames hostFrames;
     CPipeMachine& machine = *static_cast<CPipeMachine*>(pMachine);
     const CPipeConnection::AwaitStop awaitStop = [&](DWORD dwMilliseconds) {
         Sleep(machine.m_bStop ? 0 : dwMilliseconds);

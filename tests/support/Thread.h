@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include "platform/FaultGuard.h"
+
 /// A thread that runs a function once, on either target.
 class CThread
 {
@@ -28,6 +30,7 @@ public:
 private:
     static DWORD WINAPI Run(PVOID pThread)
     {
+        const CHostFrames hostFrames;
         static_cast<CThread*>(pThread)->m_run();
         return 0;
     }

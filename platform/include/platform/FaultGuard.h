@@ -16,8 +16,8 @@
 //   GuardedHostCall  runs code of the host's that reads what a DLL may have written.
 //   CalledFromDLL  wraps an operation that a DLL calls; an exception that leaves the operation
 //                  travels through the DLL's frames, whose own handlers and destructors see it.
-//   CHostFrames    marks the frames from here on as the host's again, for a call that comes back
-//                  from Winlogon while a DLL of the same thread is in a guarded call.
+//   CHostFrames    marks the frames from here on as the host's: at the start of its own threads, and for a
+//                  call that comes back from Winlogon while a DLL of the same thread is in a guarded call.
 //
 // On Windows each module that links this has its own: to one module, the guard of another is a frame
 // like any other. Natively all modules of the process share one.
@@ -55,8 +55,9 @@ namespace FaultGuard {
 /// breakpoint, a single step, debug output) are not faults and pass by.
 void RunGuarded(void (*pfnCall)(void*), void* pContext);
 
-/// Throws pException to the caller of the current operation: as it is when no DLL of this thread is
-/// between here and the guard, otherwise in the form that the DLL's frames understand.
+/// Throws pException to the caller of the current operation: as it is when the frames in between are the
+/// host's, otherwise in the form that the DLL's frames understand. On a thread without a guard and without
+/// CHostFrames the caller is a DLL, which has started the thread.
 ///
 /// No frame between this call and the DLL may hold an object with a destructor. While the exception
 /// travels it belongs to the DLL's frames: one that swallows it releases it.
