@@ -16,9 +16,11 @@ void Check(LONG lResult, const char* szVerb, const std::string& path, const std:
         throw CSetupError(Format("there is no registry file %s", path.c_str()));
     }
     if (lResult != ERROR_SUCCESS) {
-        throw CSetupError(
-            Format("cannot %s the registry file %s: %s", szVerb, path.c_str(),
-                   reason.empty() ? Format("error %d", static_cast<int>(lResult)).c_str() : reason.c_str()));
+        throw CSetupError(Format("cannot %s the registry file %s: %s", szVerb, path.c_str(),
+                                 reason.empty() ? Format("error %d, see net helpmsg %d",
+                                                         static_cast<int>(lResult), static_cast<int>(lResult))
+                                                      .c_str()
+                                                : reason.c_str()));
     }
 }
 

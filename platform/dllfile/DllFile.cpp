@@ -68,6 +68,11 @@ bool CDllFile::HasExport(const std::string& name) const
     return std::binary_search(exports.begin(), exports.end(), name);
 }
 
+bool IsDllDirectory(const WCHAR* szDirectory)
+{
+    return TargetDlls::IsDirectory(szDirectory);
+}
+
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory)
 {
     CDllFile file;

@@ -13,6 +13,8 @@ namespace TargetDlls {
 std::basic_string<WCHAR> Find(const std::basic_string<WCHAR>& name,
                               const std::basic_string<WCHAR>& directory);
 
+bool IsDirectory(const std::basic_string<WCHAR>& path);
+
 /// Throws CBadImage when the bytes are no DLL of this system, nor natively one of 32-bit Windows.
 std::vector<std::string> ListExports(const std::string& bytes);
 

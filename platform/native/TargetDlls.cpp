@@ -1,6 +1,7 @@
 #include "../dllfile/TargetDlls.h"
 
 #include <elf.h>
+#include <sys/stat.h>
 
 #include "../dllfile/PeImage.h"
 #include "LibrarySearch.h"
@@ -58,6 +59,12 @@ std::basic_string<WCHAR> TargetDlls::Find(const std::basic_string<WCHAR>& name,
     std::basic_string<WCHAR> path;
     Native::FromUtf8(Native::FindLibraryFile(name, directory), path);
     return path;
+}
+
+bool TargetDlls::IsDirectory(const std::basic_string<WCHAR>& path)
+{
+    struct stat status;
+    return stat(Native::ToPath(path.c_str()).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 std::vector<std::string> TargetDlls::ListExports(const std::string& bytes)

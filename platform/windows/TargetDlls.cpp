@@ -44,6 +44,12 @@ WideText TargetDlls::Find(const WideText& name, const WideText& directory)
     return WideText();
 }
 
+bool TargetDlls::IsDirectory(const WideText& path)
+{
+    const DWORD dwAttributes = GetFileAttributesW(path.c_str());
+    return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 std::vector<std::string> TargetDlls::ListExports(const std::string& bytes)
 {
     return CPeImage(bytes).ListExports();

@@ -211,10 +211,10 @@ TEST_F(ChainCommands, RefuseWhatWouldKeepTheMachineFromComingUp)
         bool bForceable;
     } rows[] = {
         {"msgina.dll", "msgina.dll", "chain enable", "lum_gina.dll, and there is no such DLL", true},
-        {"lum_gina.dll=lum_gina.dll", "lum_gina.dll msgina.dll", "chain disable", "Winlogon loads msgina.dll",
-         true},
+        {"msgina.dll lum_gina.dll=lum_gina.dll", "lum_gina.dll PLinkGina.dll msgina.dll", "chain disable",
+         "Winlogon loads PLinkGina.dll", true},
         {ALL_DLLS, "x.dll", "chain enable", "cannot be followed to its end", false},
-        {ALL_DLLS, "lum_gina.dll wpnGina.dll", "chain disable", "cannot be followed to its end", false},
+        {"x.dll msgina.dll", "x.dll", "chain remove x.dll", "cannot be followed to its end", true},
         {ALL_DLLS, "lum_gina.dll msgina.dll", "chain remove wpnGina.dll", "no such GINA in the chain", false},
         {ALL_DLLS, "lum_gina.dll wpnGina.dll msgina.dll", "chain remove msgina.dll", "would stay", false},
     };
@@ -226,9 +226,57 @@ TEST_F(ChainCommands, RefuseWhatWouldKeepTheMachineFromComingUp)
         EXPECT_EQ(STATUS_REFUSED, run.status);
         EXPECT_NE(std::string::npos, run.error.find(row.szError)) << run.error;
         EXPECT_EQ(before, GetValues());
-        EXPECT_EQ(row.bForceable ? STATUS_DONE : STATUS_REFUSED,
-                  Run(row.szCommand + std::string(" --force")).status);
+        const ExitStatus forced = Run(row.szCommand + std::string(" --force")).status;
+        EXPECT_EQ(row.bForceable, forced != STATUS_REFUSED);
         EXPECT_EQ(row.bForceable, before != GetValues());
+        EXPECT_EQ(row.bForceable ? Run("chain check").status : STATUS_REFUSED, forced)
+            << "it tells whether the machine comes up now";
+    }
+}
+
+TEST_F(ChainCommands, AcceptEveryRemedyThatTheyOffer)
+{
+    SetRecord("rec.dll", "NULL,0,0,0,0");
+    static const std::regex pattern("lumctl (chain [a-z]+( [A-Za-z0-9_.]+)?)");
+    const struct
+    {
+        const char* szDlls;
+        Values values;
+        const char* szResult; ///< after the first remedy each time
+    } rows[] = {
+        {"msgina.dll", ValuesOf("x.dll"), "msgina.dll"},
+        {"msgina.dll wpnGina.dll", ValuesOf("wpnGina.dll x.dll"), "wpnGina.dll msgina.dll"},
+        {"msgina.dll lum_gina.dll=lum_gina.dll wpnGina.dll", ValuesOf("lum_gina.dll wpnGina.dll x.dll"),
+         "lum_gina.dll wpnGina.dll msgina.dll"},
+        {"msgina.dll lum_gina.dll=lum_gina.dll", ValuesOf("lum_gina.dll x.dll"), "lum_gina.dll msgina.dll"},
+        {"msgina.dll", ValuesOf("rec.dll"), "msgina.dll"},
+        {"msgina.dll", ValuesOf("lum_gina.dll wpnGina.dll PLinkGina.dll msgina.dll"), "msgina.dll"},
+        {"msgina.dll", ValuesOf("wpnGina.dll PLinkGina.dll wpnGina.dll"), "msgina.dll"},
+        {"msgina.dll", ValuesOf("lum_gina.dll lum_gina.dll"), "msgina.dll"},
+        {"msgina.dll", ValuesOf("lum_gina.dll wpnGina.dll"), "msgina.dll"},
+        {"msgina.dll lum_gina.dll=lum_gina.dll", {{"Winlogon", ""}}, "lum_gina.dll msgina.dll"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.szResult);
+        SetDlls(row.szDlls);
+        DeleteGinaKeys();
+        SetValues(row.values);
+        std::smatch remedy;
+        std::string said = Run("chain check").output;
+        for (int nSteps = 0; nSteps < 5 && std::regex_search(said, remedy, pattern); ++nSteps) {
+            const Values before = GetValues();
+            const CRun run = Run(remedy[1]);
+            EXPECT_TRUE(run.status == STATUS_DONE || run.status == STATUS_BAD) << remedy[1] << run.error;
+            EXPECT_NE(before, GetValues()) << remedy[1];
+            said = Run("chain check").output;
+        }
+        EXPECT_EQ(STATUS_DONE, Run("chain check").status) << Run("chain check").output;
+        std::string chain;
+        COfflineChain offline;
+        for (const CLinkView& link : FollowChain(offline, offline.ReadValues(), TEXT("")).links) {
+            chain += (chain.empty() ? "" : " ") + Narrow(link.gina.c_str());
+        }
+        EXPECT_EQ(row.szResult, chain);
     }
 }
 
@@ -239,8 +287,13 @@ TEST_F(ChainCommands, RefuseWhileAHostIsInService)
     const CRun run = Run("chain disable");
     EXPECT_EQ(STATUS_REFUSED, run.status);
     EXPECT_NE(std::string::npos, run.error.find("is in service")) << run.error;
+    EXPECT_NE(std::string::npos, run.error.find("use lumctl gina disable")) << run.error;
+    EXPECT_EQ(STATUS_REFUSED, Run("chain disable --force").status) << "that is about something else";
     EXPECT_EQ(ValuesOf("lum_gina.dll msgina.dll"), GetValues());
-    EXPECT_EQ(STATUS_DONE, Run("chain disable --force").status);
+    SetDlls("msgina.dll");
+    EXPECT_NE(std::string::npos, Run("chain check").output.find("or lumctl gina disable\n"));
+    EXPECT_NE(std::string::npos, Run("chain show --json").output.find("\"inService\": true"));
+    EXPECT_EQ(STATUS_DONE, Run("chain disable --in-service").status);
 }
 
 TEST_F(ChainCommands, RestoreMakesTheChainWhatItWas)
@@ -303,7 +356,7 @@ TEST_F(ChainCommands, RestoreRefusesWhatIsNoBackup)
         {"", "does not say which GINA Winlogon loads"},
         {winlogon, "does not say which GINA Winlogon loads"},
         {good + "\"Shell\"=\"evil.exe\"\r\n", "Winlogon, Shell is no value of a chain"},
-        {winlogon + "\"GinaDLL\"=dword:00000001\r\n", "GinaDLL is no text"},
+        {winlogon + "\"GinaDLL\"=dword:00000001\r\n", "the machine would not come up"},
         {good + "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Other]\r\n", "SOFTWARE\\Other holds nothing of a chain"},
         {good + "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina]\r\n", "Gina is to be deleted"},
         {good + "[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina]\r\n\"y.dll\"=\"1,2,3\"\r\n",
@@ -326,6 +379,19 @@ TEST_F(ChainCommands, RestoreRefusesWhatIsNoBackup)
     EXPECT_EQ(STATUS_FAILED, Run("chain restore none.reg").status);
 }
 
+TEST_F(ChainCommands, AValueThatIsNoTextIsNamedAndKept)
+{
+    SetValues(ValuesOf("wpnGina.dll"));
+    SetDword(TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"), TEXT("OldGinaDLL"), 1);
+    const std::string findings = Run("chain check").output;
+    EXPECT_NE(std::string::npos, findings.find("OldGinaDLL is (no text: 4 bytes of type 4)")) << findings;
+    EXPECT_EQ(STATUS_DONE, Run("chain backup --force saved.reg").status);
+    SetValues(ValuesOf("wpnGina.dll"));
+    const CRun run = Run("chain restore saved.reg");
+    EXPECT_EQ(STATUS_BAD, run.status) << run.error;
+    EXPECT_EQ(findings, Run("chain check").output);
+}
+
 TEST_F(ChainCommands, ABackupIsWhatTheSystemsEditorImports)
 {
     SetValues(ValuesOf("wpnGina.dll msgina.dll"));
@@ -334,10 +400,10 @@ TEST_F(ChainCommands, ABackupIsWhatTheSystemsEditorImports)
     EXPECT_EQ("\xFF\xFE", bytes.substr(0, 2));
     std::erase(bytes, '\0');
     EXPECT_EQ("Windows Registry Editor Version 5.00\r\n\r\n"
-              "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon]\r\n"
-              "\"GinaDLL\"=\"wpnGina.dll\"\r\n\r\n"
               "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tamsin\\Airlink\\wpnGina]\r\n"
               "\"OldGinaDLL\"=\"msgina.dll\"\r\n\r\n"
+              "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon]\r\n"
+              "\"GinaDLL\"=\"wpnGina.dll\"\r\n\r\n"
               "[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\PortLink\\PLinkGina]\r\n\"OldGinaDLL\"=-\r\n\r\n"
               "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Brevik Systems\\Gina]\r\n\"GinaDLL\"=-\r\n\r\n"
               "[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina]\r\n\"GinaDLL\"=-\r\n\r\n"
@@ -387,9 +453,10 @@ TEST_F(ChainCommands, SayWhatIsWrongWithACommandLine)
         {"chain show wpnGina.dll", "chain show takes no wpnGina.dll"},
         {"chain show --dry-run", "chain show has no option --dry-run"},
         {"chain show --loud", "unknown option --loud"},
+        {"chain show --system nowhere", "--system: there is no directory nowhere"},
     };
     for (const auto& row : rows) {
-        const CRun run = Run(row.szCommandLine);
+        const CRun run = RunLumctl(SplitWords(row.szCommandLine));
         EXPECT_EQ(STATUS_USAGE, run.status) << row.szCommandLine;
         EXPECT_EQ(row.szError, run.error);
     }

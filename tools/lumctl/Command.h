@@ -14,6 +14,7 @@ inline constexpr unsigned OPTION_SYSTEM = 0x08;
 inline constexpr unsigned OPTION_REGISTRY = 0x10;
 inline constexpr unsigned OPTION_NOW = 0x20;
 inline constexpr unsigned OPTION_TIMEOUT = 0x40;
+inline constexpr unsigned OPTION_IN_SERVICE = 0x80;
 
 /// What a command is given.
 struct CArguments
@@ -23,6 +24,7 @@ struct CArguments
     bool bJson = false;
     bool bDryRun = false;
     bool bForce = false;
+    bool bInService = false;
     bool bNow = false;
     /// Empty for the system's own.
     std::string system;

@@ -98,6 +98,7 @@ ExitStatus RunCommandLine(int argc, const char* const* argv, std::string& output
                          {given.Flag("--json", OPTION_JSON, &CArguments::bJson),
                           given.Flag("--dry-run", OPTION_DRY_RUN, &CArguments::bDryRun),
                           given.Flag("--force", OPTION_FORCE, &CArguments::bForce),
+                          given.Flag("--in-service", OPTION_IN_SERVICE, &CArguments::bInService),
                           given.Flag("--now", OPTION_NOW, &CArguments::bNow),
                           given.Text("--timeout", OPTION_TIMEOUT, &CArguments::timeout),
                           given.Text("--system", OPTION_SYSTEM, &CArguments::system),

@@ -13,11 +13,10 @@ ExitStatus Fail(ExitStatus status, const char* szReason, const char* szHint = ""
     return status;
 }
 
-/// What was printed so far comes before why it ended.
-void Print(const std::string& output)
+/// What was printed so far comes before why it ended. False when it did not get out.
+bool Print(const std::string& output)
 {
-    std::fwrite(output.data(), 1, output.size(), stdout);
-    std::fflush(stdout);
+    return std::fwrite(output.data(), 1, output.size(), stdout) == output.size() && std::fflush(stdout) == 0;
 }
 
 } // namespace
@@ -27,8 +26,9 @@ int main(int argc, char** argv)
     std::string output;
     try {
         const ExitStatus status = RunCommandLine(argc, argv, output);
-        Print(output);
-        return status;
+        return Print(output)
+                   ? status
+                   : Fail(STATUS_FAILED, "what it did is done, but what it has to say could not be printed");
     } catch (const CUsageError& error) {
         return Fail(STATUS_USAGE, error.what(), " (see lumctl --help)");
     } catch (const CCommandError& error) {

@@ -11,7 +11,10 @@ constexpr int NAME_WIDTH = 22;
 constexpr COptionHelp HELPS[] = {
     {OPTION_JSON, "--json", "", "print JSON"},
     {OPTION_DRY_RUN, "--dry-run", "", "print what would be written, and write nothing"},
-    {OPTION_FORCE, "--force", "", "do also what is refused otherwise"},
+    {OPTION_FORCE, "--force", "",
+     "make also a change after which the machine does not come up, or replace a backup file"},
+    {OPTION_IN_SERVICE, "--in-service", "",
+     "change the chain also while lum_gina.dll is in service, which may take the change back"},
     {OPTION_NOW, "--now", "", "load or unload the plugin as well, and at once"},
     {OPTION_TIMEOUT, "--timeout", "SECONDS", "wait this long for each answer of the host; 30 if not given"},
     {OPTION_SYSTEM, "--system", "DIRECTORY",

@@ -33,3 +33,6 @@ struct CDllFile
 /// natively where LoadLibraryW looks. szDirectory: look there instead; null or empty for the above. The
 /// extension .dll need not be given. Throws std::bad_alloc only.
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory);
+
+/// Whether there is such a directory to look in.
+bool IsDllDirectory(const WCHAR* szDirectory);

@@ -59,24 +59,20 @@ void CheckKey(const CChainValues& values, const CRegFileChange& change)
     }
 }
 
-bool IsText(const CRegFileChange& change)
-{
-    return !change.data || change.data->dwType == REG_SZ || change.data->dwType == REG_EXPAND_SZ;
-}
-
 } // namespace
 
-std::string WriteBackup(const CChainValues& values)
+std::string WriteBackup(const CChainValues& values, const std::vector<CValuePlace>& order)
 {
     Platform::CRegFileWriter file;
     WideText key;
     bool bGood = true;
-    for (const CChainValue& value : values) {
-        if (value.place.key != key) {
-            key = value.place.key;
+    for (const CValuePlace& place : order) {
+        if (place.key != key) {
+            key = place.key;
             bGood = file.AddKey(key) && bGood;
         }
-        bGood = file.AddValue(value.place.name, value.data ? &*value.data : nullptr) && bGood;
+        const CValueData& data = values.Find(place)->data;
+        bGood = file.AddValue(place.name, data ? &*data : nullptr) && bGood;
     }
     if (!bGood) {
         throw CCommandError(
@@ -99,9 +95,6 @@ CChainValues ReadBackup(COfflineChain& chain, const std::string& bytes)
         const CValuePlace place = {PathOf(change), *change.value};
         if (known.Find(place) == nullptr) {
             Refuse(place, "is no value of a chain");
-        }
-        if (!IsText(change)) {
-            Refuse(place, "is no text");
         }
         values.Set(place, change.data);
     }

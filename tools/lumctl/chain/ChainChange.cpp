@@ -36,19 +36,20 @@ void PrintWrites(const CChainChange& change, std::string& output)
 void RefuseWhileInService(const CChainChange& change)
 {
     if (COfflineChain::IsHostInService()) {
-        throw CCommandError(change.command +
-                                ": lum_gina.dll is in service on this machine and takes back what "
-                                "is changed behind it; change the chain through it (--force "
-                                "writes all the same)",
-                            STATUS_REFUSED);
+        throw CCommandError(
+            change.command +
+                ": lum_gina.dll is in service on this machine and takes back what "
+                "is changed behind it" +
+                (change.onlineCommand.empty() ? std::string() : "; use lumctl " + change.onlineCommand) +
+                " (--in-service writes all the same)",
+            STATUS_REFUSED);
     }
 }
 
-void RefuseDanger(const CChainChange& change, const std::vector<CFinding>& findings, std::string& output)
+void RefuseDanger(const CChainChange& change, const std::vector<CFinding>& findings)
 {
     for (const CFinding& finding : findings) {
         if (finding.severity == Severity::Danger) {
-            PrintFindings(findings, output);
             throw CCommandError(change.command + ": the machine would not come up: " + finding.text +
                                     ". Nothing was written (--force writes all the same)",
                                 STATUS_REFUSED);
@@ -97,20 +98,27 @@ void TakeBack(COfflineChain& chain, const CChainChange& change, const std::strin
 
 } // namespace
 
-void MakeChange(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
-                std::string& output)
+ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
+                      std::string& output)
 {
     const WideText system = ToWide(arguments.system);
-    const std::vector<CFinding> findings = CheckChain(FollowChain(chain, change.after, system), system);
-    if (!arguments.bForce) {
-        RefuseDanger(change, findings, output);
+    const auto find = [&](const CChainValues& values, Moment moment) {
+        return CheckChain(FollowChain(chain, values, system), system, moment);
+    };
+    const std::vector<CFinding> findings = find(change.after, Moment::AfterChange);
+    PrintWrites(change, output);
+    PrintFindings(findings, output, Moment::AfterChange);
+    // A machine that does not come up anyway is mended step by step.
+    if (!arguments.bForce && !HasSeverity(find(change.before, Moment::Now), Severity::Danger)) {
+        RefuseDanger(change, findings);
+    }
+    if (!arguments.bInService) {
         RefuseWhileInService(change);
     }
-    PrintWrites(change, output);
-    PrintFindings(findings, output);
+    const ExitStatus status = HasSeverity(findings, Severity::Danger) ? STATUS_BAD : STATUS_DONE;
     if (arguments.bDryRun) {
         output += "Nothing was written (--dry-run).\n";
-        return;
+        return status;
     }
     const std::string trouble = Try([&] {
         change.write();
@@ -119,29 +127,36 @@ void MakeChange(COfflineChain& chain, const CChainChange& change, const CArgumen
     if (!trouble.empty()) {
         TakeBack(chain, change, trouble);
     }
-    output += "Written and read back.\n";
+    return status;
 }
 
-std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& before,
-                                   const CChainValues& after)
+std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& values)
 {
     std::vector<CValuePlace> places;
     const auto add = [&](const CValuePlace& place) {
-        const bool bNew = std::find(places.begin(), places.end(), place) == places.end();
-        if (bNew && DataOf(before, place) != DataOf(after, place)) {
+        if (std::find(places.begin(), places.end(), place) == places.end()) {
             places.push_back(place);
         }
     };
-    const CChainView view = FollowChain(chain, after, WideText());
+    const CChainView view = FollowChain(chain, values, WideText());
     for (auto link = view.links.rbegin(); link != view.links.rend(); ++link) {
         if (link->place) {
             add(*link->place);
         }
     }
     add(WinlogonPlace());
-    for (const CChainValue& value : after) {
+    for (const CChainValue& value : values) {
         add(value.place);
     }
+    return places;
+}
+
+std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& before,
+                                   const CChainValues& after)
+{
+    std::vector<CValuePlace> places = SafeOrder(chain, after);
+    std::erase_if(places,
+                  [&](const CValuePlace& place) { return DataOf(before, place) == DataOf(after, place); });
     return places;
 }
 

@@ -1,8 +1,12 @@
 #include "ChainCommands.h"
 
+#include <algorithm>
+
 #include "ChainBackup.h"
 #include "ChainChange.h"
 #include "CommandError.h"
+#include "CommandLine.h"
+#include "CompareNames.h"
 #include "RegistryFile.h"
 #include "WholeFile.h"
 #include "chaining/ChainWriter.h"
@@ -17,16 +21,21 @@ struct CMachine
         : arguments(given), system(ToWide(given.system)),
           file(given.registry, CRegistryFile::Absence::IsError)
     {
+        if (!system.empty() && !IsDllDirectory(system.c_str())) {
+            throw CUsageError("--system: there is no directory " + given.system);
+        }
     }
 
     CChainView Follow() { return FollowChain(chain, values, system); }
 
-    void Make(const CChainChange& change, std::string& output)
+    ExitStatus Make(const CChainChange& change, std::string& output)
     {
-        MakeChange(chain, change, arguments, output);
+        const ExitStatus status = MakeChange(chain, change, arguments, output);
         if (!arguments.bDryRun) {
             file.Save();
+            output += "Written and read back.\n";
         }
+        return status;
     }
 
     const CArguments& arguments;
@@ -61,20 +70,18 @@ ExitStatus Check(const CArguments& arguments, std::string& output)
     return status;
 }
 
-void RefuseIncomplete(CMachine& machine, const std::string& command, std::string& output)
+[[noreturn]] void RefuseIncomplete(CMachine& machine, const std::string& command, std::string& output)
 {
-    if (machine.chain.GetManager().m_bChainIncomplete) {
-        PrintFindings(CheckChain(machine.Follow(), machine.system), output);
-        throw CCommandError(command + ": the chain cannot be followed to its end, so it cannot be changed",
-                            STATUS_REFUSED);
-    }
+    PrintFindings(CheckChain(machine.Follow(), machine.system), output);
+    throw CCommandError(command + ": the chain cannot be followed to its end, so this cannot be done",
+                        STATUS_REFUSED);
 }
 
 /// What the manager's list, changed already, would be written as.
 CChainChange PlanWrite(CMachine& machine, const std::string& command)
 {
     CRegistryManager& manager = machine.chain.GetManager();
-    CChainChange change{machine.values, machine.values, {}, {}, command};
+    CChainChange change{machine.values, machine.values, {}, {}, "chain " + command, "gina " + command};
     const auto plan = [&](const CValuePlace& place, const WCHAR* szText) {
         change.after.Set(place, szText != nullptr ? MakeText(szText) : std::nullopt);
         change.places.push_back(place);
@@ -97,39 +104,82 @@ CChainChange PlanWrite(CMachine& machine, const std::string& command)
 
 ExitStatus Enable(const CArguments& arguments, std::string& output)
 {
-    static const std::string COMMAND = "lumctl chain enable";
+    static const std::string COMMAND = "chain enable";
     CMachine machine(arguments);
     CRegistryManager& manager = machine.chain.GetManager();
     if (manager.IsGinaInChainingList(HOST_GINA)) {
         output += "lum_gina.dll is in the chain already; nothing to do.\n";
         return STATUS_DONE;
     }
-    RefuseIncomplete(machine, COMMAND, output);
+    if (manager.m_bChainIncomplete) {
+        RefuseIncomplete(machine, COMMAND, output);
+    }
     manager.m_bListOnly = true;
     if (!manager.InsertGinaIntoChainingList(HOST_GINA, nullptr, true)) {
         throw CCommandError(COMMAND + ": lum_gina.dll could not be put into the chain; nothing was written");
     }
-    machine.Make(PlanWrite(machine, COMMAND), output);
-    return STATUS_DONE;
+    return machine.Make(PlanWrite(machine, "enable"), output);
 }
 
-void RemoveFromChain(CMachine& machine, const WideText& gina, const std::string& command, std::string& output)
+/// What is to be written when a GINA is taken out of a chain that the manager cannot follow to its end: who
+/// has loaded it loads the one behind it, or the system's own, which ends the chain. So does one that leads
+/// back to it.
+CChainChange PlanCut(CMachine& machine, const CChainView& view, std::size_t nLink, const std::string& command)
 {
-    RefuseIncomplete(machine, command, output);
+    CChainChange change{machine.values, machine.values, {}, {}, "chain " + command, std::string()};
+    const bool bLast = nLink + 1 == view.links.size();
+    const WideText next = bLast ? WideText(SYSTEM_GINA) : view.links[nLink + 1].gina;
+    const bool bBySystem = nLink == 0 && EqualNames(next.c_str(), SYSTEM_GINA);
+    const CLinkView& last = view.links.back();
+    if (!bLast && EqualNames(TextOf(last.passthrough).c_str(), view.links[nLink].gina.c_str())) {
+        change.places.push_back(*last.place);
+        change.after.Set(*last.place, MakeText(SYSTEM_GINA));
+    }
+    change.places.push_back(nLink == 0 ? WinlogonPlace() : *view.links[nLink - 1].place);
+    change.after.Set(change.places.back(), bBySystem ? std::nullopt : MakeText(next.c_str()));
+    change.write = [after = change.after, places = change.places] { WriteValues(after, places); };
+    return change;
+}
+
+ExitStatus CutOut(CMachine& machine, const CChainView& view, std::size_t nLink, const std::string& command,
+                  std::string& output)
+{
+    const CLinkView& link = view.links[nLink];
+    // What works is not cut off: what is behind it would be lost.
+    if (link.knowledge == Knowledge::Unknown && link.dll.state == CDllFile::State::Usable &&
+        !machine.arguments.bForce)
+    {
+        RefuseIncomplete(machine, "chain " + command, output);
+    }
+    return machine.Make(PlanCut(machine, view, nLink, command), output);
+}
+
+ExitStatus RemoveFromChain(CMachine& machine, const WideText& gina, const std::string& command,
+                           std::string& output)
+{
     CRegistryManager& manager = machine.chain.GetManager();
+    const CChainView view = machine.Follow();
+    if (manager.m_bChainIncomplete) {
+        const auto isGina = [&](const CLinkView& link) {
+            return EqualNames(link.gina.c_str(), gina.c_str());
+        };
+        const auto link = std::find_if(view.links.begin(), view.links.end(), isGina);
+        return CutOut(machine, view, static_cast<std::size_t>(link - view.links.begin()), command, output);
+    }
     manager.m_bListOnly = true;
     if (!manager.RemoveGinaFromChainingList(gina.c_str())) {
-        throw CCommandError(command + ": it could not be taken out of the chain; nothing was written");
+        throw CCommandError("chain " + command +
+                            ": it could not be taken out of the chain; nothing was written");
     }
     const CChainChange change = PlanWrite(machine, command);
     const CChainView after = FollowChain(machine.chain, change.after, machine.system);
     if (after.HasGina(gina.c_str()) && !after.IsSystemGinaImplied()) {
-        throw CCommandError(command +
+        throw CCommandError(change.command +
                                 ": it would stay in the chain, since the GINA before it passes through to "
                                 "it by default; nothing was written",
                             STATUS_REFUSED);
     }
-    machine.Make(change, output);
+    return machine.Make(change, output);
 }
 
 ExitStatus Disable(const CArguments& arguments, std::string& output)
@@ -139,27 +189,27 @@ ExitStatus Disable(const CArguments& arguments, std::string& output)
         output += "lum_gina.dll is not in the chain; nothing to do.\n";
         return STATUS_DONE;
     }
-    RemoveFromChain(machine, HOST_GINA, "lumctl chain disable", output);
-    return STATUS_DONE;
+    return RemoveFromChain(machine, HOST_GINA, "disable", output);
 }
 
 ExitStatus Remove(const CArguments& arguments, std::string& output)
 {
     CMachine machine(arguments);
-    const std::string command = "lumctl chain remove " + arguments.words[0];
+    const std::string command = "remove " + arguments.words[0];
     const WideText gina = ToWide(arguments.words[0]);
-    if (!machine.chain.GetManager().IsGinaInChainingList(gina.c_str())) {
-        throw CCommandError(command + ": there is no such GINA in the chain (see lumctl chain show)",
+    if (machine.Follow().IsSystemGinaImplied() || !machine.Follow().HasGina(gina.c_str())) {
+        throw CCommandError("chain " + command +
+                                ": there is no such GINA in the chain (see lumctl chain show)",
                             STATUS_REFUSED);
     }
-    RemoveFromChain(machine, gina, command, output);
-    return STATUS_DONE;
+    return RemoveFromChain(machine, gina, command, output);
 }
 
 ExitStatus Backup(const CArguments& arguments, std::string& output)
 {
     CMachine machine(arguments);
-    WriteWholeFile(arguments.words[0], WriteBackup(machine.values), arguments.bForce);
+    WriteWholeFile(arguments.words[0], WriteBackup(machine.values, SafeOrder(machine.chain, machine.values)),
+                   arguments.bForce);
     output += "The chain has been backed up into " + arguments.words[0] + ".\n";
     return STATUS_DONE;
 }
@@ -176,17 +226,16 @@ ExitStatus Restore(const CArguments& arguments, std::string& output)
     }
     change.places = SafeOrder(machine.chain, change.before, change.after);
     change.write = [&change] { WriteValues(change.after, change.places); };
-    change.command = "lumctl chain restore";
+    change.command = "chain restore";
     if (change.places.empty()) {
         output += "The chain is as it was backed up; nothing to do.\n";
         return STATUS_DONE;
     }
-    machine.Make(change, output);
-    return STATUS_DONE;
+    return machine.Make(change, output);
 }
 
 constexpr unsigned LOOKS = OPTION_SYSTEM | OPTION_REGISTRY;
-constexpr unsigned CHANGES = LOOKS | OPTION_DRY_RUN | OPTION_FORCE;
+constexpr unsigned CHANGES = LOOKS | OPTION_DRY_RUN | OPTION_FORCE | OPTION_IN_SERVICE;
 
 constexpr CCommand COMMANDS[] = {
     {"chain show", "", "show the chain of GINAs as it will run", LOOKS | OPTION_JSON, Show},

@@ -26,14 +26,18 @@ std::string Join(const std::vector<std::string>& names)
 class CChecker
 {
 public:
-    CChecker(const CChainView& view, const WideText& system) : m_view(view)
+    CChecker(const CChainView& view, const WideText& system, Moment moment) : m_view(view), m_moment(moment)
     {
         // What the host loads when it cannot load the GINA behind it.
         m_bFallback = InspectDll(SYSTEM_GINA, system.c_str()).state == CDllFile::State::Usable;
         CheckWinlogon();
+        CheckType(WinlogonPlace(), m_view.winlogon);
         for (std::size_t nLink = 0; nLink < view.links.size(); ++nLink) {
             CheckDll(nLink);
             CheckFlags(nLink);
+            if (view.links[nLink].place) {
+                CheckType(*view.links[nLink].place, view.links[nLink].passthrough);
+            }
         }
         CheckEnd();
     }
@@ -46,6 +50,18 @@ private:
         m_findings.push_back({severity, text, remedy});
     }
 
+    /// What is to be done otherwise, or with lumctl; in one of the ways that there are then.
+    std::string Remedy(const std::string& otherwise, const std::string& command) const
+    {
+        // A host in service changes only a chain that it knows to its end.
+        const bool bRefused = m_view.bInService && m_view.end != ChainEnd::Complete;
+        if (m_moment == Moment::AfterChange || bRefused) {
+            return otherwise;
+        }
+        return (otherwise.empty() ? "" : otherwise + ", or ") +
+               (m_view.bInService ? "lumctl gina " : "lumctl chain ") + command;
+    }
+
     std::string Name(std::size_t nLink) const { return ToNarrow(m_view.links[nLink].gina.c_str()); }
 
     /// The one that loads this GINA.
@@ -55,7 +71,16 @@ private:
     {
         if (m_view.winlogon && m_view.IsSystemGinaImplied()) {
             Add(Severity::Doubt, Describe(WinlogonPlace()) + " is there and names no GINA",
-                "delete this value, or lumctl chain enable");
+                Remedy("delete this value", "enable"));
+        }
+    }
+
+    /// The library takes any bytes for a text; what Winlogon and other GINAs do is not known.
+    void CheckType(const CValuePlace& place, const CValueData& data)
+    {
+        if (data && !IsText(data)) {
+            Add(Severity::Doubt, Describe(place) + " is " + Describe(data),
+                "delete this value, and write it as a text (REG_SZ)");
         }
     }
 
@@ -68,8 +93,8 @@ private:
         case CDllFile::State::Missing:
             return Name(nLink) + ", and there is no such DLL";
         case CDllFile::State::Unreadable:
-            return Format("%s, and %s cannot be read (error %u)", Name(nLink).c_str(), path.c_str(),
-                          static_cast<unsigned>(link.dll.dwError));
+            return Format("%s, and %s cannot be read (error %u, see net helpmsg)", Name(nLink).c_str(),
+                          path.c_str(), static_cast<unsigned>(link.dll.dwError));
         case CDllFile::State::Unusable:
             return Name(nLink) + ", and " + path + " is no DLL of this system";
         default:
@@ -86,8 +111,8 @@ private:
         if (EqualNames(m_view.links[nLink].gina.c_str(), SYSTEM_GINA)) {
             return "put " + name + " into the system directory";
         }
-        return "put " + name + " into the system directory, or " +
-               (m_view.links[nLink].IsHost() ? "lumctl chain disable" : "lumctl chain remove " + name);
+        return Remedy("put " + name + " into the system directory",
+                      m_view.links[nLink].IsHost() ? "disable" : "remove " + name);
     }
 
     void CheckDll(std::size_t nLink)
@@ -107,11 +132,11 @@ private:
         const CLinkView& link = m_view.links[nLink];
         if (link.bMustBeFirst && nLink != 0) {
             Add(Severity::Warning, Name(nLink) + " wants to be the first GINA and is behind " + Loader(nLink),
-                "watch whether it works there, or lumctl chain remove " + Name(nLink));
+                Remedy("watch whether it works there", "remove " + Name(nLink)));
         }
         if (link.bIsIncompatible && m_view.HasGina(HOST_GINA)) {
             Add(Severity::Warning, Name(nLink) + " is recorded as incompatible with lum_gina.dll",
-                "lumctl chain remove " + Name(nLink));
+                Remedy("watch whether it works there", "remove " + Name(nLink)));
         }
     }
 
@@ -154,14 +179,15 @@ private:
     }
 
     const CChainView& m_view;
+    const Moment m_moment;
     bool m_bFallback = false;
 };
 
 } // namespace
 
-std::vector<CFinding> CheckChain(const CChainView& view, const WideText& system)
+std::vector<CFinding> CheckChain(const CChainView& view, const WideText& system, Moment moment)
 {
-    return std::move(CChecker(view, system).m_findings);
+    return std::move(CChecker(view, system, moment).m_findings);
 }
 
 bool HasSeverity(const std::vector<CFinding>& findings, Severity severity)
@@ -170,10 +196,11 @@ bool HasSeverity(const std::vector<CFinding>& findings, Severity severity)
                        [=](const CFinding& finding) { return finding.severity == severity; });
 }
 
-void PrintFindings(const std::vector<CFinding>& findings, std::string& output)
+void PrintFindings(const std::vector<CFinding>& findings, std::string& output, Moment moment)
 {
+    const char* szWhen = moment == Moment::AfterChange ? "after this change: " : "";
     for (const CFinding& finding : findings) {
-        output += Format("%s: %s\n  remedy: %s\n", NameOf(finding.severity), finding.text.c_str(),
+        output += Format("%s%s: %s\n  remedy: %s\n", szWhen, NameOf(finding.severity), finding.text.c_str(),
                          finding.remedy.c_str());
     }
 }

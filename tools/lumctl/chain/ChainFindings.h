@@ -17,12 +17,21 @@ struct CFinding
     std::string remedy;
 };
 
-/// What is wrong with a chain. system: where DLLs are looked for, see InspectDll.
-std::vector<CFinding> CheckChain(const CChainView& view, const WideText& system);
+/// Which chain is looked at.
+enum class Moment
+{
+    Now,
+    /// As a change would leave it: remedies that are changes of the chain as it is now are left out.
+    AfterChange,
+};
+
+/// What is wrong with a chain. system: where DLLs are looked for, see InspectDll. What a remedy says of
+/// lumctl is accepted by it, on the machine as it is.
+std::vector<CFinding> CheckChain(const CChainView& view, const WideText& system, Moment moment = Moment::Now);
 
 bool HasSeverity(const std::vector<CFinding>& findings, Severity severity);
 
-/// Prints each finding with its remedy.
-void PrintFindings(const std::vector<CFinding>& findings, std::string& output);
+/// Prints each finding with its remedy. Those of a change are said to be so.
+void PrintFindings(const std::vector<CFinding>& findings, std::string& output, Moment moment = Moment::Now);
 /// The same, and whether the next boot is safe: null when that cannot be told.
 void PrintFindingsJson(const std::vector<CFinding>& findings, std::string& output);

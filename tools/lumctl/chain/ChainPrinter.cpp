@@ -54,10 +54,15 @@ void PrintPlaceJson(CJsonWriter& json, const char* szName, const CValuePlace& pl
     json.BeginObject(szName);
     json.Text("key", DescribeKey(place));
     json.Text("value", place.name);
-    if (data) {
+    if (IsText(data)) {
         json.Text("text", TextOf(data));
     } else {
         json.Null("text");
+    }
+    if (data) {
+        json.Number("type", data->dwType);
+    } else {
+        json.Null("type");
     }
     json.EndObject();
 }
@@ -113,6 +118,10 @@ void PrintChain(const CChainView& view, std::string& output)
                          DescribeDll(link).c_str(), DescribePassthrough(link).c_str());
     }
     output += DescribeEnd(view) + "\n";
+    if (view.bInService) {
+        output += "lum_gina.dll is in service: change the chain through it (lumctl gina enable, disable, "
+                  "remove).\n";
+    }
 }
 
 void PrintChainJson(const CChainView& view, std::string& output)
@@ -126,6 +135,7 @@ void PrintChainJson(const CChainView& view, std::string& output)
     }
     json.EndArray();
     json.Text("end", std::string(NameOf(view.end)));
-    json.Bool("enabled", view.HasGina(HOST_GINA));
+    json.Bool("hostInChain", view.HasGina(HOST_GINA));
+    json.Bool("inService", view.bInService);
     json.EndObject();
 }

@@ -13,7 +13,7 @@ std::string ErrorText(LONG lError)
 {
     return lError == ERROR_ACCESS_DENIED
                ? std::string("access is denied; lumctl must be run by an administrator")
-               : Format("error %d", static_cast<int>(lError));
+               : Format("error %d, see net helpmsg %d", static_cast<int>(lError), static_cast<int>(lError));
 }
 
 [[noreturn]] void Fail(const char* szVerb, const CValuePlace& place, LONG lError)
@@ -135,9 +135,22 @@ std::string Describe(const CValuePlace& place)
     return DescribeKey(place) + ", " + ToNarrow(place.name.c_str());
 }
 
+bool IsText(const CValueData& data)
+{
+    return data && (data->dwType == REG_SZ || data->dwType == REG_EXPAND_SZ);
+}
+
 std::string Describe(const CValueData& data)
 {
-    return data ? '"' + ToNarrow(TextOf(data).c_str()) + '"' : std::string("(none)");
+    if (!data) {
+        return "(none)";
+    }
+    if (!IsText(data)) {
+        return Format("(no text: %u bytes of type %u)", static_cast<unsigned>(data->bytes.size()),
+                      static_cast<unsigned>(data->dwType));
+    }
+    const std::string text = '"' + ToNarrow(TextOf(data).c_str()) + '"';
+    return data->dwType == REG_SZ ? text : text + " (REG_EXPAND_SZ)";
 }
 
 CValueData ReadValue(const CValuePlace& place)

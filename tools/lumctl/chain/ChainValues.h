@@ -45,8 +45,11 @@ private:
 /// The text as the library reads it, whatever the type; empty when there is none.
 WideText TextOf(const CValueData& data);
 CValueData MakeText(const WCHAR* szText);
+/// Whether it exists and has the type of a text.
+bool IsText(const CValueData& data);
 
-/// For people: "HKEY_LOCAL_MACHINE\KEY", "NAME", and the data in quotes or as "(none)".
+/// For people: "HKEY_LOCAL_MACHINE\KEY", "NAME", and the data in quotes with its type
+/// if that is not REG_SZ, or as "(none)".
 std::string DescribeKey(const CValuePlace& place);
 std::string Describe(const CValuePlace& place);
 std::string Describe(const CValueData& data);

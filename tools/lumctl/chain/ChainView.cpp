@@ -38,6 +38,7 @@ public:
         : m_chain(chain), m_values(values), m_system(system)
     {
         m_view.winlogon = values.Find(WinlogonPlace())->data;
+        m_view.bInService = COfflineChain::IsHostInService();
         WideText next = TextOf(m_view.winlogon);
         if (next.empty()) {
             next = SYSTEM_GINA;

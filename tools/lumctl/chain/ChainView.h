@@ -45,6 +45,8 @@ struct CChainView
     /// Never empty: when Winlogon names no GINA it loads the system's own, which is the only one here then.
     std::vector<CLinkView> links;
     ChainEnd end = ChainEnd::Complete;
+    /// Whether a host is in service on the machine: then the chain is changed through it.
+    bool bInService = false;
 
     bool HasGina(const WCHAR* szGina) const;
     bool IsSystemGinaImplied() const { return TextOf(winlogon).empty(); }
