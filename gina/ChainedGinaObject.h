@@ -1,13 +1,17 @@
 #pragma once
 
+#include "Exceptions.h"
 #include "GinaObject.h"
+#include "Operation.h"
 
 /// The 19 chained operations, which standard GINAs and plugins have in common: each goes to the DLL's
 /// export for it. How it gets there, and when it does not, is Derived's
 ///
 ///     Result Chain<Result>(CTracePoint point, const CGinaExport<...>& function, GinaNode* pNode, args...)
 ///
-/// and the exports are Derived's members m_Name.
+/// and the exports are Derived's members m_Name, listed in m_Exports. Of Derived are further s_szClass,
+/// NegotiateVersions(), which throws when the DLL and the host do not agree, and HookFailed(location), which
+/// throws what an unexpected failure of its construction ends as.
 template <typename Derived>
 class CChainedGinaObject : public CGinaObject
 {
@@ -144,6 +148,41 @@ public:
 protected:
     using CGinaObject::CGinaObject;
     ~CChainedGinaObject() = default;
+
+    /// What is left of the constructor: loads the DLL, negotiates with it and looks up its exports; frees it
+    /// when that fails.
+    void Hook()
+    {
+        const COperation op(*this, Derived::s_szClass, TEXT("Hook"));
+        const auto onException = [this](const COperation& failed) {
+            if (IsHandlingHookFailure()) {
+                throw;
+            }
+            Self()->HookFailed(failed.GetLocation());
+        };
+        try {
+            op.Run(onException, [this] {
+                LoadGinaDLL();
+                Resolve(Self()->m_Negotiate);
+                Self()->NegotiateVersions();
+                ResolveAll(Self()->m_Exports);
+            });
+        } catch (...) {
+            if (m_pGinaPluginContext->m_hDLLInstance != nullptr) {
+                FreeGinaDLL();
+            }
+            throw;
+        }
+    }
+
+    /// An operation that goes to one export, whoever follows in the list. AlsoPassedOn: what leaves it as it
+    /// is beside the exception for a missing export.
+    template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
+    Result CallUnchained(CTracePoint point, const CGinaExport<Function>& function, Args... args)
+    {
+        return RunOperation<CNullFunctionHandleException, AlsoPassedOn...>(
+            Derived::s_szClass, point, [&] { return Call<Result>(function, args...); });
+    }
 
 private:
     Derived* Self() noexcept { return static_cast<Derived*>(this); }

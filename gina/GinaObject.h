@@ -128,20 +128,6 @@ protected:
         }
     }
 
-    /// Runs what the constructor of a derived class does with its DLL; when that fails, frees the DLL.
-    template <typename Hook>
-    void HookOrFree(Hook hook)
-    {
-        try {
-            hook();
-        } catch (...) {
-            if (m_pGinaPluginContext->m_hDLLInstance != nullptr) {
-                FreeGinaDLL();
-            }
-            throw;
-        }
-    }
-
     /// Whether the exception being handled says why a DLL could not be used; it is reported then.
     static bool IsHandlingHookFailure() noexcept;
 

@@ -9,7 +9,7 @@ CGinaPluginObject::CGinaPluginObject(const WCHAR* szAPPArg, const WCHAR* szMTMAr
     : CChainedGinaObject(szAPPArg, szMTMArg, hInstance, szGinaDLLName, dwUsingLUMVersion, dwUsingWlxVersion)
 {
     const CConstructionTrace trace(*this, s_szClass);
-    HookOrFree([this] { Hook(); });
+    Hook();
 }
 
 CGinaPluginObject::~CGinaPluginObject()
@@ -18,21 +18,9 @@ CGinaPluginObject::~CGinaPluginObject()
     FreeGinaDLL();
 }
 
-void CGinaPluginObject::Hook()
+void CGinaPluginObject::HookFailed(CSourceLocation where) const
 {
-    const COperation op(*this, s_szClass, TEXT("Hook"));
-    const auto onException = [this](const COperation& failed) {
-        if (IsHandlingHookFailure()) {
-            throw;
-        }
-        throw CUnhandledPluginException(LUM_GINA_ORIGIN, GetGinaDLLName(), failed.GetLocation());
-    };
-    op.Run(onException, [this] {
-        LoadGinaDLL();
-        Resolve(m_Negotiate);
-        NegotiateVersions();
-        ResolveAll(m_Exports);
-    });
+    throw CUnhandledPluginException(LUM_GINA_ORIGIN, GetGinaDLLName(), where);
 }
 
 void CGinaPluginObject::NegotiateVersions()
@@ -43,15 +31,6 @@ void CGinaPluginObject::NegotiateVersions()
         info.m_dwLUMVersion > LUM_INTERFACE_VERSION) {
         throw CFailedGinaNegotiationsException(LUM_GINA_ORIGIN, bAccepted);
     }
-}
-
-/// AlsoPassedOn: what leaves the operation as it is beside the exception for a missing export.
-template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
-Result CGinaPluginObject::CallUnchained(CTracePoint point, const CGinaExport<Function>& function,
-                                        Args... args)
-{
-    return RunOperation<CNullFunctionHandleException, AlsoPassedOn...>(
-        s_szClass, point, [&] { return Call<Result>(function, args...); });
 }
 
 void CGinaPluginObject::DynamicUnload()

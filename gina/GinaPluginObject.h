@@ -32,13 +32,11 @@ private:
 
     static constexpr const WCHAR* s_szClass = TEXT("CGinaPluginObject");
 
-    void Hook();
     void NegotiateVersions();
+    [[noreturn]] void HookFailed(CSourceLocation where) const;
 
     template <typename Result, typename Function, typename... Args>
     Result Chain(CTracePoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
-    template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
-    Result CallUnchained(CTracePoint point, const CGinaExport<Function>& function, Args... args);
 
     // In the order in which they are resolved. A BYTE result is a byte boolean: the rest of the register
     // that it comes in says nothing.

@@ -9,7 +9,7 @@ CGinaStandardObject::CGinaStandardObject(const WCHAR* szAPPArg, const WCHAR* szM
     : CChainedGinaObject(szAPPArg, szMTMArg, hInstance, szGinaDLLName, dwUsingLUMVersion, dwUsingWlxVersion)
 {
     const CConstructionTrace trace(*this, s_szClass);
-    HookOrFree([this] { Hook(); });
+    Hook();
 }
 
 CGinaStandardObject::~CGinaStandardObject()
@@ -18,24 +18,12 @@ CGinaStandardObject::~CGinaStandardObject()
     FreeGinaDLL();
 }
 
-void CGinaStandardObject::Hook()
+void CGinaStandardObject::HookFailed(CSourceLocation where) const
 {
-    const COperation op(*this, s_szClass, TEXT("Hook"));
-    const auto onException = [](const COperation& failed) {
-        if (IsHandlingHookFailure()) {
-            throw;
-        }
-        throw CUnhandledExceptionException(LUM_GINA_ORIGIN, failed.GetLocation());
-    };
-    op.Run(onException, [this] {
-        LoadGinaDLL();
-        Resolve(m_Negotiate);
-        NegotiateVersion();
-        ResolveAll(m_Exports);
-    });
+    throw CUnhandledExceptionException(LUM_GINA_ORIGIN, where);
 }
 
-void CGinaStandardObject::NegotiateVersion()
+void CGinaStandardObject::NegotiateVersions()
 {
     const DWORD dwOffered = GetPluginInfo().m_dwWlxVersion;
     DWORD dwAnswer = dwOffered;
@@ -44,15 +32,6 @@ void CGinaStandardObject::NegotiateVersion()
     if (bAccepted == FALSE) {
         throw CFailedGinaNegotiationsException(LUM_GINA_ORIGIN, 0);
     }
-}
-
-/// AlsoPassedOn: what leaves the operation as it is beside the exception for a missing export.
-template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
-Result CGinaStandardObject::CallUnchained(CTracePoint point, const CGinaExport<Function>& function,
-                                          Args... args)
-{
-    return RunOperation<CNullFunctionHandleException, AlsoPassedOn...>(
-        s_szClass, point, [&] { return Call<Result>(function, args...); });
 }
 
 void CGinaStandardObject::DynamicUnload()

@@ -33,13 +33,11 @@ private:
 
     static constexpr const WCHAR* s_szClass = TEXT("CGinaStandardObject");
 
-    void Hook();
-    void NegotiateVersion();
+    void NegotiateVersions();
+    [[noreturn]] void HookFailed(CSourceLocation where) const;
 
     template <typename Result, typename Function, typename... Args>
     Result Chain(CTracePoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
-    template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
-    Result CallUnchained(CTracePoint point, const CGinaExport<Function>& function, Args... args);
 };
 
 /// A chained operation: the GINA is the last in the list, or is not called. What it has not got to

@@ -112,7 +112,3 @@
 #define LUM_NAMED_TEXT(NAME, TEXT_) inline constexpr WCHAR NAME[] = TEXT(TEXT_);
 LUM_ERROR_TEXTS(LUM_NAMED_TEXT)
 #undef LUM_NAMED_TEXT
-
-#define LUM_TABLE_ROW(NAME, TEXT_) NAME,
-inline constexpr const WCHAR* g_szErrorTexts[] = {LUM_ERROR_TEXTS(LUM_TABLE_ROW)};
-#undef LUM_TABLE_ROW

@@ -3,7 +3,7 @@
 #include "../ThreadState.h"
 #include "ForeignException.h"
 #include "FrameGuard.h"
-#include "GuardFrame.h"
+#include "GuardEntry.h"
 #include "HostFrames.h"
 #include "StackGuardPage.h"
 
@@ -41,10 +41,10 @@ void Recover(const CThreadState& state, DWORD dwCode) noexcept
 bool IsDLLInnermost() noexcept
 {
     const CExceptionFrame* pFrame = CExceptionFrame::GetInnermost();
-    while (!pFrame->IsEnd() && !IsHostFrames(*pFrame) && !CGuardFrame::Is(*pFrame)) {
+    while (!pFrame->IsEnd() && !IsHostFrames(*pFrame) && !CGuardEntry::Is(*pFrame)) {
         pFrame = pFrame->pOuter;
     }
-    return pFrame->IsEnd() || CGuardFrame::Is(*pFrame);
+    return pFrame->IsEnd() || CGuardEntry::Is(*pFrame);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "FrameGuard.h"
 
 #include "ForeignException.h"
-#include "GuardFrame.h"
+#include "GuardEntry.h"
 
 namespace FaultGuard {
 namespace {
@@ -26,7 +26,7 @@ bool IsNotification(DWORD dwCode) noexcept
 
 bool CFrameGuard::Run(void (*pfnCall)(void*), void* pContext)
 {
-    return CGuardFrame::Run(*this, pfnCall, pContext);
+    return CGuardEntry::Run(*this, pfnCall, pContext);
 }
 
 bool CFrameGuard::Take(const EXCEPTION_RECORD& exception) noexcept

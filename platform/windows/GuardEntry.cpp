@@ -1,4 +1,4 @@
-#include "GuardFrame.h"
+#include "GuardEntry.h"
 
 #include "HostFrames.h"
 
@@ -6,19 +6,19 @@ namespace FaultGuard {
 
 extern "C" {
 
-/// Gives 0 when the call returned, 1 when LumEndGuardFrame ended it.
-int LumRunGuardFrame(CFrameGuard* pGuard, void (*pfnCall)(void*), void* pContext);
+/// Gives 0 when the call returned, 1 when LumEndGuardEntry ended it.
+int LumRunGuardEntry(CFrameGuard* pGuard, void (*pfnCall)(void*), void* pContext);
 
-/// Unwinds all frames inside the entry and lets its LumRunGuardFrame return.
-[[noreturn]] void LumEndGuardFrame(CExceptionFrame* pFrame, EXCEPTION_RECORD* pException);
+/// Unwinds all frames inside the entry and lets its LumRunGuardEntry return.
+[[noreturn]] void LumEndGuardEntry(CExceptionFrame* pFrame, EXCEPTION_RECORD* pException);
 
 __attribute__((used)) EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pException,
                                                            CExceptionFrame* pFrame, CONTEXT*, void*)
 {
     if (!IsUnwinding(*pException) && !HasDefaultFaultsInside(pFrame) &&
-        static_cast<CGuardFrame*>(pFrame)->pGuard->Take(*pException))
+        static_cast<CGuardEntry*>(pFrame)->pGuard->Take(*pException))
     {
-        LumEndGuardFrame(pFrame, pException);
+        LumEndGuardEntry(pFrame, pException);
     }
     return ExceptionContinueSearch;
 }
@@ -29,8 +29,8 @@ __attribute__((used)) EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pEx
 asm(R"(
     .text
     .p2align 4
-    .globl _LumRunGuardFrame
-_LumRunGuardFrame:
+    .globl _LumRunGuardEntry
+_LumRunGuardEntry:
     pushl %ebp
     movl %esp, %ebp
     pushl %ebx
@@ -53,8 +53,8 @@ _LumRunGuardFrame:
     ret
 
     .p2align 4
-    .globl _LumEndGuardFrame
-_LumEndGuardFrame:
+    .globl _LumEndGuardEntry
+_LumEndGuardEntry:
     movl 4(%esp), %eax
     movl 8(%esp), %ecx
     pushl %eax
@@ -69,12 +69,12 @@ _LumEndGuardFrame:
     jmp 1b
 )");
 
-bool CGuardFrame::Run(CFrameGuard& guard, void (*pfnCall)(void*), void* pContext)
+bool CGuardEntry::Run(CFrameGuard& guard, void (*pfnCall)(void*), void* pContext)
 {
-    return LumRunGuardFrame(&guard, pfnCall, pContext) == 0;
+    return LumRunGuardEntry(&guard, pfnCall, pContext) == 0;
 }
 
-bool CGuardFrame::Is(const CExceptionFrame& frame) noexcept
+bool CGuardEntry::Is(const CExceptionFrame& frame) noexcept
 {
     return frame.pfnHandler == reinterpret_cast<const void*>(LumOnException);
 }

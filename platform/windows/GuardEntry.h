@@ -6,7 +6,7 @@
 namespace FaultGuard {
 
 /// The entry of a guard. Only the assembly that it comes with makes one.
-struct __attribute__((may_alias)) CGuardFrame : CExceptionFrame
+struct __attribute__((may_alias)) CGuardEntry : CExceptionFrame
 {
     CFrameGuard* pGuard;
 
