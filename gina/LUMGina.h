@@ -81,11 +81,11 @@ public:
     // What the control channel asks for; runs on its thread. These never throw.
 
     /// Starts or stops the registry monitor. True when it is as wanted, also if it was before.
-    bool LUMEnableActiveRegistryMonitoring(bool bEnable);
+    bool LUMEnableActiveRegistryMonitoring(bool bEnable) noexcept;
 
     /// Gives the version of this library as one number: the minor version and the build, one over the other,
     /// in the upper 16 bits, the revision in the lower. False, and nothing given, when it cannot be read.
-    bool LUMGetLUMGinaVersion(DWORD* pdwVersion);
+    bool LUMGetLUMGinaVersion(DWORD* pdwVersion) noexcept;
 
     /// Stops the service threads that run. False when one has not finished in time, as when it is inside a
     /// plugin: the host must not be destroyed then.

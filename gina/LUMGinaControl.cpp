@@ -6,10 +6,11 @@
 
 namespace {
 
+/// True also when it runs. One that has ended by itself is started anew.
 bool Start(CThreadObject& thread)
 {
     const CCriticalSection::CLock lock(thread.m_OwnersLock);
-    return thread.StartThread();
+    return thread.IsAlive() || thread.StartThread();
 }
 
 /// True also when there is nothing to stop.
@@ -46,16 +47,16 @@ bool CLUMGina::StopThreads()
     return bStopped;
 }
 
-bool CLUMGina::LUMEnableActiveRegistryMonitoring(bool bEnable)
+bool CLUMGina::LUMEnableActiveRegistryMonitoring(bool bEnable) noexcept
 {
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMEnableActiveRegistryMonitoring"));
     return op.Run(Absorb<>(), [&] {
         CThreadObject& thread = Needed(m_pLUMRegMonitorThreadObject);
-        return bEnable ? thread.IsAlive() || Start(thread) : Stop(thread);
+        return bEnable ? Start(thread) : Stop(thread);
     });
 }
 
-bool CLUMGina::LUMGetLUMGinaVersion(DWORD* pdwVersion)
+bool CLUMGina::LUMGetLUMGinaVersion(DWORD* pdwVersion) noexcept
 {
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMGetLUMGinaVersion"));
     const auto body = [&] {

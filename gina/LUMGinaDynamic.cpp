@@ -41,6 +41,7 @@ bool CLUMGina::LoadInto(CGinaObjectList& list, const WCHAR* szPlugin)
     {
         return false;
     }
+    // Under one lock: the cursor is everybody's.
     const auto insert = [&] {
         list.End();
         return list.Insert(pGinaObject.get(), 0);

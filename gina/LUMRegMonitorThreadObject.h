@@ -23,9 +23,6 @@ public:
     /// in between.
     void Thread() override;
 
-    /// The period in milliseconds: the configured number of seconds; 5 seconds when that is 0, missing or
-    /// cannot be read.
-
     CRegistryManager* m_pRegistryManager;
     CWinlogonRegistry* m_pWinlogonRegistry;
     CLUMRegistry* m_pLUMRegistry;
