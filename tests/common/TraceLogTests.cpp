@@ -3,7 +3,6 @@
 #include "GlobalObject.h"
 #include "Operation.h"
 #include "TestMachine.h"
-#include "Thread.h"
 
 namespace {
 
@@ -85,20 +84,6 @@ TEST_F(TraceLog, LineHasTimeTagLabelAndLineEnd)
         "TraceLogTests.cpp\r\n"
         ".{24} LUM_GINA: \\[EXIT \\] CTraced::Do, Return: 0x1, \\( \\d+ \\) TraceLogTests.cpp\r\n");
     EXPECT_TRUE(std::regex_match(RawLog(), pattern)) << RawLog();
-}
-
-TEST_F(TraceLog, ThreadsThatWriteAtTheSameMomentLoseNoLine)
-{
-    constexpr int LINES = 300;
-    const auto write = [] {
-        for (int i = 0; i < LINES; ++i) {
-            EXPECT_TRUE(WriteLogLine(LUM_GINA_APP, TEXT("ERROR"), TEXT("text")));
-        }
-    };
-    {
-        CThread threads[] = {CThread(write), CThread(write), CThread(write)};
-    }
-    EXPECT_EQ(std::vector<std::string>(3 * LINES, "[ERROR] text"), Log());
 }
 
 TEST_F(TraceLog, LevelOutsideTheTableIsAHeader)
