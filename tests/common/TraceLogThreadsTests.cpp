@@ -1,3 +1,4 @@
+#include "Messages.h"
 #include "TestMachine.h"
 #include "Thread.h"
 #include "TraceLog.h"
