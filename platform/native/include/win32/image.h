@@ -70,4 +70,5 @@ struct IMAGE_EXPORT_DIRECTORY
 };
 
 static_assert(sizeof(IMAGE_DOS_HEADER) == 64 && sizeof(IMAGE_OPTIONAL_HEADER32) == 224 &&
-              sizeof(IMAGE_SECTION_HEADER) == 40 && sizeof(IMAGE_EXPORT_DIRECTORY) == 40);
+                  sizeof(IMAGE_SECTION_HEADER) == 40 && sizeof(IMAGE_EXPORT_DIRECTORY) == 40,
+              "as Windows has them");
