@@ -20,9 +20,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(lum_options INTERFACE -Wno-restrict)
 endif()
 target_include_directories(lum_options INTERFACE
-  "${CMAKE_SOURCE_DIR}/include" "${CMAKE_SOURCE_DIR}/platform/include")
+  "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/include")
 
-if(WIN32)
+if(NOT WIN32)
+  target_include_directories(lum_options INTERFACE "${CMAKE_SOURCE_DIR}/platform/include")
+else()
   # Windows 2000 is the oldest system that the library must load on.
   target_compile_definitions(lum_options INTERFACE
     UNICODE _UNICODE WIN32_LEAN_AND_MEAN WINVER=0x0500 _WIN32_WINNT=0x0500)

@@ -1,7 +1,7 @@
 #include "GuardedText.h"
 
 #include "Exceptions.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "GuardedText.h"
 #include "Operation.h"
 #include "RequireArgument.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <windows.h>
 
 #include "CriticalSection.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 /// The gate over the GINA object list: calls go through it, changes close it.
 ///

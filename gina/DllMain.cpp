@@ -3,7 +3,7 @@
 #include "Exceptions.h"
 #include "LUMGinaInterface.h"
 #include "Operation.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 // Attach and detach of the library.
 

@@ -8,7 +8,7 @@
 #include "GinaExport.h"
 #include "GinaPluginContext.h"
 #include "ListEx.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 class CGinaObject;
 class CLUMObject;

@@ -5,7 +5,7 @@
 #include "Exceptions.h"
 #include "GuardedText.h"
 #include "Operation.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "Exceptions.h"
 #include "Operation.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 // The entry points that Winlogon calls. Nothing is ever thrown back into Winlogon: whatever goes wrong, a
 // processor fault of the host itself included, ends as the call's default result.

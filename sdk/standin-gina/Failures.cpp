@@ -1,7 +1,7 @@
 #include "Failures.h"
 
-#include "platform/FaultGuard.h"
-#include "platform/StructuredExceptions.h"
+#include "guard/FaultGuard.h"
+#include "guard/StructuredExceptions.h"
 
 namespace {
 

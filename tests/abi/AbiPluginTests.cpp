@@ -6,7 +6,7 @@
 #include <windows.h>
 
 #include "AbiPlugin.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "ChainMachine.h"
-#include "platform/MachineRegistry.h"
+#include "machine/MachineRegistry.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "PipeMachine.h"
 
 #include "Exceptions.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 CPipeMachine::CPipeMachine()
 {

@@ -8,7 +8,7 @@
 #include "Exceptions.h"
 #include "LUMGina.h"
 #include "control/ControlRequests.h"
-#include "platform/MachineRegistry.h"
+#include "machine/MachineRegistry.h"
 
 // Serves requests that are made of arbitrary bytes, with a host behind them.
 

@@ -6,7 +6,7 @@
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "CommandLineRunner.h"
-#include "SetupError.h"
+#include "machine/SetupError.h"
 
 CLumctlRun RunLumctl(std::vector<std::string> words)
 {

@@ -1,4 +1,4 @@
-#include "platform/ChildProcess.h"
+#include "machine/ChildProcess.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/DllFile.h"
+#include "machine/DllFile.h"
 
 namespace {
 

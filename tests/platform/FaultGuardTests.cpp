@@ -5,8 +5,8 @@
 #include <string>
 
 #include "Faults.h"
-#include "platform/FaultGuard.h"
-#include "platform/StructuredExceptions.h"
+#include "guard/FaultGuard.h"
+#include "guard/StructuredExceptions.h"
 
 namespace {
 

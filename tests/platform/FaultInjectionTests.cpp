@@ -5,7 +5,7 @@
 
 #include "FailingAllocation.h"
 #include "platform/FaultInjection.h"
-#include "platform/MachineRegistry.h"
+#include "machine/MachineRegistry.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "Faults.h"
 
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 // The operands are volatile, so that no compiler can foresee the fault and do something else; the
 // sanitizers are told that it is meant.

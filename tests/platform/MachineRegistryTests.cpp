@@ -1,4 +1,4 @@
-#include "platform/MachineRegistry.h"
+#include "machine/MachineRegistry.h"
 
 #include <cstdio>
 #include <fstream>

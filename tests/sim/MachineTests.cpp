@@ -11,7 +11,7 @@
 
 #include "Runner.h"
 #include "TestMachine.h"
-#include "platform/MachineRegistry.h"
+#include "machine/MachineRegistry.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <winwlx.h>
 
-#include "SetupError.h"
+#include "machine/SetupError.h"
 
 namespace {
 

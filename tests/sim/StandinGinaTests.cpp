@@ -6,8 +6,8 @@
 #include <winwlx.h>
 
 #include "Library.h"
-#include "Text.h"
-#include "platform/FaultGuard.h"
+#include "machine/Text.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 

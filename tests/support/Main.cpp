@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 /// Tests are the host's frames: what its operations throw has to arrive as the host throws it.
 int main(int argc, char** argv)

@@ -6,7 +6,7 @@
 
 #include <windows.h>
 
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 /// A thread that runs a function once, on either target.
 class CThread

@@ -7,7 +7,7 @@
 #include "LUMRegMonitorThreadObject.h"
 #include "TestMachine.h"
 #include "TestThread.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 #include "platform/FaultInjection.h"
 
 namespace {

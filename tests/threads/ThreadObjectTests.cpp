@@ -5,7 +5,7 @@
 #include "Exceptions.h"
 #include "TestMachine.h"
 #include "TestThread.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "Text.h"
+#include "machine/Text.h"
 
 /// Writes one JSON text, indented, in plain ASCII: other characters are escaped, so that no code page
 /// matters.

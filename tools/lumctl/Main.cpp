@@ -3,7 +3,7 @@
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "CommandLineRunner.h"
-#include "SetupError.h"
+#include "machine/SetupError.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "Usage.h"
 
 #include "Command.h"
-#include "Text.h"
+#include "machine/Text.h"
 
 namespace {
 

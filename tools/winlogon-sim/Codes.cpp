@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "StandinGina.h"
-#include "Text.h"
+#include "machine/Text.h"
 #include <winwlx.h>
 
 namespace {

@@ -1,7 +1,7 @@
 #include "Library.h"
 
-#include "SetupError.h"
-#include "Text.h"
+#include "machine/SetupError.h"
+#include "machine/Text.h"
 
 void CLibrary::Load(const std::string& name)
 {

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "Options.h"
-#include "RegistryFile.h"
+#include "machine/RegistryFile.h"
 
 /// The machine on which the day is lived: its registry, from the first setting to the last step.
 class CMachine

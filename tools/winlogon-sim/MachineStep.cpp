@@ -5,8 +5,8 @@
 #include <stdexcept>
 
 #include "RegistryValues.h"
-#include "SetupError.h"
-#include "platform/ChildProcess.h"
+#include "machine/SetupError.h"
+#include "machine/ChildProcess.h"
 
 namespace {
 

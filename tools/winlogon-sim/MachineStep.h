@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "DayWords.h"
-#include "Text.h"
+#include "machine/Text.h"
 
 // What happens on a machine beside Winlogon's calls: an administrator works, another installer writes, time
 // passes.

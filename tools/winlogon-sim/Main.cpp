@@ -2,7 +2,7 @@
 
 #include "Machine.h"
 #include "Report.h"
-#include "SetupError.h"
+#include "machine/SetupError.h"
 #include "StepList.h"
 
 namespace {

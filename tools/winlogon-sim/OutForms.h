@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "Text.h"
+#include "machine/Text.h"
 
 /// What a GINA left behind an out-pointer.
 struct COutValue

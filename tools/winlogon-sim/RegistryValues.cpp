@@ -1,6 +1,6 @@
 #include "RegistryValues.h"
 
-#include "SetupError.h"
+#include "machine/SetupError.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "Text.h"
+#include "machine/Text.h"
 
 // Values under HKEY_LOCAL_MACHINE. Those that write throw CSetupError; keys are made where they are missing.
 

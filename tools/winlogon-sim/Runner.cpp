@@ -2,9 +2,9 @@
 
 #include "Comparison.h"
 #include "Machine.h"
-#include "SetupError.h"
+#include "machine/SetupError.h"
 #include "Winlogon.h"
-#include "platform/FaultGuard.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 

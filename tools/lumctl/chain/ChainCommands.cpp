@@ -7,8 +7,8 @@
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "CompareNames.h"
-#include "RegistryFile.h"
-#include "WholeFile.h"
+#include "machine/RegistryFile.h"
+#include "machine/WholeFile.h"
 #include "chaining/ChainWriter.h"
 #include "chaining/KnownGinas.h"
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "Text.h"
-#include "platform/RegFile.h"
+#include "machine/Text.h"
+#include "machine/RegFile.h"
 
 /// Where a value lies.
 struct CValuePlace

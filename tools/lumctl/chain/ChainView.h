@@ -2,7 +2,7 @@
 
 #include "ChainValues.h"
 #include "OfflineChain.h"
-#include "platform/DllFile.h"
+#include "machine/DllFile.h"
 
 /// How it is known what a GINA does.
 enum class Knowledge

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "OnlineHost.h"
-#include "Text.h"
+#include "machine/Text.h"
 
 /// A DLL that the configuration names, and what the host says of it.
 struct CConfiguredDll

@@ -6,7 +6,7 @@
 #include "CommandLine.h"
 #include "HostView.h"
 #include "JsonWriter.h"
-#include "RegistryFile.h"
+#include "machine/RegistryFile.h"
 
 namespace {
 

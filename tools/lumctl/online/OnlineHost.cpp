@@ -5,7 +5,7 @@
 
 #include "CommandError.h"
 #include "CommandLine.h"
-#include "Text.h"
+#include "machine/Text.h"
 
 namespace {
 

@@ -1,0 +1,8 @@
+#include "guard/StructuredExceptions.h"
+
+bool StructuredExceptions::AreAvailable() noexcept
+{
+    return false;
+}
+
+void StructuredExceptions::Raise(DWORD) {}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <windows.h>
+
+#include "platform/RegistryData.h"
+
+// The files that the system's registry editor exports and imports, read and written without that editor. No
+// operation touches a registry.
+
+namespace Platform {
+
+/// One thing that a .reg file says. Without a value's name it is about the key itself.
+struct CRegFileChange
+{
+    /// The names on the way from HKEY_LOCAL_MACHINE.
+    std::vector<std::basic_string<WCHAR>> key;
+    /// Empty for the default value.
+    std::optional<std::basic_string<WCHAR>> value;
+    /// What the value becomes; nothing when key or value is to be deleted, or the key to be there.
+    std::optional<CRegistryData> data;
+    bool bDelete = false;
+};
+
+/// What is wrong with a .reg file.
+struct CRegFileError
+{
+    std::string text; ///< with the number of the line
+};
+
+/// The changes that the bytes of a .reg file stand for, in its order. The heading is "Windows Registry Editor
+/// Version 5.00", in UTF-16 or UTF-8, or "REGEDIT4". Throws CRegFileError, also for keys outside
+/// HKEY_LOCAL_MACHINE.
+std::vector<CRegFileChange> ParseRegFile(const std::string& bytes);
+
+/// Writes a .reg file of version 5.00, as the system's editor does.
+class CRegFileWriter
+{
+public:
+    CRegFileWriter();
+
+    /// Begins a key, by its path below HKEY_LOCAL_MACHINE; empty for that itself. This and AddValue are false
+    /// when a name has a control character in it, for which the format has no place.
+    bool AddKey(const std::basic_string<WCHAR>& path);
+
+    /// Adds a value of the key that was begun last; without data, its deletion.
+    bool AddValue(const std::basic_string<WCHAR>& name, const CRegistryData* pData);
+
+    /// The file: UTF-16 with its mark.
+    std::string GetBytes() const;
+
+private:
+    std::basic_string<WCHAR> m_text;
+};
+
+} // namespace Platform

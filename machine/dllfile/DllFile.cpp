@@ -1,0 +1,94 @@
+#include "machine/DllFile.h"
+
+#include <algorithm>
+
+#include "ImageBytes.h"
+#include "TargetDlls.h"
+
+namespace {
+
+using WideText = std::basic_string<WCHAR>;
+
+/// A name without an extension means a .dll; one that ends in a dot means no extension at all.
+WideText CompleteName(WideText name)
+{
+    const std::size_t nDot = name.find_last_of(TEXT(".\\/:"));
+    if (nDot == WideText::npos || name[nDot] != '.') {
+        return name + TEXT(".dll");
+    }
+    if (nDot + 1 == name.size()) {
+        name.pop_back();
+    }
+    return name;
+}
+
+/// ERROR_SUCCESS, or why the file cannot be read.
+DWORD ReadOpenFile(HANDLE hFile, std::string& bytes)
+{
+    char buffer[65536];
+    DWORD cbRead = 0;
+    do {
+        if (!ReadFile(hFile, buffer, sizeof(buffer), &cbRead, nullptr)) {
+            return GetLastError();
+        }
+        bytes.append(buffer, cbRead);
+    } while (cbRead != 0);
+    return ERROR_SUCCESS;
+}
+
+DWORD ReadWholeFile(const WideText& path, std::string& bytes)
+{
+    const HANDLE hFile =
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (hFile == INVALID_HANDLE_VALUE) {
+        return GetLastError();
+    }
+    const DWORD dwError = ReadOpenFile(hFile, bytes);
+    CloseHandle(hFile);
+    return dwError;
+}
+
+void ReadExports(CDllFile& file, const std::string& bytes)
+{
+    try {
+        file.exports = TargetDlls::ListExports(bytes);
+        std::sort(file.exports.begin(), file.exports.end());
+        file.state = CDllFile::State::Usable;
+    } catch (const CBadImage&) {
+        file.exports.clear();
+        file.state = CDllFile::State::Unusable;
+    }
+}
+
+} // namespace
+
+bool CDllFile::HasExport(const std::string& name) const
+{
+    return std::binary_search(exports.begin(), exports.end(), name);
+}
+
+bool IsDllDirectory(const WCHAR* szDirectory)
+{
+    return TargetDlls::IsDirectory(szDirectory);
+}
+
+CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory)
+{
+    CDllFile file;
+    if (*szName == 0) {
+        return file;
+    }
+    file.path = TargetDlls::Find(CompleteName(szName), szDirectory != nullptr ? szDirectory : TEXT(""));
+    if (file.path.empty()) {
+        return file;
+    }
+    std::string bytes;
+    file.dwError = ReadWholeFile(file.path, bytes);
+    if (file.dwError != ERROR_SUCCESS) {
+        file.state = CDllFile::State::Unreadable;
+        return file;
+    }
+    ReadExports(file, bytes);
+    return file;
+}

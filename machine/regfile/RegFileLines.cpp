@@ -1,0 +1,102 @@
+#include "RegFileLines.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "machine/RegFile.h"
+
+namespace Platform {
+namespace {
+
+constexpr WCHAR HEADING[] = TEXT("Windows Registry Editor Version 5.00");
+constexpr WCHAR OLD_HEADING[] = TEXT("REGEDIT4");
+
+bool StartsWith(const std::string& bytes, const char* szStart)
+{
+    return bytes.compare(0, std::strlen(szStart), szStart) == 0;
+}
+
+WideText FromUtf16(const std::string& bytes)
+{
+    if (bytes.size() % sizeof(WCHAR) != 0) {
+        throw CRegFileError{"the file is UTF-16 and ends within a character"};
+    }
+    WideText text(bytes.size() / sizeof(WCHAR), 0);
+    std::memcpy(text.data(), bytes.data(), bytes.size());
+    return text;
+}
+
+WideText Decode(const std::string& bytes)
+{
+    if (StartsWith(bytes, "\xFF\xFE")) {
+        return FromUtf16(bytes.substr(2));
+    }
+    WideText text;
+    if (FromUtf8(StartsWith(bytes, "\xEF\xBB\xBF") ? bytes.substr(3) : bytes, text)) {
+        return text;
+    }
+    if (StartsWith(bytes, "REGEDIT4")) {
+        return FromAnsi(bytes);
+    }
+    throw CRegFileError{"the file is neither UTF-16 nor UTF-8"};
+}
+
+WideText Trim(const WideText& text)
+{
+    static constexpr WCHAR BLANKS[] = TEXT(" \t\r");
+    const std::size_t nBegin = text.find_first_not_of(BLANKS);
+    return nBegin == WideText::npos ? WideText()
+                                    : text.substr(nBegin, text.find_last_not_of(BLANKS) + 1 - nBegin);
+}
+
+std::vector<CRegFileLine> SplitLines(const WideText& text)
+{
+    std::vector<CRegFileLine> lines;
+    std::size_t nBegin = 0;
+    while (nBegin < text.size()) {
+        const std::size_t nEnd = std::min(text.find('\n', nBegin), text.size());
+        lines.push_back({lines.size() + 1, Trim(text.substr(nBegin, nEnd - nBegin))});
+        nBegin = nEnd + 1;
+    }
+    return lines;
+}
+
+/// Only bytes go on in the next line. In quotes and brackets a backslash at the end means something else, or
+/// is an error.
+bool IsContinued(const WideText& text)
+{
+    return text.back() == '\\' && text.front() != '[' && text.find(TEXT("hex")) != WideText::npos;
+}
+
+std::vector<CRegFileLine> JoinLines(const std::vector<CRegFileLine>& lines)
+{
+    std::vector<CRegFileLine> joined;
+    bool bContinued = false;
+    for (const CRegFileLine& line : lines) {
+        const bool bSaysNothing = line.text.empty() || line.text.front() == ';';
+        if (bContinued) {
+            joined.back().text.pop_back();
+            joined.back().text += line.text;
+        } else if (!bSaysNothing) {
+            joined.push_back(line);
+        }
+        bContinued = !joined.empty() && IsContinued(joined.back().text);
+    }
+    return joined;
+}
+
+} // namespace
+
+CRegFileText ReadRegFileText(const std::string& bytes)
+{
+    CRegFileText text = {false, JoinLines(SplitLines(Decode(bytes)))};
+    const WideText heading = text.lines.empty() ? WideText() : text.lines.front().text;
+    text.bOldFormat = heading == OLD_HEADING;
+    if (heading != HEADING && !text.bOldFormat) {
+        throw CRegFileError{"line 1: the heading of a registry file is missing"};
+    }
+    text.lines.erase(text.lines.begin());
+    return text;
+}
+
+} // namespace Platform

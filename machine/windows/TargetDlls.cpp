@@ -1,0 +1,56 @@
+#include "machine/dllfile/TargetDlls.h"
+
+#include "machine/dllfile/PeImage.h"
+
+namespace {
+
+using WideText = std::basic_string<WCHAR>;
+
+bool Exists(const WideText& path)
+{
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+WideText Directory(UINT(WINAPI* pfnGet)(LPWSTR, UINT), const WCHAR* szSub)
+{
+    WCHAR szPath[MAX_PATH] = {};
+    const UINT cchPath = pfnGet(szPath, MAX_PATH);
+    return cchPath != 0 && cchPath < MAX_PATH ? WideText(szPath) + szSub : WideText();
+}
+
+/// A name with a drive, or from the root of one, is not searched for.
+bool IsAbsolute(const WideText& name)
+{
+    return name.find(':') != WideText::npos || name.front() == '\\' || name.front() == '/';
+}
+
+} // namespace
+
+WideText TargetDlls::Find(const WideText& name, const WideText& directory)
+{
+    if (IsAbsolute(name)) {
+        return Exists(name) ? name : WideText();
+    }
+    // Winlogon's own directory is the system directory.
+    const WideText directories[] = {directory.empty() ? Directory(GetSystemDirectoryW, L"") : directory,
+                                    directory.empty() ? Directory(GetWindowsDirectoryW, L"\\system") : L"",
+                                    directory.empty() ? Directory(GetWindowsDirectoryW, L"") : L""};
+    for (const WideText& candidate : directories) {
+        const WideText path = candidate + L"\\" + name;
+        if (!candidate.empty() && Exists(path)) {
+            return path;
+        }
+    }
+    return WideText();
+}
+
+bool TargetDlls::IsDirectory(const WideText& path)
+{
+    const DWORD dwAttributes = GetFileAttributesW(path.c_str());
+    return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+std::vector<std::string> TargetDlls::ListExports(const std::string& bytes)
+{
+    return CPeImage(bytes).ListExports();
+}

@@ -1,8 +1,0 @@
-#include "platform/StructuredExceptions.h"
-
-bool StructuredExceptions::AreAvailable() noexcept
-{
-    return false;
-}
-
-void StructuredExceptions::Raise(DWORD) {}
