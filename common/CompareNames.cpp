@@ -1,5 +1,7 @@
 #include "CompareNames.h"
 
+#include <algorithm>
+
 namespace {
 
 // DLL names are compared as _wcsicmp does in the "C" locale: the same on every machine.
@@ -12,12 +14,12 @@ WCHAR FoldCase(WCHAR ch) noexcept
 
 bool EqualNames(const WCHAR* szLeft, const WCHAR* szRight) noexcept
 {
-    if (szLeft == nullptr || szRight == nullptr) {
-        return false;
-    }
-    while (*szLeft != 0 && FoldCase(*szLeft) == FoldCase(*szRight)) {
-        ++szLeft;
-        ++szRight;
-    }
-    return FoldCase(*szLeft) == FoldCase(*szRight);
+    using Text = std::basic_string_view<WCHAR>;
+    return szLeft != nullptr && szRight != nullptr && EqualNames(Text(szLeft), Text(szRight));
+}
+
+bool EqualNames(std::basic_string_view<WCHAR> left, std::basic_string_view<WCHAR> right) noexcept
+{
+    const auto equal = [](WCHAR chLeft, WCHAR chRight) { return FoldCase(chLeft) == FoldCase(chRight); };
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(), equal);
 }

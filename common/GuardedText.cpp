@@ -1,5 +1,7 @@
 #include "GuardedText.h"
 
+#include <new>
+
 #include "Exceptions.h"
 #include "guard/FaultGuard.h"
 
@@ -24,13 +26,6 @@ std::size_t MeasureText(const CMessageOrigin& origin, const WCHAR* szText, CSour
     return RunOnText(origin, where, [=] { return Traits::length(szText); });
 }
 
-std::basic_string<WCHAR> ReadText(const CMessageOrigin& origin, const WCHAR* szText, CSourceLocation where)
-{
-    std::basic_string<WCHAR> text(MeasureText(origin, szText, where), 0);
-    CopyToBuffer(origin, text.data(), szText, text.size(), where);
-    return text;
-}
-
 void CopyToBuffer(const CMessageOrigin& origin, WCHAR* szBuffer, const WCHAR* szText, std::size_t cchText,
                   CSourceLocation where)
 {
@@ -38,4 +33,21 @@ void CopyToBuffer(const CMessageOrigin& origin, WCHAR* szBuffer, const WCHAR* sz
         Traits::copy(szBuffer, szText, cchText);
         szBuffer[cchText] = 0;
     });
+}
+
+COwnedText CopyText(const CMessageOrigin& origin, std::basic_string_view<WCHAR> text, const WCHAR* szVariable,
+                    CSourceLocation where)
+{
+    COwnedText copy(new (std::nothrow) WCHAR[text.size() + 1]);
+    if (copy == nullptr) {
+        throw CMemAllocException(origin, szVariable, where);
+    }
+    CopyToBuffer(origin, copy, text.data(), text.size(), where);
+    return copy;
+}
+
+COwnedText CopyText(const CMessageOrigin& origin, const WCHAR* szText, const WCHAR* szVariable,
+                    CSourceLocation where)
+{
+    return CopyText(origin, {szText, MeasureText(origin, szText, where)}, szVariable, where);
 }

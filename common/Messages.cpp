@@ -27,8 +27,8 @@ void CMessageArgList::Compose(const WCHAR* szFormat,
 {
     try {
         const std::size_t cchMessage = std::char_traits<WCHAR>::length(szFormat) + MESSAGE_ROOM;
-        m_szMessage.reset(new WCHAR[cchMessage]);
-        m_bFormatted = FormatText(m_szMessage.get(), cchMessage, szFormat, arguments);
+        m_szMessage.Reset(new WCHAR[cchMessage]);
+        m_bFormatted = FormatText(m_szMessage, cchMessage, szFormat, arguments);
         if (!m_bFormatted) {
             LogInternalWarning(ERR_BAD_FORMAT);
         }
@@ -52,7 +52,7 @@ void CMessageArgList::Write() noexcept
 void CMessageArgList::WriteLine() noexcept
 {
     if (m_bFormatted) {
-        WriteLogLine(m_szAPP, GetLevelLabel(m_dwLevel), m_szMessage.get());
+        WriteLogLine(m_szAPP, GetLevelLabel(m_dwLevel), m_szMessage);
     }
 }
 

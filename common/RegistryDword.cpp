@@ -2,6 +2,7 @@
 
 #include "Exceptions.h"
 #include "Operation.h"
+#include "RequireArgument.h"
 
 CRegistryDword::CRegistryDword(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot,
                                const WCHAR* szSubKey, const WCHAR* szValueName, REGSAM samDesired,
@@ -33,9 +34,7 @@ bool CRegistryDword::GetRegistryDword(DWORD* pdwValue, bool bRefresh)
     return op.Run(
         PassOn<Absorb<>, CBadArgException, CUnableToReadRegistryException>(),
         [&] {
-            if (pdwValue == nullptr) {
-                throw CBadArgException(*this, TEXT("pdwValue"));
-            }
+            RequireArgument(*this, pdwValue, TEXT("pdwValue"));
             if (bRefresh || m_bReadThrough) {
                 Fetch();
             }

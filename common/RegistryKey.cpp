@@ -1,7 +1,9 @@
 #include "RegistryKey.h"
 
 #include "Exceptions.h"
+#include "GuardedText.h"
 #include "Operation.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -16,10 +18,8 @@ CRegistryKey::CRegistryKey(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hK
 {
     const CConstructionTrace trace(*this, s_szClass);
     try {
-        if (szSubKey == nullptr) {
-            throw CBadArgException(*this, TEXT("szSubKey"));
-        }
-        m_szSubKey = szSubKey;
+        RequireArgument(*this, szSubKey, TEXT("szSubKey"));
+        m_szSubKey = CopyText(*this, szSubKey, TEXT("m_szSubKey"));
         if (bOpenNow && !OpenKey()) {
             throw CRegistryKeyInitException(*this);
         }
@@ -39,7 +39,7 @@ CRegistryKey::~CRegistryKey()
 
 LONG CRegistryKey::TryOpen()
 {
-    const LONG lResult = RegOpenKeyExW(m_hKeyRoot, m_szSubKey.c_str(), 0, m_samDesired, &m_hKey);
+    const LONG lResult = RegOpenKeyExW(m_hKeyRoot, m_szSubKey, 0, m_samDesired, &m_hKey);
     if (lResult != ERROR_SUCCESS) {
         m_hKey = nullptr;
     }
@@ -65,7 +65,7 @@ bool CRegistryKey::OpenKey()
                 lResult = TryOpen();
             }
             if (lResult != ERROR_SUCCESS) {
-                throw CUnableToOpenRegistryKeyException(*this, m_szSubKey.c_str(), lResult);
+                throw CUnableToOpenRegistryKeyException(*this, m_szSubKey, lResult);
             }
             m_bOpen = true;
             return true;
@@ -83,11 +83,11 @@ bool CRegistryKey::CreateKey()
             if (m_bOpen && !CloseKey()) {
                 return false;
             }
-            const LONG lResult = RegCreateKeyExW(m_hKeyRoot, m_szSubKey.c_str(), 0, nullptr, m_dwOptions,
+            const LONG lResult = RegCreateKeyExW(m_hKeyRoot, m_szSubKey, 0, nullptr, m_dwOptions,
                                                  m_samDesired, nullptr, &m_hKey, nullptr);
             if (lResult != ERROR_SUCCESS) {
                 m_hKey = nullptr;
-                throw CUnableToCreateRegistryKeyException(*this, m_szSubKey.c_str(), lResult);
+                throw CUnableToCreateRegistryKeyException(*this, m_szSubKey, lResult);
             }
             m_bOpen = true;
             return CloseKey();
@@ -113,7 +113,7 @@ bool CRegistryKey::CloseKey()
             }
             const LONG lResult = RegCloseKey(m_hKey);
             if (lResult != ERROR_SUCCESS) {
-                throw CUnableToCloseRegistryKeyException(*this, m_szSubKey.c_str(), lResult);
+                throw CUnableToCloseRegistryKeyException(*this, m_szSubKey, lResult);
             }
             m_hKey = nullptr;
             m_bOpen = false;

@@ -3,6 +3,7 @@
 #include "Exceptions.h"
 #include "GuardedText.h"
 #include "Operation.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -43,9 +44,7 @@ bool CRegistryString::GetRegistryString(WCHAR* szDest, DWORD cchDest, bool bRefr
     return op.Run(
         PassOn<Absorb<CWcscpyException>, CBadArgException, CUnableToReadRegistryException>(),
         [&] {
-            if (szDest == nullptr || cchDest == 0) {
-                throw CBadArgException(*this, TEXT("szDest"));
-            }
+            RequireArgument(*this, szDest != nullptr && cchDest != 0, TEXT("szDest"));
             if (bRefresh || m_bReadThrough) {
                 Fetch();
             }
@@ -66,9 +65,7 @@ bool CRegistryString::SetRegistryString(const WCHAR* szSrc, bool bForceWrite)
     return op.Run(
         PassOn<Absorb<>, CBadArgException, CUnableToWriteRegistryException, CWcscpyException>(),
         [&] {
-            if (szSrc == nullptr) {
-                throw CBadArgException(*this, TEXT("szSrc"));
-            }
+            RequireArgument(*this, szSrc, TEXT("szSrc"));
             std::size_t cchCopy = MeasureText(*this, szSrc);
             if (cchCopy > MAX_CHARACTERS) {
                 op.Warn(ERR_STRING_TOO_LONG);

@@ -1,9 +1,9 @@
 #include "RegistryValue.h"
 
-#include <new>
-
 #include "Exceptions.h"
+#include "GuardedText.h"
 #include "Operation.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -20,14 +20,8 @@ try : CRegistryKey(szAPPArg, szMTMArg, hKeyRoot, szSubKey, samDesired, bCreate, 
     m_bReadThrough(bReadThrough), m_bWriteThrough(bWriteThrough)
 {
     const CConstructionTrace trace(*this, s_szClass);
-    if (szValueName == nullptr || *szValueName == 0) {
-        throw CBadArgException(*this, TEXT("szValueName"));
-    }
-    try {
-        m_szValueName = szValueName;
-    } catch (const std::bad_alloc&) {
-        throw CMemAllocException(*this, TEXT("m_szValueName"));
-    }
+    RequireArgument(*this, szValueName != nullptr && *szValueName != 0, TEXT("szValueName"));
+    m_szValueName = CopyText(*this, szValueName, TEXT("m_szValueName"));
 } catch (...) {
     FailConstruction<CRegistryValueInitException, CBadArgException, CUnableToOpenRegistryKeyException,
                      CUnableToCreateRegistryKeyException>({szAPPArg, szMTMArg});
@@ -44,9 +38,9 @@ bool CRegistryValue::DeleteRegistryValue()
     return op.Run(
         PassOn<Absorb<>, CUnableToDeleteRegistryValueException>(),
         [&] {
-            const LONG lResult = RegDeleteValueW(m_hKey, m_szValueName.c_str());
+            const LONG lResult = RegDeleteValueW(m_hKey, m_szValueName);
             if (lResult != ERROR_SUCCESS) {
-                throw CUnableToDeleteRegistryValueException(*this, m_szValueName.c_str(), lResult);
+                throw CUnableToDeleteRegistryValueException(*this, m_szValueName, lResult);
             }
             return true;
         },
@@ -55,25 +49,24 @@ bool CRegistryValue::DeleteRegistryValue()
 
 LONG CRegistryValue::TryQuery(void* pData, DWORD* pcbData) const
 {
-    return RegQueryValueExW(m_hKey, m_szValueName.c_str(), nullptr, nullptr, static_cast<BYTE*>(pData),
-                            pcbData);
+    return RegQueryValueExW(m_hKey, m_szValueName, nullptr, nullptr, static_cast<BYTE*>(pData), pcbData);
 }
 
 void CRegistryValue::Store(DWORD dwType, const void* pData, DWORD cbData) const
 {
     const LONG lResult =
-        RegSetValueExW(m_hKey, m_szValueName.c_str(), 0, dwType, static_cast<const BYTE*>(pData), cbData);
+        RegSetValueExW(m_hKey, m_szValueName, 0, dwType, static_cast<const BYTE*>(pData), cbData);
     if (lResult != ERROR_SUCCESS) {
-        throw CUnableToWriteRegistryException(*this, m_szValueName.c_str(), lResult);
+        throw CUnableToWriteRegistryException(*this, m_szValueName, lResult);
     }
 }
 
 void CRegistryValue::ReportDefault() const
 {
-    CValueNameWarning(*this, TXT_DEFAULT_CREATED, m_szValueName.c_str());
+    CValueNameWarning(*this, TXT_DEFAULT_CREATED, m_szValueName);
 }
 
 void CRegistryValue::FailRead(LONG lError) const
 {
-    throw CUnableToReadRegistryException(*this, m_szValueName.c_str(), lError);
+    throw CUnableToReadRegistryException(*this, m_szValueName, lError);
 }

@@ -1,7 +1,6 @@
 #include "ThreadObject.h"
 
 #include <iterator>
-#include <new>
 
 #include "GuardedText.h"
 #include "Operation.h"
@@ -128,12 +127,7 @@ CThreadObject::CThreadObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const
 void CThreadObject::CopyName(const WCHAR* szThreadName)
 {
     try {
-        const std::size_t cchName = MeasureText(*this, szThreadName);
-        m_szThreadName.reset(new (std::nothrow) WCHAR[cchName + 1]);
-        if (m_szThreadName == nullptr) {
-            throw CMemAllocException(*this, TEXT("m_szThreadName"));
-        }
-        CopyToBuffer(*this, m_szThreadName.get(), szThreadName, cchName);
+        m_szThreadName = CopyText(*this, szThreadName, TEXT("m_szThreadName"));
     } catch (...) {
         IsHandling<CMessage>();
         CPointerWarning(*this, ERR_FLOATING_POINTER, TEXT("szThreadName"));
@@ -176,7 +170,7 @@ void CThreadObject::CloseEvent(HANDLE& hEvent, const WCHAR* szEvent) noexcept
 
 bool CThreadObject::StartThread()
 {
-    const CNameCopy name(m_szThreadName.get());
+    const CNameCopy name(m_szThreadName);
     const COperation op(*this, s_szClass, TEXT("StartThread"), name);
     return op.Run(Absorb<CUnableToCreateThreadException>(), [this] {
         DropFinishedThread();
@@ -201,7 +195,7 @@ void CThreadObject::Launch()
         const DWORD dwError = GetLastError();
         m_bRunning = false;
         m_bStarting = false;
-        throw CUnableToCreateThreadException(*this, m_szThreadName.get(), dwError);
+        throw CUnableToCreateThreadException(*this, m_szThreadName, dwError);
     }
     m_bStarting = false;
 }
@@ -220,13 +214,13 @@ void CThreadObject::DropFinishedThread() noexcept
 
 bool CThreadObject::StopThread()
 {
-    const COperation op(*this, s_szClass, TEXT("StopThread"), m_szThreadName.get());
+    const COperation op(*this, s_szClass, TEXT("StopThread"), m_szThreadName);
     return op.Run(Absorb<>(), [this] {
         if (m_hThread != nullptr && m_bRunning) {
             try {
                 SignalEvent(*this, StopEvent);
                 if (!AwaitFinish()) {
-                    CVariableWarning(*this, TXT_NOT_FINISHED, m_szThreadName.get());
+                    CVariableWarning(*this, TXT_NOT_FINISHED, m_szThreadName);
                     return false;
                 }
             } catch (CSetEventException& exception) {
@@ -285,7 +279,7 @@ bool CThreadObject::IsAlive() const noexcept
 
 bool CThreadObject::CleanThread()
 {
-    const COperation op(*this, s_szClass, TEXT("CleanThread"), m_szThreadName.get());
+    const COperation op(*this, s_szClass, TEXT("CleanThread"), m_szThreadName);
     return op.Run(Absorb<>(), [this] {
         const bool bThread = m_hThread != nullptr;
         CloseThread();
@@ -296,7 +290,7 @@ bool CThreadObject::CleanThread()
 void CThreadObject::CloseThread() noexcept
 {
     if (m_hThread != nullptr && !CloseHandle(m_hThread)) {
-        CVariableErrorWarning(*this, ERR_DELETE_VARIABLE, m_szThreadName.get(), GetLastError());
+        CVariableErrorWarning(*this, ERR_DELETE_VARIABLE, m_szThreadName, GetLastError());
     }
     m_hThread = nullptr;
     m_bRunning = false;
@@ -304,7 +298,7 @@ void CThreadObject::CloseThread() noexcept
 
 void CThreadObject::DeleteThis()
 {
-    const CNameCopy name(m_szThreadName.get());
+    const CNameCopy name(m_szThreadName);
     const COperation op(*this, s_szClass, TEXT("DeleteThis"), name);
     op.Run(Absorb<>(), [&] { DeleteVariable(op.GetOrigin(), name, [this] { delete this; }); });
 }
@@ -324,7 +318,7 @@ DWORD WINAPI CThreadObject::ThreadStarter(LPVOID pObject)
 void CThreadObject::RunThread()
 {
     const auto passOn = [](const COperation&) { throw; };
-    const COperation op(*this, s_szClass, TEXT("ThreadStarter"), m_szThreadName.get());
+    const COperation op(*this, s_szClass, TEXT("ThreadStarter"), m_szThreadName);
     op.Run(passOn, [this] { Thread(); });
     if (m_bAutoDelete) {
         while (m_bStarting) {

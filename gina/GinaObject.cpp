@@ -1,6 +1,5 @@
 #include "GinaObject.h"
 
-#include <memory>
 #include <new>
 #include <string>
 
@@ -21,15 +20,12 @@ std::basic_string<WCHAR> Widen(const char* szName)
 
 CGinaObject::CGinaObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance,
                          const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion)
-    : CGlobalObject(szAPPArg, szMTMArg), m_pGinaPluginContext(nullptr)
+    : CGlobalObject(szAPPArg, szMTMArg)
 {
     const CConstructionTrace trace(*this, s_szClass);
     try {
         CreateContext(hInstance);
-        // A constructor that throws has no destructor to clean up after it.
-        std::unique_ptr<CGinaPluginContext> context(m_pGinaPluginContext);
         StoreOffer(szGinaDLLName, dwUsingLUMVersion, dwUsingWlxVersion);
-        context.release();
     } catch (...) {
         FailConstruction<CUnhandledExceptionException, CBadArgException>(LUM_GINA_ORIGIN);
     }
@@ -38,13 +34,13 @@ CGinaObject::CGinaObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE
 CGinaObject::~CGinaObject()
 {
     const CDestructionTrace trace(*this, s_szClass);
-    DeleteVariable(*this, TEXT("m_pGinaPluginContext"), [this] { delete m_pGinaPluginContext; });
+    DeleteVariable(*this, TEXT("m_pGinaPluginContext"), [this] { m_pGinaPluginContext.Reset(); });
 }
 
 void CGinaObject::CreateContext(HINSTANCE hInstance)
 {
     try {
-        m_pGinaPluginContext = new CGinaPluginContext(szAPP, szMTM, hInstance);
+        m_pGinaPluginContext.Reset(new CGinaPluginContext(szAPP, szMTM, hInstance));
     } catch (...) {
         throw CMemAllocException(LUM_GINA_ORIGIN, TEXT("m_pGinaPluginContext"));
     }
@@ -62,7 +58,7 @@ void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion
     require(dwUsingLUMVersion != 0, TEXT("dwUsingLUMVersion"));
     require(*szGinaDLLName != 0, TEXT("szGinaDLLName"));
 
-    m_szGinaDLLName = szGinaDLLName;
+    m_szGinaDLLName = CopyText(*this, szGinaDLLName, TEXT("m_szGinaDLLName"));
     CGinaPluginInfo info(szAPP, szMTM);
     info.m_dwWlxVersion = dwUsingWlxVersion;
     info.m_dwLUMVersion = dwUsingLUMVersion;
@@ -76,35 +72,30 @@ void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion
 
 /// The name in the record, by which others know the object. A plugin writes to its record, and may have left
 /// any pointer there; then it is the name that the DLL was loaded by.
-std::basic_string<WCHAR> CGinaObject::GetRecordedName() const
+COwnedText CGinaObject::CopyRecordedName() const
 {
     const WCHAR* szRecorded = GetPluginInfo().m_szGinaDLL;
-    if (szRecorded == nullptr) {
-        return m_szGinaDLLName;
+    if (szRecorded != nullptr) {
+        try {
+            return CopyText(*this, szRecorded, TEXT("m_szGinaDLL"));
+        } catch (CWcscpyException& exception) {
+            exception.WriteIfUnwritten();
+        }
     }
-    try {
-        return ReadText(*this, szRecorded);
-    } catch (CWcscpyException& exception) {
-        exception.WriteIfUnwritten();
-        return m_szGinaDLLName;
-    }
+    return CopyText(*this, m_szGinaDLLName, TEXT("m_szGinaDLL"));
 }
 
 template <typename GetName>
 bool CGinaObject::IsNamed(CTracePoint point, GetName getName) const noexcept
 {
     const COperation op(*this, s_szClass, point);
-    const auto body = [&] { return EqualNames(GetRecordedName().c_str(), getName()); };
+    const auto body = [&] { return EqualNames(CopyRecordedName(), getName()); };
     return op.Run(Absorb<>(), body, FailureWarning::Never);
 }
 
 bool CGinaObject::operator==(const CGinaObject& other) const noexcept
 {
-    std::basic_string<WCHAR> szOther;
-    return IsNamed(TEXT("operator=="), [&] {
-        szOther = other.GetRecordedName();
-        return szOther.c_str();
-    });
+    return IsNamed(TEXT("operator=="), [&] { return other.CopyRecordedName(); });
 }
 
 bool CGinaObject::operator==(const WCHAR* szGinaDLL) const noexcept
@@ -114,7 +105,7 @@ bool CGinaObject::operator==(const WCHAR* szGinaDLL) const noexcept
 
 const WCHAR* CGinaObject::GetGinaDLLName() const noexcept
 {
-    return m_szGinaDLLName.c_str();
+    return m_szGinaDLLName;
 }
 
 void CGinaObject::LoadGinaDLL()

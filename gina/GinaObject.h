@@ -1,13 +1,12 @@
 #pragma once
 
-#include <string>
-
 #include <windows.h>
 #include "WlxInterface.h"
 
 #include "GinaExport.h"
 #include "GinaPluginContext.h"
 #include "ListEx.h"
+#include "Owned.h"
 #include "guard/FaultGuard.h"
 
 class CGinaObject;
@@ -87,7 +86,7 @@ public:
     CGinaObject(const CGinaObject&) = delete;
     CGinaObject& operator=(const CGinaObject&) = delete;
 
-    CGinaPluginContext* m_pGinaPluginContext;
+    COwned<CGinaPluginContext> m_pGinaPluginContext;
 
 protected:
     /// hInstance: the host's module; szGinaDLLName: the DLL's name; dwUsingLUMVersion: the plugin
@@ -153,13 +152,13 @@ private:
 
     template <typename GetName>
     bool IsNamed(CTracePoint point, GetName getName) const noexcept;
-    std::basic_string<WCHAR> GetRecordedName() const;
+    COwnedText CopyRecordedName() const;
 
     void CreateContext(HINSTANCE hInstance);
     void StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
 
     /// The host's own: no plugin can reach it. Behind what plugins read.
-    std::basic_string<WCHAR> m_szGinaDLLName;
+    COwnedText m_szGinaDLLName;
 };
 
 /// The list destroys its objects through their first slot, as anyone must.

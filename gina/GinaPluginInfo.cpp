@@ -1,10 +1,9 @@
 #include "GinaPluginInfo.h"
 
-#include <memory>
-
 #include "Exceptions.h"
 #include "GuardedText.h"
 #include "Operation.h"
+#include "Owned.h"
 #include "guard/FaultGuard.h"
 
 namespace {
@@ -88,11 +87,11 @@ void CGinaPluginInfo::Replace(WCHAR*& szText, const WCHAR* szSource, const WCHAR
         return;
     }
     const std::size_t cchSource = MeasureText(*this, szSource);
-    std::unique_ptr<WCHAR, CLocalFree> szCopy(
+    COwned<WCHAR, CLocalFree> szCopy(
         static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, (cchSource + 1) * sizeof(WCHAR))));
     if (szCopy == nullptr) {
         throw CMemAllocException(*this, szVariable);
     }
-    CopyToBuffer(*this, szCopy.get(), szSource, cchSource);
-    szText = szCopy.release();
+    CopyToBuffer(*this, szCopy, szSource, cchSource);
+    szText = szCopy.Release();
 }

@@ -1,5 +1,3 @@
-#include <memory>
-
 #include "GinaPluginObject.h"
 #include "LUMGina.h"
 #include "Needed.h"
@@ -32,7 +30,7 @@ bool CLUMGina::LoadInto(CGinaObjectList& list, const WCHAR* szPlugin)
     CLUMRegistry& registry = Needed(m_pLUMRegistry);
     CGinaContext& context = Needed(m_pGinaContext);
     CWinlogonObject& winlogon = Needed(m_pWinlogonObject);
-    std::unique_ptr<CGinaObject, CDiscard> pGinaObject(
+    COwned<CGinaObject, CDiscard> pGinaObject(
         new CGinaPluginObject(LUM_GINA_APP, LUM_GINA_MTM, context.GetInstanceHandle(), szPlugin,
                               LUM_INTERFACE_VERSION, m_dwNegotiatedWlxVersion));
     const DWORD dwInstanceCount = ReadSetting(&CLUMRegistry::GetInstanceCount, 1);
@@ -44,12 +42,12 @@ bool CLUMGina::LoadInto(CGinaObjectList& list, const WCHAR* szPlugin)
     // Under one lock: the cursor is everybody's.
     const auto insert = [&] {
         list.End();
-        return list.Insert(pGinaObject.get(), 0);
+        return list.Insert(pGinaObject, 0);
     };
     if (!registry.AddPlugin(szPlugin) || !m_gate.Add(insert)) {
         return false;
     }
-    pGinaObject.release();
+    pGinaObject.Release();
     return true;
 }
 

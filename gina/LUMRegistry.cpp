@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <new>
+#include <string>
+#include <string_view>
 
 #include "CompareNames.h"
 #include "Exceptions.h"
+#include "GuardedText.h"
 #include "MachineValue.h"
 #include "Operation.h"
 
@@ -32,7 +35,7 @@ constexpr CValueSettings INSTANCE_COUNT{TEXT("InstanceCount"), true, true};
 
 /// Makes a value object; one that cannot be made is done without.
 template <typename Value>
-void LoadValue(const CGlobalObject& owner, std::unique_ptr<Value>& pValue, const CValueSettings& settings,
+void LoadValue(const CGlobalObject& owner, COwned<Value>& pValue, const CValueSettings& settings,
                bool bNoCreate = false)
 {
     try {
@@ -46,7 +49,7 @@ void LoadValue(const CGlobalObject& owner, std::unique_ptr<Value>& pValue, const
 }
 
 template <typename Value>
-Value& Needed(const CGlobalObject& owner, const std::unique_ptr<Value>& pValue, const WCHAR* szValueName)
+Value& Needed(const CGlobalObject& owner, const COwned<Value>& pValue, const WCHAR* szValueName)
 {
     if (pValue == nullptr) {
         throw CUnableToReadRegistryException(owner, szValueName, NO_VALUE_OBJECT);
@@ -55,7 +58,7 @@ Value& Needed(const CGlobalObject& owner, const std::unique_ptr<Value>& pValue, 
 }
 
 /// A volatile value, made on the spot when it could not be made before.
-CRegistryDword& Made(const CGlobalObject& owner, std::unique_ptr<CRegistryDword>& pValue,
+CRegistryDword& Made(const CGlobalObject& owner, COwned<CRegistryDword>& pValue,
                      const CValueSettings& settings)
 {
     if (pValue == nullptr) {
@@ -67,40 +70,37 @@ CRegistryDword& Made(const CGlobalObject& owner, std::unique_ptr<CRegistryDword>
     return *pValue;
 }
 
-using Text = std::basic_string<WCHAR>;
-using TextList = std::vector<Text>;
+using Text = std::basic_string_view<WCHAR>;
 
 /// N separators give N + 1 entries, empty ones included.
-TextList SplitPlugins(const Text& plugins)
+DWORD CountEntries(Text plugins) noexcept
 {
-    TextList entries;
-    std::size_t nStart = 0;
-    for (std::size_t nComma = plugins.find(SEPARATOR); nComma != Text::npos;
-         nComma = plugins.find(SEPARATOR, nStart))
-    {
-        entries.push_back(plugins.substr(nStart, nComma - nStart));
-        nStart = nComma + 1;
-    }
-    entries.push_back(plugins.substr(nStart));
-    return entries;
+    return 1 + static_cast<DWORD>(std::count(plugins.begin(), plugins.end(), SEPARATOR));
 }
 
-Text JoinPlugins(const TextList& entries)
+Text CutEntry(Text& rest) noexcept
 {
-    Text plugins;
-    for (const Text& entry : entries) {
-        if (&entry != &entries.front()) {
-            plugins += SEPARATOR;
+    const Text entry = rest.substr(0, rest.find(SEPARATOR));
+    rest.remove_prefix(std::min(entry.size() + 1, rest.size()));
+    return entry;
+}
+
+/// The list without the first entry of that name.
+std::basic_string<WCHAR> WithoutPlugin(Text plugins, Text plugin)
+{
+    std::basic_string<WCHAR> remaining;
+    bool bFound = false;
+    bool bFirst = true;
+    for (DWORD dwLeft = CountEntries(plugins); dwLeft != 0; --dwLeft) {
+        const Text entry = CutEntry(plugins);
+        if (!bFound && EqualNames(entry, plugin)) {
+            bFound = true;
+            continue;
         }
-        plugins += entry;
+        remaining.append(bFirst ? 0 : 1, SEPARATOR).append(entry);
+        bFirst = false;
     }
-    return plugins;
-}
-
-TextList::const_iterator FindPlugin(const TextList& entries, const WCHAR* szPlugin)
-{
-    return std::find_if(entries.begin(), entries.end(),
-                        [=](const Text& entry) { return EqualNames(entry.c_str(), szPlugin); });
+    return remaining;
 }
 
 void RequirePluginName(const CGlobalObject& owner, const WCHAR* szPlugin)
@@ -165,17 +165,24 @@ bool CLUMRegistry::ParsePlugins() noexcept
 
 bool CLUMRegistry::Parse()
 {
-    m_szPlugins.clear();
+    m_dwNumPlugins = 0;
+    m_szPlugins.Reset();
     CPluginsText plugins;
     if (!ReadPlugins(plugins) || *plugins.sz == 0) {
         CNoPluginsNotification{LUM_GINA_ORIGIN};
         return true;
     }
-    try {
-        m_szPlugins = SplitPlugins(plugins.sz);
-    } catch (const std::bad_alloc&) {
+    Text rest(plugins.sz);
+    const DWORD dwNumPlugins = CountEntries(rest);
+    COwned<COwnedText[]> entries(new (std::nothrow) COwnedText[dwNumPlugins]);
+    if (entries == nullptr) {
         throw CMemAllocException(*this, TEXT("m_szPlugins"));
     }
+    for (DWORD dwIndex = 0; dwIndex < dwNumPlugins; ++dwIndex) {
+        entries[dwIndex] = CopyText(*this, CutEntry(rest), TEXT("m_szPlugins"));
+    }
+    m_szPlugins = std::move(entries);
+    m_dwNumPlugins = dwNumPlugins;
     return true;
 }
 
@@ -190,7 +197,7 @@ bool CLUMRegistry::ReadPlugins(CPluginsText& plugins)
 template <typename Build>
 void CLUMRegistry::WritePlugins(Build build)
 {
-    Text szNewPlugins;
+    std::basic_string<WCHAR> szNewPlugins;
     try {
         szNewPlugins = build();
     } catch (const std::bad_alloc&) {
@@ -203,7 +210,7 @@ DWORD CLUMRegistry::GetNumPlugins(bool bReparse) noexcept
 {
     const auto body = [&] {
         const bool bParsed = !bReparse || ParsePlugins();
-        return bParsed ? static_cast<DWORD>(m_szPlugins.size()) : 0;
+        return bParsed ? m_dwNumPlugins : 0;
     };
     return RunLocked(TEXT("GetNumPlugins"), Absorb<>(), body, FailureWarning::Never);
 }
@@ -212,12 +219,12 @@ bool CLUMRegistry::GetPlugin(WCHAR* szPlugin, DWORD cchPlugin, DWORD dwIndex) no
 {
     return RunListOperation(TEXT("GetPlugin"), [&] {
         RequirePluginName(*this, szPlugin);
-        if (dwIndex >= m_szPlugins.size() || cchPlugin == 0) {
+        if (dwIndex >= m_dwNumPlugins || cchPlugin == 0) {
             return false;
         }
-        const Text& entry = m_szPlugins[dwIndex];
+        const Text entry(m_szPlugins[dwIndex]);
         if (cchPlugin <= entry.size()) {
-            CStringWarning(*this, ERR_STRING_TOO_LONG, entry.c_str());
+            CStringWarning(*this, ERR_STRING_TOO_LONG, entry.data());
         }
         szPlugin[entry.copy(szPlugin, cchPlugin - 1)] = 0;
         return true;
@@ -226,8 +233,9 @@ bool CLUMRegistry::GetPlugin(WCHAR* szPlugin, DWORD cchPlugin, DWORD dwIndex) no
 
 bool CLUMRegistry::IsPluginListed(const WCHAR* szPlugin) noexcept
 {
+    const auto isThatName = [=](const COwnedText& szEntry) { return EqualNames(szEntry, szPlugin); };
     const auto body = [&] {
-        return ParsePlugins() && FindPlugin(m_szPlugins, szPlugin) != m_szPlugins.end();
+        return ParsePlugins() && std::any_of(m_szPlugins + 0, m_szPlugins + m_dwNumPlugins, isThatName);
     };
     // Not to be listed is an answer, not a failure.
     return RunLocked(TEXT("IsPluginListed"), Absorb<>(), body, FailureWarning::Never);
@@ -248,8 +256,10 @@ bool CLUMRegistry::Add(const WCHAR* szPlugin)
     if (!ReadPlugins(oldPlugins)) {
         return true;
     }
-    WritePlugins(
-        [&] { return *oldPlugins.sz == 0 ? Text(szPlugin) : Text(oldPlugins.sz) + SEPARATOR + szPlugin; });
+    WritePlugins([&] {
+        std::basic_string<WCHAR> plugins(oldPlugins.sz);
+        return plugins.append(plugins.empty() ? 0 : 1, SEPARATOR).append(szPlugin);
+    });
     ParsePlugins();
     return true;
 }
@@ -269,14 +279,7 @@ bool CLUMRegistry::Remove(const WCHAR* szPlugin)
     if (!ReadPlugins(oldPlugins)) {
         return false;
     }
-    WritePlugins([&] {
-        TextList entries = SplitPlugins(oldPlugins.sz);
-        const auto position = FindPlugin(entries, szPlugin);
-        if (position != entries.end()) {
-            entries.erase(position);
-        }
-        return JoinPlugins(entries);
-    });
+    WritePlugins([&] { return WithoutPlugin(oldPlugins.sz, szPlugin); });
     return true;
 }
 
@@ -303,7 +306,7 @@ bool CLUMRegistry::GetGinaDLL(WCHAR* szDest, DWORD cchDest, bool bRefresh)
     });
 }
 
-bool CLUMRegistry::ReadDword(CTracePoint point, const std::unique_ptr<CRegistryDword>& pValue,
+bool CLUMRegistry::ReadDword(CTracePoint point, const COwned<CRegistryDword>& pValue,
                              const WCHAR* szValueName, DWORD* pdwValue, bool bRefresh)
 {
     return RunRead(point,

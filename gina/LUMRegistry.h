@@ -1,12 +1,9 @@
 #pragma once
 
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "CriticalSection.h"
 #include "GlobalObject.h"
 #include "Operation.h"
+#include "Owned.h"
 #include "RegistryDword.h"
 #include "RegistryString.h"
 
@@ -63,10 +60,20 @@ public:
     bool IncreaseInstanceCount();
     bool SetEnabled(DWORD dwEnabled);
 
+    COwned<CRegistryString> m_pPlugins;
+    COwned<CRegistryString> m_pGinaDLL;
+    COwned<CRegistryDword> m_pEnabled;
+    COwned<CRegistryDword> m_pInstanceCount;
+    COwned<CRegistryDword> m_pRegistryMonitorInterval;
+    COwned<CRegistryDword> m_pPipeInterval;
+    COwned<CRegistryDword> m_pTimeout;
+    /// The entries of Plugins as they were read last.
+    DWORD m_dwNumPlugins = 0;
+    COwned<COwnedText[]> m_szPlugins;
+
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CLUMRegistry");
 
-    using Text = std::basic_string<WCHAR>;
     struct CPluginsText
     {
         WCHAR sz[CRegistryString::MAX_CHARACTERS + 1] = {};
@@ -89,17 +96,8 @@ private:
     template <typename Build>
     void WritePlugins(Build build);
 
-    bool ReadDword(CTracePoint point, const std::unique_ptr<CRegistryDword>& pValue, const WCHAR* szValueName,
+    bool ReadDword(CTracePoint point, const COwned<CRegistryDword>& pValue, const WCHAR* szValueName,
                    DWORD* pdwValue, bool bRefresh);
 
-    std::unique_ptr<CRegistryString> m_pPlugins;
-    std::unique_ptr<CRegistryString> m_pGinaDLL;
-    std::unique_ptr<CRegistryDword> m_pEnabled;
-    std::unique_ptr<CRegistryDword> m_pInstanceCount;
-    std::unique_ptr<CRegistryDword> m_pRegistryMonitorInterval;
-    std::unique_ptr<CRegistryDword> m_pPipeInterval;
-    std::unique_ptr<CRegistryDword> m_pTimeout;
-
-    std::vector<Text> m_szPlugins;
     CCriticalSection m_lock;
 };

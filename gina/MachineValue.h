@@ -1,7 +1,6 @@
 #pragma once
 
-#include <memory>
-
+#include "Owned.h"
 #include "RegistryClasses.h"
 
 /// Makes the object of a value of HKEY_LOCAL_MACHINE, whose key it opens; every read goes to the registry and
@@ -9,12 +8,11 @@
 /// bReadNow: read the value once here. dwOptions: those of RegCreateKeyExW for a key that is made. Throws
 /// what the constructor of Value throws.
 template <typename Value>
-std::unique_ptr<Value> OpenMachineValue(const CMessageOrigin& origin, const WCHAR* szSubKey,
-                                        const WCHAR* szValueName, bool bCreate, bool bReadNow,
-                                        DWORD dwOptions = REG_OPTION_NON_VOLATILE)
+COwned<Value> OpenMachineValue(const CMessageOrigin& origin, const WCHAR* szSubKey, const WCHAR* szValueName,
+                               bool bCreate, bool bReadNow, DWORD dwOptions = REG_OPTION_NON_VOLATILE)
 {
-    return std::make_unique<Value>(origin.szAPP, origin.szMTM, HKEY_LOCAL_MACHINE, szSubKey, szValueName,
-                                   KEY_ALL_ACCESS, bCreate, true, true, true, bReadNow, dwOptions);
+    return MakeOwned<Value>(origin.szAPP, origin.szMTM, HKEY_LOCAL_MACHINE, szSubKey, szValueName,
+                            KEY_ALL_ACCESS, bCreate, true, true, true, bReadNow, dwOptions);
 }
 
 /// The error code of a value whose object does not exist.

@@ -10,8 +10,7 @@ constexpr WCHAR TXT_KEY_NOT_LOADED[] = TEXT("Winlogon key could not be loaded");
 
 /// Makes a value object; one that cannot be made is done without.
 template <typename Value>
-void LoadValue(const CMessageOrigin& origin, std::unique_ptr<Value>& pValue,
-               const WCHAR* szValueName) noexcept
+void LoadValue(const CMessageOrigin& origin, COwned<Value>& pValue, const WCHAR* szValueName) noexcept
 {
     try {
         pValue = OpenMachineValue<Value>(origin, WINLOGON_KEY, szValueName, false, false);
@@ -20,7 +19,7 @@ void LoadValue(const CMessageOrigin& origin, std::unique_ptr<Value>& pValue,
         // Most machines lack most of the values, and one may be too long to be read. Their objects stay, and
         // find what is written later.
         if (pValue == nullptr || !IsHandling<CUnableToReadRegistryException>()) {
-            pValue.reset();
+            pValue.Reset();
             CKeyWarning(origin, TXT_KEY_NOT_LOADED, szValueName);
         }
     }
@@ -40,7 +39,7 @@ CWinlogonRegistry::CWinlogonRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMAr
 CWinlogonRegistry::~CWinlogonRegistry()
 {
     const CDestructionTrace trace(*this, s_szClass);
-#define WINLOGON_DELETE(NAME, KIND) DeleteVariable(*this, TEXT("m_p" #NAME), [this] { m_p##NAME.reset(); });
+#define WINLOGON_DELETE(NAME, KIND) DeleteVariable(*this, TEXT("m_p" #NAME), [this] { m_p##NAME.Reset(); });
     WINLOGON_VALUES(WINLOGON_DELETE)
 #undef WINLOGON_DELETE
 }

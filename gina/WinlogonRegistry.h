@@ -1,9 +1,8 @@
 #pragma once
 
-#include <memory>
-
 #include "CriticalSection.h"
 #include "GlobalObject.h"
+#include "Owned.h"
 #include "RegistryClasses.h"
 
 inline constexpr WCHAR WINLOGON_KEY[] = TEXT("SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon");
@@ -78,7 +77,7 @@ public:
     /// to. A null name is warned of, and nothing is written.
     bool SetGinaDLL(const WCHAR* szValue) noexcept;
 
-#define WINLOGON_MEMBER(NAME, KIND) std::unique_ptr<KIND> m_p##NAME;
+#define WINLOGON_MEMBER(NAME, KIND) COwned<KIND> m_p##NAME;
     WINLOGON_VALUES(WINLOGON_MEMBER)
 #undef WINLOGON_MEMBER
 

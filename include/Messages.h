@@ -1,12 +1,12 @@
 #pragma once
 
 #include <initializer_list>
-#include <memory>
 
 #include <windows.h>
 
 #include "DetailFormats.h"
 #include "ErrorTexts.h"
+#include "Owned.h"
 #include "SourceLocation.h"
 #include "TextFormat.h"
 #include "TraceLog.h"
@@ -46,7 +46,7 @@ public:
     const WCHAR* m_szAPP;
     const WCHAR* m_szMTM;
     /// The formatted text; null when there was no memory, or when a trace statement was masked out.
-    std::unique_ptr<WCHAR[]> m_szMessage;
+    COwnedText m_szMessage;
 
 protected:
     CMessage(CMessage&&) noexcept = default;

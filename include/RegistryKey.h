@@ -1,8 +1,7 @@
 #pragma once
 
-#include <string>
-
 #include "GlobalObject.h"
+#include "Owned.h"
 
 /// One registry key, opened and closed on demand.
 ///
@@ -34,9 +33,8 @@ public:
     /// Whether the key is open and has not been deleted meanwhile.
     bool IsUsable() const noexcept;
 
-protected:
     HKEY m_hKeyRoot;
-    std::basic_string<WCHAR> m_szSubKey;
+    COwnedText m_szSubKey;
     REGSAM m_samDesired;
     DWORD m_dwOptions;
     HKEY m_hKey;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "RegistryKey.h"
 
 class COperation;
@@ -21,6 +19,10 @@ public:
 
     /// Deletes the value from the key. Throws CUnableToDeleteRegistryValueException.
     bool DeleteRegistryValue();
+
+    COwnedText m_szValueName;
+    bool m_bReadThrough;
+    bool m_bWriteThrough;
 
 protected:
     /// szValueName: not empty. bReadThrough: every get reads the registry. bWriteThrough: every set
@@ -51,10 +53,6 @@ protected:
 
     /// Writes the value. Throws CUnableToWriteRegistryException.
     void Store(DWORD dwType, const void* pData, DWORD cbData) const;
-
-    std::basic_string<WCHAR> m_szValueName;
-    bool m_bReadThrough;
-    bool m_bWriteThrough;
 
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CRegistryValue");

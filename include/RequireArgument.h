@@ -2,11 +2,11 @@
 
 #include "Exceptions.h"
 
-/// For constructors: throws CBadArgException, which names the argument, when it is null.
-inline void RequireArgument(const CMessageOrigin& origin, const void* pArgument, const WCHAR* szArgument,
+/// Throws CBadArgException, which names the argument, unless it is good: for a pointer, not null.
+inline void RequireArgument(const CMessageOrigin& origin, bool bGood, const WCHAR* szArgument,
                             CSourceLocation where = CSourceLocation::Current())
 {
-    if (pArgument == nullptr) {
+    if (!bGood) {
         throw CBadArgException(origin, szArgument, where);
     }
 }

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <memory>
-
 #include "GlobalObject.h"
+#include "Owned.h"
 
 /// Reads resources of a loaded module. The module is not owned: it must stay loaded as long as the object,
 /// and what the object has handed out, is in use. For one thread at a time.
@@ -25,7 +24,7 @@ public:
     bool LoadMenu(WORD wResource, const VS_FIXEDFILEINFO** ppInfo) noexcept;
 
     HINSTANCE m_hInst;
-    std::unique_ptr<WCHAR[]> m_szResourceDLL;
+    COwnedText m_szResourceDLL;
     LANGID m_wUserLanguage;
     WORD m_wLanguage;
     BYTE m_byFlag;

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <atomic>
-#include <memory>
 
 #include "CriticalSection.h"
 #include "GlobalObject.h"
+#include "Owned.h"
 
 /// A service thread, and the events through which its owner and its thread function agree on starting and
 /// stopping.
@@ -56,7 +56,7 @@ public:
     HANDLE m_hThread;
     /// From StartThread until StopThread has succeeded, also when the thread function has returned by itself.
     bool m_bRunning;
-    std::unique_ptr<WCHAR[]> m_szThreadName;
+    COwnedText m_szThreadName;
     HANDLE FinishEvent;
     HANDLE StopEvent;
     HANDLE StartEvent;

@@ -42,8 +42,7 @@ void CChainResync::LearnRecords()
     DWORD dwIndex = 0;
     for (const auto* pNode = m_fresh.m_pKnownGinaList->m_pHead; pNode != nullptr; pNode = pNode->pNext) {
         if (dwIndex++ >= known.m_dwCount) {
-            Append(known,
-                   std::make_unique<CGinaChainingInfoObject>(known.szAPP, known.szMTM, pNode->m_pItem));
+            Append(known, MakeOwned<CGinaChainingInfoObject>(known.szAPP, known.szMTM, pNode->m_pItem));
         }
     }
 }
@@ -128,7 +127,7 @@ bool CChainResync::IsHostInFreshChain() const noexcept
 /// A copy that memory does not suffice for must not take the place of the chain.
 void CChainResync::TakeFreshChain()
 {
-    auto pCopy = std::make_unique<CGinaChain>(m_chain.szAPP, m_chain.szMTM);
+    COwned<CGinaChain> pCopy = MakeOwned<CGinaChain>(m_chain.szAPP, m_chain.szMTM);
     if (pCopy->CopyList(m_freshChain)) {
         m_own.m_pGinaChainingList = std::move(pCopy);
     }

@@ -1,7 +1,6 @@
 #include "ChainingRecord.h"
 
 #include <algorithm>
-#include <string>
 
 #include "CompareNames.h"
 #include "Exceptions.h"
@@ -32,9 +31,7 @@ Text CutField(Text& rest)
 Text CutText(Text& rest)
 {
     const Text field = CutField(rest);
-    const bool bEmpty = field.size() == Text(EMPTY_TEXT).size() &&
-                        EqualNames(std::basic_string<WCHAR>(field).c_str(), EMPTY_TEXT);
-    return bEmpty ? Text() : field;
+    return EqualNames(field, EMPTY_TEXT) ? field.substr(0, 0) : field;
 }
 
 /// Reads a number as _wtoi does: blanks, a sign, digits, and whatever follows does not count. Whether it is 0

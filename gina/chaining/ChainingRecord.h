@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string_view>
 
 #include "Messages.h"
@@ -15,10 +14,11 @@ struct CChainingRecord
 {
     using Text = std::basic_string_view<WCHAR>;
 
+    /// A record always has all three, if empty ones. A row of the table may lack one: its data() is null
+    /// then.
     Text szSubKey;
     Text szOldGinaDLLKey;
-    /// A record always has one, if an empty one; a row of the table may have none.
-    std::optional<Text> szDefaultGinaDLL;
+    Text szDefaultGinaDLL;
     bool bTerminator;
     bool bStandalone;
     bool bMustBeFirst;

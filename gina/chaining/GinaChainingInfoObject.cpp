@@ -3,7 +3,7 @@
 #include "MachineValue.h"
 #include "ChainingRecord.h"
 #include "Exceptions.h"
-#include "OwnedText.h"
+#include "GuardedText.h"
 
 namespace {
 
@@ -21,10 +21,25 @@ Text Required(const CMessageOrigin& origin, const WCHAR* szText, const WCHAR* sz
     return szText;
 }
 
+Text TextOf(const WCHAR* szText) noexcept
+{
+    return szText != nullptr ? Text(szText) : Text();
+}
+
+COwnedText CopyGiven(const CMessageOrigin& origin, Text text, const WCHAR* szVariable)
+{
+    return text.data() != nullptr ? CopyText(origin, text, szVariable) : COwnedText();
+}
+
 CChainingRecord DescriptionOf(const CGinaChainingInfoObject& object)
 {
-    return {object.m_szSubKey,    object.m_szOldGinaDLLKey, object.m_szDefaultGinaDLL, object.m_bTerminator,
-            object.m_bStandalone, object.m_bMustBeFirst,    object.m_bIsIncompatible};
+    return {TextOf(object.m_szSubKey),
+            TextOf(object.m_szOldGinaDLLKey),
+            TextOf(object.m_szDefaultGinaDLL),
+            object.m_bTerminator,
+            object.m_bStandalone,
+            object.m_bMustBeFirst,
+            object.m_bIsIncompatible};
 }
 
 } // namespace
@@ -42,9 +57,7 @@ try : CGinaChainingObject(szAPPArg, szMTMArg, szGinaDLL) {
         record.szOldGinaDLLKey =
             Required(*this, szOldGinaDLLKey, TEXT("szOldGinaDLLKey"), TEXT("szOldGinaDLLKey"));
     }
-    if (szDefaultGinaDLL != nullptr) {
-        record.szDefaultGinaDLL = szDefaultGinaDLL;
-    }
+    record.szDefaultGinaDLL = TextOf(szDefaultGinaDLL);
     Describe(record);
 } catch (...) {
     FailConstruction<CGinaChainingInfoObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
@@ -71,16 +84,14 @@ try : CGinaChainingObject(szAPPArg, szMTMArg, pGinaChainingInfoObject) {
 CGinaChainingInfoObject::~CGinaChainingInfoObject()
 {
     const CDestructionTrace trace(*this, s_szClass);
-    DeleteVariable(*this, TEXT("m_pOldGinaDLL"), [this] { m_pOldGinaDLL.reset(); });
+    DeleteVariable(*this, TEXT("m_pOldGinaDLL"), [this] { m_pOldGinaDLL.Reset(); });
 }
 
 void CGinaChainingInfoObject::Describe(const CChainingRecord& record)
 {
-    m_szSubKey = CopyText(*this, record.szSubKey, TEXT("m_szSubKey"));
-    m_szOldGinaDLLKey = CopyText(*this, record.szOldGinaDLLKey, TEXT("m_szOldGinaDLLKey"));
-    if (record.szDefaultGinaDLL) {
-        m_szDefaultGinaDLL = CopyText(*this, *record.szDefaultGinaDLL, TEXT("m_szDefaultGinaDLL"));
-    }
+    m_szSubKey = CopyGiven(*this, record.szSubKey, TEXT("m_szSubKey"));
+    m_szOldGinaDLLKey = CopyGiven(*this, record.szOldGinaDLLKey, TEXT("m_szOldGinaDLLKey"));
+    m_szDefaultGinaDLL = CopyGiven(*this, record.szDefaultGinaDLL, TEXT("m_szDefaultGinaDLL"));
     m_bTerminator = record.bTerminator;
     m_bStandalone = record.bStandalone;
     m_bMustBeFirst = record.bMustBeFirst;
@@ -89,8 +100,7 @@ void CGinaChainingInfoObject::Describe(const CChainingRecord& record)
         return;
     }
     try {
-        m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey.c_str(),
-                                                          m_szOldGinaDLLKey.c_str(), false, true);
+        m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey, false, true);
     } catch (...) {
         // Most of the GINAs that are known are not installed. A shortage of memory says nothing of a GINA.
         if (!IsHandling<CUnableToOpenRegistryKeyException>() &&
@@ -104,8 +114,7 @@ void CGinaChainingInfoObject::Describe(const CChainingRecord& record)
 /// Makes the value where it is missing. One that cannot be read, too long maybe, can still be written.
 void CGinaChainingInfoObject::MakeOldGinaDLL()
 {
-    m_pOldGinaDLL =
-        OpenMachineValue<CRegistryString>(*this, m_szSubKey.c_str(), m_szOldGinaDLLKey.c_str(), true, false);
+    m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey, true, false);
     try {
         m_pOldGinaDLL->ReadRegistry();
     } catch (CUnableToReadRegistryException& exception) {
@@ -141,7 +150,7 @@ bool CGinaChainingInfoObject::GetOldGinaDLL(WCHAR* szDest, DWORD cchDest) noexce
                 return false;
             }
             if (m_pOldGinaDLL == nullptr) {
-                throw CUnableToReadRegistryException(*this, m_szOldGinaDLLKey.c_str(), NO_VALUE_OBJECT);
+                throw CUnableToReadRegistryException(*this, m_szOldGinaDLLKey, NO_VALUE_OBJECT);
             }
             return m_pOldGinaDLL->GetRegistryString(szDest, cchDest, true);
         },
@@ -170,5 +179,6 @@ void CGinaChainingInfoObject::SetOldGinaDLL(const WCHAR* szValue) noexcept
 
 const WCHAR* CGinaChainingInfoObject::GetDefaultGinaDLL() const noexcept
 {
-    return m_szDefaultGinaDLL && !m_szDefaultGinaDLL->empty() ? m_szDefaultGinaDLL->c_str() : nullptr;
+    const bool bGiven = m_szDefaultGinaDLL != nullptr && *m_szDefaultGinaDLL != 0;
+    return bGiven ? static_cast<const WCHAR*>(m_szDefaultGinaDLL) : nullptr;
 }

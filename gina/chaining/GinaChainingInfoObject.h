@@ -1,8 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-
 #include "GinaChainingObject.h"
 #include "RegistryString.h"
 
@@ -47,15 +44,16 @@ public:
     /// through to it.
     const WCHAR* GetDefaultGinaDLL() const noexcept;
 
-    std::basic_string<WCHAR> m_szSubKey;
-    std::basic_string<WCHAR> m_szOldGinaDLLKey;
-    std::optional<std::basic_string<WCHAR>> m_szDefaultGinaDLL;
+    /// Null for a row of the table that has none.
+    COwnedText m_szSubKey;
+    COwnedText m_szOldGinaDLLKey;
+    COwnedText m_szDefaultGinaDLL;
     bool m_bTerminator = false;
     bool m_bStandalone = false;
     bool m_bMustBeFirst = false;
     bool m_bIsIncompatible = false;
     /// Null for a terminator, and while the key or the value does not exist.
-    std::unique_ptr<CRegistryString> m_pOldGinaDLL;
+    COwned<CRegistryString> m_pOldGinaDLL;
 
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaChainingInfoObject");

@@ -2,12 +2,11 @@
 
 #include "CompareNames.h"
 #include "Exceptions.h"
-#include "OwnedText.h"
+#include "GuardedText.h"
 
 namespace {
 
-std::basic_string<WCHAR> CopyName(const CMessageOrigin& origin, const WCHAR* szGinaDLL,
-                                  const WCHAR* szArgument)
+COwnedText CopyName(const CMessageOrigin& origin, const WCHAR* szGinaDLL, const WCHAR* szArgument)
 {
     if (szGinaDLL == nullptr || *szGinaDLL == 0) {
         throw CBadArgException(origin, szArgument);
@@ -20,7 +19,7 @@ const WCHAR* NameOf(const CMessageOrigin& origin, const CGinaChainingObject* pGi
     if (pGinaChainingObject == nullptr) {
         throw CBadArgException(origin, TEXT("pGinaChainingObject"));
     }
-    return pGinaChainingObject->m_szGinaDLL.c_str();
+    return pGinaChainingObject->m_szGinaDLL;
 }
 
 } // namespace
@@ -62,7 +61,7 @@ bool CGinaChainingObject::IsNamed(const WCHAR* szClass, CTracePoint point,
 {
     const COperation op(*this, szClass, point);
     return op.Run(
-        Absorb<>(), [&] { return EqualNames(m_szGinaDLL.c_str(), szGinaDLL); }, FailureWarning::Never);
+        Absorb<>(), [&] { return EqualNames(m_szGinaDLL, szGinaDLL); }, FailureWarning::Never);
 }
 
 bool CGinaChainingObject::operator==(const WCHAR* szGinaDLL) const noexcept
@@ -72,5 +71,5 @@ bool CGinaChainingObject::operator==(const WCHAR* szGinaDLL) const noexcept
 
 bool CGinaChainingObject::operator==(const CGinaChainingObject& other) const noexcept
 {
-    return IsNamed(s_szClass, TEXT("operator=="), other.m_szGinaDLL.c_str());
+    return IsNamed(s_szClass, TEXT("operator=="), other.m_szGinaDLL);
 }

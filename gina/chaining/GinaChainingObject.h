@@ -1,9 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "GlobalObject.h"
 #include "Operation.h"
+#include "Owned.h"
 
 /// One link of a chain of GINAs: the file name of a GINA's DLL.
 class CGinaChainingObject : public CGlobalObject
@@ -23,7 +22,7 @@ public:
     bool operator==(const CGinaChainingObject& other) const noexcept;
 
     /// Never empty.
-    std::basic_string<WCHAR> m_szGinaDLL;
+    COwnedText m_szGinaDLL;
 
 protected:
     bool IsNamed(const WCHAR* szClass, CTracePoint point, const WCHAR* szGinaDLL) const noexcept;

@@ -4,17 +4,17 @@
 #include "CompareNames.h"
 #include "KnownGinas.h"
 
-std::unique_ptr<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* szGinaDLL)
+COwned<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* szGinaDLL)
 {
-    return std::make_unique<CGinaChainingObject>(origin.szAPP, origin.szMTM, szGinaDLL);
+    return MakeOwned<CGinaChainingObject>(origin.szAPP, origin.szMTM, szGinaDLL);
 }
 
 bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL)
 {
-    std::unique_ptr<CGinaChainingObject> pLink = MakeLink(chain, szGinaDLL);
-    const bool bInserted = chain.Insert(pLink.get(), 0);
+    COwned<CGinaChainingObject> pLink = MakeLink(chain, szGinaDLL);
+    const bool bInserted = chain.Insert(pLink, 0);
     if (bInserted) {
-        pLink.release();
+        pLink.Release();
     }
     return bInserted;
 }
@@ -22,12 +22,12 @@ bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL)
 bool ReplaceLast(CGinaChain& chain, const WCHAR* szGinaDLL)
 {
     chain.End();
-    return chain.SetItem(MakeLink(chain, szGinaDLL).get());
+    return chain.SetItem(MakeLink(chain, szGinaDLL));
 }
 
 const WCHAR* NameOf(const CGinaLink& link) noexcept
 {
-    return link.m_pItem->m_szGinaDLL.c_str();
+    return link.m_pItem->m_szGinaDLL;
 }
 
 bool IsInChain(const CGinaChain& chain, const WCHAR* szGinaDLL) noexcept
@@ -42,7 +42,7 @@ bool IsInChain(const CGinaChain& chain, const WCHAR* szGinaDLL) noexcept
 void AddKnownGinas(CKnownGinaList& knownGinas)
 {
     for (const CKnownGina& gina : KNOWN_GINAS) {
-        Append(knownGinas, std::make_unique<CGinaChainingInfoObject>(
+        Append(knownGinas, MakeOwned<CGinaChainingInfoObject>(
                                knownGinas.szAPP, knownGinas.szMTM, gina.szGinaDLL, gina.szSubKey,
                                gina.szOldGinaDLLKey, gina.szDefaultGinaDLL, gina.bTerminator,
                                gina.bStandalone, gina.bMustBeFirst, gina.bIsIncompatible));
@@ -62,8 +62,8 @@ CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGi
             OpenMachineValue<CRegistryString>(knownGinas, LUM_GINA_MTM, szGinaDLL, false, false);
         WCHAR szRecord[CRegistryString::MAX_CHARACTERS + 1] = {};
         pRecord->GetRegistryString(szRecord, CRegistryString::MAX_CHARACTERS + 1, true);
-        return &Append(knownGinas, std::make_unique<CGinaChainingInfoObject>(
-                                       knownGinas.szAPP, knownGinas.szMTM, szGinaDLL, szRecord));
+        return &Append(knownGinas, MakeOwned<CGinaChainingInfoObject>(knownGinas.szAPP, knownGinas.szMTM,
+                                                                      szGinaDLL, szRecord));
     } catch (...) {
         if (!IsHandling<CUnableToOpenRegistryKeyException>() &&
             !IsHandling<CUnableToReadRegistryException>() && !IsHandling<CBadArgException>())

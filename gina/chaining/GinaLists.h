@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "GinaChainingInfoObject.h"
 #include "ListEx.h"
 
@@ -13,16 +11,16 @@ using CGinaLink = CGinaChain::Node;
 
 /// Gives an item to the list, at its end. Throws CMemAllocException.
 template <typename T>
-T& Append(CListEx<T>& list, std::unique_ptr<T> pItem)
+T& Append(CListEx<T>& list, COwned<T> pItem)
 {
-    if (!list.Add(pItem.get(), 0)) {
+    if (!list.Add(pItem, 0)) {
         throw CMemAllocException(list, TEXT("pItem"));
     }
-    return *pItem.release();
+    return *pItem.Release();
 }
 
 /// A new link for the chain. Throws as the constructor of CGinaChainingObject.
-std::unique_ptr<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* szGinaDLL);
+COwned<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* szGinaDLL);
 
 /// Inserts a new link before the current one. False when there is no memory; throws as MakeLink.
 bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL);

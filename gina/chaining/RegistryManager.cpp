@@ -36,9 +36,9 @@ private:
 };
 
 template <typename List>
-std::unique_ptr<List> MakeList(const CMessageOrigin& origin, const WCHAR* szMember)
+COwned<List> MakeList(const CMessageOrigin& origin, const WCHAR* szMember)
 {
-    std::unique_ptr<List> pList(new (std::nothrow) List(origin.szAPP, origin.szMTM));
+    COwned<List> pList(new (std::nothrow) List(origin.szAPP, origin.szMTM));
     if (pList == nullptr) {
         throw CMemAllocException(origin, szMember);
     }
@@ -79,8 +79,8 @@ void CRegistryManager::BuildLists(bool bNoRepair)
 CRegistryManager::~CRegistryManager()
 {
     const CDestructionTrace trace(*this, s_szClass);
-    DeleteVariable(*this, TEXT("m_pKnownGinaList"), [this] { m_pKnownGinaList.reset(); });
-    DeleteVariable(*this, TEXT("m_pGinaChainingList"), [this] { m_pGinaChainingList.reset(); });
+    DeleteVariable(*this, TEXT("m_pKnownGinaList"), [this] { m_pKnownGinaList.Reset(); });
+    DeleteVariable(*this, TEXT("m_pGinaChainingList"), [this] { m_pGinaChainingList.Reset(); });
 }
 
 template <typename Body>

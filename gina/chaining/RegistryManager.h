@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "CriticalSection.h"
 #include "GinaLists.h"
 
@@ -52,9 +50,9 @@ public:
     void ResyncWithRegistry(const CRegistryManager& other) noexcept;
 
     /// The built-in table, then what has been learned from chaining records.
-    std::unique_ptr<CKnownGinaList> m_pKnownGinaList;
+    COwned<CKnownGinaList> m_pKnownGinaList;
     /// The chain; its first GINA is the one that Winlogon loads.
-    std::unique_ptr<CGinaChain> m_pGinaChainingList;
+    COwned<CGinaChain> m_pGinaChainingList;
     CWinlogonRegistry* m_pWinlogonRegistry;
     CLUMRegistry* m_pLUMRegistry;
     /// The chain could not be followed to its end; it is never changed or written then. Set once, when the

@@ -22,15 +22,14 @@ Value ReadValue(CControlChannel& channel)
 
 /// The length comes from whoever is at the other end, so it is checked before memory is asked for.
 template <const auto& Variable>
-std::unique_ptr<WCHAR[]> CCountedName<Variable>::ReadName(CControlChannel& channel, const WCHAR* szVariable)
+COwnedText CCountedName<Variable>::ReadName(CControlChannel& channel, const WCHAR* szVariable)
 {
     const DWORD cchName = ReadValue<DWORD>(channel);
-    std::unique_ptr<WCHAR[]> szName(cchName <= LONGEST_NAME ? new (std::nothrow) WCHAR[cchName + 1]()
-                                                            : nullptr);
+    COwnedText szName(cchName <= LONGEST_NAME ? new (std::nothrow) WCHAR[cchName + 1]() : nullptr);
     if (szName == nullptr) {
         throw CMemAllocException(LUM_GINA_ORIGIN, szVariable);
     }
-    channel.Read(szName.get(), cchName * static_cast<DWORD>(sizeof(WCHAR)));
+    channel.Read(szName, cchName * static_cast<DWORD>(sizeof(WCHAR)));
     return szName;
 }
 

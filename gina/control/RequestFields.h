@@ -1,10 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "ControlChannel.h"
 #include "ControlProtocol.h"
 #include "GinaPluginInfo.h"
+#include "Owned.h"
 
 // The fields of requests. Each is made by reading it from the channel, and throws what that throws. A name
 // that is too long, as one that there is no memory for, is a CMemAllocException.
@@ -20,12 +19,12 @@ class CCountedName
 public:
     explicit CCountedName(CControlChannel& channel) : m_szName(ReadName(channel, Variable)) {}
 
-    operator const WCHAR*() const noexcept { return m_szName.get(); }
+    operator const WCHAR*() const noexcept { return m_szName; }
 
 private:
-    static std::unique_ptr<WCHAR[]> ReadName(CControlChannel& channel, const WCHAR* szVariable);
+    static COwnedText ReadName(CControlChannel& channel, const WCHAR* szVariable);
 
-    std::unique_ptr<WCHAR[]> m_szName;
+    COwnedText m_szName;
 };
 
 using CGinaName = CCountedName<VAR_GINA_DLL>;

@@ -45,7 +45,7 @@ TEST_F(GinaChainingObject, NamesAreComparedWithoutCase)
 TEST_F(GinaChainingObject, WhatIsMissingIsRefusedByName)
 {
     CGinaChainingObject nameless(APP, MTM, TEXT("x"));
-    nameless.m_szGinaDLL.clear();
+    nameless.m_szGinaDLL.Reset();
     const CGinaChainingObject* pNone = nullptr;
     const WCHAR* szNone = nullptr;
     struct
@@ -101,7 +101,7 @@ TEST_F(GinaChainingObject, RecordsAreRead)
             const std::basic_string<WCHAR> text = Widen(record);
             const CChainingRecord result = ParseChainingRecord(LUM_GINA_ORIGIN, text.c_str());
             read = narrow(result.szSubKey) + "|" + narrow(result.szOldGinaDLLKey) + "|" +
-                   narrow(*result.szDefaultGinaDLL) + "|";
+                   narrow(result.szDefaultGinaDLL) + "|";
             for (const bool bFlag :
                  {result.bTerminator, result.bStandalone, result.bMustBeFirst, result.bIsIncompatible}) {
                 read += bFlag ? '1' : '0';
@@ -179,12 +179,12 @@ TEST_F(GinaChainingObject, CopiesHaveAnObjectOfTheirOwn)
         auto original = std::make_unique<CGinaChainingInfoObject>(APP, MTM, TEXT("x.dll"), szRecord);
         CGinaChainingInfoObject copy(APP, MTM, original.get());
         const std::string passthrough = Passthrough(*original);
-        const std::basic_string<WCHAR> subKey = original->m_szSubKey;
+        const std::string subKey = Narrow(original->m_szSubKey);
         original.reset();
         EXPECT_EQ(passthrough, Passthrough(copy));
-        EXPECT_EQ(subKey, copy.m_szSubKey);
+        EXPECT_EQ(subKey, Narrow(copy.m_szSubKey));
         EXPECT_TRUE(copy.m_bMustBeFirst && copy.m_bIsIncompatible);
-        EXPECT_TRUE(copy.m_szDefaultGinaDLL.has_value());
+        EXPECT_NE(nullptr, copy.m_szDefaultGinaDLL);
         EXPECT_EQ(nullptr, copy.GetDefaultGinaDLL());
     }
 }

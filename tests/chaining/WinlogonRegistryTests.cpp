@@ -39,8 +39,8 @@ TEST_F(WinlogonRegistry, WithoutTheKeyEachValueIsMissedInOrder)
               "PowerdownAfterShutdown ReportBootOk ScRemoveOption Shell ShutdownWithoutLogon System UIHost "
               "Userinit VmApplet WinStationsDisabled ",
               Lines("[WARNING] Winlogon key could not be loaded, Key: "));
-    static_assert(std::is_same_v<decltype(registry.m_pShowLogonOptions), std::unique_ptr<CRegistryDword>>);
-    static_assert(std::is_same_v<decltype(registry.m_pAllocateCdroms), std::unique_ptr<CRegistryString>>);
+    static_assert(std::is_same_v<decltype(registry.m_pShowLogonOptions), COwned<CRegistryDword>>);
+    static_assert(std::is_same_v<decltype(registry.m_pAllocateCdroms), COwned<CRegistryString>>);
     ClearLog();
     EXPECT_EQ("(failed)", Get(registry));
     EXPECT_EQ(

@@ -261,21 +261,22 @@ TEST_F(FailingRegistryClasses, TheCacheKeepsWhatCouldNotBeWrittenAndWhatWasReadB
 /// Values of both kinds cannot be made without memory, wherever it is missing.
 TEST_F(FailingRegistryClasses, WithoutMemoryThereIsNoObject)
 {
-    const std::string noName = "[EXCEPTION] Memory could not be allocated, Variable: m_szValueName";
+    const std::string noMemory = "[EXCEPTION] Memory could not be allocated, Variable: ";
     const std::pair<std::function<bool()>, std::string> rows[] = {
         {[] { return Make<CRegistryString>() != nullptr; }, "CRegistryString"},
         {[] { return Make<CRegistryDword>() != nullptr; }, "CRegistryDword"},
     };
     for (const auto& [make, className] : rows) {
-        const Lines noKey = {Init("CRegistryKey"), Init("CRegistryValue"), Init(className.c_str())};
-        const Lines noValue = {noName, Init("CRegistryValue"), Init(className.c_str())};
+        const Lines noKey = {noMemory + "m_szSubKey", Init("CRegistryKey"), Init("CRegistryValue"),
+                             Init(className.c_str())};
+        const Lines noValue = {noMemory + "m_szValueName", Init("CRegistryValue"), Init(className.c_str())};
         int nKeys = 0;
         int nNames = 0;
         // The first is the object itself; most of the rest are of tracing and the platform.
         for (int nBefore = 1; nBefore < 60; ++nBefore) {
             ClearLog();
             const std::string outcome = GetOutcome([nBefore, &makeValue = make] {
-                const CFailingAllocation noMemory(nBefore);
+                const CFailingAllocation failing(nBefore);
                 return makeValue();
             });
             nKeys += Log() == noKey ? 1 : 0;

@@ -32,7 +32,7 @@ TEST_F(Messages, TextsFollowTheirFormat)
     };
     for (const auto& row : rows) {
         EXPECT_TRUE(row.message.m_bFormatted);
-        EXPECT_EQ(row.szExpected, Narrow(row.message.m_szMessage.get()));
+        EXPECT_EQ(row.szExpected, Narrow(row.message.m_szMessage));
     }
 }
 
@@ -40,18 +40,18 @@ TEST_F(Messages, ExceptionsCarryTheirDetails)
 {
     const CErrorException<ERR_CREATE_EVENT> error(LUM_GINA_ORIGIN, 5, WHERE);
     EXPECT_EQ("CreateEvent function call failed, Error: 0x5, ( 158 ) ThreadObject.cpp",
-              Narrow(error.m_szMessage.get()));
+              Narrow(error.m_szMessage));
     EXPECT_EQ(5u, error.m_dwError);
     const CNameErrorException<ERR_CREATE_THREAD, FMT_THREAD_ERROR> decimal(LUM_GINA_ORIGIN, TEXT("worker"), 8,
                                                                            WHERE);
     EXPECT_EQ("Unable to create thread, Thread: worker, Error: 8, ( 158 ) ThreadObject.cpp",
-              Narrow(decimal.m_szMessage.get()));
+              Narrow(decimal.m_szMessage));
     const CNullFunctionHandleException twoBlanks(LUM_GINA_ORIGIN, TEXT("x.dll"), WHERE);
     EXPECT_EQ(
         "Null function handle.  Unable to execute function call, Plugin: x.dll, ( 158 ) ThreadObject.cpp",
-        Narrow(twoBlanks.m_szMessage.get()));
+        Narrow(twoBlanks.m_szMessage));
     const CUnableToLoadDLLException named(LUM_GINA_ORIGIN, TEXT("x.dll"), 0x7E);
-    EXPECT_NE(std::string::npos, Narrow(named.m_szMessage.get()).find(") MessagesTests.cpp"));
+    EXPECT_NE(std::string::npos, Narrow(named.m_szMessage).find(") MessagesTests.cpp"));
 }
 
 TEST_F(Messages, AreCutAtTheBound)
@@ -59,7 +59,7 @@ TEST_F(Messages, AreCutAtTheBound)
     const std::basic_string<WCHAR> longText(5000, 'x');
     const CMessageArgList message = Make(TEXT("%s!"), longText.c_str());
     EXPECT_TRUE(message.m_bFormatted);
-    EXPECT_EQ(std::string(3 + 1086, 'x'), Narrow(message.m_szMessage.get()));
+    EXPECT_EQ(std::string(3 + 1086, 'x'), Narrow(message.m_szMessage));
 }
 
 TEST_F(Messages, MalformedFormatsAreNotWritten)

@@ -35,8 +35,8 @@ COfflineChain::COfflineChain()
 bool COfflineChain::Learn(const WideText& gina, const WideText& record)
 {
     try {
-        Append(GetKnownGinas(), std::make_unique<CGinaChainingInfoObject>(LUM_GINA_APP, LUM_GINA_MTM,
-                                                                          gina.c_str(), record.c_str()));
+        Append(GetKnownGinas(),
+               MakeOwned<CGinaChainingInfoObject>(LUM_GINA_APP, LUM_GINA_MTM, gina.c_str(), record.c_str()));
         return true;
     } catch (CMessage& message) {
         message.WriteIfUnwritten();
@@ -53,7 +53,7 @@ CChainValues COfflineChain::ReadValues()
     for (const auto* pNode = GetKnownGinas().m_pHead; pNode != nullptr; pNode = pNode->pNext) {
         const CGinaChainingInfoObject& info = *pNode->m_pItem;
         if (++nKnown > std::size(KNOWN_GINAS)) {
-            add(RecordPlace(info.m_szGinaDLL));
+            add(RecordPlace(WideText(info.m_szGinaDLL)));
         }
         if (const std::optional<CValuePlace> place = PassthroughPlace(info); place) {
             add(*place);
@@ -80,8 +80,8 @@ CValuePlace RecordPlace(const WideText& gina)
 
 std::optional<CValuePlace> PassthroughPlace(const CGinaChainingInfoObject& info)
 {
-    if (info.m_bTerminator || info.m_szSubKey.empty() || info.m_szOldGinaDLLKey.empty()) {
+    if (info.m_bTerminator || *info.m_szSubKey == 0 || *info.m_szOldGinaDLLKey == 0) {
         return std::nullopt;
     }
-    return CValuePlace{info.m_szSubKey, info.m_szOldGinaDLLKey};
+    return CValuePlace{WideText(info.m_szSubKey), WideText(info.m_szOldGinaDLLKey)};
 }
