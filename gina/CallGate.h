@@ -86,9 +86,10 @@ public:
         return Look([&] { return allowed() && change(); });
     }
 
-    /// Adds to the list under its lock, where calls in flight may find the new node or not. A plugin that
-    /// reads the link to its successor twice might call one object with the node of another: so there is
-    /// a short wait for a moment without calls, and no matter whether it comes.
+    /// Adds to the list under its lock. Calls in flight may pass through the new node or not: it is complete
+    /// before the one link that publishes it is written. A plugin is to read that link once for each call, with
+    /// the header's NextNode. One built without it may read it twice, and would lose a call that an addition
+    /// comes into. So the addition waits a short time for a moment without calls; it is made in any case.
     template <typename Body>
     auto Add(Body addition)
     {

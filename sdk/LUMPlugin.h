@@ -103,9 +103,7 @@ struct CGinaNode
     const WCHAR* szMTM;
     CGinaObject* m_pItem; ///< the GINA or plugin at this place
     DWORD m_dwTag;
-    CGinaNode* pNext; ///< never null in a call to a plugin: the standard GINA is the last. May change
-                      ///< while the call is under way, when a plugin is added: object and node of the next
-                      ///< call are to come from one reading
+    CGinaNode* pNext; ///< not to be read directly: see NextNode
     CGinaNode* pPrev; ///< null at the head
 };
 
@@ -170,12 +168,25 @@ typedef char CGinaObjectHas16Bytes[sizeof(void*) != 4 || sizeof(CGinaObject) == 
 typedef char WCHARHas2Bytes[sizeof(WCHAR) == 2 ? 1 : -1];
 typedef char BoolHas1Byte[sizeof(bool) == 1 ? 1 : -1];
 
-/// The object that a call at pNode is passed on to. Its chained operations take pNode->pNext. They may
-/// throw an exception of the host, which a plugin lets pass: on 32-bit Windows, frames of g++ are left
-/// without running destructors or handlers then, so hold nothing across the call that needs them.
-inline CGinaObject& NextObject(const CGinaNode* pNode)
+/// The node that a call at pNode is passed on to, which holds the object to call:
+///
+///     lum::CGinaNode* pNext = lum::NextNode(pNode);
+///     return pNext->m_pItem->IsLockOk(pNext, pWlxContext);
+///
+/// Never null in a call to a plugin: the standard GINA is the last. Call this once for each call that you
+/// pass on. The next node changes when a plugin is added to the running system, and an object that is called
+/// with the node of another refuses the call.
+///
+/// The object may throw an exception of the host, which a plugin lets pass: on 32-bit Windows, frames of g++
+/// are left without running destructors or handlers then, so hold nothing across the call that needs them.
+inline CGinaNode* NextNode(const CGinaNode* pNode)
 {
-    return *pNode->pNext->m_pItem;
+    // A compiler may read an ordinary field again where that saves it a register.
+#if defined(__GNUC__)
+    return __atomic_load_n(&pNode->pNext, __ATOMIC_ACQUIRE);
+#else
+    return *static_cast<CGinaNode* const volatile*>(&pNode->pNext);
+#endif
 }
 
 /// Replaces a string of a record by a copy of szSource, or by none for null. When there is no memory for
@@ -299,7 +310,8 @@ public:
     /// Nobody is logged on: show how to.
     virtual void DisplaySASNotice(CGinaNode* pNode, PVOID pWlxContext)
     {
-        NextObject(pNode).DisplaySASNotice(pNode->pNext, pWlxContext);
+        CGinaNode* const pNext = NextNode(pNode);
+        pNext->m_pItem->DisplaySASNotice(pNext, pWlxContext);
     }
 
     /// Nobody is logged on and an event of type dwSasType came: log a user on, or not. [action]
@@ -312,8 +324,9 @@ public:
                              PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
                              PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile)
     {
-        return NextObject(pNode).LoggedOutSAS(pNode->pNext, pWlxContext, dwSasType, pAuthenticationId,
-                                              pLogonSid, pdwOptions, phToken, pNprNotifyInfo, pProfile);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->LoggedOutSAS(pNext, pWlxContext, dwSasType, pAuthenticationId, pLogonSid,
+                                            pdwOptions, phToken, pNprNotifyInfo, pProfile);
     }
 
     /// A user is logged on: start the shell on the desktop. FALSE ends the session. [BOOL]
@@ -323,71 +336,81 @@ public:
     virtual BOOL ActivateUserShell(CGinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
                                    PWSTR pszMprLogonScript, PVOID pEnvironment)
     {
-        return NextObject(pNode).ActivateUserShell(pNode->pNext, pWlxContext, pszDesktopName,
-                                                   pszMprLogonScript, pEnvironment);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->ActivateUserShell(pNext, pWlxContext, pszDesktopName, pszMprLogonScript,
+                                                 pEnvironment);
     }
 
     /// A user is logged on and an event came: what Winlogon is to do. pReserved [passed]. [action]
     virtual int LoggedOnSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved)
     {
-        return NextObject(pNode).LoggedOnSAS(pNode->pNext, pWlxContext, dwSasType, pReserved);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->LoggedOnSAS(pNext, pWlxContext, dwSasType, pReserved);
     }
 
     /// The workstation is locked: show how to unlock it.
     virtual void DisplayLockedNotice(CGinaNode* pNode, PVOID pWlxContext)
     {
-        NextObject(pNode).DisplayLockedNotice(pNode->pNext, pWlxContext);
+        CGinaNode* const pNext = NextNode(pNode);
+        pNext->m_pItem->DisplayLockedNotice(pNext, pWlxContext);
     }
 
     /// May the workstation be locked, by something other than LoggedOnSAS? [BOOL]
     virtual BOOL IsLockOk(CGinaNode* pNode, PVOID pWlxContext)
     {
-        return NextObject(pNode).IsLockOk(pNode->pNext, pWlxContext);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->IsLockOk(pNext, pWlxContext);
     }
 
     /// The workstation is locked and an event came: unlock, stay, or end the session. [action]
     virtual int WkstaLockedSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType)
     {
-        return NextObject(pNode).WkstaLockedSAS(pNode->pNext, pWlxContext, dwSasType);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->WkstaLockedSAS(pNext, pWlxContext, dwSasType);
     }
 
     /// May the user log off, by something other than LoggedOnSAS? [BOOL]
     virtual BOOL IsLogoffOk(CGinaNode* pNode, PVOID pWlxContext)
     {
-        return NextObject(pNode).IsLogoffOk(pNode->pNext, pWlxContext);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->IsLogoffOk(pNext, pWlxContext);
     }
 
     /// The user is logging off; cannot be refused any more.
     virtual void Logoff(CGinaNode* pNode, PVOID pWlxContext)
     {
-        NextObject(pNode).Logoff(pNode->pNext, pWlxContext);
+        CGinaNode* const pNext = NextNode(pNode);
+        pNext->m_pItem->Logoff(pNext, pWlxContext);
     }
 
     /// The machine is going down; dwShutdownType is a WLX_SAS_ACTION_SHUTDOWN value. The last call.
     virtual void Shutdown(CGinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType)
     {
-        NextObject(pNode).Shutdown(pNode->pNext, pWlxContext, dwShutdownType);
+        CGinaNode* const pNext = NextNode(pNode);
+        pNext->m_pItem->Shutdown(pNext, pWlxContext, dwShutdownType);
     }
 
     /// From 1.1. Start an application for the user. Texts and environment [lent]. [BOOL]
     virtual BOOL StartApplication(CGinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
                                   PVOID pEnvironment, PWSTR pszCmdLine)
     {
-        return NextObject(pNode).StartApplication(pNode->pNext, pWlxContext, pszDesktopName, pEnvironment,
-                                                  pszCmdLine);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->StartApplication(pNext, pWlxContext, pszDesktopName, pEnvironment, pszCmdLine);
     }
 
     /// From 1.1. A screen saver is about to start: FALSE forbids it. *pSecure [out], TRUE on entry when
     /// the screen saver locks the workstation, decides whether it does. [BOOL]
     virtual BOOL ScreenSaverNotify(CGinaNode* pNode, PVOID pWlxContext, BOOL* pSecure)
     {
-        return NextObject(pNode).ScreenSaverNotify(pNode->pNext, pWlxContext, pSecure);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->ScreenSaverNotify(pNext, pWlxContext, pSecure);
     }
 
     /// From 1.3. Network providers want to log the user on. pNprNotifyInfo [out] [secret]. [BOOL]
     virtual BOOL NetworkProviderLoad(CGinaNode* pNode, PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo)
     {
-        return NextObject(pNode).NetworkProviderLoad(pNode->pNext, pWlxContext, pNprNotifyInfo);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->NetworkProviderLoad(pNext, pWlxContext, pNprNotifyInfo);
     }
 
     /// From 1.3. Show a status message. hDesktop, pTitle and pMessage [lent]; dwOptions: STATUSMSG_OPTION_
@@ -395,8 +418,9 @@ public:
     virtual BOOL DisplayStatusMessage(CGinaNode* pNode, PVOID pWlxContext, HDESK hDesktop, DWORD dwOptions,
                                       PWSTR pTitle, PWSTR pMessage)
     {
-        return NextObject(pNode).DisplayStatusMessage(pNode->pNext, pWlxContext, hDesktop, dwOptions, pTitle,
-                                                      pMessage);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->DisplayStatusMessage(pNext, pWlxContext, hDesktop, dwOptions, pTitle,
+                                                    pMessage);
     }
 
     /// From 1.3. Tell the status message that is shown. pdwOptions [out]; pMessage [out] has room for
@@ -404,33 +428,37 @@ public:
     virtual BOOL GetStatusMessage(CGinaNode* pNode, PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
                                   DWORD dwBufferSize)
     {
-        return NextObject(pNode).GetStatusMessage(pNode->pNext, pWlxContext, pdwOptions, pMessage,
-                                                  dwBufferSize);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->GetStatusMessage(pNext, pWlxContext, pdwOptions, pMessage, dwBufferSize);
     }
 
     /// From 1.3. Stop showing the status message. [BOOL]
     virtual BOOL RemoveStatusMessage(CGinaNode* pNode, PVOID pWlxContext)
     {
-        return NextObject(pNode).RemoveStatusMessage(pNode->pNext, pWlxContext);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->RemoveStatusMessage(pNext, pWlxContext);
     }
 
     /// From 1.4. Give the credentials of the user, who moves to another session. pCredInfo [out] [secret]:
     /// a WLX_CONSOLESWITCH_CREDENTIALS_INFO. [BOOL]
     virtual BOOL GetConsoleSwitchCredentials(CGinaNode* pNode, PVOID pWlxContext, PVOID pCredInfo)
     {
-        return NextObject(pNode).GetConsoleSwitchCredentials(pNode->pNext, pWlxContext, pCredInfo);
+        CGinaNode* const pNext = NextNode(pNode);
+        return pNext->m_pItem->GetConsoleSwitchCredentials(pNext, pWlxContext, pCredInfo);
     }
 
     /// From 1.4. The session was connected again.
     virtual void ReconnectNotify(CGinaNode* pNode, PVOID pWlxContext)
     {
-        NextObject(pNode).ReconnectNotify(pNode->pNext, pWlxContext);
+        CGinaNode* const pNext = NextNode(pNode);
+        pNext->m_pItem->ReconnectNotify(pNext, pWlxContext);
     }
 
     /// From 1.4. The session was disconnected.
     virtual void DisconnectNotify(CGinaNode* pNode, PVOID pWlxContext)
     {
-        NextObject(pNode).DisconnectNotify(pNode->pNext, pWlxContext);
+        CGinaNode* const pNext = NextNode(pNode);
+        pNext->m_pItem->DisconnectNotify(pNext, pWlxContext);
     }
 
     /// For LUM_PLUGIN: negotiates, and remembers what QueryPluginInfo is to tell.

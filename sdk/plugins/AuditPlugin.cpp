@@ -51,7 +51,7 @@ void Finish(CAuditLine& line, int nAction)
     line.Finish(szResult);
 }
 
-/// Makes a call with its line around it. Nothing here needs a destructor: see lum::NextObject.
+/// Makes a call with its line around it. Nothing here needs a destructor: see lum::NextNode.
 template <typename Call>
 auto Record(const char* szCall, const WCHAR* szCalled, Call call)
 {
@@ -71,9 +71,9 @@ template <typename Result, typename... Parameters, typename... Arguments>
 Result PassOn(const char* szCall, Result (lum::CGinaObject::*pfnCall)(lum::CGinaNode*, Parameters...),
               lum::CGinaNode* pNode, Arguments... arguments)
 {
-    lum::CGinaObject& next = lum::NextObject(pNode);
-    return Record(szCall, next.m_pGinaPluginContext->m_GinaPluginInfo.m_szGinaDLL,
-                  [&] { return (next.*pfnCall)(pNode->pNext, arguments...); });
+    lum::CGinaNode* const pNext = lum::NextNode(pNode);
+    return Record(szCall, pNext->m_pItem->m_pGinaPluginContext->m_GinaPluginInfo.m_szGinaDLL,
+                  [&] { return (pNext->m_pItem->*pfnCall)(pNext, arguments...); });
 }
 
 // clang-format off

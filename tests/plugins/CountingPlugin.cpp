@@ -4,7 +4,7 @@
 
 namespace {
 
-/// One call inside the plugin.
+/// One call inside the plugin; a chained one has its trail.
 class CCountedCall
 {
 public:
@@ -12,6 +12,10 @@ public:
     {
         ++m_counts.nEntries;
         m_counts.nTooLate += m_counts.bUnloaded ? 1 : 0;
+    }
+    CCountedCall(CPluginCounts& counts, const lum::CGinaNode* pNode, PVOID pWlxContext) : CCountedCall(counts)
+    {
+        static_cast<ICallTrail*>(pWlxContext)->Visit(pNode);
     }
     ~CCountedCall() { ++m_counts.nExits; }
     CCountedCall(const CCountedCall&) = delete;
@@ -50,31 +54,23 @@ public:
 
     BOOL IsLockOk(lum::CGinaNode* pNode, PVOID pWlxContext) override
     {
-        return PassOn(&lum::CGinaObject::IsLockOk, pNode, pWlxContext);
+        const CCountedCall call(*m_pCounts, pNode, pWlxContext);
+        return CPlugin::IsLockOk(pNode, pWlxContext);
     }
 
     int LoggedOnSAS(lum::CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
     {
-        return PassOn(&lum::CGinaObject::LoggedOnSAS, pNode, pWlxContext, dwSasType, pReserved);
+        const CCountedCall call(*m_pCounts, pNode, pWlxContext);
+        return CPlugin::LoggedOnSAS(pNode, pWlxContext, dwSasType, pReserved);
     }
 
     void Shutdown(lum::CGinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType) override
     {
-        PassOn(&lum::CGinaObject::Shutdown, pNode, pWlxContext, dwShutdownType);
+        const CCountedCall call(*m_pCounts, pNode, pWlxContext);
+        CPlugin::Shutdown(pNode, pWlxContext, dwShutdownType);
     }
 
 private:
-    template <typename Result, typename... Parameters, typename... Arguments>
-    Result PassOn(Result (lum::CGinaObject::*pfnCall)(lum::CGinaNode*, PVOID, Parameters...),
-                  lum::CGinaNode* pNode, PVOID pWlxContext, Arguments... arguments)
-    {
-        const CCountedCall call(*m_pCounts);
-        static_cast<ICallTrail*>(pWlxContext)->Visit(pNode);
-        // Once, since another plugin may be added meanwhile, and in a way that a checker of races accepts.
-        lum::CGinaNode* const pNext = std::atomic_ref(pNode->pNext).load(std::memory_order_acquire);
-        return (pNext->m_pItem->*pfnCall)(pNext, pWlxContext, arguments...);
-    }
-
     CPluginCounts* m_pCounts = nullptr;
 };
 

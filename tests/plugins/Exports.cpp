@@ -51,12 +51,12 @@ template <typename Result, typename... Parameters, typename... Arguments>
 LONG CallNext(Result (lum::CGinaObject::*pfnCall)(lum::CGinaNode*, Parameters...), lum::CGinaNode* pNode,
               Arguments... arguments)
 {
-    lum::CGinaObject& next = lum::NextObject(pNode);
+    lum::CGinaNode* const pNext = lum::NextNode(pNode);
     if constexpr (std::is_void_v<Result>) {
-        (next.*pfnCall)(pNode->pNext, arguments...);
+        (pNext->m_pItem->*pfnCall)(pNext, arguments...);
         return 0;
     } else {
-        return (next.*pfnCall)(pNode->pNext, arguments...);
+        return (pNext->m_pItem->*pfnCall)(pNext, arguments...);
     }
 }
 

@@ -8,6 +8,7 @@
 #include "LUMGina.h"
 #include "../gina/Standin.h"
 #include "TestMachine.h"
+#include "Thread.h"
 
 namespace {
 
@@ -124,6 +125,30 @@ TEST_F(SamplePlugins, PassEveryCallOn)
         EXPECT_EQ(szPlugin, Narrow(info.m_szGinaDLL));
         EXPECT_EQ(WLX_VERSION_1_4, static_cast<int>(info.m_dwWlxVersion));
         EXPECT_STRNE("", Narrow(info.m_szFriendlyName).c_str());
+    }
+}
+
+TEST_F(SamplePlugins, PassACallOnToAnObjectWithItsOwnNode)
+{
+    for (const std::string szPlugin : {LUM_PASSING_PLUGINS, "test_plugin_a.dll"}) {
+        SCOPED_TRACE(szPlugin);
+        Start((szPlugin + ",test_plugin_b.dll").c_str());
+        SetTraceMask(0);
+        GinaNode& first = *FirstNode();
+        GinaNode* const nodes[] = {first.pNext->pNext, first.pNext};
+        CHappening done;
+        // As if a plugin was added and removed all the time.
+        CThread control([&] {
+            for (int n = 0; !done.HasHappened(); ++n) {
+                std::atomic_ref(first.pNext).store(nodes[n % 2], std::memory_order_release);
+            }
+        });
+        for (int n = 0; n < 5000; ++n) {
+            EXPECT_NO_THROW(CHAINED_CALLS[n % std::size(CHAINED_CALLS)].pfnCall(*first.m_pItem, &first));
+        }
+        done.Happen();
+        control.Join();
+        first.pNext = nodes[1];
     }
 }
 
