@@ -26,7 +26,7 @@ CControlRequest& CControlRequest::FixedName(const Text& name)
 {
     CheckName(name);
     Text buffer = name;
-    buffer.resize(FIXED_NAME_LENGTH);
+    buffer.resize(NAME_CAPACITY);
     Append(buffer.data(), buffer.size() * sizeof(WCHAR));
     return *this;
 }

@@ -32,7 +32,7 @@ bool CRegistryDword::GetRegistryDword(DWORD* pdwValue, bool bRefresh)
 {
     const COperation op(*this, s_szClass, TEXT("GetRegistryDword"));
     return op.Run(
-        PassOn<Absorb<>, CBadArgException, CUnableToReadRegistryException>(),
+        PassOn<CBadArgException, CUnableToReadRegistryException>(),
         [&] {
             RequireArgument(*this, pdwValue, TEXT("pdwValue"));
             if (bRefresh || m_bReadThrough) {
@@ -48,7 +48,7 @@ bool CRegistryDword::SetRegistryDword(DWORD dwValue, bool bForceWrite)
 {
     const COperation op(*this, s_szClass, TEXT("SetRegistryDword"));
     return op.Run(
-        PassOn<Absorb<>, CUnableToWriteRegistryException>(),
+        PassOn<CUnableToWriteRegistryException>(),
         [&] {
             m_dwValue = dwValue;
             if (bForceWrite || m_bWriteThrough) {
@@ -66,7 +66,7 @@ bool CRegistryDword::ReadRegistry()
         Fetch();
         return true;
     };
-    return op.Run(PassOn<Absorb<>, CUnableToReadRegistryException>(), body, FailureWarning::UnlessRaised);
+    return op.Run(PassOn<CUnableToReadRegistryException>(), body, FailureWarning::UnlessRaised);
 }
 
 bool CRegistryDword::WriteRegistry()
@@ -76,7 +76,7 @@ bool CRegistryDword::WriteRegistry()
         Flush();
         return true;
     };
-    return op.Run(PassOn<Absorb<>, CUnableToWriteRegistryException>(), body, FailureWarning::UnlessRaised);
+    return op.Run(PassOn<CUnableToWriteRegistryException>(), body, FailureWarning::UnlessRaised);
 }
 
 /// A value shorter than a DWORD counts as its low bytes; a longer one cannot be read.

@@ -48,8 +48,8 @@ LONG CRegistryKey::TryOpen()
 
 bool CRegistryKey::OpenKey()
 {
-    using Handler = PassOn<Absorb<CUnableToCloseRegistryKeyException>, CUnableToOpenRegistryKeyException,
-                           CUnableToCreateRegistryKeyException>;
+    using Handler = Handlers<PassOn<CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException>,
+                             Absorb<CUnableToCloseRegistryKeyException>>;
     const COperation op(*this, s_szClass, TEXT("OpenKey"));
     return op.Run(
         Handler(),
@@ -75,7 +75,8 @@ bool CRegistryKey::OpenKey()
 
 bool CRegistryKey::CreateKey()
 {
-    using Handler = PassOn<Absorb<CUnableToCloseRegistryKeyException>, CUnableToCreateRegistryKeyException>;
+    using Handler =
+        Handlers<PassOn<CUnableToCreateRegistryKeyException>, Absorb<CUnableToCloseRegistryKeyException>>;
     const COperation op(*this, s_szClass, TEXT("CreateKey"));
     return op.Run(
         Handler(),
@@ -105,7 +106,7 @@ bool CRegistryKey::CloseKey()
 {
     const COperation op(*this, s_szClass, TEXT("CloseKey"));
     return op.Run(
-        PassOn<Absorb<>, CUnableToCloseRegistryKeyException>(),
+        PassOn<CUnableToCloseRegistryKeyException>(),
         [&] {
             if (!m_bOpen) {
                 op.Warn(TXT_ALREADY_CLOSED);

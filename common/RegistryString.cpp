@@ -23,8 +23,8 @@ try : CRegistryValue(szAPPArg, szMTMArg, hKeyRoot, szSubKey, szValueName, samDes
     m_szRegString{}
 {
     const CConstructionTrace trace(*this, s_szClass);
-    WCHAR szScratch[MAX_CHARACTERS + 1];
-    if (bReadNow && !GetRegistryString(szScratch, MAX_CHARACTERS + 1, true)) {
+    WCHAR szScratch[NAME_CAPACITY];
+    if (bReadNow && !GetRegistryString(szScratch, NAME_CAPACITY, true)) {
         throw CRegistryStringInitException(*this);
     }
 } catch (...) {
@@ -42,7 +42,7 @@ bool CRegistryString::GetRegistryString(WCHAR* szDest, DWORD cchDest, bool bRefr
 {
     const COperation op(*this, s_szClass, TEXT("GetRegistryString"));
     return op.Run(
-        PassOn<Absorb<CWcscpyException>, CBadArgException, CUnableToReadRegistryException>(),
+        Handlers<PassOn<CBadArgException, CUnableToReadRegistryException>, Absorb<CWcscpyException>>(),
         [&] {
             RequireArgument(*this, szDest != nullptr && cchDest != 0, TEXT("szDest"));
             if (bRefresh || m_bReadThrough) {
@@ -63,13 +63,13 @@ bool CRegistryString::SetRegistryString(const WCHAR* szSrc, bool bForceWrite)
 {
     const COperation op(*this, s_szClass, TEXT("SetRegistryString"));
     return op.Run(
-        PassOn<Absorb<>, CBadArgException, CUnableToWriteRegistryException, CWcscpyException>(),
+        PassOn<CBadArgException, CUnableToWriteRegistryException, CWcscpyException>(),
         [&] {
             RequireArgument(*this, szSrc, TEXT("szSrc"));
             std::size_t cchCopy = MeasureText(*this, szSrc);
-            if (cchCopy > MAX_CHARACTERS) {
+            if (cchCopy > LONGEST_NAME) {
                 op.Warn(ERR_STRING_TOO_LONG);
-                cchCopy = MAX_CHARACTERS;
+                cchCopy = LONGEST_NAME;
             }
             Traits::move(m_szRegString, szSrc, cchCopy);
             m_szRegString[cchCopy] = 0;
@@ -88,7 +88,7 @@ bool CRegistryString::ReadRegistry()
         Fetch();
         return true;
     };
-    return op.Run(PassOn<Absorb<>, CUnableToReadRegistryException>(), body, FailureWarning::UnlessRaised);
+    return op.Run(PassOn<CUnableToReadRegistryException>(), body, FailureWarning::UnlessRaised);
 }
 
 bool CRegistryString::WriteRegistry()
@@ -98,7 +98,7 @@ bool CRegistryString::WriteRegistry()
         Flush();
         return true;
     };
-    return op.Run(PassOn<Absorb<>, CUnableToWriteRegistryException>(), body, FailureWarning::UnlessRaised);
+    return op.Run(PassOn<CUnableToWriteRegistryException>(), body, FailureWarning::UnlessRaised);
 }
 
 /// A value may be of any type and length and lack its terminator: what was not returned is not looked
@@ -108,7 +108,7 @@ void CRegistryString::Fetch()
     WCHAR szRead[QUERY_BYTES / sizeof(WCHAR)];
     const DWORD cbRead = Query(szRead, QUERY_BYTES, [this] { SetRegistryString(TEXT(""), true); });
     const DWORD cchRead = cbRead / sizeof(WCHAR);
-    const DWORD cchKept = cchRead < MAX_CHARACTERS ? cchRead : MAX_CHARACTERS;
+    const DWORD cchKept = cchRead < LONGEST_NAME ? cchRead : LONGEST_NAME;
     Traits::copy(m_szRegString, szRead, cchKept);
     m_szRegString[cchKept] = 0;
 }

@@ -36,7 +36,7 @@ bool CRegistryValue::DeleteRegistryValue()
 {
     const COperation op(*this, s_szClass, TEXT("DeleteRegistryValue"));
     return op.Run(
-        PassOn<Absorb<>, CUnableToDeleteRegistryValueException>(),
+        PassOn<CUnableToDeleteRegistryValueException>(),
         [&] {
             const LONG lResult = RegDeleteValueW(m_hKey, m_szValueName);
             if (lResult != ERROR_SUCCESS) {

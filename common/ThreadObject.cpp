@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "GinaNames.h"
 #include "GuardedText.h"
 #include "Operation.h"
 #include "RequireArgument.h"
@@ -28,7 +29,7 @@ public:
     operator const WCHAR*() const noexcept { return m_szName; }
 
 private:
-    WCHAR m_szName[MAX_PATH];
+    WCHAR m_szName[NAME_CAPACITY];
 };
 
 bool IsSignalled(HANDLE hObject, DWORD dwMilliseconds = 0) noexcept
@@ -129,7 +130,7 @@ void CThreadObject::CopyName(const WCHAR* szThreadName)
     try {
         m_szThreadName = CopyText(*this, szThreadName, TEXT("m_szThreadName"));
     } catch (...) {
-        IsHandling<CMessage>();
+        ReportIf<CMessage>();
         CPointerWarning(*this, ERR_FLOATING_POINTER, TEXT("szThreadName"));
         throw;
     }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "GinaNames.h"
 #include "Messages.h"
 
 namespace {
@@ -12,7 +13,6 @@ using WideText = std::basic_string<WCHAR>;
 
 constexpr WCHAR DEBUG_KEY[] = TEXT("Software\\ORX\\Security\\Debug");
 constexpr WCHAR MASK_VALUE[] = TEXT("Debug");
-constexpr std::size_t PATH_CAPACITY = 260;
 constexpr std::size_t LABEL_CAPACITY = 30;
 
 struct CLevelLabel
@@ -66,8 +66,8 @@ bool QueryMachineValue(const WCHAR* szKey, const WCHAR* szValue, void* pData, DW
 /// The path of the log file configured for a tag; empty when there is none.
 WideText GetLogPath(const WCHAR* szTag)
 {
-    WCHAR szPath[PATH_CAPACITY + 1] = {};
-    DWORD cbPath = PATH_CAPACITY * sizeof(WCHAR);
+    WCHAR szPath[NAME_CAPACITY + 1] = {};
+    DWORD cbPath = NAME_CAPACITY * sizeof(WCHAR);
     return QueryMachineValue(DEBUG_KEY, szTag, szPath, &cbPath) ? WideText(szPath) : WideText();
 }
 

@@ -82,19 +82,19 @@ public:
         return Self()->template Chain<bool>(TEXT("IsLogoffOk"), Self()->m_IsLogoffOk, pNode, pWlxContext);
     }
 
-    int LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
+    SasAction LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
     {
-        return Self()->template Chain<int>(TEXT("LoggedOnSAS"), Self()->m_LoggedOnSAS, pNode, pWlxContext,
-                                           dwSasType, pReserved);
+        return Self()->template Chain<SasAction>(TEXT("LoggedOnSAS"), Self()->m_LoggedOnSAS, pNode,
+                                                 pWlxContext, dwSasType, pReserved);
     }
 
-    int LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
-                     PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo,
-                     PVOID* pProfile) override
+    SasAction LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
+                           PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
+                           PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile) override
     {
-        return Self()->template Chain<int>(TEXT("LoggedOutSAS"), Self()->m_LoggedOutSAS, pNode, pWlxContext,
-                                           dwSasType, pAuthenticationId, pLogonSid, pdwOptions, phToken,
-                                           pNprNotifyInfo, pProfile);
+        return Self()->template Chain<SasAction>(TEXT("LoggedOutSAS"), Self()->m_LoggedOutSAS, pNode,
+                                                 pWlxContext, dwSasType, pAuthenticationId, pLogonSid,
+                                                 pdwOptions, phToken, pNprNotifyInfo, pProfile);
     }
 
     void Logoff(GinaNode* pNode, PVOID pWlxContext) override
@@ -139,10 +139,10 @@ public:
                                             pWlxContext, pszDesktopName, pEnvironment, pszCmdLine);
     }
 
-    int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) override
+    SasAction WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) override
     {
-        return Self()->template Chain<int>(TEXT("WkstaLockedSAS"), Self()->m_WkstaLockedSAS, pNode,
-                                           pWlxContext, dwSasType);
+        return Self()->template Chain<SasAction>(TEXT("WkstaLockedSAS"), Self()->m_WkstaLockedSAS, pNode,
+                                                 pWlxContext, dwSasType);
     }
 
 protected:
@@ -155,7 +155,7 @@ protected:
     {
         const COperation op(*this, Derived::s_szClass, TEXT("Hook"));
         const auto onException = [this](const COperation& failed) {
-            if (IsHandlingHookFailure()) {
+            if (ReportIfHookFailure()) {
                 throw;
             }
             Self()->HookFailed(failed.GetLocation());
@@ -181,7 +181,7 @@ protected:
     Result CallUnchained(CTracePoint point, const CGinaExport<Function>& function, Args... args)
     {
         return RunOperation<CNullFunctionHandleException, AlsoPassedOn...>(
-            Derived::s_szClass, point, [&] { return Call<Result>(function, args...); });
+            Derived::s_szClass, point, [&] { return Call<Result>(point.where, function, args...); });
     }
 
 private:

@@ -28,7 +28,7 @@ BOOL Attach(HINSTANCE hInstance) noexcept
     try {
         g_pLUMGina = GuardedHostCall([=] { return new (std::nothrow) CLUMGina(hInstance); });
     } catch (...) {
-        if (!IsHandling<CMessage>()) {
+        if (!ReportIf<CMessage>()) {
             CCritical(LUM_GINA_ORIGIN, TXT_NOT_CREATED);
         }
         return FALSE;

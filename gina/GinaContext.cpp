@@ -1,7 +1,7 @@
 #include "GinaContext.h"
 
-#include "Exceptions.h"
 #include "NullWarnings.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -13,9 +13,7 @@ CGinaContext::CGinaContext(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTAN
     : CGlobalObject(szAPPArg, szMTMArg), m_hInstance(hInstance), m_hWlx(nullptr)
 {
     const CConstructionTrace trace(*this, CLASS_NAME);
-    if (hInstance == nullptr) {
-        throw CBadArgException(*this, TEXT("hInstance"));
-    }
+    RequireArgument(*this, hInstance, TEXT("hInstance"));
 }
 
 CGinaContext::~CGinaContext()

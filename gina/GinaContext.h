@@ -18,7 +18,6 @@ public:
     HANDLE GetWlxHandle() noexcept;
     void SetWlxHandle(HANDLE hWlx) noexcept;
 
-private:
     HINSTANCE m_hInstance;
     HANDLE m_hWlx;
 };

@@ -3,10 +3,11 @@
 #include <new>
 #include <string>
 
-#include "CompareNames.h"
+#include "GinaNames.h"
 #include "Exceptions.h"
 #include "GuardedText.h"
 #include "Operation.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -48,15 +49,10 @@ void CGinaObject::CreateContext(HINSTANCE hInstance)
 
 void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion)
 {
-    const auto require = [](bool bGiven, const WCHAR* szArgument) {
-        if (!bGiven) {
-            throw CBadArgException(LUM_GINA_ORIGIN, szArgument);
-        }
-    };
-    require(szGinaDLLName != nullptr, TEXT("szGinaDLLName"));
-    require(dwUsingWlxVersion != 0, TEXT("dwUsingWlxVersion"));
-    require(dwUsingLUMVersion != 0, TEXT("dwUsingLUMVersion"));
-    require(*szGinaDLLName != 0, TEXT("szGinaDLLName"));
+    RequireArgument(LUM_GINA_ORIGIN, szGinaDLLName, TEXT("szGinaDLLName"));
+    RequireArgument(LUM_GINA_ORIGIN, dwUsingWlxVersion, TEXT("dwUsingWlxVersion"));
+    RequireArgument(LUM_GINA_ORIGIN, dwUsingLUMVersion, TEXT("dwUsingLUMVersion"));
+    RequireArgument(LUM_GINA_ORIGIN, *szGinaDLLName != 0, TEXT("szGinaDLLName"));
 
     m_szGinaDLLName = CopyText(*this, szGinaDLLName, TEXT("m_szGinaDLLName"));
     CGinaPluginInfo info(szAPP, szMTM);
@@ -129,23 +125,23 @@ void CGinaObject::FreeGinaDLL() noexcept
             throw CFreeGinaDLLFailException(LUM_GINA_ORIGIN, GetLastError());
         }
     } catch (...) {
-        if (!IsHandling<CFreeGinaDLLFailException>()) {
+        if (!ReportIf<CFreeGinaDLLFailException>()) {
             CWarning(*this, ERR_UNHANDLED_EXCEPTION);
         }
     }
 }
 
-void CGinaObject::RequireResolved(const CGinaExportBase& function) const
+void CGinaObject::RequireResolved(const CGinaExportBase& function, CSourceLocation where) const
 {
     if (function.m_pfn == nullptr) {
-        throw CNullFunctionHandleException(LUM_GINA_ORIGIN, GetGinaDLLName());
+        throw CNullFunctionHandleException(LUM_GINA_ORIGIN, GetGinaDLLName(), where);
     }
 }
 
-bool CGinaObject::IsHandlingHookFailure() noexcept
+bool CGinaObject::ReportIfHookFailure() noexcept
 {
-    return IsHandling<CUnableToLoadDLLException>() || IsHandling<CUnableToLoadDLLFunctionException>() ||
-           IsHandling<CFailedGinaNegotiationsException>();
+    return ReportIf<CUnableToLoadDLLException, CUnableToLoadDLLFunctionException,
+                    CFailedGinaNegotiationsException>();
 }
 
 void CGinaObject::Resolve(CGinaExportBase& ginaExport) const

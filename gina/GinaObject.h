@@ -54,10 +54,10 @@ public:
                             DWORD dwLoadFlag2) = 0;
     virtual bool IsLockOk(GinaNode* pNode, PVOID pWlxContext) = 0;
     virtual bool IsLogoffOk(GinaNode* pNode, PVOID pWlxContext) = 0;
-    virtual int LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) = 0;
-    virtual int LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
-                             PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
-                             PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile) = 0;
+    virtual SasAction LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) = 0;
+    virtual SasAction LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType,
+                                   PLUID pAuthenticationId, PSID pLogonSid, PDWORD pdwOptions,
+                                   PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile) = 0;
     virtual void Logoff(GinaNode* pNode, PVOID pWlxContext) = 0;
     /// Not chained, and not called by the host: an object negotiates when it is constructed.
     virtual bool Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion, CGinaPluginInfo* pPluginInfo) = 0;
@@ -74,7 +74,7 @@ public:
     virtual void Shutdown(GinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType) = 0;
     virtual bool StartApplication(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
                                   PVOID pEnvironment, PWSTR pszCmdLine) = 0;
-    virtual int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) = 0;
+    virtual SasAction WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) = 0;
 
     /// Whether both have the same DLL name in their records; letter case does not count.
     bool operator==(const CGinaObject& other) const noexcept;
@@ -111,24 +111,25 @@ protected:
     /// Looks up what the negotiated Winlogon version calls for and has not been looked up.
     void ResolveAll(const CExportTable& table) const;
 
-    /// Throws CNullFunctionHandleException when the export was not resolved.
-    void RequireResolved(const CGinaExportBase& function) const;
+    /// Throws CNullFunctionHandleException, as raised at the place where, when the export was not resolved.
+    void RequireResolved(const CGinaExportBase& function, CSourceLocation where) const;
 
-    /// Calls a DLL's function under guard. For the result bool, any value but 0 is true. Throws
-    /// CNullFunctionHandleException when the function was not resolved.
+    /// Calls a DLL's function under guard, for the operation at the place where. For the result bool, any
+    /// value but 0 is true. Throws CNullFunctionHandleException when the function was not resolved.
     template <typename Result, typename Function, typename... Args>
-    Result Call(const CGinaExport<Function>& function, Args... args) const
+    Result Call(CSourceLocation where, const CGinaExport<Function>& function, Args... args) const
     {
-        RequireResolved(function);
+        RequireResolved(function, where);
+        const auto call = [&] { return function(args...); };
         if constexpr (std::is_same_v<Result, bool>) {
-            return GuardedCall([&] { return function(args...); }) != 0;
+            return GuardedCall(call) != 0;
         } else {
-            return GuardedCall([&] { return function(args...); });
+            return static_cast<Result>(GuardedCall(call));
         }
     }
 
     /// Whether the exception being handled says why a DLL could not be used; it is reported then.
-    static bool IsHandlingHookFailure() noexcept;
+    static bool ReportIfHookFailure() noexcept;
 
     /// Runs one operation. Exceptions of the classes PassedOn are reported and leave it as they are,
     /// anything else leaves it as a CUnhandledPluginException that names this DLL.
@@ -138,7 +139,7 @@ protected:
         return CalledFromDLL([&]() -> std::invoke_result_t<Body> {
             const COperation op(*this, szClass, point);
             const auto onException = [this](const COperation& failed) {
-                if ((IsHandling<PassedOn>() || ...)) {
+                if (ReportIf<PassedOn...>()) {
                     throw;
                 }
                 throw CUnhandledPluginException(LUM_GINA_ORIGIN, GetGinaDLLName(), failed.GetLocation());

@@ -1,7 +1,7 @@
 #include "GinaPluginContext.h"
 
-#include "Exceptions.h"
 #include "NullWarnings.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -14,9 +14,7 @@ CGinaPluginContext::CGinaPluginContext(const WCHAR* szAPPArg, const WCHAR* szMTM
       m_GinaPluginInfo(szAPPArg, szMTMArg)
 {
     const CConstructionTrace trace(*this, CLASS_NAME);
-    if (hInstance == nullptr) {
-        throw CBadArgException(*this, TEXT("hInstance"));
-    }
+    RequireArgument(*this, hInstance, TEXT("hInstance"));
 }
 
 CGinaPluginContext::~CGinaPluginContext()

@@ -26,7 +26,7 @@ void CGinaPluginObject::HookFailed(CSourceLocation where) const
 void CGinaPluginObject::NegotiateVersions()
 {
     CGinaPluginInfo& info = GetPluginInfo();
-    const BYTE bAccepted = Call<BYTE>(m_Negotiate, &info);
+    const BYTE bAccepted = Call<BYTE>(CSourceLocation::Current(), m_Negotiate, &info);
     if (bAccepted == 0 || info.m_dwWlxVersion < WLX_VERSION_1_0 ||
         info.m_dwLUMVersion > LUM_INTERFACE_VERSION) {
         throw CFailedGinaNegotiationsException(LUM_GINA_ORIGIN, bAccepted);
@@ -42,13 +42,13 @@ bool CGinaPluginObject::Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount
                                    HANDLE hWlx, PVOID pvReserved, PVOID pWinlogonFunctions,
                                    PVOID* pWlxContext, DWORD dwLoadFlag1, DWORD dwLoadFlag2)
 {
-    return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(
-        s_szClass, TEXT("Initialize"), [&] {
-            RequireResolved(m_Initialize);
-            m_pGinaPluginContext->SetWlxHandle(hWlx);
-            return Call<bool>(m_Initialize, pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
-                              pWinlogonFunctions, pWlxContext, dwLoadFlag1, dwLoadFlag2);
-        });
+    const CTracePoint point = TEXT("Initialize");
+    return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(s_szClass, point, [&] {
+        RequireResolved(m_Initialize, point.where);
+        m_pGinaPluginContext->SetWlxHandle(hWlx);
+        return Call<bool>(point.where, m_Initialize, pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
+                          pWinlogonFunctions, pWlxContext, dwLoadFlag1, dwLoadFlag2);
+    });
 }
 
 bool CGinaPluginObject::Negotiate(DWORD, DWORD*, CGinaPluginInfo* pPluginInfo)

@@ -90,6 +90,6 @@ Result CGinaPluginObject::Chain(CTracePoint point, const CGinaExport<Function>& 
         if (pNode->GetNext() == nullptr) {
             throw CUnexpectedEndOfListException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
         }
-        return Call<Result>(function, pNode, args...);
+        return Call<Result>(point.where, function, pNode, args...);
     });
 }

@@ -27,7 +27,7 @@ void CGinaStandardObject::NegotiateVersions()
 {
     const DWORD dwOffered = GetPluginInfo().m_dwWlxVersion;
     DWORD dwAnswer = dwOffered;
-    const BOOL bAccepted = Call<BOOL>(m_Negotiate, dwOffered, &dwAnswer);
+    const BOOL bAccepted = Call<BOOL>(CSourceLocation::Current(), m_Negotiate, dwOffered, &dwAnswer);
     GetPluginInfo().m_dwWlxVersion = dwAnswer;
     if (bAccepted == FALSE) {
         throw CFailedGinaNegotiationsException(LUM_GINA_ORIGIN, 0);

@@ -55,6 +55,6 @@ Result CGinaStandardObject::Chain(CTracePoint point, const CGinaExport<Function>
                 CNullFunctionHandleException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
                 return Result();
             }
-            return Call<Result>(function, args...);
+            return Call<Result>(point.where, function, args...);
         });
 }

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "Exceptions.h"
+#include "GinaNames.h"
 #include "GinaPluginObject.h"
 #include "GinaStandardObject.h"
 #include "Needed.h"
@@ -15,9 +16,7 @@ namespace {
 
 constexpr DWORD HIGHEST_WLX_VERSION = WLX_VERSION_1_4;
 constexpr DWORD DEFAULT_TIMEOUT_SECONDS = 120;
-constexpr DWORD NAME_CAPACITY = 260;
 constexpr WCHAR TXT_NO_PLUGIN_OBJECT[] = TEXT("Unable to create gina plugin");
-constexpr WCHAR FALLBACK_GINA[] = TEXT("msgina.dll");
 
 /// Creates one member of the host. Those that can report under any tag are told the host's.
 template <typename T, typename... Args>
@@ -58,7 +57,7 @@ CLUMGina::CLUMGina(HINSTANCE hInstance)
     try {
         CreateMembers(hInstance);
     } catch (...) {
-        if (!IsHandling<CMemAllocException>()) {
+        if (!ReportIf<CMemAllocException>()) {
             CWarning(LUM_GINA_ORIGIN, ERR_UNHANDLED_EXCEPTION);
         }
     }
@@ -157,12 +156,12 @@ void CLUMGina::LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion
         AddConfiguredPassthroughGina(dwWinlogonVersion);
         return;
     } catch (...) {
-        if (!IsHandling<CMessage>()) {
+        if (!ReportIf<CMessage>()) {
             op.Warn(ERR_UNHANDLED_EXCEPTION);
             return;
         }
     }
-    AddGinaObject<CGinaStandardObject>(FALLBACK_GINA, dwWinlogonVersion);
+    AddGinaObject<CGinaStandardObject>(SYSTEM_GINA, dwWinlogonVersion);
 }
 
 void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
@@ -242,7 +241,7 @@ DWORD CLUMGina::ReadSetting(bool (CLUMRegistry::*pfnGet)(DWORD*, bool), DWORD dw
     try {
         return (Needed(m_pLUMRegistry).*pfnGet)(&dwValue, true) ? dwValue : dwDefault;
     } catch (...) {
-        IsHandling<CMessage>();
+        ReportIf<CMessage>();
         return dwDefault;
     }
 }

@@ -7,8 +7,8 @@ namespace {
 
 /// An empty list is the export's affair; what goes wrong in the chain ends as the default result.
 using DispatchHandler =
-    PassOn<Absorb<CUnexpectedEndOfListException, CNullFunctionHandleException, CUnhandledPluginException>,
-           CNoGINAorPluginToCallException>;
+    Handlers<PassOn<CNoGINAorPluginToCallException>,
+             Absorb<CUnexpectedEndOfListException, CNullFunctionHandleException, CUnhandledPluginException>>;
 
 } // namespace
 

@@ -11,8 +11,8 @@ namespace {
 
 constexpr WCHAR CLASS_NAME[] = TEXT("LUM_GINA_INT");
 
-/// Forwards one call to the host. Result is the kind of the call's result: bool, int for a SAS action
-/// code, or void. Without a host there is the default result only.
+/// Forwards one call to the host. Result is the kind of the call's result: bool, SasAction or void. Without a
+/// host there is the default result only.
 template <typename Result, typename HostResult, typename... Params, typename... Args>
 Result Export(CTracePoint point, HostResult (CLUMGina::*pfnOperation)(Params...), Args... args) noexcept
 {
@@ -46,8 +46,8 @@ int WINAPI WlxLoggedOutSAS(PVOID pWlxContext, DWORD dwSasType, PLUID pAuthentica
                            PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo,
                            PVOID* pProfile)
 {
-    return Export<int>(TEXT("WlxLoggedOutSAS."), &CLUMGina::LUMWlxLoggedOutSAS, pWlxContext, dwSasType,
-                       pAuthenticationId, pLogonSid, pdwOptions, phToken, pNprNotifyInfo, pProfile);
+    return Export<SasAction>(TEXT("WlxLoggedOutSAS."), &CLUMGina::LUMWlxLoggedOutSAS, pWlxContext, dwSasType,
+                             pAuthenticationId, pLogonSid, pdwOptions, phToken, pNprNotifyInfo, pProfile);
 }
 
 BOOL WINAPI WlxActivateUserShell(PVOID pWlxContext, PWSTR pszDesktopName, PWSTR pszMprLogonScript,
@@ -59,8 +59,8 @@ BOOL WINAPI WlxActivateUserShell(PVOID pWlxContext, PWSTR pszDesktopName, PWSTR 
 
 int WINAPI WlxLoggedOnSAS(PVOID pWlxContext, DWORD dwSasType, PVOID pReserved)
 {
-    return Export<int>(TEXT("WlxLoggedOnSAS."), &CLUMGina::LUMWlxLoggedOnSAS, pWlxContext, dwSasType,
-                       pReserved);
+    return Export<SasAction>(TEXT("WlxLoggedOnSAS."), &CLUMGina::LUMWlxLoggedOnSAS, pWlxContext, dwSasType,
+                             pReserved);
 }
 
 void WINAPI WlxDisplayLockedNotice(PVOID pWlxContext)
@@ -70,7 +70,8 @@ void WINAPI WlxDisplayLockedNotice(PVOID pWlxContext)
 
 int WINAPI WlxWkstaLockedSAS(PVOID pWlxContext, DWORD dwSasType)
 {
-    return Export<int>(TEXT("WlxWkstaLockedSAS."), &CLUMGina::LUMWlxWkstaLockedSAS, pWlxContext, dwSasType);
+    return Export<SasAction>(TEXT("WlxWkstaLockedSAS."), &CLUMGina::LUMWlxWkstaLockedSAS, pWlxContext,
+                             dwSasType);
 }
 
 BOOL WINAPI WlxIsLockOk(PVOID pWlxContext)

@@ -1,13 +1,12 @@
 #include "LUMObject.h"
 
+#include "GinaNames.h"
 #include "LUMRegistry.h"
 #include "Operation.h"
 #include "RequireArgument.h"
 #include "chaining/RegistryManager.h"
 
 namespace {
-
-constexpr WCHAR OWN_DLL[] = TEXT("lum_gina.dll");
 
 /// A plugin may write anything to a record that it is handed, and what becomes of the record later is
 /// traced under its tag and key: they are put back at the end of the scope.
@@ -66,8 +65,8 @@ bool CLUMObject::Run(CTracePoint point, Body body) noexcept
 bool CLUMObject::LUMEnableGina(bool bEnable) noexcept
 {
     return Run(TEXT("LUMEnableGina"), [&] {
-        return bEnable ? m_pRegistryManager->InsertGinaIntoChainingList(OWN_DLL, nullptr, true)
-                       : m_pRegistryManager->RemoveGinaFromChainingList(OWN_DLL);
+        return bEnable ? m_pRegistryManager->InsertGinaIntoChainingList(HOST_GINA, nullptr, true)
+                       : m_pRegistryManager->RemoveGinaFromChainingList(HOST_GINA);
     });
 }
 

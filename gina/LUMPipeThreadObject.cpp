@@ -30,7 +30,7 @@ CLUMPipeThreadObject::CLUMPipeThreadObject(CLUMObject* pLUMObject, CLUMGina* pLU
     try {
         CreatePipe();
     } catch (...) {
-        if (!IsHandling<CCreateNamedPipeException>()) {
+        if (!ReportIf<CCreateNamedPipeException>()) {
             CWarning(*this, ERR_UNHANDLED_EXCEPTION);
         }
         throw CLUMPipeThreadObjectInitException(*this);

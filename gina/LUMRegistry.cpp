@@ -5,11 +5,12 @@
 #include <string>
 #include <string_view>
 
-#include "CompareNames.h"
 #include "Exceptions.h"
+#include "GinaNames.h"
 #include "GuardedText.h"
 #include "MachineValue.h"
 #include "Operation.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -46,15 +47,6 @@ void LoadValue(const CGlobalObject& owner, COwned<Value>& pValue, const CValueSe
     } catch (...) {
         CKeyWarning(LUM_GINA_ORIGIN, TXT_KEY_NOT_LOADED, settings.szValueName);
     }
-}
-
-template <typename Value>
-Value& Needed(const CGlobalObject& owner, const COwned<Value>& pValue, const WCHAR* szValueName)
-{
-    if (pValue == nullptr) {
-        throw CUnableToReadRegistryException(owner, szValueName, NO_VALUE_OBJECT);
-    }
-    return *pValue;
 }
 
 /// A volatile value, made on the spot when it could not be made before.
@@ -101,13 +93,6 @@ std::basic_string<WCHAR> WithoutPlugin(Text plugins, Text plugin)
         bFirst = false;
     }
     return remaining;
-}
-
-void RequirePluginName(const CGlobalObject& owner, const WCHAR* szPlugin)
-{
-    if (szPlugin == nullptr) {
-        throw CBadArgException(owner, TEXT("szPlugin"));
-    }
 }
 
 } // namespace
@@ -189,8 +174,8 @@ bool CLUMRegistry::Parse()
 /// The value as it stands in the registry.
 bool CLUMRegistry::ReadPlugins(CPluginsText& plugins)
 {
-    CRegistryString& value = Needed(*this, m_pPlugins, PLUGINS.szValueName);
-    return value.GetRegistryString(plugins.sz, CRegistryString::MAX_CHARACTERS + 1, true);
+    CRegistryString& value = RequireValue(*this, m_pPlugins, PLUGINS.szValueName);
+    return value.GetRegistryString(plugins.sz, NAME_CAPACITY, true);
 }
 
 /// Writes what build() makes.
@@ -203,7 +188,7 @@ void CLUMRegistry::WritePlugins(Build build)
     } catch (const std::bad_alloc&) {
         throw CMemAllocException(*this, TEXT("szNewPlugins"));
     }
-    Needed(*this, m_pPlugins, PLUGINS.szValueName).SetRegistryString(szNewPlugins.c_str(), true);
+    RequireValue(*this, m_pPlugins, PLUGINS.szValueName).SetRegistryString(szNewPlugins.c_str(), true);
 }
 
 DWORD CLUMRegistry::GetNumPlugins(bool bReparse) noexcept
@@ -218,7 +203,7 @@ DWORD CLUMRegistry::GetNumPlugins(bool bReparse) noexcept
 bool CLUMRegistry::GetPlugin(WCHAR* szPlugin, DWORD cchPlugin, DWORD dwIndex) noexcept
 {
     return RunListOperation(TEXT("GetPlugin"), [&] {
-        RequirePluginName(*this, szPlugin);
+        RequireArgument(*this, szPlugin, TEXT("szPlugin"));
         if (dwIndex >= m_dwNumPlugins || cchPlugin == 0) {
             return false;
         }
@@ -248,7 +233,7 @@ bool CLUMRegistry::AddPlugin(const WCHAR* szPlugin) noexcept
 
 bool CLUMRegistry::Add(const WCHAR* szPlugin)
 {
-    RequirePluginName(*this, szPlugin);
+    RequireArgument(*this, szPlugin, TEXT("szPlugin"));
     if (IsPluginListed(szPlugin)) {
         return true;
     }
@@ -271,7 +256,7 @@ bool CLUMRegistry::RemovePlugin(const WCHAR* szPlugin) noexcept
 
 bool CLUMRegistry::Remove(const WCHAR* szPlugin)
 {
-    RequirePluginName(*this, szPlugin);
+    RequireArgument(*this, szPlugin, TEXT("szPlugin"));
     if (!IsPluginListed(szPlugin)) {
         return true;
     }
@@ -287,30 +272,30 @@ bool CLUMRegistry::Remove(const WCHAR* szPlugin)
 template <typename Body>
 bool CLUMRegistry::RunRead(CTracePoint point, Body body)
 {
-    return RunLocked(point, PassOn<Absorb<CBadArgException>, CUnableToReadRegistryException>(), body,
-                     FailureWarning::UnlessRaised);
+    return RunLocked(point, Handlers<PassOn<CUnableToReadRegistryException>, Absorb<CBadArgException>>(),
+                     body, FailureWarning::UnlessRaised);
 }
 
 /// One operation that writes a value.
 template <typename Body>
 bool CLUMRegistry::RunWrite(CTracePoint point, Body body)
 {
-    return RunLocked(point, PassOn<Absorb<>, CUnableToWriteRegistryException>(), body,
-                     FailureWarning::UnlessRaised);
+    return RunLocked(point, PassOn<CUnableToWriteRegistryException>(), body, FailureWarning::UnlessRaised);
 }
 
 bool CLUMRegistry::GetGinaDLL(WCHAR* szDest, DWORD cchDest, bool bRefresh)
 {
     return RunRead(TEXT("GetGinaDLL"), [&] {
-        return Needed(*this, m_pGinaDLL, GINA_DLL.szValueName).GetRegistryString(szDest, cchDest, bRefresh);
+        return RequireValue(*this, m_pGinaDLL, GINA_DLL.szValueName)
+            .GetRegistryString(szDest, cchDest, bRefresh);
     });
 }
 
 bool CLUMRegistry::ReadDword(CTracePoint point, const COwned<CRegistryDword>& pValue,
                              const WCHAR* szValueName, DWORD* pdwValue, bool bRefresh)
 {
-    return RunRead(point,
-                   [&] { return Needed(*this, pValue, szValueName).GetRegistryDword(pdwValue, bRefresh); });
+    return RunRead(
+        point, [&] { return RequireValue(*this, pValue, szValueName).GetRegistryDword(pdwValue, bRefresh); });
 }
 
 bool CLUMRegistry::GetTimeout(DWORD* pdwTimeout, bool bRefresh)

@@ -76,7 +76,7 @@ private:
 
     struct CPluginsText
     {
-        WCHAR sz[CRegistryString::MAX_CHARACTERS + 1] = {};
+        WCHAR sz[NAME_CAPACITY] = {};
     };
 
     /// Every operation runs so: the lock is held while its body works on values and the parsed list.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Exceptions.h"
 #include "Owned.h"
 #include "RegistryClasses.h"
 
@@ -17,3 +18,14 @@ COwned<Value> OpenMachineValue(const CMessageOrigin& origin, const WCHAR* szSubK
 
 /// The error code of a value whose object does not exist.
 inline constexpr DWORD NO_VALUE_OBJECT = 0xFFFFFFFF;
+
+/// The object of a value that is to be read. Throws CUnableToReadRegistryException when there is none.
+template <typename Value>
+Value& RequireValue(const CMessageOrigin& origin, const COwned<Value>& pValue, const WCHAR* szValueName,
+                    CSourceLocation where = CSourceLocation::Current())
+{
+    if (pValue == nullptr) {
+        throw CUnableToReadRegistryException(origin, szValueName, NO_VALUE_OBJECT, where);
+    }
+    return *pValue;
+}

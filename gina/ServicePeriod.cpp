@@ -22,7 +22,7 @@ DWORD GetServicePeriod(CLUMRegistry& registry, bool (CLUMRegistry::*pfnGet)(DWOR
     try {
         bRead = (registry.*pfnGet)(&dwSeconds, bRefresh);
     } catch (...) {
-        IsHandling<CMessage>();
+        ReportIf<CMessage>();
     }
     dwSeconds = bRead && dwSeconds != 0 ? dwSeconds : DEFAULT_SECONDS;
     return std::min(dwSeconds, LONGEST_SECONDS) * MILLISECONDS_PER_SECOND;

@@ -1,7 +1,7 @@
 #include "WinlogonObject.h"
 
-#include "Exceptions.h"
 #include "NullWarnings.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -62,13 +62,6 @@ constexpr CCallbackRow CALLBACKS[] = {
     Entry<&CWinlogonObject::m_pWlxWin31Migrate, &Table::WlxWin31Migrate>(WLX_VERSION_1_3),
 };
 
-void RequireArgument(const CMessageOrigin& origin, bool bGood, const WCHAR* szArgument)
-{
-    if (!bGood) {
-        throw CBadArgException(origin, szArgument);
-    }
-}
-
 } // namespace
 
 CWinlogonObject::CWinlogonObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg) noexcept
@@ -103,7 +96,7 @@ bool CWinlogonObject::CopyFunctions(PVOID pWinlogonFunctions) noexcept
             row.pfnCopy(*this, nullptr);
         }
         m_pWinlogonFunctions = pWinlogonFunctions;
-        RequireArgument(*this, pWinlogonFunctions != nullptr, TEXT("pWinlogonFunctions"));
+        RequireArgument(*this, pWinlogonFunctions, TEXT("pWinlogonFunctions"));
         RequireArgument(*this, m_dwVersion >= WLX_VERSION_1_0, TEXT("m_dwVersion"));
         for (const CCallbackRow& row : CALLBACKS) {
             if (row.dwSince <= m_dwVersion && !row.pfnCopy(*this, static_cast<Table*>(pWinlogonFunctions))) {

@@ -18,7 +18,7 @@ void LoadValue(const CMessageOrigin& origin, COwned<Value>& pValue, const WCHAR*
     } catch (...) {
         // Most machines lack most of the values, and one may be too long to be read. Their objects stay, and
         // find what is written later.
-        if (pValue == nullptr || !IsHandling<CUnableToReadRegistryException>()) {
+        if (pValue == nullptr || !ReportIf<CUnableToReadRegistryException>()) {
             pValue.Reset();
             CKeyWarning(origin, TXT_KEY_NOT_LOADED, szValueName);
         }
@@ -49,10 +49,8 @@ bool CWinlogonRegistry::GetGinaDLL(WCHAR* szDest, DWORD cchDest, bool bRefresh) 
     const COperation op(*this, s_szClass, TEXT("GetGinaDLL"));
     const CCriticalSection::CLock lock(m_GinaDLLLock);
     return op.Run(Absorb<CUnableToReadRegistryException>(), [&] {
-        if (m_pGinaDLL == nullptr) {
-            throw CUnableToReadRegistryException(*this, WINLOGON_GINA_DLL, NO_VALUE_OBJECT);
-        }
-        return m_pGinaDLL->GetRegistryString(szDest, cchDest, bRefresh);
+        return RequireValue(*this, m_pGinaDLL, WINLOGON_GINA_DLL)
+            .GetRegistryString(szDest, cchDest, bRefresh);
     });
 }
 

@@ -4,11 +4,15 @@
 
 #include <windows.h>
 
+#include "GinaNames.h"
+
 // The wire format of the control channel, as server and clients share it. docs/control-protocol.md is the
 // description for everybody else.
 //
 // A request is its code, one byte, and its fields; then comes the reply, and the server disconnects. Integers
-// are little-endian, names UTF-16LE.
+// are little-endian, names UTF-16LE: a fixed name is NAME_CAPACITY characters, the terminating zero and
+// whatever follows it included; a counted name its length in characters, LONGEST_NAME at most, and the
+// characters without terminator.
 
 namespace ControlProtocol {
 
@@ -39,11 +43,6 @@ LUM_CONTROL_REQUESTS(LUM_CONTROL_REQUEST_CODE)
 /// The reply byte.
 inline constexpr BYTE REPLY_SUCCESS = 0;
 inline constexpr BYTE REPLY_FAILURE = 1;
-
-/// A fixed name has this many characters, the terminating zero and whatever follows it included.
-inline constexpr DWORD FIXED_NAME_LENGTH = 260;
-/// A counted name is its length in characters, without terminator, and the characters.
-inline constexpr DWORD LONGEST_NAME = FIXED_NAME_LENGTH - 1;
 
 /// What is said about a GINA or plugin. Its pointers mean nothing at the other end: they are written as 0 and
 /// ignored when read.

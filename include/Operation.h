@@ -10,7 +10,8 @@
 //     bool CFoo::Bar()
 //     {
 //         const COperation op(*this, s_szClass, TEXT("Bar"));
-//         return op.Run(Absorb<CMemAllocException>(), [&] { ... return true; });
+//         const auto body = [&] { ... return true; };
+//         return op.Run(Handlers<PassOn<CBadArgException>, Absorb<CMemAllocException>>(), body);
 //     }
 
 /// The name of an operation together with its place in the source, taken where the name is written.
@@ -33,12 +34,20 @@ enum class FailureWarning
     Never
 };
 
-/// The result of an operation that came to nothing: false, no SAS action, null, zero.
+/// The result of an operation that answers a secure attention sequence.
+enum SasAction : int
+{
+    SAS_ACTION_NONE = 2
+};
+
+/// The result of an operation that came to nothing: false, no SAS action, null, zero. An int is no result:
+/// BOOL is one, whose failure is 0, and so are SAS action codes, whose failure is 2. Say bool or SasAction.
 template <typename Result>
 constexpr Result FailureResult() noexcept
 {
-    if constexpr (std::is_same_v<Result, int>) {
-        return 2; // WLX_SAS_ACTION_NONE: results that are int are SAS action codes
+    static_assert(!std::is_same_v<Result, int>);
+    if constexpr (std::is_same_v<Result, SasAction>) {
+        return SAS_ACTION_NONE;
     } else {
         return Result();
     }
@@ -48,7 +57,7 @@ constexpr Result FailureResult() noexcept
 template <typename Result>
 constexpr bool IsFailure(Result result) noexcept
 {
-    if constexpr (std::is_same_v<Result, bool> || std::is_same_v<Result, int>) {
+    if constexpr (std::is_same_v<Result, bool> || std::is_same_v<Result, SasAction>) {
         return result == FailureResult<Result>();
     } else {
         return false;
@@ -131,9 +140,8 @@ private:
     const WCHAR* m_szThread;
 };
 
-/// Whether the exception being handled is of class E; it is written then, unless it has been.
 template <typename E>
-bool IsHandling() noexcept
+bool ReportIfOne() noexcept
 {
     try {
         throw;
@@ -145,29 +153,47 @@ bool IsHandling() noexcept
     }
 }
 
-/// Handler: exceptions of the classes E are only reported, anything else is an unhandled exception.
+/// Within a catch (...): if the exception is of one of the classes E, writes it, unless it has been written,
+/// and gives true.
 template <typename... E>
-struct Absorb
+bool ReportIf() noexcept
 {
-    void operator()(const COperation& op) const noexcept
+    return (ReportIfOne<E>() || ...);
+}
+
+/// The handlers of an operation, tried in this order like the handlers of a try. What none of them takes is
+/// an unhandled exception, and is absorbed.
+template <typename... Handler>
+struct Handlers
+{
+    void operator()(const COperation& op) const
     {
-        if (!(IsHandling<E>() || ...)) {
+        if (!(Handler::Take() || ...)) {
             op.Warn(ERR_UNHANDLED_EXCEPTION);
         }
     }
 };
 
-/// Handler: exceptions of the classes E are reported and leave the operation, the rest is left to Otherwise.
-template <typename Otherwise, typename... E>
+/// Handler: exceptions of the classes E are reported and leave the operation.
+template <typename... E>
 struct PassOn
 {
-    void operator()(const COperation& op) const
+    static bool Take()
     {
-        if ((IsHandling<E>() || ...)) {
+        if (ReportIf<E...>()) {
             throw;
         }
-        Otherwise()(op);
+        return false;
     }
+    void operator()(const COperation& op) const { Handlers<PassOn>()(op); }
+};
+
+/// Handler: exceptions of the classes E are only reported.
+template <typename... E>
+struct Absorb
+{
+    static bool Take() noexcept { return ReportIf<E...>(); }
+    void operator()(const COperation& op) const noexcept { Handlers<Absorb>()(op); }
 };
 
 /// For the handler of a constructor: an InitException and exceptions of the classes PassedOn leave it as they
@@ -176,7 +202,7 @@ template <typename InitException, typename... PassedOn>
 [[noreturn]] void FailConstruction(const CMessageOrigin& origin,
                                    CSourceLocation where = CSourceLocation::Current())
 {
-    if (IsHandling<InitException>() || (IsHandling<PassedOn>() || ...)) {
+    if (ReportIf<InitException, PassedOn...>()) {
         throw;
     }
     throw InitException(origin, where);

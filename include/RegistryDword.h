@@ -24,11 +24,11 @@ public:
     bool ReadRegistry() override;
     bool WriteRegistry() override;
 
+    DWORD m_dwValue;
+
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CRegistryDword");
 
     void Fetch();
     void Flush() const;
-
-    DWORD m_dwValue;
 };

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "GinaNames.h"
 #include "RegistryValue.h"
 
 /// A text in the registry, with a cached copy of at most 259 characters, empty until the first read.
 class CRegistryString final : public CRegistryValue
 {
 public:
-    static constexpr DWORD MAX_CHARACTERS = 259;
-
     /// bReadNow: read the value into the cache here. The rest as for CRegistryValue. Throws
     /// CBadArgException, what OpenKey and ReadRegistry throw, CRegistryStringInitException.
     CRegistryString(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot, const WCHAR* szSubKey,
@@ -28,11 +27,11 @@ public:
     bool ReadRegistry() override;
     bool WriteRegistry() override;
 
+    WCHAR m_szRegString[NAME_CAPACITY + 1];
+
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CRegistryString");
 
     void Fetch();
     void Flush() const;
-
-    WCHAR m_szRegString[MAX_CHARACTERS + 1];
 };

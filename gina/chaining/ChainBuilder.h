@@ -1,6 +1,7 @@
 #pragma once
 
 #include "GinaLists.h"
+#include "GinaNames.h"
 
 class CWinlogonRegistry;
 
@@ -19,8 +20,6 @@ public:
     bool Build();
 
 private:
-    static constexpr DWORD NAME_CAPACITY = 260;
-
     bool AppendCurrent();
     bool AppendUnknown();
     bool RepairLast();

@@ -15,7 +15,7 @@ void DeleteGinaDLL() noexcept
         OpenMachineValue<CRegistryString>(LUM_GINA_ORIGIN, WINLOGON_KEY, WINLOGON_GINA_DLL, false, false)
             ->DeleteRegistryValue();
     } catch (...) {
-        if (!IsHandling<CMessage>()) {
+        if (!ReportIf<CMessage>()) {
             CWarning(LUM_GINA_ORIGIN, ERR_UNHANDLED_EXCEPTION);
         }
     }

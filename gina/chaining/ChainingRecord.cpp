@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "CompareNames.h"
-#include "Exceptions.h"
+#include "GinaNames.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -12,13 +12,6 @@ using Text = CChainingRecord::Text;
 constexpr WCHAR SEPARATOR = ',';
 constexpr int SEPARATORS = 6;
 constexpr WCHAR EMPTY_TEXT[] = TEXT("NULL");
-
-void Require(const CMessageOrigin& origin, bool bGood, const WCHAR* szArgument)
-{
-    if (!bGood) {
-        throw CBadArgException(origin, szArgument);
-    }
-}
 
 Text CutField(Text& rest)
 {
@@ -51,11 +44,11 @@ bool CutFlag(Text& rest)
 
 CChainingRecord ParseChainingRecord(const CMessageOrigin& origin, const WCHAR* szCommaDelimitedStr)
 {
-    Require(origin, szCommaDelimitedStr != nullptr, TEXT("szCommaDelimitedStr"));
-    Require(origin, *szCommaDelimitedStr != 0, TEXT("szCommaDelmitedStr"));
+    RequireArgument(origin, szCommaDelimitedStr != nullptr, TEXT("szCommaDelimitedStr"));
+    RequireArgument(origin, *szCommaDelimitedStr != 0, TEXT("szCommaDelmitedStr"));
     Text rest(szCommaDelimitedStr);
-    Require(origin, std::count(rest.begin(), rest.end(), SEPARATOR) == SEPARATORS,
-            TEXT("szCommaDelimitedStr"));
+    RequireArgument(origin, std::count(rest.begin(), rest.end(), SEPARATOR) == SEPARATORS,
+                    TEXT("szCommaDelimitedStr"));
     // The fields of a braced list are cut in the order in which they stand.
     return {CutText(rest), CutText(rest), CutText(rest), CutFlag(rest),
             CutFlag(rest), CutFlag(rest), CutFlag(rest)};

@@ -4,6 +4,7 @@
 #include "ChainingRecord.h"
 #include "Exceptions.h"
 #include "GuardedText.h"
+#include "RequireArgument.h"
 
 namespace {
 
@@ -12,12 +13,8 @@ using Text = CChainingRecord::Text;
 /// A key or value name that must be there; a null and an empty one have names of their own in the log.
 Text Required(const CMessageOrigin& origin, const WCHAR* szText, const WCHAR* szNull, const WCHAR* szEmpty)
 {
-    if (szText == nullptr) {
-        throw CBadArgException(origin, szNull);
-    }
-    if (*szText == 0) {
-        throw CBadArgException(origin, szEmpty);
-    }
+    RequireArgument(origin, szText, szNull);
+    RequireArgument(origin, *szText != 0, szEmpty);
     return szText;
 }
 
@@ -103,8 +100,7 @@ void CGinaChainingInfoObject::Describe(const CChainingRecord& record)
         m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey, false, true);
     } catch (...) {
         // Most of the GINAs that are known are not installed. A shortage of memory says nothing of a GINA.
-        if (!IsHandling<CUnableToOpenRegistryKeyException>() &&
-            !IsHandling<CUnableToReadRegistryException>() && !IsHandling<CBadArgException>())
+        if (!ReportIf<CUnableToOpenRegistryKeyException, CUnableToReadRegistryException, CBadArgException>())
         {
             throw;
         }
@@ -149,10 +145,8 @@ bool CGinaChainingInfoObject::GetOldGinaDLL(WCHAR* szDest, DWORD cchDest) noexce
             if (m_bTerminator) {
                 return false;
             }
-            if (m_pOldGinaDLL == nullptr) {
-                throw CUnableToReadRegistryException(*this, m_szOldGinaDLLKey, NO_VALUE_OBJECT);
-            }
-            return m_pOldGinaDLL->GetRegistryString(szDest, cchDest, true);
+            return RequireValue(*this, m_pOldGinaDLL, m_szOldGinaDLLKey)
+                .GetRegistryString(szDest, cchDest, true);
         },
         FailureWarning::UnlessRaised);
 }

@@ -1,24 +1,20 @@
 #include "GinaChainingObject.h"
 
-#include "CompareNames.h"
-#include "Exceptions.h"
+#include "GinaNames.h"
 #include "GuardedText.h"
+#include "RequireArgument.h"
 
 namespace {
 
 COwnedText CopyName(const CMessageOrigin& origin, const WCHAR* szGinaDLL, const WCHAR* szArgument)
 {
-    if (szGinaDLL == nullptr || *szGinaDLL == 0) {
-        throw CBadArgException(origin, szArgument);
-    }
+    RequireArgument(origin, szGinaDLL != nullptr && *szGinaDLL != 0, szArgument);
     return CopyText(origin, szGinaDLL, TEXT("m_szGinaDLL"));
 }
 
 const WCHAR* NameOf(const CMessageOrigin& origin, const CGinaChainingObject* pGinaChainingObject)
 {
-    if (pGinaChainingObject == nullptr) {
-        throw CBadArgException(origin, TEXT("pGinaChainingObject"));
-    }
+    RequireArgument(origin, pGinaChainingObject, TEXT("pGinaChainingObject"));
     return pGinaChainingObject->m_szGinaDLL;
 }
 

@@ -1,7 +1,7 @@
 #include "GinaLists.h"
 
 #include "MachineValue.h"
-#include "CompareNames.h"
+#include "GinaNames.h"
 #include "KnownGinas.h"
 
 COwned<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* szGinaDLL)
@@ -60,13 +60,12 @@ CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGi
     try {
         const auto pRecord =
             OpenMachineValue<CRegistryString>(knownGinas, LUM_GINA_MTM, szGinaDLL, false, false);
-        WCHAR szRecord[CRegistryString::MAX_CHARACTERS + 1] = {};
-        pRecord->GetRegistryString(szRecord, CRegistryString::MAX_CHARACTERS + 1, true);
+        WCHAR szRecord[NAME_CAPACITY] = {};
+        pRecord->GetRegistryString(szRecord, NAME_CAPACITY, true);
         return &Append(knownGinas, MakeOwned<CGinaChainingInfoObject>(knownGinas.szAPP, knownGinas.szMTM,
                                                                       szGinaDLL, szRecord));
     } catch (...) {
-        if (!IsHandling<CUnableToOpenRegistryKeyException>() &&
-            !IsHandling<CUnableToReadRegistryException>() && !IsHandling<CBadArgException>())
+        if (!ReportIf<CUnableToOpenRegistryKeyException, CUnableToReadRegistryException, CBadArgException>())
         {
             throw;
         }

@@ -1,11 +1,6 @@
 #pragma once
 
-#include <windows.h>
-
-/// This system.
-inline constexpr WCHAR HOST_GINA[] = TEXT("lum_gina.dll");
-/// The system's own GINA, which Winlogon loads when none is named.
-inline constexpr WCHAR SYSTEM_GINA[] = TEXT("msgina.dll");
+#include "GinaNames.h"
 
 /// A GINA that is known without a chaining record.
 struct CKnownGina

@@ -70,7 +70,7 @@ void CRegistryManager::BuildLists(bool bNoRepair)
         CChainBuilder builder(*m_pKnownGinaList, *m_pGinaChainingList, *m_pWinlogonRegistry, bNoRepair);
         m_bChainIncomplete = !builder.Build();
     } catch (...) {
-        IsHandling<CMessage>();
+        ReportIf<CMessage>();
         CWarning(*this, ERR_UNHANDLED_EXCEPTION);
         throw CRegistryManagerInitException(*this);
     }

@@ -61,7 +61,7 @@ void CPipeService::ServeOneRequest(CPipeConnection& connection) noexcept
     try {
         ServeRequest(connection, m_Targets);
     } catch (...) {
-        if (!IsHandling<CMessage>()) {
+        if (!ReportIf<CMessage>()) {
             CWarning(m_Origin, ERR_UNHANDLED_EXCEPTION);
         }
     }

@@ -39,7 +39,7 @@ public:
     operator const WCHAR*() const noexcept { return m_szName; }
 
 private:
-    WCHAR m_szName[ControlProtocol::FIXED_NAME_LENGTH];
+    WCHAR m_szName[NAME_CAPACITY];
 };
 
 /// A record. Its pointers belong to another process, so what is made from them has no strings.

@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "CompareNames.h"
+#include "GinaNames.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <memory>
 #include <random>
 
-#include "CompareNames.h"
+#include "GinaNames.h"
 #include "FailingAllocation.h"
 #include "ListEx.h"
 #include "TestMachine.h"

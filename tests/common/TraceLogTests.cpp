@@ -137,7 +137,7 @@ TEST_F(TraceLog, OperationsReportHowTheyEnd)
     SetTraceMask(0xFFF);
     CTraced traced;
     EXPECT_FALSE(traced.Do([] { return false; }));
-    EXPECT_EQ(2, traced.Do([]() -> int { throw 1; }));
+    EXPECT_EQ(SAS_ACTION_NONE, traced.Do([]() -> SasAction { throw 1; }));
     traced.Do([]() -> void { throw 1; });
     EXPECT_EQ((std::vector<std::string>{"[ENTRY] CTraced::Do",
                                         "[WARNING] The requested operation failed or it was cancelled",

@@ -100,7 +100,7 @@ std::string Counted(const std::string& name)
 std::string Fixed(const std::string& name)
 {
     std::string bytes = Wide(name);
-    bytes.resize(2 * FIXED_NAME_LENGTH);
+    bytes.resize(2 * NAME_CAPACITY);
     return bytes;
 }
 

@@ -136,6 +136,8 @@ TEST_F(GinaStandardObject, NegotiatedVersionDecidesWhatIsCalled)
     EXPECT_THROW(object->RemoveStatusMessage(&node, CONTEXT), CNullFunctionHandleException);
     EXPECT_THROW(object->GetConsoleSwitchCredentials(&node, CONTEXT, nullptr), CNullFunctionHandleException);
     EXPECT_EQ(std::vector<std::string>{"WlxIsLockOk"}, standin.Calls());
+    // Reported where the operation is, not where exports are looked at.
+    EXPECT_EQ(std::string::npos, RawLog().find("GinaObject.cpp"));
 }
 
 TEST_F(GinaStandardObject, OptionalExportsMayBeMissing)

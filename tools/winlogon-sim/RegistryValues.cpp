@@ -1,5 +1,6 @@
 #include "RegistryValues.h"
 
+#include "GinaNames.h"
 #include "machine/SetupError.h"
 
 namespace {
@@ -43,8 +44,8 @@ std::optional<std::string> ReadText(const WideText& key, const WideText& value)
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
         return std::nullopt;
     }
-    WCHAR szText[MAX_PATH + 1] = {};
-    DWORD cbText = MAX_PATH * sizeof(WCHAR);
+    WCHAR szText[NAME_CAPACITY + 1] = {};
+    DWORD cbText = NAME_CAPACITY * sizeof(WCHAR);
     const LONG lResult =
         RegQueryValueExW(hKey, value.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(szText), &cbText);
     RegCloseKey(hKey);

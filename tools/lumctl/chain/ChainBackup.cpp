@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "CommandError.h"
-#include "CompareNames.h"
+#include "GinaNames.h"
 #include "chaining/ChainingRecord.h"
 
 namespace {

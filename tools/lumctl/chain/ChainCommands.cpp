@@ -6,7 +6,7 @@
 #include "ChainChange.h"
 #include "CommandError.h"
 #include "CommandLine.h"
-#include "CompareNames.h"
+#include "GinaNames.h"
 #include "machine/RegistryFile.h"
 #include "machine/WholeFile.h"
 #include "chaining/ChainWriter.h"

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "CommandError.h"
-#include "CompareNames.h"
+#include "GinaNames.h"
 #include "RegistryString.h"
 
 namespace {
@@ -106,12 +106,11 @@ void CChainValues::Set(const CValuePlace& place, const CValueData& data)
 WideText TextOf(const CValueData& data)
 {
     // The library cannot read longer ones.
-    constexpr std::size_t READABLE_BYTES = (CRegistryString::MAX_CHARACTERS + 1) * sizeof(WCHAR);
+    constexpr std::size_t READABLE_BYTES = (NAME_CAPACITY) * sizeof(WCHAR);
     if (!data || data->bytes.size() > READABLE_BYTES) {
         return WideText();
     }
-    WideText text(std::min<std::size_t>(data->bytes.size() / sizeof(WCHAR), CRegistryString::MAX_CHARACTERS),
-                  0);
+    WideText text(std::min<std::size_t>(data->bytes.size() / sizeof(WCHAR), LONGEST_NAME), 0);
     if (!text.empty()) {
         std::memcpy(text.data(), data->bytes.data(), text.size() * sizeof(WCHAR));
     }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "CompareNames.h"
+#include "GinaNames.h"
 #include "GinaStandardExports.h"
 #include "chaining/KnownGinas.h"
 

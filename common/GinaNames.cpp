@@ -1,4 +1,4 @@
-#include "CompareNames.h"
+#include "GinaNames.h"
 
 #include <algorithm>
 

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string_view>
+
+#include <windows.h>
+
+/// Buffers for names and paths have this many characters, the terminating zero included.
+inline constexpr DWORD NAME_CAPACITY = 260;
+inline constexpr DWORD LONGEST_NAME = NAME_CAPACITY - 1;
+
+/// This system.
+inline constexpr WCHAR HOST_GINA[] = TEXT("lum_gina.dll");
+/// The system's own GINA, which Winlogon loads when none is named.
+inline constexpr WCHAR SYSTEM_GINA[] = TEXT("msgina.dll");
+
+/// Whether two DLL names are equal; letter case does not count. A null name equals nothing.
+bool EqualNames(const WCHAR* szLeft, const WCHAR* szRight) noexcept;
+bool EqualNames(std::basic_string_view<WCHAR> left, std::basic_string_view<WCHAR> right) noexcept;
