@@ -38,6 +38,15 @@ public:
         CCallGate& m_gate;
     };
 
+    /// Runs body() as a call in flight and gives what it gives. The call has ended also when the host itself
+    /// faults in there, which runs no destructors: that is thrown as CForeignFault.
+    template <typename Body>
+    auto Call(Body body)
+    {
+        const CCall call(*this);
+        return GuardedHostCall(body);
+    }
+
     /// The gate closed for a scope. The calls of the thread that has closed it pass.
     class CClosing
     {
@@ -87,9 +96,10 @@ public:
     }
 
     /// Adds to the list under its lock. Calls in flight may pass through the new node or not: it is complete
-    /// before the one link that publishes it is written. A plugin is to read that link once for each call, with
-    /// the header's NextNode. One built without it may read it twice, and would lose a call that an addition
-    /// comes into. So the addition waits a short time for a moment without calls; it is made in any case.
+    /// before the one link that publishes it is written. A plugin is to read that link once for each call,
+    /// with the header's NextNode. One built without it may read it twice, and would lose a call that an
+    /// addition comes into. So the addition waits a short time for a moment without calls; it is made in any
+    /// case.
     template <typename Body>
     auto Add(Body addition)
     {

@@ -19,6 +19,7 @@ public:
     void* DeletingDestructor(DWORD dwFlags) override
     {
         Derived* pObject = Self();
+        PutBack();
         pObject->~Derived();
         if ((dwFlags & 1) != 0) {
             ::operator delete(pObject);
@@ -168,7 +169,7 @@ protected:
                 ResolveAll(Self()->m_Exports);
             });
         } catch (...) {
-            if (m_pGinaPluginContext->m_hDLLInstance != nullptr) {
+            if (IsLoaded()) {
                 FreeGinaDLL();
             }
             throw;

@@ -21,7 +21,7 @@ std::basic_string<WCHAR> Widen(const char* szName)
 
 CGinaObject::CGinaObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance,
                          const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion)
-    : CGlobalObject(szAPPArg, szMTMArg)
+    : CGlobalObject(szAPPArg, szMTMArg), m_origin{szAPP, szMTM}
 {
     const CConstructionTrace trace(*this, s_szClass);
     try {
@@ -42,6 +42,7 @@ void CGinaObject::CreateContext(HINSTANCE hInstance)
 {
     try {
         m_pGinaPluginContext.Reset(new CGinaPluginContext(szAPP, szMTM, hInstance));
+        m_pContext = m_pGinaPluginContext;
     } catch (...) {
         throw CMemAllocException(LUM_GINA_ORIGIN, TEXT("m_pGinaPluginContext"));
     }
@@ -59,7 +60,7 @@ void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion
     info.m_dwWlxVersion = dwUsingWlxVersion;
     info.m_dwLUMVersion = dwUsingLUMVersion;
     info.SetGinaDLL(szGinaDLLName);
-    m_pGinaPluginContext->SetGinaPluginInfo(info);
+    m_pContext->SetGinaPluginInfo(info);
     if (GetPluginInfo().m_szGinaDLL == nullptr) {
         // The record has reported why.
         throw std::bad_alloc();
@@ -104,24 +105,40 @@ const WCHAR* CGinaObject::GetGinaDLLName() const noexcept
     return m_szGinaDLLName;
 }
 
+void CGinaObject::PutBack() noexcept
+{
+    CKeptOrigin::PutBack(*this, m_origin);
+    if (m_pGinaPluginContext != m_pContext) {
+        m_pGinaPluginContext.Release();
+        m_pGinaPluginContext.Reset(m_pContext);
+    }
+    CKeptOrigin::PutBack(*m_pContext, m_origin);
+    CKeptOrigin::PutBack(m_pContext->m_hDLLInstance, m_hModule);
+    CKeptOrigin::PutBack(GetPluginInfo(), m_origin);
+}
+
 void CGinaObject::LoadGinaDLL()
 {
     // The DLL's own start-up code runs in here.
-    const HMODULE hModule = GuardedCall([&] { return LoadLibraryW(GetGinaDLLName()); });
-    if (hModule == nullptr) {
+    m_hModule = RunDLL([&] { return LoadLibraryW(GetGinaDLLName()); });
+    if (m_hModule == nullptr) {
         throw CUnableToLoadDLLException(LUM_GINA_ORIGIN, GetGinaDLLName(), GetLastError());
     }
-    m_pGinaPluginContext->SetDLLInstanceHandle(hModule);
+    m_pContext->SetDLLInstanceHandle(m_hModule);
+    if (m_hModule == m_pContext->m_hInstance) {
+        // Whatever its name: each call would come back, without end.
+        throw CUnableToLoadDLLException(LUM_GINA_ORIGIN, GetGinaDLLName(), ERROR_CIRCULAR_DEPENDENCY);
+    }
 }
 
 void CGinaObject::FreeGinaDLL() noexcept
 {
-    const HMODULE hModule = m_pGinaPluginContext->GetDLLInstanceHandle();
+    const HMODULE hModule = m_pContext->GetDLLInstanceHandle();
     if (hModule == nullptr) {
         return;
     }
     try {
-        if (GuardedCall([&] { return FreeLibrary(hModule); }) == FALSE) {
+        if (RunDLL([&] { return FreeLibrary(hModule); }) == FALSE) {
             throw CFreeGinaDLLFailException(LUM_GINA_ORIGIN, GetLastError());
         }
     } catch (...) {
@@ -146,7 +163,7 @@ bool CGinaObject::ReportIfHookFailure() noexcept
 
 void CGinaObject::Resolve(CGinaExportBase& ginaExport) const
 {
-    ginaExport.m_pfn = GetProcAddress(m_pGinaPluginContext->m_hDLLInstance, ginaExport.m_szName);
+    ginaExport.m_pfn = GetProcAddress(m_hModule, ginaExport.m_szName);
     if (ginaExport.m_pfn != nullptr) {
         return;
     }

@@ -5,6 +5,7 @@
 
 #include "GinaExport.h"
 #include "GinaPluginContext.h"
+#include "KeptOrigin.h"
 #include "ListEx.h"
 #include "Owned.h"
 #include "guard/FaultGuard.h"
@@ -83,6 +84,9 @@ public:
     /// The DLL's name as it was given to the constructor.
     const WCHAR* GetGinaDLLName() const noexcept;
 
+    /// What the object was built with, whatever a plugin has written over it.
+    operator CMessageOrigin() const noexcept { return m_origin; }
+
     CGinaObject(const CGinaObject&) = delete;
     CGinaObject& operator=(const CGinaObject&) = delete;
 
@@ -96,10 +100,20 @@ protected:
                 DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
     ~CGinaObject();
 
-    CGinaPluginInfo& GetPluginInfo() const noexcept { return m_pGinaPluginContext->m_GinaPluginInfo; }
+    CGinaPluginInfo& GetPluginInfo() const noexcept { return m_pContext->m_GinaPluginInfo; }
 
-    /// Loads the DLL and keeps its module handle in the context. Throws CUnableToLoadDLLException.
+    /// Keeps Winlogon's handle in the context, for the plugin to find.
+    void SetWlxHandle(HANDLE hWlx) noexcept { m_pContext->SetWlxHandle(hWlx); }
+
+    /// Puts back what the host goes by and a plugin can write to: tags and keys, the context and its module
+    /// handle.
+    void PutBack() noexcept;
+
+    /// Loads the DLL and keeps its module handle in the context. Throws CUnableToLoadDLLException, also when
+    /// the DLL is the host itself.
     void LoadGinaDLL();
+
+    bool IsLoaded() const noexcept { return m_hModule != nullptr; }
 
     /// Frees the DLL, if it was loaded. What goes wrong is reported only.
     void FreeGinaDLL() noexcept;
@@ -117,14 +131,15 @@ protected:
     /// Calls a DLL's function under guard, for the operation at the place where. For the result bool, any
     /// value but 0 is true. Throws CNullFunctionHandleException when the function was not resolved.
     template <typename Result, typename Function, typename... Args>
-    Result Call(CSourceLocation where, const CGinaExport<Function>& function, Args... args) const
+    Result Call(CSourceLocation where, const CGinaExport<Function>& function, Args... args)
     {
         RequireResolved(function, where);
+        const CKeptOrigin lent(LentRecord(args...));
         const auto call = [&] { return function(args...); };
         if constexpr (std::is_same_v<Result, bool>) {
-            return GuardedCall(call) != 0;
+            return RunDLL(call) != 0;
         } else {
-            return static_cast<Result>(GuardedCall(call));
+            return static_cast<Result>(RunDLL(call));
         }
     }
 
@@ -151,6 +166,31 @@ protected:
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaObject");
 
+    /// Runs code of the DLL under guard. It may write to what it can reach, and so may others before.
+    template <typename Body>
+    auto RunDLL(Body body)
+    {
+        PutBack();
+        const struct CPutBack
+        {
+            ~CPutBack() { object.PutBack(); }
+            CGinaObject& object;
+        } putBack{*this};
+        return GuardedCall(body);
+    }
+
+    /// The record that an export is handed: its first argument, or null.
+    template <typename... Args>
+    static CGlobalObject* LentRecord(CGinaPluginInfo* pPluginInfo, Args...) noexcept
+    {
+        return pPluginInfo;
+    }
+    template <typename... Args>
+    static CGlobalObject* LentRecord(Args...) noexcept
+    {
+        return nullptr;
+    }
+
     template <typename GetName>
     bool IsNamed(CTracePoint point, GetName getName) const noexcept;
     COwnedText CopyRecordedName() const;
@@ -158,12 +198,16 @@ private:
     void CreateContext(HINSTANCE hInstance);
     void StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
 
-    /// The host's own: no plugin can reach it. Behind what plugins read.
+    // What the host goes by, behind what plugins read: none of them knows of it.
+    const CMessageOrigin m_origin;
+    CGinaPluginContext* m_pContext = nullptr;
+    HMODULE m_hModule = nullptr;
     COwnedText m_szGinaDLLName;
 };
 
-/// The list destroys its objects through their first slot, as anyone must.
+/// The list destroys its objects through their first slot, as anyone must. Throws CForeignFault when that
+/// faults.
 inline void DestroyListItem(CGinaObject* pGinaObject)
 {
-    pGinaObject->DeletingDestructor(1);
+    GuardedHostCall([=] { pGinaObject->DeletingDestructor(1); });
 }

@@ -45,7 +45,7 @@ bool CGinaPluginObject::Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount
     const CTracePoint point = TEXT("Initialize");
     return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(s_szClass, point, [&] {
         RequireResolved(m_Initialize, point.where);
-        m_pGinaPluginContext->SetWlxHandle(hWlx);
+        SetWlxHandle(hWlx);
         return Call<bool>(point.where, m_Initialize, pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
                           pWinlogonFunctions, pWlxContext, dwLoadFlag1, dwLoadFlag2);
     });

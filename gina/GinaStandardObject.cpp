@@ -62,7 +62,7 @@ bool CGinaStandardObject::QueryPluginInfo(CGinaPluginInfo* pPluginInfo)
     return CalledFromDLL([&] {
         const COperation op(*this, s_szClass, TEXT("QueryPluginInfo"));
         return op.Run(Absorb<>(), [&] {
-            *pPluginInfo = GetPluginInfo();
+            GuardedHostCall([&] { *pPluginInfo = GetPluginInfo(); });
             return true;
         });
     });

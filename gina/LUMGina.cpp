@@ -17,6 +17,21 @@ namespace {
 constexpr DWORD HIGHEST_WLX_VERSION = WLX_VERSION_1_4;
 constexpr DWORD DEFAULT_TIMEOUT_SECONDS = 120;
 constexpr WCHAR TXT_NO_PLUGIN_OBJECT[] = TEXT("Unable to create gina plugin");
+constexpr WCHAR TXT_NESTED[] = TEXT(
+    "WlxNegotiate came from a GINA that is being loaded: it passes through to this library and is refused");
+
+/// True for a scope.
+class CFlag
+{
+public:
+    explicit CFlag(bool& bFlag) noexcept : m_bFlag(bFlag) { m_bFlag = true; }
+    ~CFlag() { m_bFlag = false; }
+    CFlag(const CFlag&) = delete;
+    CFlag& operator=(const CFlag&) = delete;
+
+private:
+    bool& m_bFlag;
+};
 
 /// Creates one member of the host. Those that can report under any tag are told the host's.
 template <typename T, typename... Args>
@@ -98,14 +113,16 @@ BOOL CLUMGina::LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion)
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMWlxNegotiate"));
     const auto passOn = [](const COperation&) { throw; };
     return op.Run(passOn, [&] {
-        LoadPlugins(op, dwWinlogonVersion);
-        LoadPassthroughGina(op, dwWinlogonVersion);
-        try {
-            return AgreeOnVersion(pdwDllVersion);
-        } catch (...) {
-            Absorb<>()(op);
+        if (m_bNegotiating) {
+            op.Warn(TXT_NESTED);
             return false;
         }
+        const CFlag negotiating(m_bNegotiating);
+        return GuardedHostCall([&] {
+            LoadPlugins(op, dwWinlogonVersion);
+            LoadPassthroughGina(op, dwWinlogonVersion);
+            return TellVersion(op, pdwDllVersion);
+        });
     });
 }
 
@@ -169,7 +186,7 @@ void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
     WCHAR szGinaDLL[NAME_CAPACITY] = {};
     bool bRead = false;
     try {
-        bRead = m_pLUMRegistry != nullptr && m_pLUMRegistry->GetGinaDLL(szGinaDLL, NAME_CAPACITY, true);
+        bRead = Needed(m_pLUMRegistry).GetGinaDLL(szGinaDLL, NAME_CAPACITY, true);
     } catch (CMessage& message) {
         message.WriteIfUnwritten();
     }
@@ -177,6 +194,16 @@ void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
         throw CUnableToLoadPassthroughGinaException(LUM_GINA_ORIGIN);
     }
     AddGinaObject<CGinaStandardObject>(szGinaDLL, dwWinlogonVersion);
+}
+
+bool CLUMGina::TellVersion(const COperation& op, DWORD* pdwDllVersion) noexcept
+{
+    try {
+        return GuardedHostCall([&] { return AgreeOnVersion(pdwDllVersion); });
+    } catch (...) {
+        op.Warn(ERR_UNHANDLED_EXCEPTION);
+        return false;
+    }
 }
 
 bool CLUMGina::AgreeOnVersion(DWORD* pdwDllVersion)
@@ -206,14 +233,16 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
     using Handler = Absorb<CNoGINAorPluginToCallException, CUnexpectedEndOfListException,
                            CNullFunctionHandleException, CUnhandledPluginException>;
     return op.Run(Handler(), [&] {
-        SetStatus(op, 1);
+        CLUMRegistry& registry = Needed(m_pLUMRegistry);
+        registry.SetEnabled(1);
+        registry.IncreaseInstanceCount();
         Needed(m_pGinaContext).SetWlxHandle(hWlx);
         Needed(m_pWinlogonObject).SetWinlogonObject(pWinlogonFunctions, m_dwNegotiatedWlxVersion);
         RequireGinaObjects();
         const DWORD dwInstanceCount = ReadSetting(&CLUMRegistry::GetInstanceCount, 1);
+        CLUMObject& control = Needed(m_pLUMObject);
         InitializeObjects([&](CGinaObject& object) {
-            const CCallGate::CCall call(m_gate);
-            return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
+            return object.Initialize(&control, dwInstanceCount, lpWinsta, hWlx, pvReserved,
                                      pWinlogonFunctions, pWlxContext, 0, 0);
         });
         // Counted before there are other threads that add and remove.
@@ -246,31 +275,19 @@ DWORD CLUMGina::ReadSetting(bool (CLUMRegistry::*pfnGet)(DWORD*, bool), DWORD dw
     }
 }
 
-/// Tells other processes whether a host is in service, and counts its initialisations. Nobody is kept
-/// from logging on because that cannot be written down.
-void CLUMGina::SetStatus(const COperation& op, DWORD dwEnabled) noexcept
-{
-    const auto attempt = [&](auto write) {
-        try {
-            write(Needed(m_pLUMRegistry));
-        } catch (...) {
-            Absorb<CUnableToWriteRegistryException>()(op);
-        }
-    };
-    attempt([=](CLUMRegistry& registry) { registry.SetEnabled(dwEnabled); });
-    if (dwEnabled != 0) {
-        attempt([](CLUMRegistry& registry) { registry.IncreaseInstanceCount(); });
-    }
-}
-
 /// Visits every object once, also when the one before it was removed.
 template <typename Initialize>
 void CLUMGina::InitializeObjects(Initialize initialize)
 {
     try {
         for (GinaNode* pNode = m_pGinaObjectList->m_pHead; pNode != nullptr;) {
-            GinaNode* pFollowing = pNode->pNext;
-            if (!initialize(*pNode->m_pItem)) {
+            // A plugin can write to the nodes: what they lead to is read in here.
+            GinaNode* pFollowing = nullptr;
+            const bool bInitialized = m_gate.Call([&] {
+                pFollowing = pNode->pNext;
+                return initialize(*pNode->m_pItem);
+            });
+            if (!bInitialized) {
                 RemoveNode(pNode);
             }
             pNode = pFollowing;

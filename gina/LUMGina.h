@@ -31,7 +31,8 @@ public:
     CLUMGina& operator=(const CLUMGina&) = delete;
 
     /// Builds the GINA object list and tells Winlogon the interface version of the passthrough GINA, at
-    /// most 1.4. Throws when "msgina.dll" is the last resort and cannot be loaded either.
+    /// most 1.4. Refuses a GINA that passes through to this library, which would have it load that GINA
+    /// again, without end. Throws when "msgina.dll" is the last resort and cannot be loaded either.
     BOOL LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion);
 
     /// Initialises every object of the list, first to last; those that refuse are removed. What the last
@@ -103,6 +104,8 @@ public:
     CWinlogonObject* m_pWinlogonObject;
     /// Over m_pGinaObjectList.
     CCallGate m_gate;
+    /// While LUMWlxNegotiate runs.
+    bool m_bNegotiating = false;
 
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CLUMGina");
@@ -113,13 +116,13 @@ private:
     void LoadPlugin(DWORD dwIndex, DWORD dwWinlogonVersion);
     void LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion);
     void AddConfiguredPassthroughGina(DWORD dwWinlogonVersion);
+    bool TellVersion(const COperation& op, DWORD* pdwDllVersion) noexcept;
     bool AgreeOnVersion(DWORD* pdwDllVersion);
     template <typename Object>
     void AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion);
 
     void RequireGinaObjects() const;
     DWORD ReadSetting(bool (CLUMRegistry::*pfnGet)(DWORD*, bool), DWORD dwDefault) noexcept;
-    void SetStatus(const COperation& op, DWORD dwEnabled) noexcept;
     template <typename Initialize>
     void InitializeObjects(Initialize initialize);
     void RemoveNode(GinaNode* pNode);
@@ -127,8 +130,7 @@ private:
 
     bool LoadInto(CGinaObjectList& list, const WCHAR* szPlugin);
     bool UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin);
-    template <typename Visit>
-    void ForEachThread(Visit visit);
+    void RequireThreads() const;
     void StartThreads();
 
     GinaNode* FindFirst(CGinaObject*& pFirst);

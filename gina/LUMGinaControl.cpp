@@ -22,28 +22,29 @@ bool Stop(CThreadObject& thread)
 
 } // namespace
 
-/// In the order of starting and of stopping. The control channel comes first, since it can start and stop the
-/// others. One that could not be created is done without.
-template <typename Visit>
-void CLUMGina::ForEachThread(Visit visit)
+void CLUMGina::RequireThreads() const
 {
-    CThreadObject* const threads[] = {m_pLUMPipeThreadObject, m_pLUMRegMonitorThreadObject};
-    for (CThreadObject* pThread : threads) {
-        if (pThread != nullptr) {
-            visit(*pThread);
-        }
-    }
+    Needed(m_pLUMPipeThreadObject);
+    Needed(m_pLUMRegMonitorThreadObject);
 }
 
 void CLUMGina::StartThreads()
 {
-    ForEachThread(Start);
+    RequireThreads();
+    Start(*m_pLUMPipeThreadObject);
+    Start(*m_pLUMRegMonitorThreadObject);
 }
 
+/// The control channel comes first, since it can start the other. A host without one of them can be destroyed
+/// as well.
 bool CLUMGina::StopThreads()
 {
     bool bStopped = true;
-    ForEachThread([&](CThreadObject& thread) { bStopped = Stop(thread) && bStopped; });
+    for (CThreadObject* pThread : {static_cast<CThreadObject*>(m_pLUMPipeThreadObject),
+                                   static_cast<CThreadObject*>(m_pLUMRegMonitorThreadObject)})
+    {
+        bStopped = (pThread == nullptr || Stop(*pThread)) && bStopped;
+    }
     return bStopped;
 }
 

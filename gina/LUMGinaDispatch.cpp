@@ -1,5 +1,6 @@
 #include "Exceptions.h"
 #include "LUMGina.h"
+#include "Needed.h"
 
 // The 19 calls that Winlogon drives a GINA with, after negotiation and initialisation.
 
@@ -16,11 +17,9 @@ using DispatchHandler =
 template <typename Result, typename... Params, typename... Args>
 Result CLUMGina::CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params...), Args... args)
 {
-    const CCallGate::CCall call(m_gate);
-    CGinaObject* pFirst = nullptr;
-    GinaNode* pNode = FindFirst(pFirst);
-    // Within the call in flight, which a fault must not leave behind.
-    return GuardedHostCall([&] {
+    return m_gate.Call([&] {
+        CGinaObject* pFirst = nullptr;
+        GinaNode* pNode = FindFirst(pFirst);
         return pFirst != nullptr ? (pFirst->*pfnOperation)(pNode, args...) : FailureResult<Result>();
     });
 }
@@ -139,8 +138,9 @@ void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
 {
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMWlxShutdown"));
     op.Run(DispatchHandler(), [&] {
-        SetStatus(op, 0);
+        Needed(m_pLUMRegistry).SetEnabled(0);
         CallFirst(&CGinaObject::Shutdown, pWlxContext, dwShutdownType);
+        RequireThreads();
         StopThreads();
     });
 }

@@ -30,18 +30,20 @@ bool CLUMGina::LoadInto(CGinaObjectList& list, const WCHAR* szPlugin)
     CLUMRegistry& registry = Needed(m_pLUMRegistry);
     CGinaContext& context = Needed(m_pGinaContext);
     CWinlogonObject& winlogon = Needed(m_pWinlogonObject);
+    CLUMObject& control = Needed(m_pLUMObject);
     COwned<CGinaObject, CDiscard> pGinaObject(
         new CGinaPluginObject(LUM_GINA_APP, LUM_GINA_MTM, context.GetInstanceHandle(), szPlugin,
                               LUM_INTERFACE_VERSION, m_dwNegotiatedWlxVersion));
     const DWORD dwInstanceCount = ReadSetting(&CLUMRegistry::GetInstanceCount, 1);
-    if (!pGinaObject->Initialize(m_pLUMObject, dwInstanceCount, nullptr, context.GetWlxHandle(), nullptr,
+    if (!pGinaObject->Initialize(&control, dwInstanceCount, nullptr, context.GetWlxHandle(), nullptr,
                                  winlogon.GetWinlogonFunctions(), nullptr, 1, 1))
     {
         return false;
     }
-    // Under one lock: the cursor is everybody's.
+    m_gate.Look([&] { list.End(); });
+    // The cursor is everybody's, and the registry may take its time.
     const auto insert = [&] {
-        list.End();
+        list.m_pCursor = list.m_pTail;
         return list.Insert(pGinaObject, 0);
     };
     if (!registry.AddPlugin(szPlugin) || !m_gate.Add(insert)) {
@@ -75,7 +77,7 @@ bool CLUMGina::UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin)
         return false;
     }
     try {
-        pNode->m_pItem->DynamicUnload();
+        GuardedHostCall([=] { pNode->m_pItem->DynamicUnload(); });
     } catch (...) {
         m_gate.Add([&] { list.PutBack(pNode, pFollowing); });
         throw;

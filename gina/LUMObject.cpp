@@ -6,36 +6,6 @@
 #include "RequireArgument.h"
 #include "chaining/RegistryManager.h"
 
-namespace {
-
-/// A plugin may write anything to a record that it is handed, and what becomes of the record later is
-/// traced under its tag and key: they are put back at the end of the scope.
-class CKeptOrigin
-{
-public:
-    explicit CKeptOrigin(CGlobalObject* pObject) noexcept
-        : m_pObject(pObject), m_szAPP(pObject != nullptr ? pObject->szAPP : nullptr),
-          m_szMTM(pObject != nullptr ? pObject->szMTM : nullptr)
-    {
-    }
-    ~CKeptOrigin()
-    {
-        if (m_pObject != nullptr) {
-            m_pObject->szAPP = m_szAPP;
-            m_pObject->szMTM = m_szMTM;
-        }
-    }
-    CKeptOrigin(const CKeptOrigin&) = delete;
-    CKeptOrigin& operator=(const CKeptOrigin&) = delete;
-
-private:
-    CGlobalObject* m_pObject;
-    const WCHAR* m_szAPP;
-    const WCHAR* m_szMTM;
-};
-
-} // namespace
-
 CLUMObject::CLUMObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, CRegistryManager* pRegistryManager,
                        CGinaObjectList* pGinaObjectList, CLUMRegistry* pLUMRegistry, CCallGate& gate)
     : CGlobalObject(szAPPArg, szMTMArg), m_pRegistryManager(pRegistryManager),
@@ -140,18 +110,17 @@ bool CLUMObject::IsAboveAnotherPlugin(const WCHAR* szPlugin) noexcept
 template <typename Find, typename Query>
 bool CLUMObject::CallObject(Find find, Query query)
 {
-    const CCallGate::CCall call(m_gate);
-    CGinaObject* pObject = nullptr;
-    const bool bFound = m_gate.Look([&] { return find() && m_pGinaObjectList->GetItem(pObject); });
-    // What a plugin has written to its record is read in there.
-    return bFound && GuardedHostCall([&] { return query(*pObject); });
+    return m_gate.Call([&] {
+        CGinaObject* pObject = nullptr;
+        const bool bFound = m_gate.Look([&] { return find() && m_pGinaObjectList->GetItem(pObject); });
+        return bFound && query(*pObject);
+    });
 }
 
 bool CLUMObject::LUMQueryPlugin(CGinaPluginInfo* pPluginInfo, const CGinaPluginInfo* pTarget,
                                 DWORD dwQueryParam1, DWORD dwQueryParam2, DWORD dwQueryParam3) noexcept
 {
     return Run(TEXT("LUMQueryPlugin"), [&] {
-        const CKeptOrigin kept(pPluginInfo);
         return CallObject(
             [&] { return pTarget != nullptr && m_pGinaObjectList->MoveTo(pTarget->m_szGinaDLL); },
             [&](CGinaObject& object) {
@@ -163,7 +132,6 @@ bool CLUMObject::LUMQueryPlugin(CGinaPluginInfo* pPluginInfo, const CGinaPluginI
 bool CLUMObject::LUMQueryPluginInfo(const WCHAR* szGinaDLL, CGinaPluginInfo& record) noexcept
 {
     return Run(TEXT("LUMQueryPluginInfo"), [&] {
-        const CKeptOrigin kept(&record);
         return CallObject([&] { return m_pGinaObjectList->MoveTo(szGinaDLL); },
                           [&](CGinaObject& object) { return object.QueryPluginInfo(&record); });
     });

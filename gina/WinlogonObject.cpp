@@ -2,6 +2,7 @@
 
 #include "NullWarnings.h"
 #include "RequireArgument.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 
@@ -27,39 +28,41 @@ constexpr CCallbackRow Entry(DWORD dwSince)
             }};
 }
 
+// In the order in which they are copied: a table may end, and cannot be read, behind the version that it is
+// of.
 constexpr CCallbackRow CALLBACKS[] = {
     Entry<&CWinlogonObject::m_pWlxAssignShellProtection, &Table::WlxAssignShellProtection>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxChangePasswordNotify, &Table::WlxChangePasswordNotify>(WLX_VERSION_1_0),
-    Entry<&CWinlogonObject::m_pWlxChangePasswordNotifyEx, &Table::WlxChangePasswordNotifyEx>(WLX_VERSION_1_1),
-    Entry<&CWinlogonObject::m_pWlxCloseUserDesktop, &Table::WlxCloseUserDesktop>(WLX_VERSION_1_2),
-    Entry<&CWinlogonObject::m_pWlxCreateUserDesktop, &Table::WlxCreateUserDesktop>(WLX_VERSION_1_1),
     Entry<&CWinlogonObject::m_pWlxDialogBox, &Table::WlxDialogBox>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxDialogBoxIndirect, &Table::WlxDialogBoxIndirect>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxDialogBoxIndirectParam, &Table::WlxDialogBoxIndirectParam>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxDialogBoxParam, &Table::WlxDialogBoxParam>(WLX_VERSION_1_0),
-    Entry<&CWinlogonObject::m_pWlxDisconnect, &Table::WlxDisconnect>(WLX_VERSION_1_3),
-    Entry<&CWinlogonObject::m_pWlxGetOption, &Table::WlxGetOption>(WLX_VERSION_1_3),
-    Entry<&CWinlogonObject::m_pWlxGetSourceDesktop, &Table::WlxGetSourceDesktop>(WLX_VERSION_1_1),
     Entry<&CWinlogonObject::m_pWlxMessageBox, &Table::WlxMessageBox>(WLX_VERSION_1_0),
-    Entry<&CWinlogonObject::m_pWlxQueryClientCredentials, &Table::WlxQueryClientCredentials>(WLX_VERSION_1_3),
-    Entry<&CWinlogonObject::m_pWlxQueryConsoleSwitchCredentials, &Table::WlxQueryConsoleSwitchCredentials>(
-        WLX_VERSION_1_4),
-    Entry<&CWinlogonObject::m_pWlxQueryInetConnectorCredentials, &Table::WlxQueryInetConnectorCredentials>(
-        WLX_VERSION_1_3),
-    Entry<&CWinlogonObject::m_pWlxQueryTerminalServicesData, &Table::WlxQueryTerminalServicesData>(
-        WLX_VERSION_1_3),
-    Entry<&CWinlogonObject::m_pWlxQueryTsLogonCredentials, &Table::WlxQueryTsLogonCredentials>(
-        WLX_VERSION_1_4),
     Entry<&CWinlogonObject::m_pWlxSasNotify, &Table::WlxSasNotify>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxSetContextPointer, &Table::WlxSetContextPointer>(WLX_VERSION_1_0),
-    Entry<&CWinlogonObject::m_pWlxSetOption, &Table::WlxSetOption>(WLX_VERSION_1_3),
-    Entry<&CWinlogonObject::m_pWlxSetReturnDesktop, &Table::WlxSetReturnDesktop>(WLX_VERSION_1_1),
     Entry<&CWinlogonObject::m_pWlxSetTimeout, &Table::WlxSetTimeout>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxSwitchDesktopToUser, &Table::WlxSwitchDesktopToUser>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxSwitchDesktopToWinlogon, &Table::WlxSwitchDesktopToWinlogon>(
         WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxUseCtrlAltDel, &Table::WlxUseCtrlAltDel>(WLX_VERSION_1_0),
+    Entry<&CWinlogonObject::m_pWlxChangePasswordNotifyEx, &Table::WlxChangePasswordNotifyEx>(WLX_VERSION_1_1),
+    Entry<&CWinlogonObject::m_pWlxCreateUserDesktop, &Table::WlxCreateUserDesktop>(WLX_VERSION_1_1),
+    Entry<&CWinlogonObject::m_pWlxGetSourceDesktop, &Table::WlxGetSourceDesktop>(WLX_VERSION_1_1),
+    Entry<&CWinlogonObject::m_pWlxSetReturnDesktop, &Table::WlxSetReturnDesktop>(WLX_VERSION_1_1),
+    Entry<&CWinlogonObject::m_pWlxCloseUserDesktop, &Table::WlxCloseUserDesktop>(WLX_VERSION_1_2),
+    Entry<&CWinlogonObject::m_pWlxDisconnect, &Table::WlxDisconnect>(WLX_VERSION_1_3),
+    Entry<&CWinlogonObject::m_pWlxGetOption, &Table::WlxGetOption>(WLX_VERSION_1_3),
+    Entry<&CWinlogonObject::m_pWlxQueryClientCredentials, &Table::WlxQueryClientCredentials>(WLX_VERSION_1_3),
+    Entry<&CWinlogonObject::m_pWlxQueryInetConnectorCredentials, &Table::WlxQueryInetConnectorCredentials>(
+        WLX_VERSION_1_3),
+    Entry<&CWinlogonObject::m_pWlxQueryTerminalServicesData, &Table::WlxQueryTerminalServicesData>(
+        WLX_VERSION_1_3),
+    Entry<&CWinlogonObject::m_pWlxSetOption, &Table::WlxSetOption>(WLX_VERSION_1_3),
     Entry<&CWinlogonObject::m_pWlxWin31Migrate, &Table::WlxWin31Migrate>(WLX_VERSION_1_3),
+    Entry<&CWinlogonObject::m_pWlxQueryConsoleSwitchCredentials, &Table::WlxQueryConsoleSwitchCredentials>(
+        WLX_VERSION_1_4),
+    Entry<&CWinlogonObject::m_pWlxQueryTsLogonCredentials, &Table::WlxQueryTsLogonCredentials>(
+        WLX_VERSION_1_4),
 };
 
 } // namespace
@@ -98,11 +101,15 @@ bool CWinlogonObject::CopyFunctions(PVOID pWinlogonFunctions) noexcept
         m_pWinlogonFunctions = pWinlogonFunctions;
         RequireArgument(*this, pWinlogonFunctions, TEXT("pWinlogonFunctions"));
         RequireArgument(*this, m_dwVersion >= WLX_VERSION_1_0, TEXT("m_dwVersion"));
-        for (const CCallbackRow& row : CALLBACKS) {
-            if (row.dwSince <= m_dwVersion && !row.pfnCopy(*this, static_cast<Table*>(pWinlogonFunctions))) {
-                op.Warn(ERR_PUSHING_NULL);
+        // The table is where the caller says.
+        GuardedHostCall([&] {
+            for (const CCallbackRow& row : CALLBACKS) {
+                if (row.dwSince <= m_dwVersion &&
+                    !row.pfnCopy(*this, static_cast<Table*>(pWinlogonFunctions))) {
+                    op.Warn(ERR_PUSHING_NULL);
+                }
             }
-        }
+        });
         return true;
     });
 }

@@ -22,7 +22,8 @@ public:
     bool SetWinlogonObject(PVOID pWinlogonFunctions, DWORD dwVersion) noexcept;
 
     /// Copies the entries that the agreed version has; entries that are null are warned of. False for a
-    /// null table or a version below 1.0: then all members are null.
+    /// null table or a version below 1.0: then all members are null. False also when the table cannot be
+    /// read: then the members behind that place are null.
     bool CopyFunctions(PVOID pWinlogonFunctions) noexcept;
 
     /// Winlogon's own table; null, and a warning, before SetWinlogonObject.

@@ -131,10 +131,7 @@ public:
     }
 
     /// Destroys a node that was removed, and its item.
-    void DestroyNode(Node* pNode) const noexcept
-    {
-        DeleteVariable(*this, TEXT("m_pCursor"), [pNode] { delete pNode; });
-    }
+    void DestroyNode(Node* pNode) const noexcept { Destroy(pNode, TEXT("m_pCursor")); }
 
     /// Puts a removed node back before pBefore, at the end when that is null or not in the list any more. The
     /// cursor stays; in an empty list the node becomes current.
@@ -196,7 +193,7 @@ public:
             while (m_pHead != nullptr) {
                 Node* pTempCursor = m_pHead;
                 Unlink(pTempCursor);
-                DeleteVariable(*this, TEXT("pTempCursor"), [pTempCursor] { delete pTempCursor; });
+                Destroy(pTempCursor, TEXT("pTempCursor"));
             }
             m_pCursor = nullptr;
             return true;
@@ -281,6 +278,14 @@ private:
             throw CMemAllocException(*this, szVariable);
         }
         return pNode;
+    }
+
+    /// A node has the list's tag and key, whatever a plugin has written there.
+    void Destroy(Node* pNode, const WCHAR* szVariable) const noexcept
+    {
+        pNode->szAPP = szAPP;
+        pNode->szMTM = szMTM;
+        DeleteVariable(*this, szVariable, [pNode] { delete pNode; });
     }
 
     bool Append(T* pItem, DWORD dwTag)

@@ -18,6 +18,8 @@ using Call = PlatformCall;
 constexpr char UNKNOWN_GINA[] =
     "[EXCEPTION] Don't know which GINA to pass through to. Defaulting to msgina.dll";
 
+constexpr char UNHANDLED[] = "[WARNING] An unhandled exception occurred";
+
 class FailingHost : public CTestMachine
 {
 protected:
@@ -47,7 +49,8 @@ protected:
         return host->LUMWlxInitialize(nullptr, nullptr, nullptr, &m_table, &pContext) != FALSE;
     }
 
-    static inline DWORD s_dwTimeout = 0;
+    static constexpr DWORD NOT_SET = 77;
+    static inline DWORD s_dwTimeout = NOT_SET;
     WLX_DISPATCH_VERSION_1_4 m_table{};
     CStandin msgina{TEXT("msgina.dll")};
     CStandin other{TEXT("standin_gina.dll")};
@@ -63,7 +66,7 @@ TEST_F(FailingHost, GoesOnWithWhatItCanReadAndLoad)
         const WCHAR* szName;
         const char* szGina;
         const char* szLine;
-        DWORD dwTimeout;
+        DWORD dwTimeout; ///< that Winlogon is told; NOT_SET when the host is not initialised
     } const rows[] = {
         {"nothing", Call::LocalFree, TEXT("-"), "standin_gina.dll", nullptr, 300},
         {"the name of the GINA", Call::RegQueryValueExW, TEXT("GinaDLL"), "msgina.dll", UNKNOWN_GINA, 300},
@@ -73,17 +76,17 @@ TEST_F(FailingHost, GoesOnWithWhatItCanReadAndLoad)
         {"the timeout", Call::RegQueryValueExW, TEXT("Timeout"), "standin_gina.dll",
          "[WARNING] LUM Registry key could not be loaded, Key: Timeout", 120},
         {"the volatile key", Call::RegOpenKeyExW, VOLATILE_KEY, "standin_gina.dll",
-         "[EXCEPTION] Unable to write to registry, Registry Value: Enabled, Error: 0xffffffff", 300},
-        {"the status", Call::RegSetValueExW, TEXT("Enabled"), "standin_gina.dll", nullptr, 300},
-        {"the count", Call::RegSetValueExW, TEXT("InstanceCount"), "standin_gina.dll", nullptr, 300},
+         "[EXCEPTION] Unable to write to registry, Registry Value: Enabled, Error: 0xffffffff", NOT_SET},
+        {"the status", Call::RegSetValueExW, TEXT("Enabled"), "standin_gina.dll", UNHANDLED, NOT_SET},
+        {"the count", Call::RegSetValueExW, TEXT("InstanceCount"), "standin_gina.dll", UNHANDLED, NOT_SET},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.szWhat);
         ClearLog();
-        s_dwTimeout = 0;
+        s_dwTimeout = NOT_SET;
         const CFaultInjection fault(row.call, 1, ERROR_ACCESS_DENIED, row.szName, FaultRepeat::FromThenOn);
         ASSERT_TRUE(Negotiate());
-        EXPECT_TRUE(Initialize());
+        EXPECT_EQ(row.dwTimeout != NOT_SET, Initialize());
         ASSERT_EQ(1u, host->m_pGinaObjectList->m_dwCount);
         EXPECT_EQ(row.szGina, Narrow(host->m_pGinaObjectList->m_pHead->m_pItem->GetGinaDLLName()));
         EXPECT_EQ(row.dwTimeout, s_dwTimeout);

@@ -1,29 +1,88 @@
+#include <functional>
+
+#include "Standin.h"
 #include "TestMachine.h"
-#include "WlxInterface.h"
 
 namespace {
 
+/// The library as Winlogon loads it.
 class LUMGinaInterface : public CTestMachine
 {
+protected:
+    ~LUMGinaInterface() override { EXPECT_TRUE(FreeLibrary(m_hGina)); }
+
+    bool Negotiate(DWORD* pdwVersion) const
+    {
+        const FARPROC pfn = GetProcAddress(m_hGina, "WlxNegotiate");
+        return reinterpret_cast<decltype(WlxNegotiate)*>(reinterpret_cast<void (*)()>(pfn))(WLX_VERSION_1_4,
+                                                                                            pdwVersion);
+    }
+
+    HMODULE m_hGina = LoadLibraryW(TEXT("lum_gina.dll"));
 };
 
 TEST_F(LUMGinaInterface, AFaultOfTheHostCostsTheCallItsDefaultResultAndNoMore)
 {
-    const HMODULE hGina = LoadLibraryW(TEXT("lum_gina.dll"));
-    ASSERT_NE(nullptr, hGina);
-    const auto pfnNegotiate = reinterpret_cast<BOOL(WINAPI*)(DWORD, DWORD*)>(
-        reinterpret_cast<void*>(GetProcAddress(hGina, "WlxNegotiate")));
-    ASSERT_NE(nullptr, pfnNegotiate);
-
     // The host writes through Winlogon's pointer without looking at it.
-    const auto pdwNowhere = reinterpret_cast<DWORD*>(0x40);
-    EXPECT_EQ(FALSE, pfnNegotiate(WLX_VERSION_1_4, pdwNowhere));
+    EXPECT_FALSE(Negotiate(reinterpret_cast<DWORD*>(0x40)));
     EXPECT_EQ(1, Count("[WARNING] An unhandled exception occurred"));
 
     DWORD dwVersion = 0;
-    EXPECT_EQ(TRUE, pfnNegotiate(WLX_VERSION_1_4, &dwVersion));
+    EXPECT_TRUE(Negotiate(&dwVersion));
     EXPECT_EQ(WLX_VERSION_1_4, dwVersion);
-    EXPECT_TRUE(FreeLibrary(hGina));
+}
+
+TEST_F(LUMGinaInterface, IsNeitherItsOwnPassthroughGinaNorItsOwnPlugin)
+{
+    WCHAR szPath[MAX_PATH] = {};
+    GetModuleFileNameW(m_hGina, szPath, MAX_PATH);
+    const CStandin msgina(TEXT("msgina.dll"));
+    for (const std::string& name : {std::string("lum_gina.dll"), std::string("LUM_Gina"), Narrow(szPath)}) {
+        SCOPED_TRACE(name);
+        for (const WCHAR* szValue : {TEXT("GinaDLL"), TEXT("Plugins")}) {
+            SetString(OWN_KEY, szValue, Widen(name).c_str());
+        }
+        // The plugins are those of the start.
+        FreeLibrary(m_hGina);
+        m_hGina = LoadLibraryW(TEXT("lum_gina.dll"));
+        ClearLog();
+        msgina->Reset();
+        DWORD dwVersion = 0;
+        EXPECT_TRUE(Negotiate(&dwVersion));
+        EXPECT_EQ(WLX_VERSION_1_4, dwVersion);
+        EXPECT_EQ(std::vector<std::string>{"WlxNegotiate"}, msgina.Calls());
+        EXPECT_EQ(2, Count("[EXCEPTION] Unable to load DLL, Filename: " + name + ", Error: 0x423"));
+        EXPECT_EQ(1, Count("[WARNING] Unable to create gina plugin, Plugin: " + name));
+    }
+}
+
+/// A GINA that passes through to this library.
+struct CPassingGina
+{
+    static void WINAPI Negotiate(void* pGina, const StandinRecord*)
+    {
+        auto& self = *static_cast<CPassingGina*>(pGina);
+        DWORD dwVersion = 0;
+        self.standin->SetResult(StandinCall::WlxNegotiate, self.negotiate(&dwVersion));
+    }
+
+    const CStandin& standin;
+    std::function<bool(DWORD*)> negotiate;
+};
+
+TEST_F(LUMGinaInterface, AGinaThatPassesThroughToItIsRefused)
+{
+    const CStandin msgina(TEXT("msgina.dll"));
+    const CStandin other(TEXT("standin_gina.dll"));
+    CPassingGina gina{other, [this](DWORD* pdwVersion) { return Negotiate(pdwVersion); }};
+    other->SetHook(StandinCall::WlxNegotiate, CPassingGina::Negotiate, &gina);
+    SetString(OWN_KEY, TEXT("GinaDLL"), TEXT("standin_gina.dll"));
+    for (int n = 0; n < 2; ++n) {
+        DWORD dwVersion = 0;
+        EXPECT_TRUE(Negotiate(&dwVersion)) << "and the next time";
+        EXPECT_EQ(std::vector<std::string>(n + 1, "WlxNegotiate"), other.Calls());
+        EXPECT_EQ(std::vector<std::string>(n + 1, "WlxNegotiate"), msgina.Calls());
+    }
 }
 
 } // namespace

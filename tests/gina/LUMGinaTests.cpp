@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "Exceptions.h"
 #include "FailingAllocation.h"
@@ -14,6 +15,7 @@ HANDLE const WLX = reinterpret_cast<HANDLE>(0x2000);
 PVOID const CONTEXT = reinterpret_cast<PVOID>(0x3000);
 
 constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
+constexpr const char* UNHANDLED = "[WARNING] An unhandled exception occurred";
 constexpr const char* NOTHING_TO_CALL = "[EXCEPTION] There is no plugin or GINA to call. Unable to process "
                                         "function. Returning failure";
 
@@ -191,6 +193,36 @@ TEST_F(LUMGina, AnEmptyListIsTheExportsAffair)
     EXPECT_THROW(host->LUMWlxShutdown(CONTEXT, 0), CNoGINAorPluginToCallException);
     EXPECT_EQ("0", GetValue(VOLATILE_KEY, TEXT("Enabled")));
     EXPECT_EQ(3, Count(NOTHING_TO_CALL));
+}
+
+TEST_F(LUMGina, WhatNeedsAMissingMemberFails)
+{
+    const auto without = [this](auto CLUMGina::*pMember, bool bNegotiates, bool bInitialises,
+                                bool bShutsDown) {
+        const auto attempt = [&](bool bSucceeds, auto operation) {
+            auto* const pKept = std::exchange((*host).*pMember, nullptr);
+            ClearLog();
+            EXPECT_EQ(bSucceeds, operation());
+            EXPECT_EQ(bSucceeds ? 0 : 1, std::min(1, Count(UNHANDLED)));
+            (*host).*pMember = pKept;
+        };
+        host = MakeHost();
+        attempt(bNegotiates, [&] { return Negotiate(); });
+        host = MakeHost();
+        ASSERT_TRUE(Negotiate());
+        SetDword(VOLATILE_KEY, TEXT("InstanceCount"), 0);
+        attempt(bInitialises, [&] { return Initialize(); });
+        attempt(bShutsDown, [&] {
+            host->LUMWlxShutdown(CONTEXT, 0);
+            return Log().empty();
+        });
+    };
+    without(&CLUMGina::m_pGinaContext, false, false, true);
+    without(&CLUMGina::m_pLUMRegistry, false, false, false);
+    without(&CLUMGina::m_pWinlogonObject, true, false, true);
+    without(&CLUMGina::m_pLUMObject, true, false, true);
+    without(&CLUMGina::m_pLUMPipeThreadObject, true, false, false);
+    without(&CLUMGina::m_pLUMRegMonitorThreadObject, true, false, false);
 }
 
 TEST_F(LUMGina, SurvivesAnyFailedAllocation)

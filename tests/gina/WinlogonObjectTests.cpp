@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include "ReadableEnd.h"
 #include "TestMachine.h"
 #include "WinlogonObject.h"
 
@@ -26,6 +29,16 @@ protected:
         return positions;
     }
 
+    /// The same for a table of so many entries.
+    static std::vector<int> FirstOf(int nEntries)
+    {
+        std::vector<int> positions = {4,  12, 16, 17, 15, 6, 8,  9,  7, 23, 19, 13, 5, 21,
+                                      25, 22, 24, 26, 2,  1, 18, 14, 3, 10, 11, 0,  20};
+        std::replace_if(
+            positions.begin(), positions.end(), [=](int nPosition) { return nPosition >= nEntries; }, -1);
+        return positions;
+    }
+
     static constexpr std::size_t ENTRIES = 27;
     PVOID m_pTable[ENTRIES];
     CWinlogonObject object{LUM_GINA_APP, LUM_GINA_MTM};
@@ -33,8 +46,6 @@ protected:
 
 TEST_F(WinlogonObject, CopiesWhatTheVersionHas)
 {
-    const std::vector<int> all = {4,  12, 16, 17, 15, 6, 8,  9,  7, 23, 19, 13, 5, 21,
-                                  25, 22, 24, 26, 2,  1, 18, 14, 3, 10, 11, 0,  20};
     struct
     {
         DWORD dwVersion;
@@ -43,11 +54,7 @@ TEST_F(WinlogonObject, CopiesWhatTheVersionHas)
                       {0x00010003, 25}, {0x00010004, 27}, {0x00020000, 27}};
     for (const auto& row : rows) {
         EXPECT_TRUE(object.SetWinlogonObject(m_pTable, row.dwVersion));
-        std::vector<int> expected = all;
-        for (int& nPosition : expected) {
-            nPosition = nPosition < row.nEntries ? nPosition : -1;
-        }
-        EXPECT_EQ(expected, Members()) << row.dwVersion;
+        EXPECT_EQ(FirstOf(row.nEntries), Members()) << row.dwVersion;
         EXPECT_EQ(m_pTable, object.GetWinlogonFunctions());
         EXPECT_EQ(row.nEntries != 0, object.CopyFunctions(m_pTable));
     }
@@ -57,7 +64,7 @@ TEST_F(WinlogonObject, CopiesWhatTheVersionHas)
 TEST_F(WinlogonObject, RefusesNoTableAndWarnsOfGaps)
 {
     EXPECT_TRUE(object.SetWinlogonObject(nullptr, WLX_VERSION_1_4));
-    EXPECT_EQ(std::vector<int>(ENTRIES, -1), Members());
+    EXPECT_EQ(FirstOf(0), Members());
     EXPECT_EQ(
         (std::vector<std::string>{"[EXCEPTION] A bad argument was provided, Argument: pWinlogonFunctions",
                                   "[WARNING] The requested operation failed or it was cancelled"}),
@@ -70,6 +77,21 @@ TEST_F(WinlogonObject, RefusesNoTableAndWarnsOfGaps)
     EXPECT_EQ((std::vector<std::string>{"[WARNING] Client pushing value that is NULL",
                                         "[WARNING] Client pulling value that is NULL"}),
               Log());
+}
+
+TEST_F(WinlogonObject, CopiesWhatCanBeRead)
+{
+    // A table of version 1.0 at the end of what is readable, from a GINA that calls it one of 1.4.
+    const CReadableEnd memory;
+    PVOID* const pTable = static_cast<PVOID*>(memory.GetEnd()) - 13;
+    std::copy_n(m_pTable, 13, pTable);
+    EXPECT_TRUE(object.SetWinlogonObject(pTable, WLX_VERSION_1_4));
+    EXPECT_EQ(FirstOf(13), Members());
+    EXPECT_FALSE(object.CopyFunctions(reinterpret_cast<PVOID>(0x40)));
+    EXPECT_EQ(FirstOf(0), Members());
+    const std::vector<std::string> failure{"[WARNING] An unhandled exception occurred",
+                                           "[WARNING] The requested operation failed or it was cancelled"};
+    EXPECT_EQ((std::vector<std::string>{failure[0], failure[1], failure[0], failure[1]}), Log());
 }
 
 } // namespace

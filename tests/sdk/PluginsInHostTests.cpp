@@ -1,4 +1,7 @@
+#include <utility>
+
 #include "PluginsInHost.h"
+#include "TraceLog.h"
 
 namespace {
 
@@ -143,6 +146,123 @@ TEST_F(PluginsInHost, CallsNestThroughTheWholeChain)
     gina->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_LOGOFF);
     EXPECT_EQ(WLX_SAS_ACTION_LOGOFF, host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));
     EXPECT_EQ((Lines{"WlxIsLogoffOk", "WlxLoggedOnSAS"}), gina.Calls());
+}
+
+/// A plugin that writes where it may only read.
+struct CScribbler
+{
+    /// In LUMNegotiate: the record is the plugin's own, and stays there.
+    static void WINAPI Remember(void* pScribbler, const PluginRecord* pRecord)
+    {
+        auto& self = *static_cast<CScribbler*>(pScribbler);
+        self.pRecord = reinterpret_cast<CGinaPluginInfo*>(pRecord->argument[0]);
+        if (self.call == PluginCall::Negotiate) {
+            self.Write(*self.pRecord);
+        }
+    }
+
+    static void WINAPI WriteToRecord(void* pScribbler, const PluginRecord*)
+    {
+        auto& self = *static_cast<CScribbler*>(pScribbler);
+        self.Write(*self.pRecord);
+    }
+
+    /// In a chained call: what its node leads to, and the next one.
+    static void WINAPI WriteToObjects(void* pScribbler, const PluginRecord* pRecord)
+    {
+        auto& self = *static_cast<CScribbler*>(pScribbler);
+        auto* pNode = reinterpret_cast<GinaNode*>(pRecord->argument[0]);
+        for (GinaNode* pEach : {pNode, pNode->pNext}) {
+            CGinaObject& object = *pEach->m_pItem;
+            CGinaPluginContext& context = *object.m_pGinaPluginContext;
+            self.Write(context.m_GinaPluginInfo);
+            self.Write(context);
+            context.m_hDLLInstance = reinterpret_cast<HINSTANCE>(ULONG_PTR(16));
+            object.m_pGinaPluginContext.Release();
+            object.m_pGinaPluginContext.Reset(reinterpret_cast<CGinaPluginContext*>(ULONG_PTR(16)));
+            self.Write(static_cast<CGlobalObject&>(object));
+            self.Write(*pEach);
+        }
+    }
+
+    void Write(CGlobalObject& object) const
+    {
+        object.szAPP = origin.szAPP;
+        object.szMTM = origin.szMTM;
+    }
+
+    CMessageOrigin origin;
+    PluginCall call;
+    CGinaPluginInfo* pRecord = nullptr;
+};
+
+const CMessageOrigin SCRIBBLES[] = {
+    {reinterpret_cast<const WCHAR*>(ULONG_PTR(8)), reinterpret_cast<const WCHAR*>(ULONG_PTR(8))},
+    {nullptr, nullptr},
+    {TEXT("OTHER"), TEXT("SOFTWARE\\Other")}};
+
+TEST_F(PluginsInHost, OneThatWritesOverItsRecordGoesAndStaysAsAnyOther)
+{
+    SetTraceMask(0xFFF & ~(LEVEL_ENTRY | LEVEL_EXIT));
+    for (const CMessageOrigin& origin : SCRIBBLES) {
+        for (const PluginCall call : {PluginCall::Negotiate, PluginCall::Initialize}) {
+            for (const bool bAccepts : {true, false}) {
+                CScribbler scribbler{origin, call};
+                plugins[1]->Reset();
+                plugins[1]->SetHook(PluginCall::Initialize, CScribbler::WriteToRecord, &scribbler);
+                plugins[1]->SetHook(PluginCall::Negotiate, CScribbler::Remember, &scribbler);
+                plugins[1]->SetAction(call, PluginAction::Answer, bAccepts);
+                Load();
+                EXPECT_TRUE(Initialize());
+                EXPECT_EQ(bAccepts ? 4u : 3u, Chain().size());
+                EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+                EXPECT_EQ(bAccepts, host->LUMRemovePluginDynamic(TEXT("test_plugin_b.dll")));
+                EXPECT_TRUE(host->LUMAddPluginDynamic(TEXT("test_plugin_b.dll")) == bAccepts);
+                host.reset();
+                EXPECT_EQ(Count("[CONSTRUCTION EXIT ] CGinaPluginContext::CGinaPluginContext"),
+                          Count("[DESTRUCTION EXIT ] CGinaPluginContext::~CGinaPluginContext"));
+                EXPECT_EQ(0, Count("[WARNING] Unable to delete variable, Variable: m_pItem"));
+                EXPECT_EQ(Lines(), InternalLog());
+            }
+        }
+    }
+}
+
+TEST_F(PluginsInHost, OneThatWritesOverNodesAndObjectsCostsNoCall)
+{
+    SetTraceMask(0xFFF);
+    for (const CMessageOrigin& origin : SCRIBBLES) {
+        CScribbler scribbler{origin, PluginCall::IsLockOk};
+        Load();
+        EXPECT_TRUE(Initialize());
+        plugins[0]->SetHook(PluginCall::IsLockOk, CScribbler::WriteToObjects, &scribbler);
+        EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+        EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+        plugins[1]->SetHook(PluginCall::IsLockOk, CScribbler::WriteToObjects, &scribbler);
+        EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+        for (const CPluginDriver& plugin : plugins) {
+            plugin->SetHook(PluginCall::IsLockOk, nullptr, nullptr);
+            EXPECT_TRUE(host->LUMRemovePluginDynamic(plugin.GetName()));
+            EXPECT_TRUE(host->LUMWlxIsLockOk(CONTEXT));
+        }
+        host.reset();
+        EXPECT_EQ(0, Count("[WARNING] Unable to delete variable, Variable: m_pItem"));
+        EXPECT_EQ(0, Count("[EXCEPTION] Failed to free gina dll library, Error: 0x6"));
+        SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_a.dll,test_plugin_b.dll,test_plugin_c.dll"));
+    }
+}
+
+TEST_F(PluginsInHost, AFaultOfTheHostEndsTheInitialisationAndLeavesNoCallInFlight)
+{
+    Load();
+    // As a plugin can write it.
+    CGinaObject*& pItem = host->m_pGinaObjectList->m_pHead->pNext->m_pItem;
+    CGinaObject* const pKept = std::exchange(pItem, reinterpret_cast<CGinaObject*>(ULONG_PTR(8)));
+    EXPECT_FALSE(GuardedHostCall([this] { return Initialize(); }));
+    pItem = pKept;
+    EXPECT_EQ(1, Count("[WARNING] An unhandled exception occurred"));
+    EXPECT_TRUE(host->LUMRemovePluginDynamic(TEXT("test_plugin_a.dll")));
+    EXPECT_TRUE(Initialize());
 }
 
 } // namespace

@@ -55,8 +55,6 @@ TEST_F(HostThreadObjects, TheMonitorIsSwitchedByTheControlChannel)
     ClearLog();
     EXPECT_FALSE(host->LUMEnableActiveRegistryMonitoring(true));
     EXPECT_EQ((std::vector<std::string>{"[WARNING] An unhandled exception occurred", FAILED}), Log());
-    EXPECT_TRUE(Initialize()) << "nobody is kept from logging on";
-    host->LUMWlxShutdown(nullptr, 0);
 }
 
 TEST_F(HostThreadObjects, TheHostTellsItsOwnVersion)
