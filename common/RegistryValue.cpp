@@ -47,6 +47,11 @@ bool CRegistryValue::DeleteRegistryValue()
         FailureWarning::UnlessRaised);
 }
 
+bool CRegistryValue::Exists() const noexcept
+{
+    return TryQuery(nullptr, nullptr) != ERROR_FILE_NOT_FOUND;
+}
+
 LONG CRegistryValue::TryQuery(void* pData, DWORD* pcbData) const
 {
     return RegQueryValueExW(m_hKey, m_szValueName, nullptr, nullptr, static_cast<BYTE*>(pData), pcbData);

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "CriticalSection.h"
+#include "CallLocked.h"
 #include "guard/FaultGuard.h"
 
 /// The gate over the GINA object list: calls go through it, changes close it.
@@ -73,8 +73,7 @@ public:
     template <typename Body>
     auto Look(Body body)
     {
-        const CCriticalSection::CLock lock(m_listLock);
-        return GuardedHostCall(body);
+        return CallLocked(m_listLock, body);
     }
 
     /// Changes the list where calls in flight may stand: change() runs under the lock and without any call in

@@ -1,5 +1,6 @@
 #include "LUMRegMonitorThreadObject.h"
 
+#include "CallLocked.h"
 #include "LUMRegistry.h"
 #include "Operation.h"
 #include "RequireArgument.h"
@@ -57,9 +58,10 @@ void CLUMRegMonitorThreadObject::Watch() const
 
 void CLUMRegMonitorThreadObject::CompareWithRegistry() const
 {
-    const CCriticalSection::CLock lock(m_pRegistryManager->m_lock);
-    const CRegistryManager fresh(szAPP, szMTM, m_pLUMRegistry, m_pWinlogonRegistry, true);
-    if (*m_pRegistryManager != fresh) {
-        m_pRegistryManager->ResyncWithRegistry(fresh);
-    }
+    CallLocked(m_pRegistryManager->m_lock, [this] {
+        const CRegistryManager fresh(szAPP, szMTM, m_pLUMRegistry, m_pWinlogonRegistry, true);
+        if (*m_pRegistryManager != fresh) {
+            m_pRegistryManager->ResyncWithRegistry(fresh);
+        }
+    });
 }

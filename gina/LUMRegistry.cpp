@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "CallLocked.h"
 #include "Exceptions.h"
 #include "GinaNames.h"
 #include "GuardedText.h"
@@ -131,8 +132,8 @@ template <typename OnException, typename Body>
 auto CLUMRegistry::RunLocked(CTracePoint point, OnException onException, Body body, FailureWarning warning)
 {
     const COperation op(*this, s_szClass, point);
-    const CCriticalSection::CLock lock(m_lock);
-    return op.Run(onException, body, warning);
+    return op.Run(
+        onException, [&] { return CallLocked(m_lock, body); }, warning);
 }
 
 /// One operation on the list of plugins.
@@ -222,8 +223,7 @@ bool CLUMRegistry::IsPluginListed(const WCHAR* szPlugin) noexcept
     const auto body = [&] {
         return ParsePlugins() && std::any_of(m_szPlugins + 0, m_szPlugins + m_dwNumPlugins, isThatName);
     };
-    // Not to be listed is an answer, not a failure.
-    return RunLocked(TEXT("IsPluginListed"), Absorb<>(), body, FailureWarning::Never);
+    return RunLocked(TEXT("IsPluginListed"), Absorb<>(), body, FailureWarning::UnlessRaised);
 }
 
 bool CLUMRegistry::AddPlugin(const WCHAR* szPlugin) noexcept

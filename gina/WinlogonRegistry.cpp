@@ -1,5 +1,6 @@
 #include "WinlogonRegistry.h"
 
+#include "CallLocked.h"
 #include "Exceptions.h"
 #include "MachineValue.h"
 #include "Operation.h"
@@ -16,9 +17,8 @@ void LoadValue(const CMessageOrigin& origin, COwned<Value>& pValue, const WCHAR*
         pValue = OpenMachineValue<Value>(origin, WINLOGON_KEY, szValueName, false, false);
         pValue->ReadRegistry();
     } catch (...) {
-        // Most machines lack most of the values, and one may be too long to be read. Their objects stay, and
-        // find what is written later.
-        if (pValue == nullptr || !ReportIf<CUnableToReadRegistryException>()) {
+        // Most machines lack most of the values: their objects stay, and find what is written later.
+        if (pValue == nullptr || !ReportIf<CUnableToReadRegistryException>() || pValue->Exists()) {
             pValue.Reset();
             CKeyWarning(origin, TXT_KEY_NOT_LOADED, szValueName);
         }
@@ -47,18 +47,17 @@ CWinlogonRegistry::~CWinlogonRegistry()
 bool CWinlogonRegistry::GetGinaDLL(WCHAR* szDest, DWORD cchDest, bool bRefresh) noexcept
 {
     const COperation op(*this, s_szClass, TEXT("GetGinaDLL"));
-    const CCriticalSection::CLock lock(m_GinaDLLLock);
-    return op.Run(Absorb<CUnableToReadRegistryException>(), [&] {
+    const auto body = [&] {
         return RequireValue(*this, m_pGinaDLL, WINLOGON_GINA_DLL)
             .GetRegistryString(szDest, cchDest, bRefresh);
-    });
+    };
+    return op.Run(Absorb<CUnableToReadRegistryException>(), [&] { return CallLocked(m_GinaDLLLock, body); });
 }
 
 bool CWinlogonRegistry::SetGinaDLL(const WCHAR* szValue) noexcept
 {
     const COperation op(*this, s_szClass, TEXT("SetGinaDLL"));
-    const CCriticalSection::CLock lock(m_GinaDLLLock);
-    return op.Run(Absorb<CUnableToWriteRegistryException>(), [&] {
+    const auto body = [&] {
         if (szValue == nullptr) {
             // The value refuses it; nothing is made for it either.
             op.Warn(ERR_PUSHING_NULL);
@@ -74,7 +73,8 @@ bool CWinlogonRegistry::SetGinaDLL(const WCHAR* szValue) noexcept
             Absorb<CMessage>()(op);
         }
         return true;
-    });
+    };
+    return op.Run(Absorb<CUnableToWriteRegistryException>(), [&] { return CallLocked(m_GinaDLLLock, body); });
 }
 
 void CWinlogonRegistry::MakeGinaDLL()

@@ -60,9 +60,9 @@ inline constexpr WCHAR WINLOGON_GINA_DLL[] = TEXT("GinaDLL");
 class CWinlogonRegistry : public CGlobalObject
 {
 public:
-    /// Opens the values and reads each once. Nothing is created: a value that is missing or cannot be
-    /// read keeps an object with an empty cache; the object is null, and that is warned of, when the key
-    /// cannot be opened.
+    /// Opens the values and reads each once. Nothing is created: a value that is missing keeps an object with
+    /// an empty cache. The object is null, and that is warned of, when the key cannot be opened or the value
+    /// is there and cannot be read.
     CWinlogonRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg) noexcept;
     ~CWinlogonRegistry();
     CWinlogonRegistry(const CWinlogonRegistry&) = delete;

@@ -20,6 +20,9 @@ public:
     /// Deletes the value from the key. Throws CUnableToDeleteRegistryValueException.
     bool DeleteRegistryValue();
 
+    /// Whether the registry has the value, readable or not.
+    bool Exists() const noexcept;
+
     COwnedText m_szValueName;
     bool m_bReadThrough;
     bool m_bWriteThrough;

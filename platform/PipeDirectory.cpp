@@ -44,8 +44,11 @@ std::string GetPrivateDirectory()
 
 bool IsPipeName(LPCWSTR szName) noexcept
 {
-    const std::size_t cchName = std::char_traits<WCHAR>::length(szName);
-    return cchName >= PREFIX_LENGTH && CompareNoCase(WideText(szName, PREFIX_LENGTH), PREFIX) == 0;
+    WCHAR szStart[PREFIX_LENGTH + 1] = {};
+    for (std::size_t n = 0; n < PREFIX_LENGTH && szName[n] != 0; ++n) {
+        szStart[n] = szName[n];
+    }
+    return CompareNoCase(szStart, PREFIX) == 0;
 }
 
 std::string GetPipePath(LPCWSTR szName)

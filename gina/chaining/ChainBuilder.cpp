@@ -76,8 +76,9 @@ bool CChainBuilder::RepairLast()
     }
     const WCHAR* szGinaDLL = NameOf(*m_chain.m_pTail);
     CPassthroughWarning(LUM_GINA_ORIGIN, TXT_BAD_PASSTHROUGH, szGinaDLL, NO_VALUE);
-    const WCHAR* szDefault = m_pInfo->GetDefaultGinaDLL();
-    const bool bUsable = szDefault != nullptr && !IsInChain(m_chain, szDefault);
+    const WCHAR* szDefault = m_pInfo->m_szDefaultGinaDLL;
+    // An empty default names no GINA that could follow.
+    const bool bUsable = szDefault != nullptr && *szDefault != 0 && !IsInChain(m_chain, szDefault);
     m_pInfo->SetOldGinaDLL(bUsable ? szDefault : SYSTEM_GINA);
     ReadPassthrough();
     if (*m_szCurrent == 0) {

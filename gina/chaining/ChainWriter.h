@@ -14,7 +14,7 @@ void VisitChain(CKnownGinaList& knownGinas, const CGinaChain& chain, OnWinlogon 
     for (const CGinaLink* pLink = chain.m_pHead; pLink != nullptr; pLink = pLink->pNext) {
         CGinaChainingInfoObject* pInfo = FindGina(knownGinas, NameOf(*pLink));
         if (pInfo != nullptr) {
-            onGina(*pInfo, pLink->pNext != nullptr ? NameOf(*pLink->pNext) : pInfo->GetDefaultGinaDLL());
+            onGina(*pInfo, pLink->pNext != nullptr ? NameOf(*pLink->pNext) : pInfo->m_szDefaultGinaDLL);
         }
     }
 }

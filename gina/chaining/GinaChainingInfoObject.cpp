@@ -99,22 +99,10 @@ void CGinaChainingInfoObject::Describe(const CChainingRecord& record)
     try {
         m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey, false, true);
     } catch (...) {
-        // Most of the GINAs that are known are not installed. A shortage of memory says nothing of a GINA.
-        if (!ReportIf<CUnableToOpenRegistryKeyException, CUnableToReadRegistryException, CBadArgException>())
-        {
-            throw;
+        // Most of the GINAs that are known are not installed.
+        if (!ReportIf<CMessage>()) {
+            CWarning(*this, ERR_UNHANDLED_EXCEPTION);
         }
-    }
-}
-
-/// Makes the value where it is missing. One that cannot be read, too long maybe, can still be written.
-void CGinaChainingInfoObject::MakeOldGinaDLL()
-{
-    m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey, true, false);
-    try {
-        m_pOldGinaDLL->ReadRegistry();
-    } catch (CUnableToReadRegistryException& exception) {
-        exception.WriteIfUnwritten();
     }
 }
 
@@ -163,16 +151,11 @@ void CGinaChainingInfoObject::SetOldGinaDLL(const WCHAR* szValue) noexcept
         }
         // For null, which the value refuses, nothing may be made either.
         if (szValue != nullptr && !IsOldGinaDLLOpen(op)) {
-            MakeOldGinaDLL();
+            m_pOldGinaDLL =
+                OpenMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey, true, true);
         }
         if (m_pOldGinaDLL != nullptr) {
             m_pOldGinaDLL->SetRegistryString(szValue, true);
         }
     });
-}
-
-const WCHAR* CGinaChainingInfoObject::GetDefaultGinaDLL() const noexcept
-{
-    const bool bGiven = m_szDefaultGinaDLL != nullptr && *m_szDefaultGinaDLL != 0;
-    return bGiven ? static_cast<const WCHAR*>(m_szDefaultGinaDLL) : nullptr;
 }

@@ -40,25 +40,21 @@ public:
     /// empty at first. Nothing is written for a terminator, or for null, of which is warned.
     void SetOldGinaDLL(const WCHAR* szValue) noexcept;
 
-    /// The default, null when there is none. An empty one, which a record may have, is none: no GINA can pass
-    /// through to it.
-    const WCHAR* GetDefaultGinaDLL() const noexcept;
-
     /// Null for a row of the table that has none.
     COwnedText m_szSubKey;
     COwnedText m_szOldGinaDLLKey;
+    /// Null when there is none; a record may have an empty one.
     COwnedText m_szDefaultGinaDLL;
     bool m_bTerminator = false;
     bool m_bStandalone = false;
     bool m_bMustBeFirst = false;
     bool m_bIsIncompatible = false;
-    /// Null for a terminator, and while the key or the value does not exist.
+    /// Null for a terminator, and while the key or the value does not exist or cannot be read.
     COwned<CRegistryString> m_pOldGinaDLL;
 
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaChainingInfoObject");
 
     void Describe(const CChainingRecord& record);
-    void MakeOldGinaDLL();
     bool IsOldGinaDLLOpen(const COperation& op) noexcept;
 };

@@ -3,6 +3,7 @@
 #include <functional>
 #include <new>
 
+#include "CallLocked.h"
 #include "LUMRegistry.h"
 #include "WinlogonRegistry.h"
 #include "ChainBuilder.h"
@@ -87,8 +88,8 @@ template <typename Body>
 bool CRegistryManager::RunChange(CTracePoint point, Body body) noexcept
 {
     const COperation op(*this, s_szClass, point);
-    const CCriticalSection::CLock lock(m_lock);
-    return op.Run(Absorb<CMessage>(), body, FailureWarning::UnlessRaised);
+    return op.Run(
+        Absorb<CMessage>(), [&] { return CallLocked(m_lock, body); }, FailureWarning::UnlessRaised);
 }
 
 bool CRegistryManager::InsertGinaIntoChainingList(const WCHAR* szGinaDLL, const WCHAR* szInsertBefore,
@@ -167,61 +168,65 @@ bool CRegistryManager::RemoveGinaFromChainingList(const WCHAR* szGinaDLL) noexce
     });
 }
 
-/// What a query denies is an answer, not a failure.
 template <typename Body>
-bool CRegistryManager::RunQuery(CTracePoint point, Body body) const noexcept
+bool CRegistryManager::RunQuery(CTracePoint point, Body body, FailureWarning warning) const noexcept
 {
     const COperation op(*this, s_szClass, point);
-    return op.Run(Absorb<CMessage>(), body, FailureWarning::Never);
+    return op.Run(Absorb<CMessage>(), body, warning);
 }
 
 bool CRegistryManager::IsGinaInChainingList(const WCHAR* szGinaDLL) const noexcept
 {
-    return RunQuery(TEXT("IsGinaInChainingList"), [&] {
-        const CCriticalSection::CLock lock(m_lock);
-        return m_pGinaChainingList->IsInList(szGinaDLL);
-    });
+    const auto body = [&] { return m_pGinaChainingList->IsInList(szGinaDLL); };
+    return RunQuery(
+        TEXT("IsGinaInChainingList"), [&] { return CallLocked(m_lock, body); }, FailureWarning::UnlessRaised);
 }
 
 bool CRegistryManager::IsGinaKnown(const WCHAR* szGinaDLL) const noexcept
 {
-    return RunQuery(TEXT("IsGinaKnown"), [&] {
-        const CCriticalSection::CLock lock(m_lock);
-        return m_pKnownGinaList->IsInList(szGinaDLL);
-    });
+    const auto body = [&] { return m_pKnownGinaList->IsInList(szGinaDLL); };
+    return RunQuery(
+        TEXT("IsGinaKnown"), [&] { return CallLocked(m_lock, body); }, FailureWarning::UnlessRaised);
 }
 
 bool CRegistryManager::operator==(const CRegistryManager& other) const noexcept
 {
-    return RunQuery(TEXT("operator=="), [&] { return IsEqual(other); });
+    return RunQuery(
+        TEXT("operator=="), [&] { return IsEqual(other); }, FailureWarning::UnlessRaised);
 }
 
+/// To be equal is what is hoped for, and no failure.
 bool CRegistryManager::operator!=(const CRegistryManager& other) const noexcept
 {
-    return RunQuery(TEXT("operator!="), [&] { return !IsEqual(other); });
+    return RunQuery(
+        TEXT("operator!="), [&] { return !IsEqual(other); }, FailureWarning::Never);
 }
 
 bool CRegistryManager::IsEqual(const CRegistryManager& other) const
 {
     const CBothLocks locks(*this, other);
-    return m_bChainIncomplete == other.m_bChainIncomplete &&
-           *m_pGinaChainingList == *other.m_pGinaChainingList;
+    return GuardedHostCall([&] {
+        return m_bChainIncomplete == other.m_bChainIncomplete &&
+               *m_pGinaChainingList == *other.m_pGinaChainingList;
+    });
 }
 
 void CRegistryManager::WriteOutListToRegistry() noexcept
 {
     const COperation op(*this, s_szClass, TEXT("WriteOutListToRegistry"));
-    const CCriticalSection::CLock lock(m_lock);
-    op.Run(Absorb<CMessage>(), [this] {
+    const auto body = [this] {
         if (!m_bChainIncomplete && !m_bListOnly) {
             WriteChain(*m_pKnownGinaList, *m_pGinaChainingList, *m_pWinlogonRegistry);
         }
-    });
+    };
+    op.Run(Absorb<CMessage>(), [&] { CallLocked(m_lock, body); });
 }
 
 void CRegistryManager::ResyncWithRegistry(const CRegistryManager& other) noexcept
 {
     const COperation op(*this, s_szClass, TEXT("ResyncWithRegistry"));
-    const CBothLocks locks(*this, other);
-    op.Run(Absorb<CMessage>(), [&] { CChainResync(*this, other).Run(); });
+    op.Run(Absorb<CMessage>(), [&] {
+        const CBothLocks locks(*this, other);
+        GuardedHostCall([&] { CChainResync(*this, other).Run(); });
+    });
 }

@@ -73,7 +73,7 @@ private:
     template <typename Body>
     bool RunChange(CTracePoint point, Body body) noexcept;
     template <typename Body>
-    bool RunQuery(CTracePoint point, Body body) const noexcept;
+    bool RunQuery(CTracePoint point, Body body, FailureWarning warning) const noexcept;
     bool IsEqual(const CRegistryManager& other) const;
 
     bool Place(const WCHAR* szGinaDLL, const WCHAR* szInsertBefore, bool bAtFront);

@@ -184,8 +184,7 @@ TEST_F(GinaChainingObject, CopiesHaveAnObjectOfTheirOwn)
         EXPECT_EQ(passthrough, Passthrough(copy));
         EXPECT_EQ(subKey, Narrow(copy.m_szSubKey));
         EXPECT_TRUE(copy.m_bMustBeFirst && copy.m_bIsIncompatible);
-        EXPECT_NE(nullptr, copy.m_szDefaultGinaDLL);
-        EXPECT_EQ(nullptr, copy.GetDefaultGinaDLL());
+        EXPECT_EQ("", Narrow(copy.m_szDefaultGinaDLL)) << "empty, not missing";
     }
 }
 

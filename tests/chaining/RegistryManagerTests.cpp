@@ -279,6 +279,17 @@ TEST_F(RegistryManager, Answers)
     EXPECT_TRUE(*incomplete != *Build());
 }
 
+TEST_F(RegistryManager, AnIncompleteChainIsNeverWritten)
+{
+    SetValues(ValuesOf("wpnGina.dll x.dll"));
+    const auto manager = Build();
+    ASSERT_TRUE(manager->m_bChainIncomplete);
+    SetValues(ValuesOf("msgina.dll"));
+    const auto values = GetValues();
+    manager->WriteOutListToRegistry();
+    EXPECT_EQ(values, GetValues());
+}
+
 TEST_F(RegistryManager, NeedsBothRegistries)
 {
     const auto make = [](CLUMRegistry* pConfiguration, CWinlogonRegistry* pWinlogon) {

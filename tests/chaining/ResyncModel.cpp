@@ -157,7 +157,8 @@ void Write(const CManager& manager, Values& values)
     for (std::size_t n = 0; n < manager.chain.size(); ++n) {
         const CGina* pGina = Find(manager.known, manager.chain[n]);
         const bool bLast = n + 1 == manager.chain.size();
-        if (pGina != nullptr && !pGina->bTerminator && !(bLast && pGina->fallback.empty())) {
+        // That one alone has no default; a record's may be empty.
+        if (pGina != nullptr && !pGina->bTerminator && !(bLast && IsSame(pGina->name, "kvs_gina.dll"))) {
             values[pGina->name] = bLast ? pGina->fallback : manager.chain[n + 1];
         }
     }

@@ -54,15 +54,18 @@ TEST_F(WinlogonRegistry, WithoutTheKeyEachValueIsMissedInOrder)
     EXPECT_EQ("lum_gina.dll", Get(registry));
 }
 
-TEST_F(WinlogonRegistry, MissingValuesAreReportedOnceAndStayMissing)
+TEST_F(WinlogonRegistry, MissingValuesStayMissingAndUnreadableOnesAreDoneWithout)
 {
     SetString(WINLOGON_KEY, TEXT("Shell"), TEXT("Explorer.exe"));
     SetDword(WINLOGON_KEY, TEXT("SFCQuota"), 77);
+    SetString(WINLOGON_KEY, TEXT("UIHost"), std::basic_string<WCHAR>(300, 'x').c_str());
     SetTraceMask(LEVEL_EXCEPTION);
     CWinlogonRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
     EXPECT_EQ(38u, Log().size());
     EXPECT_EQ(1, Count("[EXCEPTION] Unable to read from registry, Registry Value: GinaDLL, Error: 0x2"));
     EXPECT_EQ("(none)", GetValue(WINLOGON_KEY, TEXT("Userinit")));
+    EXPECT_TRUE(registry.m_pUserinit != nullptr);
+    EXPECT_TRUE(registry.m_pUIHost == nullptr) << "too long to be read";
     DWORD dwQuota = 0;
     EXPECT_TRUE(registry.m_pSFCQuota->GetRegistryDword(&dwQuota, false));
     EXPECT_EQ(77u, dwQuota);

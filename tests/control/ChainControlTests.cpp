@@ -54,8 +54,8 @@ TEST_F(ChainControl, RemovesAnotherGina)
     {
         ClearLog();
         EXPECT_FALSE(object->LUMIsGinaInChainingList(szName));
-        EXPECT_EQ(2, Count("[WARNING] The requested operation failed or it was cancelled"))
-            << "of the operation and of the list";
+        EXPECT_EQ(3, Count("[WARNING] The requested operation failed or it was cancelled"))
+            << "of the operation, the manager and the list";
         EXPECT_FALSE(object->LUMRemoveGina(szName));
     }
     EXPECT_EQ("lum_gina.dll msgina.dll", ChainOf(*Build(true)));

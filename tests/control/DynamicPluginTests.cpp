@@ -49,7 +49,7 @@ TEST_F(DynamicPlugins, OneIsAddedBehindTheOthers)
     EXPECT_EQ((Lines{"test_plugin_a.dll", "test_plugin_b.dll", "test_plugin_c.dll", "standin_gina.dll"}),
               Chain());
     EXPECT_EQ("\"test_plugin_a.dll,test_plugin_b.dll,test_plugin_c.dll\"", Configured());
-    EXPECT_TRUE(Log().empty());
+    EXPECT_EQ(Lines{FAILED}, Log()) << "it was not listed";
     EXPECT_EQ(WLX_VERSION_1_3, dwOffered) << "what was agreed with Winlogon";
     EXPECT_EQ((Lines{"Negotiate", "Initialize"}), plugins[2].Calls());
     const auto place = [](const void* p) { return reinterpret_cast<ULONG_PTR>(p); };

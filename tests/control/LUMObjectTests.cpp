@@ -143,10 +143,10 @@ TEST_F(LUMObject, ConfiguresWithoutLoading)
         const char* szPlugins;
         Lines log;
     } const rows[] = {
-        {&CLUMObject::LUMAddPlugin, TEXT("new.dll"), true, "\"a.dll,new.dll\"", {}},
+        {&CLUMObject::LUMAddPlugin, TEXT("new.dll"), true, "\"a.dll,new.dll\"", {FAILED}},
         {&CLUMObject::LUMAddPlugin, TEXT("NEW.DLL"), true, "\"a.dll,new.dll\"", {}},
         {&CLUMObject::LUMRemovePlugin, TEXT("A.dll"), true, "\"new.dll\"", {}},
-        {&CLUMObject::LUMRemovePlugin, TEXT("absent.dll"), true, "\"new.dll\"", {}},
+        {&CLUMObject::LUMRemovePlugin, TEXT("absent.dll"), true, "\"new.dll\"", {FAILED}},
         {&CLUMObject::LUMAddPlugin, nullptr, false, "\"new.dll\"", {BadArgument("szPlugin"), FAILED}},
         {&CLUMObject::LUMRemovePlugin, nullptr, false, "\"new.dll\"", {BadArgument("szPlugin"), FAILED}},
     };

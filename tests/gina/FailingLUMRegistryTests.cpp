@@ -15,6 +15,7 @@ using Lines = std::vector<std::string>;
 using Operation = std::function<bool(CLUMRegistry&)>;
 
 constexpr char UNHANDLED[] = "[WARNING] An unhandled exception occurred";
+constexpr char FAILED[] = "[WARNING] The requested operation failed or it was cancelled";
 
 std::string CannotRead(const std::string& value, const char* szError)
 {
@@ -81,9 +82,10 @@ TEST_F(FailingLUMRegistry, AValueThatCannotBeLoadedIsDoneWithout)
         {"Plugins",
          ADD,
          "false",
-         {CannotRead("Plugins", "0xffffffff"), UNHANDLED, CannotRead("Plugins", "0xffffffff"), UNHANDLED}},
+         {CannotRead("Plugins", "0xffffffff"), UNHANDLED, FAILED, CannotRead("Plugins", "0xffffffff"),
+          UNHANDLED}},
         // What cannot be read lists nothing, and what is not listed need not be removed.
-        {"Plugins", REMOVE, "true", {CannotRead("Plugins", "0xffffffff"), UNHANDLED}},
+        {"Plugins", REMOVE, "true", {CannotRead("Plugins", "0xffffffff"), UNHANDLED, FAILED}},
         {"GinaDLL", GetGinaDLL, "read exception", {CannotRead("GinaDLL", "0xffffffff")}},
         {"Timeout",
          GetDword<&CLUMRegistry::GetTimeout>,
@@ -166,11 +168,26 @@ TEST_F(FailingLUMRegistry, OperationsTellTheirReason)
         // A count that cannot be read is not written either.
         {COUNT, Call::RegQueryValueExW, 1, "InstanceCount", "true", {CannotRead("InstanceCount", "0x5")}},
         {PARSE, Call::RegQueryValueExW, 1, "Plugins", "false", {CannotRead("Plugins", "0x5"), UNHANDLED}},
-        {ADD, Call::RegQueryValueExW, 2, "Plugins", "false", {CannotRead("Plugins", "0x5"), UNHANDLED}},
-        {ADD, Call::RegSetValueExW, 1, "Plugins", "false", {CannotWrite("Plugins", "0x5"), UNHANDLED}},
+        {ADD,
+         Call::RegQueryValueExW,
+         2,
+         "Plugins",
+         "false",
+         {FAILED, CannotRead("Plugins", "0x5"), UNHANDLED}},
+        {ADD,
+         Call::RegSetValueExW,
+         1,
+         "Plugins",
+         "false",
+         {FAILED, CannotWrite("Plugins", "0x5"), UNHANDLED}},
         {REMOVE, Call::RegSetValueExW, 1, "Plugins", "false", {CannotWrite("Plugins", "0x5"), UNHANDLED}},
         // Whether it is listed cannot be told, and the registry is as it was.
-        {REMOVE, Call::RegQueryValueExW, 1, "Plugins", "true", {CannotRead("Plugins", "0x5"), UNHANDLED}},
+        {REMOVE,
+         Call::RegQueryValueExW,
+         1,
+         "Plugins",
+         "true",
+         {CannotRead("Plugins", "0x5"), UNHANDLED, FAILED}},
     };
     CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
     for (const auto& row : rows) {
