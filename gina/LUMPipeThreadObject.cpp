@@ -37,12 +37,13 @@ CLUMPipeThreadObject::CLUMPipeThreadObject(CLUMObject* pLUMObject, CLUMGina* pLU
     }
 }
 
-/// One instance, so that requests come one at a time.
+/// One instance, so that requests come one at a time. Overlapped, because disconnecting would otherwise wait
+/// for a flush on another thread, which waits for the client.
 void CLUMPipeThreadObject::CreatePipe()
 {
-    m_hPipe = CreateNamedPipeW(ControlProtocol::PIPE_NAME, PIPE_ACCESS_DUPLEX | WRITE_OWNER,
-                               BYTE_MODE | PIPE_NOWAIT, 1, BUFFER_SIZE, BUFFER_SIZE,
-                               DEFAULT_TIMEOUT_MILLISECONDS, nullptr);
+    m_hPipe = CreateNamedPipeW(
+        ControlProtocol::PIPE_NAME, PIPE_ACCESS_DUPLEX | WRITE_OWNER | FILE_FLAG_OVERLAPPED,
+        BYTE_MODE | PIPE_NOWAIT, 1, BUFFER_SIZE, BUFFER_SIZE, DEFAULT_TIMEOUT_MILLISECONDS, nullptr);
     if (m_hPipe == INVALID_HANDLE_VALUE) {
         throw CCreateNamedPipeException(*this, GetLastError());
     }

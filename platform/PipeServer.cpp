@@ -28,9 +28,9 @@ CDescriptor TakeName(const std::string& path)
 
 } // namespace
 
-CPipeServer::CPipeServer(LPCWSTR szName, const std::string& path, bool bWait)
-    : CPipeEnd(bWait, true, true), m_name(szName), m_path(path), m_lock(TakeName(path)),
-      m_listener(PipeSocket::Listen(path)), m_stop(eventfd(0, EFD_CLOEXEC))
+CPipeServer::CPipeServer(LPCWSTR szName, const std::string& path, bool bWait, bool bOverlapped)
+    : CPipeEnd(bWait, true, true), m_name(szName), m_path(path), m_bOverlapped(bOverlapped),
+      m_lock(TakeName(path)), m_listener(PipeSocket::Listen(path)), m_stop(eventfd(0, EFD_CLOEXEC))
 {
     Require(m_stop.IsOpen(), FromErrno(errno));
     try {
@@ -94,9 +94,28 @@ void CPipeServer::Connect()
 
 void CPipeServer::Disconnect()
 {
+    std::unique_lock noFlush(m_flushing, std::defer_lock);
+    if (!m_bOverlapped) {
+        noFlush.lock();
+    }
     const std::lock_guard lock(m_mutex);
     m_client.Reset();
     m_state = State::Disconnected;
+    ++m_dwDisconnected;
+    m_changed.notify_all();
+}
+
+void CPipeServer::Flush()
+{
+    const std::lock_guard flushing(m_flushing);
+    std::unique_lock lock(m_mutex);
+    const int nSocket = RequireClient();
+    const DWORD dwDisconnected = m_dwDisconnected;
+    while (PipeSocket::HasUnread(nSocket)) {
+        // The system does not tell when this changes.
+        m_changed.wait_for(lock, std::chrono::milliseconds(1));
+        Require(m_dwDisconnected == dwDisconnected, ERROR_PIPE_NOT_CONNECTED);
+    }
 }
 
 void CPipeServer::RequireImpersonation()
@@ -108,6 +127,12 @@ void CPipeServer::RequireImpersonation()
 int CPipeServer::GetSocket()
 {
     const std::lock_guard lock(m_mutex);
+    return RequireClient();
+}
+
+/// With the lock held.
+int CPipeServer::RequireClient() const
+{
     Require(m_state != State::Listening, ERROR_PIPE_LISTENING);
     Require(m_state != State::Disconnected, ERROR_PIPE_NOT_CONNECTED);
     return m_client.Get();

@@ -14,13 +14,16 @@ namespace Native {
 class CPipeServer : public CPipeEnd
 {
 public:
-    CPipeServer(LPCWSTR szName, const std::string& path, bool bWait);
+    CPipeServer(LPCWSTR szName, const std::string& path, bool bWait, bool bOverlapped);
     ~CPipeServer() override;
 
     LPCWSTR GetName() const noexcept override { return m_name.c_str(); }
 
     void Connect();
+    /// Ends a Flush of another thread. As on Windows, it waits for that where the end is not overlapped.
     void Disconnect();
+    /// Waits until the client has read what was written to it.
+    void Flush();
     /// Throws unless something was read from the client.
     void RequireImpersonation();
 
@@ -35,11 +38,13 @@ private:
         Connected,
     };
 
+    int RequireClient() const;
     void AnswerClients() noexcept;
     void AnswerClient(CDescriptor client) noexcept;
 
     const WideText m_name;
     const std::string m_path;
+    const bool m_bOverlapped;
     CDescriptor m_lock;
     CDescriptor m_listener;
     CDescriptor m_stop;
@@ -49,6 +54,10 @@ private:
     std::condition_variable m_changed;
     State m_state = State::Listening;
     CDescriptor m_client;
+    /// How many clients were disconnected so far.
+    DWORD m_dwDisconnected = 0;
+    /// Comes before the other one.
+    std::mutex m_flushing;
 };
 
 } // namespace Native

@@ -150,16 +150,12 @@ DWORD Peek(int nSocket, void* pBuffer, DWORD cbBuffer)
     return static_cast<DWORD>(nAvailable);
 }
 
-void Flush(int nSocket)
+bool HasUnread(int nSocket)
 {
-    for (int nUnread = 1; nUnread != 0;) {
-        Require(ioctl(nSocket, SIOCOUTQ, &nUnread) == 0, FromErrno(errno));
-        Require(nUnread == 0 || !IsPeerGone(nSocket), ERROR_BROKEN_PIPE);
-        if (nUnread != 0) {
-            // The system does not tell when this changes.
-            usleep(1000);
-        }
-    }
+    int nUnread = 0;
+    Require(ioctl(nSocket, SIOCOUTQ, &nUnread) == 0, FromErrno(errno));
+    Require(nUnread == 0 || !IsPeerGone(nSocket), ERROR_BROKEN_PIPE);
+    return nUnread != 0;
 }
 
 bool IsPeerGone(int nSocket) noexcept
@@ -188,11 +184,6 @@ DWORD CPipeEnd::Peek(void* pBuffer, DWORD cbBuffer)
 {
     Require(m_bMayRead, ERROR_ACCESS_DENIED);
     return PipeSocket::Peek(GetSocket(), pBuffer, cbBuffer);
-}
-
-void CPipeEnd::Flush()
-{
-    PipeSocket::Flush(GetSocket());
 }
 
 } // namespace Native

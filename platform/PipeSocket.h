@@ -58,7 +58,8 @@ DWORD Read(int nSocket, void* pBuffer, DWORD cbBuffer, bool bWait);
 DWORD Write(int nSocket, const void* pBuffer, DWORD cbBuffer);
 /// Copies at most cbBuffer bytes, and gives how many could be read.
 DWORD Peek(int nSocket, void* pBuffer, DWORD cbBuffer);
-void Flush(int nSocket);
+/// Whether the other end has yet to read something that was written.
+bool HasUnread(int nSocket);
 /// Whether the other end is closed, whatever it has left to be read.
 bool IsPeerGone(int nSocket) noexcept;
 
@@ -71,7 +72,6 @@ public:
     DWORD Read(void* pBuffer, DWORD cbBuffer) override;
     DWORD Write(const void* pBuffer, DWORD cbBuffer) override;
     DWORD Peek(void* pBuffer, DWORD cbBuffer);
-    void Flush();
     void SetWait(bool bWait) noexcept { m_bWait = bWait; }
 
 protected:

@@ -53,8 +53,9 @@ HANDLE WINAPI CreateNamedPipeW(LPCWSTR szName, DWORD dwOpenMode, DWORD dwPipeMod
         Require((dwOpenMode & ACCESS_MASK) == PIPE_ACCESS_DUPLEX && (dwPipeMode & ~DWORD(PIPE_NOWAIT)) == 0 &&
                     dwMaxInstances == 1,
                 ERROR_NOT_SUPPORTED);
-        return HandleTable::Add(
-            std::make_shared<CPipeServer>(szName, GetPipePath(szName), (dwPipeMode & PIPE_NOWAIT) == 0));
+        return HandleTable::Add(std::make_shared<CPipeServer>(szName, GetPipePath(szName),
+                                                              (dwPipeMode & PIPE_NOWAIT) == 0,
+                                                              (dwOpenMode & FILE_FLAG_OVERLAPPED) != 0));
     });
 }
 
@@ -116,7 +117,8 @@ BOOL WINAPI WaitNamedPipeW(LPCWSTR szName, DWORD dwTimeout) noexcept
 
 BOOL WINAPI FlushFileBuffers(HANDLE hFile) noexcept
 {
-    return PipeCall<CPipeEnd>(PlatformCall::FlushFileBuffers, hFile, [](CPipeEnd& end) { end.Flush(); });
+    return PipeCall<CPipeServer>(PlatformCall::FlushFileBuffers, hFile,
+                                 [](CPipeServer& server) { server.Flush(); });
 }
 
 BOOL WINAPI ImpersonateNamedPipeClient(HANDLE hPipe) noexcept

@@ -18,7 +18,8 @@ class CThreadHandle : public CWaitable
 public:
     bool IsSignalled() const noexcept override { return m_bFinished; }
 
-    void Run(LPTHREAD_START_ROUTINE pfnStart, LPVOID pParameter)
+    /// A procedure may have another result of 32 bits, as on Windows.
+    __attribute__((no_sanitize("undefined"))) void Run(LPTHREAD_START_ROUTINE pfnStart, LPVOID pParameter)
     {
         Change([this] { m_dwThreadId = GetCurrentThreadId(); });
         pfnStart(pParameter);

@@ -6,6 +6,48 @@
 namespace {
 
 constexpr DWORD POLL_MILLISECONDS = 10;
+constexpr DWORD LAST_WAIT_MILLISECONDS = 1000;
+
+/// Finds out when the client has read all that was written. Only FlushFileBuffers can tell, and that waits
+/// for the client without a limit; so it gets a thread, which DisconnectNamedPipe sets free.
+class CPipeFlush
+{
+public:
+    explicit CPipeFlush(HANDLE hPipe) noexcept
+        : m_hThread(CreateThread(nullptr, 0, GetThreadProcedure(), hPipe, 0, nullptr))
+    {
+    }
+    /// The pipe has been disconnected.
+    ~CPipeFlush()
+    {
+        if (m_hThread != nullptr) {
+            WaitForSingleObject(m_hThread, LAST_WAIT_MILLISECONDS);
+            CloseHandle(m_hThread);
+        }
+    }
+    CPipeFlush(const CPipeFlush&) = delete;
+    CPipeFlush& operator=(const CPipeFlush&) = delete;
+
+    /// Whether the client has read everything or has gone. Never true when there is no thread to be had.
+    bool HasEnded(DWORD dwMilliseconds) const noexcept
+    {
+        if (m_hThread == nullptr) {
+            Sleep(dwMilliseconds);
+            return false;
+        }
+        return WaitForSingleObject(m_hThread, dwMilliseconds) == WAIT_OBJECT_0;
+    }
+
+private:
+    /// The system's function itself: the thread has none of this library's code to run, should it come to its
+    /// turn only when the library is gone.
+    static LPTHREAD_START_ROUTINE GetThreadProcedure() noexcept
+    {
+        return reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void (*)()>(FlushFileBuffers));
+    }
+
+    const HANDLE m_hThread;
+};
 
 } // namespace
 
@@ -54,7 +96,6 @@ void CPipeConnection::Write(const void* pBuffer, DWORD cbBuffer)
 {
     // Replies fit into the buffer of the pipe, so this does not wait for the client.
     DWORD cbWritten = 0;
-    m_bHasWritten = true;
     if (!WriteFile(m_hPipe, pBuffer, cbBuffer, &cbWritten, nullptr)) {
         throw CWriteFileException(m_Origin, GetLastError());
     }
@@ -74,30 +115,13 @@ bool CPipeConnection::Impersonate() noexcept
 
 void CPipeConnection::Close() noexcept
 {
-    // Disconnecting takes from the client what it has not read. Flushing waits for it without a limit, so it
-    // has to have closed its end, by which a client shows that it has its reply.
-    if (!m_bHasWritten || AwaitHangUp()) {
-        FlushFileBuffers(m_hPipe);
+    // Disconnecting takes from the client what it has not read.
+    const CPipeFlush flush(m_hPipe);
+    m_dwStart = GetTickCount();
+    while (!flush.HasEnded(POLL_MILLISECONDS) && !IsOver(m_Deadlines.dwReplyMilliseconds) && !m_awaitStop(0))
+    {
     }
     DisconnectNamedPipe(m_hPipe);
-}
-
-/// What the client sends beyond its request is thrown away: while there is any, the pipe does not tell that
-/// the client has gone.
-bool CPipeConnection::AwaitHangUp() noexcept
-{
-    m_dwStart = GetTickCount();
-    BYTE rest[256];
-    DWORD cbAvailable = 0;
-    while (PeekNamedPipe(m_hPipe, nullptr, 0, nullptr, &cbAvailable, nullptr) &&
-           (cbAvailable == 0 || ReadFile(m_hPipe, rest, sizeof(rest), &cbAvailable, nullptr)))
-    {
-        if (IsOver(m_Deadlines.dwReplyMilliseconds) || m_awaitStop(POLL_MILLISECONDS)) {
-            return false;
-        }
-    }
-    const DWORD dwError = GetLastError();
-    return dwError == ERROR_BROKEN_PIPE || dwError == ERROR_PIPE_NOT_CONNECTED;
 }
 
 void CPipeConnection::Revert()

@@ -41,7 +41,6 @@ public:
 
 private:
     void AwaitBytes();
-    bool AwaitHangUp() noexcept;
     bool IsOver(DWORD dwMilliseconds) const noexcept;
 
     const CMessageOrigin m_Origin;
@@ -49,6 +48,5 @@ private:
     const AwaitStop& m_awaitStop;
     const CPipeDeadlines m_Deadlines;
     DWORD m_dwStart;
-    bool m_bHasWritten = false;
     bool m_bImpersonates = false;
 };

@@ -44,30 +44,17 @@ void CRawClient::Send(const std::string& bytes)
     WriteFile(m_hPipe, bytes.data(), static_cast<DWORD>(bytes.size()), &cbWritten, nullptr);
 }
 
-std::string CRawClient::Receive(DWORD cbMost)
+std::string CRawClient::Receive(DWORD cbPiece)
 {
-    const DWORD dwStart = GetTickCount();
     std::string digits;
-    DWORD cbAvailable = 0;
-    while (digits.size() < 2 * cbMost && GetTickCount() - dwStart < PATIENCE_MILLISECONDS &&
-           PeekNamedPipe(m_hPipe, nullptr, 0, nullptr, &cbAvailable, nullptr))
-    {
-        BYTE byNext = 0;
-        DWORD cbRead = 0;
-        if (cbAvailable == 0) {
-            Sleep(1);
-        } else if (ReadFile(m_hPipe, &byNext, 1, &cbRead, nullptr)) {
-            digits += "0123456789abcdef"[byNext >> 4];
-            digits += "0123456789abcdef"[byNext & 15];
+    std::string piece(cbPiece, 0);
+    for (DWORD cbRead = 0; ReadFile(m_hPipe, piece.data(), cbPiece, &cbRead, nullptr);) {
+        for (const char c : piece.substr(0, cbRead)) {
+            digits += "0123456789abcdef"[c >> 4 & 15];
+            digits += "0123456789abcdef"[c & 15];
         }
     }
     return digits;
-}
-
-DWORD CRawClient::CountAvailable()
-{
-    DWORD cbAvailable = 0;
-    return PeekNamedPipe(m_hPipe, nullptr, 0, nullptr, &cbAvailable, nullptr) ? cbAvailable : 0;
 }
 
 void CRawClient::Close()
@@ -78,13 +65,11 @@ void CRawClient::Close()
     }
 }
 
-std::string Exchange(const std::string& bytes, std::size_t nDigits)
+std::string Exchange(const std::string& bytes)
 {
     CRawClient client;
     client.Send(bytes);
-    // A reply comes in one piece.
-    const std::string digits = client.Receive(nDigits == 0 ? 1 : static_cast<DWORD>(nDigits / 2));
-    return digits + client.Receive(client.CountAvailable());
+    return client.Receive();
 }
 
 std::string Number(DWORD dwValue)

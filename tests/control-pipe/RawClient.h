@@ -16,19 +16,17 @@ public:
     CRawClient& operator=(const CRawClient&) = delete;
 
     void Send(const std::string& bytes);
-    /// What comes until the server disconnects, in hexadecimal digits: "00", "" for nothing; at most
-    /// cbMost bytes.
-    std::string Receive(DWORD cbMost = 4096);
-    DWORD CountAvailable();
+    /// Waits for what comes, cbPiece bytes at a time, until the server disconnects; in hexadecimal digits:
+    /// "00", "" for nothing.
+    std::string Receive(DWORD cbPiece = 64);
     void Close();
 
 private:
     HANDLE m_hPipe;
 };
 
-/// Sends bytes, reads as many digits as a reply should have and any more that came with them, and hangs up.
-/// For no digits it waits until the server hangs up.
-std::string Exchange(const std::string& bytes, std::size_t nDigits = 2);
+/// Sends bytes, and gives what comes until the server disconnects.
+std::string Exchange(const std::string& bytes);
 
 /// A request whose bytes are put together by hand, so that the tests do not depend on the client library.
 std::string Number(DWORD dwValue);

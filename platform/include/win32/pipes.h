@@ -13,6 +13,7 @@
 #define PIPE_ACCESS_OUTBOUND 0x00000002
 #define PIPE_ACCESS_DUPLEX 0x00000003
 #define WRITE_OWNER 0x00080000
+#define FILE_FLAG_OVERLAPPED 0x40000000
 
 #define PIPE_WAIT 0x00000000
 #define PIPE_NOWAIT 0x00000001
@@ -27,7 +28,8 @@
 #define SECURITY_SQOS_PRESENT 0x00100000
 
 /// Byte pipes, duplex, with one instance; others fail with ERROR_NOT_SUPPORTED. While a process has the name,
-/// ERROR_PIPE_BUSY. The instance is listening at once.
+/// ERROR_PIPE_BUSY. The instance is listening at once. FILE_FLAG_OVERLAPPED has its effect on
+/// FlushFileBuffers alone.
 HANDLE WINAPI CreateNamedPipeW(LPCWSTR szName, DWORD dwOpenMode, DWORD dwPipeMode, DWORD dwMaxInstances,
                                DWORD cbOutBuffer, DWORD cbInBuffer, DWORD dwDefaultTimeout,
                                LPSECURITY_ATTRIBUTES pSecurity) noexcept;
@@ -50,7 +52,8 @@ BOOL WINAPI PeekNamedPipe(HANDLE hPipe, LPVOID pBuffer, DWORD cbBuffer, LPDWORD 
 /// ERROR_SEM_TIMEOUT when the time is over.
 BOOL WINAPI WaitNamedPipeW(LPCWSTR szName, DWORD dwTimeout) noexcept;
 
-/// Returns when the other end has read everything. Files need no flushing, and are refused.
+/// For the server's end: returns when the client has read everything. Where that end was made with
+/// FILE_FLAG_OVERLAPPED, DisconnectNamedPipe on another thread ends it; otherwise that waits for it.
 BOOL WINAPI FlushFileBuffers(HANDLE hFile) noexcept;
 
 /// Marks the thread, and nothing else: see OpenThreadToken. ERROR_CANNOT_IMPERSONATE before anything was read
