@@ -14,9 +14,8 @@ namespace {
 // while the library is being unloaded no thread can end, and that must not keep the process.
 constexpr DWORD LAST_LINES_MILLISECONDS = 2000;
 constexpr DWORD POLL_MILLISECONDS = 1;
-// A thread that is inside a plugin may stay there, and must not keep the machine from shutting down.
-constexpr DWORD LONGEST_STOP_MILLISECONDS = 10000;
 constexpr WCHAR TXT_NOT_FINISHED[] = TEXT("Thread has not finished in time. It is left alone");
+constexpr WCHAR TXT_STILL_STOPPING[] = TEXT("Thread was asked to stop and has not finished yet");
 
 /// A thread's name for trace lines that are written when the object may be gone; cut to fit.
 class CNameCopy
@@ -76,28 +75,39 @@ public:
     CIncomingMessages(const CIncomingMessages&) = delete;
     CIncomingMessages& operator=(const CIncomingMessages&) = delete;
 
-    /// Dispatches one; false when there is none. A window procedure is somebody else's code: one that fails
-    /// must not end the wait.
-    bool DispatchNext() noexcept
+    /// Dispatches all that are pending. False when it gave up before there was none left: after the time, and
+    /// after as many as a queue holds, since there are some that come again at once, for ever.
+    bool DispatchPending(DWORD dwMilliseconds) noexcept
     {
-        MSG message;
-        if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            return false;
+        const DWORD dwStart = GetTickCount();
+        for (int n = 0; n < QUEUE_CAPACITY && GetTickCount() - dwStart < dwMilliseconds; ++n) {
+            MSG message;
+            if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+                return true;
+            }
+            Dispatch(message);
         }
+        return false;
+    }
+
+private:
+    static constexpr int QUEUE_CAPACITY = 10000;
+
+    /// A window procedure is somebody else's code: one that fails must not end the wait.
+    void Dispatch(const MSG& message) noexcept
+    {
         if (message.message == WM_QUIT) {
             m_bQuit = true;
             m_nExitCode = message.wParam;
-            return true;
+            return;
         }
         try {
             GuardedCall([&] { DispatchMessageW(&message); });
         } catch (...) {
             CWarning(m_Origin, ERR_UNHANDLED_EXCEPTION);
         }
-        return true;
     }
 
-private:
     CMessageOrigin m_Origin;
     bool m_bQuit = false;
     WPARAM m_nExitCode = 0;
@@ -109,7 +119,7 @@ CThreadObject::CThreadObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const
                              bool bAutoDelete)
     : CGlobalObject(szAPPArg, szMTMArg), m_dwThreadId(0), m_hThread(nullptr), m_bRunning(false),
       FinishEvent(nullptr), StopEvent(nullptr), StartEvent(nullptr), m_bAutoDelete(bAutoDelete),
-      m_bStarting(false)
+      m_bStarting(false), m_bAskedToStop(false)
 {
     const CConstructionTrace trace(*this, s_szClass);
     RequireArgument(*this, szThreadName, TEXT("szThreadName"));
@@ -175,6 +185,10 @@ bool CThreadObject::StartThread()
     const COperation op(*this, s_szClass, TEXT("StartThread"), name);
     return op.Run(Absorb<CUnableToCreateThreadException>(), [this] {
         DropFinishedThread();
+        if (m_bAskedToStop && !TakeStopBack()) {
+            CVariableWarning(*this, TXT_STILL_STOPPING, m_szThreadName);
+            return false;
+        }
         ClearEvent(*this, StopEvent);
         ClearEvent(*this, FinishEvent);
         if (m_hThread == nullptr) {
@@ -213,6 +227,13 @@ void CThreadObject::DropFinishedThread() noexcept
     }
 }
 
+/// After a stop that was given up. False when the thread has heard of it: it will end, nobody knows when.
+bool CThreadObject::TakeStopBack() noexcept
+{
+    m_bAskedToStop = !IsSignalled(StopEvent);
+    return !m_bAskedToStop;
+}
+
 bool CThreadObject::StopThread()
 {
     const COperation op(*this, s_szClass, TEXT("StopThread"), m_szThreadName);
@@ -220,6 +241,7 @@ bool CThreadObject::StopThread()
         if (m_hThread != nullptr && m_bRunning) {
             try {
                 SignalEvent(*this, StopEvent);
+                m_bAskedToStop = true;
                 if (!AwaitFinish()) {
                     CVariableWarning(*this, TXT_NOT_FINISHED, m_szThreadName);
                     return false;
@@ -242,18 +264,19 @@ bool CThreadObject::AwaitFinish() const noexcept
     }
     const DWORD dwStart = GetTickCount();
     CIncomingMessages messages(*this);
+    DWORD dwLeft = m_dwLongestStop;
     bool bFinished = false;
     while (!bFinished) {
-        // The thread is looked at after each message: there are some that come again at once, for ever.
-        const bool bDispatched = messages.DispatchNext();
-        const DWORD dwWaited = GetTickCount() - dwStart;
+        const bool bAll = messages.DispatchPending(dwLeft);
         if (m_hThread == nullptr) {
             return true;
         }
-        if (dwWaited >= LONGEST_STOP_MILLISECONDS) {
+        const DWORD dwWaited = GetTickCount() - dwStart;
+        if (dwWaited >= m_dwLongestStop) {
             return false;
         }
-        bFinished = AwaitFinishOrInput(bDispatched ? 0 : LONGEST_STOP_MILLISECONDS - dwWaited);
+        dwLeft = m_dwLongestStop - dwWaited;
+        bFinished = AwaitFinishOrInput(bAll ? dwLeft : 0);
     }
     // The thread still uses the object until it has ended.
     IsSignalled(m_hThread, LAST_LINES_MILLISECONDS);
@@ -275,7 +298,7 @@ bool CThreadObject::AwaitFinishOrInput(DWORD dwMilliseconds) const noexcept
 
 bool CThreadObject::IsAlive() const noexcept
 {
-    return m_bRunning && m_hThread != nullptr && !IsSignalled(m_hThread);
+    return m_bRunning && !m_bAskedToStop && m_hThread != nullptr && !IsSignalled(m_hThread);
 }
 
 bool CThreadObject::CleanThread()
@@ -295,6 +318,7 @@ void CThreadObject::CloseThread() noexcept
     }
     m_hThread = nullptr;
     m_bRunning = false;
+    m_bAskedToStop = false;
 }
 
 void CThreadObject::DeleteThis()

@@ -30,17 +30,18 @@ public:
     virtual ~CThreadObject();
 
     /// Starts the thread. True also when it is running already. A thread that has ended by itself counts as
-    /// absent: a new one is started.
+    /// absent: a new one is started. After a stop that was given up the thread goes on if it has not heard of
+    /// that yet; false when it has and is still about to finish.
     bool StartThread();
 
     /// Asks the thread function to finish and waits until it has. Window messages of the calling thread are
     /// dispatched meanwhile, so hold no lock that a window procedure or the thread function needs. A thread
     /// that ended without a word is not waited for. False when there is no thread, and when it has not
-    /// finished within ten seconds: it is still running then (m_bRunning), and so neither the object nor what
-    /// the thread uses may be destroyed.
+    /// finished within m_dwLongestStop: it is still running then (m_bRunning), and so neither the object nor
+    /// what the thread uses may be destroyed.
     bool StopThread();
 
-    /// Whether there is a thread that has been started and has not ended.
+    /// Whether there is a thread that has been started, has not ended and is not to end.
     bool IsAlive() const noexcept;
 
     /// Lets go of the thread without stopping it; it must have finished. False when there is no thread.
@@ -61,6 +62,10 @@ public:
     HANDLE StopEvent;
     HANDLE StartEvent;
     bool m_bAutoDelete;
+
+    /// How long StopThread waits, in milliseconds. A thread that is inside a plugin may stay there, and must
+    /// not keep the machine from shutting down.
+    DWORD m_dwLongestStop = 10000;
 
     /// For owners on several threads: to be held while one of them starts or stops the thread. The thread
     /// function must not need it.
@@ -85,6 +90,7 @@ private:
 
     void Launch();
     void DropFinishedThread() noexcept;
+    bool TakeStopBack() noexcept;
     bool AwaitFinish() const noexcept;
     bool AwaitFinishOrInput(DWORD dwMilliseconds) const noexcept;
     void CloseThread() noexcept;
@@ -92,4 +98,7 @@ private:
 
     /// The thread of an object that deletes itself must not overtake StartThread.
     std::atomic<bool> m_bStarting;
+
+    /// StopThread has set StopEvent, and the thread has not been let go since.
+    bool m_bAskedToStop;
 };

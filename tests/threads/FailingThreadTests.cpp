@@ -124,6 +124,7 @@ TEST_F(FailingThread, IsStoppedAlsoWhenNobodyCanWaitOrHearOfIt)
     }
 }
 
+// Windows itself deals with what a window procedure throws.
 void CALLBACK OnFailingMessage(HWND, UINT, UINT_PTR, DWORD)
 {
     FaultGuard::RaiseForeignException();

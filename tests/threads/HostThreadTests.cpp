@@ -57,6 +57,24 @@ TEST_F(HostThreadObjects, TheMonitorIsSwitchedByTheControlChannel)
     EXPECT_EQ((std::vector<std::string>{"[WARNING] An unhandled exception occurred", FAILED}), Log());
 }
 
+TEST_F(HostThreadObjects, TheMonitorIsOnWhenTheControlChannelIsToldSo)
+{
+    CLUMRegMonitorThreadObject& monitor = *host->m_pLUMRegMonitorThreadObject;
+    monitor.m_dwLongestStop = 100;
+    ASSERT_TRUE(host->LUMEnableActiveRegistryMonitoring(true));
+    {
+        // Its last comparison has to wait.
+        const CCriticalSection::CLock lock(host->m_pRegistryManager->m_lock);
+        EXPECT_FALSE(host->LUMEnableActiveRegistryMonitoring(false));
+        EXPECT_FALSE(host->LUMEnableActiveRegistryMonitoring(true)) << "it is about to end";
+    }
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(monitor.m_hThread, 10000));
+    EXPECT_TRUE(host->LUMEnableActiveRegistryMonitoring(true));
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(monitor.m_hThread, 100));
+    monitor.m_dwLongestStop = 10000;
+    EXPECT_TRUE(host->LUMEnableActiveRegistryMonitoring(false));
+}
+
 TEST_F(HostThreadObjects, TheHostTellsItsOwnVersion)
 {
     struct

@@ -5,6 +5,7 @@
 #include "Exceptions.h"
 #include "TestMachine.h"
 #include "TestThread.h"
+#include "Thread.h"
 #include "guard/FaultGuard.h"
 
 namespace {
@@ -120,23 +121,33 @@ TEST_F(ThreadObject, DispatchesTheMessagesOfItsOwnerWhileItIsStopped)
 {
     MSG message;
     PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
-    for (const TIMERPROC pfnMessage : {OnMessage, OnFailingMessage}) {
+    const DWORD dwOwner = GetCurrentThreadId();
+    // Finishes only when its owner has dispatched what was posted before and during the wait.
+    const CTestThread::Body untilDispatched = [=](CTestThread& self) {
+        self.AwaitStop(INFINITE);
+        Post(dwOwner, OnMessage);
+        for (int n = 0; n < 1000 && g_nDispatched < 4; ++n) {
+            Sleep(10);
+        }
+        self.SignalFinish();
+    };
+    struct
+    {
+        const char* szName;
+        CTestThread::Body body;
+        int nDispatched;
+    } const rows[] = {{"one that runs", untilDispatched, 4},
+                      {"one that has ended", [](CTestThread& self) { self.SignalFinish(); }, 3}};
+    for (const auto& row : rows) {
         g_nDispatched = 0;
-        const DWORD dwOwner = GetCurrentThreadId();
-        // Finishes only when its owner has dispatched what was posted before and during the wait.
-        CTestThread thread([=](CTestThread& self) {
-            self.AwaitStop(INFINITE);
-            Post(dwOwner, pfnMessage);
-            for (int n = 0; n < 1000 && g_nDispatched < 3; ++n) {
-                Sleep(10);
-            }
-            EXPECT_EQ(3, g_nDispatched);
-            self.SignalFinish();
-        });
+        CTestThread thread(row.body);
         thread.StartThread();
-        Post(dwOwner, pfnMessage);
-        Post(dwOwner, pfnMessage);
+        WaitForSingleObject(thread.m_hThread, row.nDispatched == 3 ? INFINITE : 0);
+        Post(dwOwner, OnMessage);
+        Post(dwOwner, OnFailingMessage);
+        Post(dwOwner, OnMessage);
         EXPECT_TRUE(thread.StopThread());
+        EXPECT_EQ(row.nDispatched, g_nDispatched) << row.szName;
     }
 }
 
@@ -178,6 +189,50 @@ TEST_F(ThreadObject, AMessageMayStopTheThreadThatIsBeingStopped)
     Post(GetCurrentThreadId(), OnStopMessage);
     EXPECT_FALSE(thread.StopThread()) << "the inner stop has done it";
     EXPECT_EQ(nullptr, thread.m_hThread);
+}
+
+TEST_F(ThreadObject, IsStartedAgainAfterAStopThatWasGivenUp)
+{
+    struct
+    {
+        const char* szName;
+        bool bHears;
+        std::vector<std::string> log;
+        int nRuns;
+    } const rows[] = {
+        {"one that has not heard of the stop goes on", false, {}, 1},
+        {"one that has heard of it has to end first",
+         true,
+         {"[WARNING] Thread was asked to stop and has not finished yet, Variable: TestThread", FAILED},
+         2},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.szName);
+        CHappening goOn;
+        CTestThread thread([&](CTestThread& self) {
+            const bool bStop = row.bHears && self.m_nRuns == 1 && self.AwaitStop(INFINITE);
+            goOn.Wait();
+            if (!bStop) {
+                self.AwaitStop(INFINITE);
+            }
+            self.SignalFinish();
+        });
+        thread.m_dwLongestStop = 100;
+        thread.StartThread();
+        EXPECT_FALSE(thread.StopThread());
+        EXPECT_FALSE(thread.IsAlive());
+        ClearLog();
+        EXPECT_EQ(!row.bHears, thread.StartThread()) << "what it says is how it is";
+        EXPECT_EQ(row.log, Log());
+        goOn.Happen();
+        EXPECT_EQ(row.bHears,
+                  WaitForSingleObject(thread.m_hThread, row.bHears ? 10000 : 100) == WAIT_OBJECT_0);
+        EXPECT_TRUE(thread.StartThread());
+        EXPECT_TRUE(thread.IsAlive());
+        thread.m_dwLongestStop = 10000;
+        EXPECT_TRUE(thread.StopThread());
+        EXPECT_EQ(row.nRuns, thread.m_nRuns);
+    }
 }
 
 TEST_F(ThreadObject, IsStoppedWhenItIsDestroyed)
