@@ -1,12 +1,10 @@
 #include "ControlRequests.h"
 
 #include <cstring>
-#include <iterator>
 
-#include "ControlProtocol.h"
 #include "LUMGina.h"
 #include "LUMObject.h"
-#include "RequestFields.h"
+#include "RequestReader.h"
 
 using namespace ControlProtocol;
 
@@ -19,132 +17,86 @@ struct CAnswer
     DWORD dwVersion = 0;
 };
 
-/// What the client gets. A failure is the reply byte everywhere but in Version.
-enum class Reply
+/// A record that came in, with the name that came behind it; the empty name stands for none.
+struct CReceivedRecord : CGinaPluginInfo
 {
-    Byte,
-    RecordAlone,
-    ByteAndRecord,
-    Version,
-};
-
-/// Whom a request is carried out for.
-enum class Caller
-{
-    Impersonated,
-    Anyone,
-};
-
-/// How a request is served: reads the fields, and carries it out if bServe says so.
-using ServeFunction = bool(CControlChannel& channel, const CControlTargets& targets, bool bServe,
-                           CAnswer& answer);
-
-/// One with fields of a class, by a function that is given them.
-template <typename Fields, bool (*pfnCarryOut)(const CControlTargets&, const Fields&, CAnswer&)>
-bool Serve(CControlChannel& channel, const CControlTargets& targets, bool bServe, CAnswer& answer)
-{
-    const Fields fields(channel);
-    return bServe && pfnCarryOut(targets, fields, answer);
-}
-
-/// One with a single field, which is the argument of a control operation.
-template <typename Field, auto pfnOperation>
-bool ServeOperation(CControlChannel& channel, const CControlTargets& targets, bool bServe, CAnswer&)
-{
-    const Field field(channel);
-    return bServe && (targets.object.*pfnOperation)(field);
-}
-
-bool AddPlugin(const CControlTargets& targets, const CPluginChange& change, CAnswer&)
-{
-    return change.bDynamic ? targets.gina.LUMAddPluginDynamic(change.szPlugin)
-                           : targets.object.LUMAddPlugin(change.szPlugin);
-}
-
-bool RemovePlugin(const CControlTargets& targets, const CPluginChange& change, CAnswer&)
-{
-    return change.bDynamic ? targets.gina.LUMRemovePluginDynamic(change.szPlugin)
-                           : targets.object.LUMRemovePlugin(change.szPlugin);
-}
-
-bool QueryPlugin(const CControlTargets& targets, const CPluginQuery& query, CAnswer&)
-{
-    return targets.object.LUMQueryPlugin(query.passedOn.Get(), query.target.Get(), query.param1, query.param2,
-                                         query.param3);
-}
-
-bool QueryPluginInfo(const CControlTargets& targets, const CFixedName& szGinaDLL, CAnswer& answer)
-{
-    return targets.object.LUMQueryPluginInfo(szGinaDLL, answer.record);
-}
-
-bool GetPassthroughGina(const CControlTargets& targets, const CNoFields&, CAnswer& answer)
-{
-    return targets.object.LUMGetPassthroughGina(answer.record);
-}
-
-bool Verify(const CControlTargets&, const CNoFields&, CAnswer&)
-{
-    return true;
-}
-
-bool EnableMonitoring(const CControlTargets& targets, const CFlag& bEnable, CAnswer&)
-{
-    return targets.gina.LUMEnableActiveRegistryMonitoring(bEnable);
-}
-
-bool GetVersion(const CControlTargets& targets, const CNoFields&, CAnswer& answer)
-{
-    return targets.gina.LUMGetLUMGinaVersion(&answer.dwVersion);
-}
-
-struct CRequest
-{
-    BYTE byCode;
-    const WCHAR* szReceived;
-    Caller caller;
-    Reply reply;
-    ServeFunction* pfnServe;
-};
-
-#define REQUEST(NAME, CALLER, REPLY, ...)                                                                    \
-    CRequest                                                                                                 \
-    {                                                                                                        \
-        NAME, TEXT("Received request: ") TEXT(#NAME), Caller::CALLER, Reply::REPLY, __VA_ARGS__              \
-    }
-
-// clang-format off
-constexpr CRequest REQUESTS[] = {
-    REQUEST(LUM_DECREASE_PRIORITY, Impersonated, Byte, ServeOperation<CNamedRecord, &CLUMObject::LUMDecreasePriority>),
-    REQUEST(LUM_INCREASE_PRIORITY, Impersonated, Byte, ServeOperation<CNamedRecord, &CLUMObject::LUMIncreasePriority>),
-    REQUEST(LUM_GET_PASSTHROUGH_GINA, Impersonated, RecordAlone, Serve<CNoFields, GetPassthroughGina>),
-    REQUEST(LUM_IS_GINA_IN_CHAINING_LIST, Impersonated, Byte, ServeOperation<CGinaName, &CLUMObject::LUMIsGinaInChainingList>),
-    REQUEST(LUM_IS_GINA_IN_PLUGIN_LIST, Impersonated, Byte, ServeOperation<CPluginName, &CLUMObject::LUMIsGinaInPluginList>),
-    REQUEST(LUM_QUERY_PLUGIN, Impersonated, Byte, Serve<CPluginQuery, QueryPlugin>),
-    REQUEST(LUM_QUERY_PLUGIN_INFO, Impersonated, ByteAndRecord, Serve<CFixedName, QueryPluginInfo>),
-    REQUEST(LUM_ENABLE_GINA, Impersonated, Byte, ServeOperation<CFlag, &CLUMObject::LUMEnableGina>),
-    REQUEST(LUM_REMOVE_PLUGIN, Impersonated, Byte, Serve<CPluginChange, RemovePlugin>),
-    REQUEST(LUM_ADD_PLUGIN, Impersonated, Byte, Serve<CPluginChange, AddPlugin>),
-    REQUEST(LUM_REMOVE_GINA, Impersonated, Byte, ServeOperation<CFixedName, &CLUMObject::LUMRemoveGina>),
-    REQUEST(LUM_VERIFY_LUM_GINA, Anyone, Byte, Serve<CNoFields, Verify>),
-    REQUEST(LUM_ENABLE_ACTIVE_REG, Impersonated, Byte, Serve<CFlag, EnableMonitoring>),
-    REQUEST(LUM_GET_LUM_GINA_VERSION, Anyone, Version, Serve<CNoFields, GetVersion>),
-};
-// clang-format on
-#undef REQUEST
-
-#define COUNT_REQUEST(NAME, CODE) +1
-static_assert(std::size(REQUESTS) == LUM_CONTROL_REQUESTS(COUNT_REQUEST));
-#undef COUNT_REQUEST
-
-const CRequest* FindRequest(BYTE byCode) noexcept
-{
-    for (const CRequest& request : REQUESTS) {
-        if (request.byCode == byCode) {
-            return &request;
+    CReceivedRecord(const CRequest& request, int nRecord) : CGinaPluginInfo(LUM_GINA_APP, LUM_GINA_MTM)
+    {
+        const CWireRecord& record = request.records[nRecord];
+        m_dwSpare1 = record.dwSpare1;
+        m_dwWlxVersion = record.dwWlxVersion;
+        m_dwLUMVersion = record.dwLUMVersion;
+        m_dwSpare2 = record.dwSpare2;
+        const WCHAR* szName = request.szNames[nRecord];
+        if (*szName != 0 && !SetGinaDLL(szName)) {
+            throw CMemAllocException(LUM_GINA_ORIGIN, TEXT("m_szGinaDLL"));
         }
     }
-    return nullptr;
+};
+
+bool QueryPlugin(CLUMObject& object, const CRequest& request)
+{
+    CReceivedRecord passedOn(request, 0);
+    const CReceivedRecord target(request, 1);
+    return object.LUMQueryPlugin(&passedOn, &target, request.dwNumbers[0], request.dwNumbers[1],
+                                 request.dwNumbers[2]);
+}
+
+bool CarryOut(const CControlTargets& targets, const CRequest& request, CAnswer& answer)
+{
+    CLUMObject& object = targets.object;
+    CLUMGina& gina = targets.gina;
+    const WCHAR* szName = request.szNames[0];
+    switch (request.byCode) {
+    case LUM_DECREASE_PRIORITY:
+        return object.LUMDecreasePriority(CReceivedRecord(request, 0));
+    case LUM_INCREASE_PRIORITY:
+        return object.LUMIncreasePriority(CReceivedRecord(request, 0));
+    case LUM_GET_PASSTHROUGH_GINA:
+        return object.LUMGetPassthroughGina(answer.record);
+    case LUM_IS_GINA_IN_CHAINING_LIST:
+        return object.LUMIsGinaInChainingList(szName);
+    case LUM_IS_GINA_IN_PLUGIN_LIST:
+        return object.LUMIsGinaInPluginList(szName);
+    case LUM_QUERY_PLUGIN:
+        return QueryPlugin(object, request);
+    case LUM_QUERY_PLUGIN_INFO:
+        return object.LUMQueryPluginInfo(szName, answer.record);
+    case LUM_ENABLE_GINA:
+        return object.LUMEnableGina(request.bFlag);
+    case LUM_REMOVE_PLUGIN:
+        return request.bFlag ? gina.LUMRemovePluginDynamic(szName) : object.LUMRemovePlugin(szName);
+    case LUM_ADD_PLUGIN:
+        return request.bFlag ? gina.LUMAddPluginDynamic(szName) : object.LUMAddPlugin(szName);
+    case LUM_REMOVE_GINA:
+        return object.LUMRemoveGina(szName);
+    case LUM_VERIFY_LUM_GINA:
+        return true;
+    case LUM_ENABLE_ACTIVE_REG:
+        return gina.LUMEnableActiveRegistryMonitoring(request.bFlag);
+    case LUM_GET_LUM_GINA_VERSION:
+        return gina.LUMGetLUMGinaVersion(&answer.dwVersion);
+    }
+    return false;
+}
+
+/// Reads what a request has behind its code, and no byte more.
+CRequest ReadFields(CControlChannel& channel, BYTE byCode)
+{
+    BYTE bytes[LONGEST_REQUEST] = {byCode};
+    std::size_t cbRead = sizeof(byCode);
+    for (;;) {
+        const auto reading = ReadRequest({bytes, cbRead});
+        if (const auto* pRequest = std::get_if<CRequest>(&reading)) {
+            return *pRequest;
+        }
+        const CRefusal& refusal = *std::get_if<CRefusal>(&reading);
+        if (refusal.reason != CRefusal::Reason::Unfinished) {
+            throw CMemAllocException(LUM_GINA_ORIGIN, refusal.szVariable);
+        }
+        channel.Read(bytes + cbRead, static_cast<DWORD>(refusal.cbMissing));
+        cbRead += refusal.cbMissing;
+    }
 }
 
 /// A reply goes out with one write.
@@ -198,14 +150,15 @@ void ServeRequest(CControlChannel& channel, const CControlTargets& targets)
     BYTE byCode = 0;
     channel.Read(&byCode, sizeof(byCode));
     const bool bImpersonated = channel.Impersonate();
-    const CRequest* pRequest = FindRequest(byCode);
-    if (pRequest == nullptr) {
-        channel.Write(&REPLY_FAILURE, sizeof(REPLY_FAILURE));
+    CAnswer answer;
+    const CRequestForm* pForm = FindRequestForm(byCode);
+    if (pForm == nullptr) {
+        WriteReply(channel, Reply::Byte, false, answer);
         return;
     }
-    CTextNotification(LUM_GINA_ORIGIN, pRequest->szReceived);
-    CAnswer answer;
-    const bool bServe = bImpersonated || pRequest->caller == Caller::Anyone;
-    const bool bDone = pRequest->pfnServe(channel, targets, bServe, answer);
-    WriteReply(channel, pRequest->reply, bDone, answer);
+    CTextNotification(LUM_GINA_ORIGIN, pForm->szReceived);
+    const CRequest request = ReadFields(channel, byCode);
+    const bool bAllowed = bImpersonated || pForm->caller == Caller::Anyone;
+    const bool bDone = bAllowed && CarryOut(targets, request, answer);
+    WriteReply(channel, pForm->reply, bDone, answer);
 }

@@ -8,6 +8,7 @@
 #include "Exceptions.h"
 #include "LUMGina.h"
 #include "control/ControlRequests.h"
+#include "control/RequestReader.h"
 #include "machine/MachineRegistry.h"
 
 // Serves requests that are made of arbitrary bytes, with a host behind them.
@@ -118,18 +119,19 @@ bool IsRecord(const std::vector<BYTE>& reply, std::size_t nBefore)
     return record.szAPP == 0 && record.szMTM == 0 && record.szFriendlyName == 0 && record.szGinaDLL == 0;
 }
 
-bool IsReplyTo(BYTE byCode, const std::vector<BYTE>& reply)
+bool IsReplyTo(const CRequestForm* pForm, const std::vector<BYTE>& reply)
 {
-    switch (byCode) {
-    case LUM_GET_PASSTHROUGH_GINA:
-        return IsFailure(reply) || IsRecord(reply, 0);
-    case LUM_QUERY_PLUGIN_INFO:
-        return IsFailure(reply) || (IsRecord(reply, 1) && reply[0] == REPLY_SUCCESS);
-    case LUM_GET_LUM_GINA_VERSION:
+    const Reply kind = pForm != nullptr ? pForm->reply : Reply::Byte;
+    if (kind == Reply::Version) {
         return reply.size() == sizeof(DWORD);
-    default:
-        return IsFailure(reply) || reply == std::vector<BYTE>{REPLY_SUCCESS};
     }
+    if (kind == Reply::RecordAlone) {
+        return IsFailure(reply) || IsRecord(reply, 0);
+    }
+    if (kind == Reply::ByteAndRecord) {
+        return IsFailure(reply) || (IsRecord(reply, 1) && reply[0] == REPLY_SUCCESS);
+    }
+    return IsFailure(reply) || reply == std::vector<BYTE>{REPLY_SUCCESS};
 }
 
 void Require(bool bCondition)
@@ -150,11 +152,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t cbD
     if (reply.empty()) {
         return 0;
     }
-    const BYTE byCode = pData[0];
-    Require(IsReplyTo(byCode, reply));
-    const bool bForAnyone = byCode == LUM_VERIFY_LUM_GINA || byCode == LUM_GET_LUM_GINA_VERSION;
+    const CRequestForm* pForm = FindRequestForm(pData[0]);
+    Require(IsReplyTo(pForm, reply));
+    const bool bForAnyone = pForm != nullptr && pForm->caller == Caller::Anyone;
     Require(bForAnyone ? refused == reply : IsFailure(refused));
-    if (!IsQuestion(byCode) && reply[0] == REPLY_SUCCESS) {
+    if (!IsQuestion(pData[0]) && reply[0] == REPLY_SUCCESS) {
         // Each input is to stand for itself.
         pHost.reset();
         pHost = MakeHost();

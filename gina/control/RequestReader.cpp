@@ -1,0 +1,169 @@
+#include "RequestReader.h"
+
+#include <algorithm>
+#include <iterator>
+
+using namespace ControlProtocol;
+
+namespace {
+
+using enum Field;
+
+#define REQUEST(NAME, CALLER, REPLY, ...)                                                                    \
+    {                                                                                                        \
+        NAME, TEXT("Received request: ") TEXT(#NAME), Caller::CALLER, Reply::REPLY,                          \
+        {                                                                                                    \
+            __VA_ARGS__                                                                                      \
+        }                                                                                                    \
+    }
+
+// clang-format off
+constexpr CRequestForm FORMS[] = {
+    REQUEST(LUM_DECREASE_PRIORITY,        Impersonated, Byte,          Record, RecordName),
+    REQUEST(LUM_INCREASE_PRIORITY,        Impersonated, Byte,          Record, RecordName),
+    REQUEST(LUM_GET_PASSTHROUGH_GINA,     Impersonated, RecordAlone),
+    REQUEST(LUM_IS_GINA_IN_CHAINING_LIST, Impersonated, Byte,          GinaName),
+    REQUEST(LUM_IS_GINA_IN_PLUGIN_LIST,   Impersonated, Byte,          PluginName),
+    REQUEST(LUM_QUERY_PLUGIN,             Impersonated, Byte,          Record, Record, Number, Number, Number,
+                                                                       RecordName, RecordName),
+    REQUEST(LUM_QUERY_PLUGIN_INFO,        Impersonated, ByteAndRecord, FixedName),
+    REQUEST(LUM_ENABLE_GINA,              Impersonated, Byte,          Flag),
+    REQUEST(LUM_REMOVE_PLUGIN,            Impersonated, Byte,          PluginName, Flag),
+    REQUEST(LUM_ADD_PLUGIN,               Impersonated, Byte,          PluginName, Flag),
+    REQUEST(LUM_REMOVE_GINA,              Impersonated, Byte,          FixedName),
+    REQUEST(LUM_VERIFY_LUM_GINA,          Anyone,       Byte),
+    REQUEST(LUM_ENABLE_ACTIVE_REG,        Impersonated, Byte,          Flag),
+    REQUEST(LUM_GET_LUM_GINA_VERSION,     Anyone,       Version),
+};
+// clang-format on
+#undef REQUEST
+
+#define COUNT_REQUEST(NAME, CODE) +1
+static_assert(std::size(FORMS) == LUM_CONTROL_REQUESTS(COUNT_REQUEST));
+#undef COUNT_REQUEST
+
+/// Puts a request together, field by field. Each operation is false when the bytes are refused.
+class CRequestReader
+{
+public:
+    explicit CRequestReader(std::span<const BYTE> bytes) noexcept : m_bytes(bytes) {}
+
+    std::variant<CRequest, CRefusal> Read() noexcept
+    {
+        if (ReadCode() && ReadFields()) {
+            return m_request;
+        }
+        return m_refusal;
+    }
+
+private:
+    bool ReadCode() noexcept
+    {
+        if (!Take(m_request.byCode)) {
+            return false;
+        }
+        m_pForm = FindRequestForm(m_request.byCode);
+        return m_pForm != nullptr || Refuse({CRefusal::Reason::UnknownCode});
+    }
+
+    bool ReadFields() noexcept
+    {
+        return std::all_of(std::begin(m_pForm->fields), std::end(m_pForm->fields),
+                           [this](Field field) { return ReadField(field); });
+    }
+
+    bool ReadField(Field field) noexcept
+    {
+        switch (field) {
+        case Record:
+            return Take(m_request.records[m_nRecords++]);
+        case Number:
+            return Take(m_request.dwNumbers[m_nNumbers++]);
+        case Flag:
+            return ReadFlag();
+        case GinaName:
+            return ReadCountedName(TEXT("szGinaDLL"));
+        case PluginName:
+            return ReadCountedName(TEXT("szPlugin"));
+        case RecordName:
+            return ReadCountedName(TEXT("m_szGinaDLL"));
+        case FixedName:
+            return ReadFixedName(TEXT("szGinaDLL"));
+        case None:
+            break;
+        }
+        return true;
+    }
+
+    bool ReadFlag() noexcept
+    {
+        BYTE byFlag = 0;
+        const bool bTaken = Take(byFlag);
+        m_request.bFlag = byFlag != 0;
+        return bTaken;
+    }
+
+    /// The length comes from whoever is at the other end.
+    bool ReadCountedName(const WCHAR* szVariable) noexcept
+    {
+        DWORD cchName = 0;
+        return Take(cchName) && (cchName <= LONGEST_NAME || RefuseName(szVariable)) &&
+               Take(m_request.szNames[m_nNames++], cchName * sizeof(WCHAR));
+    }
+
+    bool ReadFixedName(const WCHAR* szVariable) noexcept
+    {
+        auto& szName = m_request.szNames[m_nNames++];
+        return Take(szName) && (std::find(std::begin(szName), std::end(szName), 0) != std::end(szName) ||
+                                RefuseName(szVariable));
+    }
+
+    template <typename Value>
+    bool Take(Value& value) noexcept
+    {
+        return Take(&value, sizeof(value));
+    }
+
+    bool Take(void* pTarget, std::size_t cbTarget) noexcept
+    {
+        if (m_bytes.size() < cbTarget) {
+            return Refuse({CRefusal::Reason::Unfinished, cbTarget - m_bytes.size()});
+        }
+        std::copy_n(m_bytes.begin(), cbTarget, static_cast<BYTE*>(pTarget));
+        m_bytes = m_bytes.subspan(cbTarget);
+        return true;
+    }
+
+    bool RefuseName(const WCHAR* szVariable) noexcept
+    {
+        return Refuse({CRefusal::Reason::NameTooLong, 0, szVariable});
+    }
+
+    bool Refuse(const CRefusal& refusal) noexcept
+    {
+        m_refusal = refusal;
+        return false;
+    }
+
+    std::span<const BYTE> m_bytes;
+    const CRequestForm* m_pForm = nullptr;
+    CRequest m_request;
+    CRefusal m_refusal;
+    int m_nRecords = 0;
+    int m_nNumbers = 0;
+    int m_nNames = 0;
+};
+
+} // namespace
+
+const CRequestForm* FindRequestForm(BYTE byCode) noexcept
+{
+    const auto form = std::find_if(std::begin(FORMS), std::end(FORMS),
+                                   [=](const CRequestForm& candidate) { return candidate.byCode == byCode; });
+    return form != std::end(FORMS) ? form : nullptr;
+}
+
+std::variant<CRequest, CRefusal> ReadRequest(std::span<const BYTE> bytes) noexcept
+{
+    return CRequestReader(bytes).Read();
+}
