@@ -265,18 +265,17 @@ bool CThreadObject::AwaitFinish() const noexcept
     const DWORD dwStart = GetTickCount();
     CIncomingMessages messages(*this);
     DWORD dwLeft = m_dwLongestStop;
-    bool bFinished = false;
-    while (!bFinished) {
+    for (bool bFinished = false; !bFinished;) {
         const bool bAll = messages.DispatchPending(dwLeft);
         if (m_hThread == nullptr) {
             return true;
         }
         const DWORD dwWaited = GetTickCount() - dwStart;
-        if (dwWaited >= m_dwLongestStop) {
+        dwLeft = dwWaited < m_dwLongestStop ? m_dwLongestStop - dwWaited : 0;
+        bFinished = AwaitFinishOrInput(bAll ? dwLeft : 0);
+        if (!bFinished && dwLeft == 0) {
             return false;
         }
-        dwLeft = m_dwLongestStop - dwWaited;
-        bFinished = AwaitFinishOrInput(bAll ? dwLeft : 0);
     }
     // The thread still uses the object until it has ended.
     IsSignalled(m_hThread, LAST_LINES_MILLISECONDS);

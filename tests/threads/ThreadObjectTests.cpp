@@ -161,10 +161,11 @@ TEST_F(ThreadObject, IsStoppedUnderMessagesThatNeverEnd)
     MSG message;
     PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
     CTestThread thread;
+    thread.m_dwLongestStop = 60000;
     thread.StartThread();
     EXPECT_TRUE(PostThreadMessageW(GetCurrentThreadId(), WM_QUIT, 7, 0));
     Post(GetCurrentThreadId(), OnEndlessMessage);
-    EXPECT_TRUE(StopsPromptly(thread));
+    EXPECT_TRUE(thread.StopThread());
     WPARAM nExitCode = 0;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         nExitCode = message.message == WM_QUIT ? message.wParam : nExitCode;
