@@ -29,7 +29,7 @@ HRSRC CResourceObject::GetVersionResource(WORD wResource) noexcept
     });
 }
 
-bool CResourceObject::LoadMenu(WORD wResource, const VS_FIXEDFILEINFO** ppInfo) noexcept
+bool CResourceObject::LoadMenu(WORD wResource, VS_FIXEDFILEINFO** ppInfo) noexcept
 {
     const COperation op(*this, s_szClass, TEXT("LoadMenu"));
     const auto body = [&] {
@@ -43,7 +43,7 @@ bool CResourceObject::LoadMenu(WORD wResource, const VS_FIXEDFILEINFO** ppInfo) 
         {
             return false;
         }
-        *ppInfo = static_cast<const VS_FIXEDFILEINFO*>(pInfo);
+        *ppInfo = static_cast<VS_FIXEDFILEINFO*>(pInfo);
         return true;
     };
     return op.Run(Absorb<CUnableToFindResourceException>(), body, FailureWarning::Never);

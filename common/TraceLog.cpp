@@ -2,10 +2,8 @@
 
 #include <iterator>
 #include <string>
-#include <vector>
 
 #include "GinaNames.h"
-#include "Messages.h"
 
 namespace {
 
@@ -181,38 +179,4 @@ bool WriteLogLine(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText)
     } catch (...) {
         return false;
     }
-}
-
-bool LogMessage(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText, CSourceLocation where) noexcept
-{
-    try {
-        const char* szName = GetFileName(where.szFile);
-        const char* szFile = szName != nullptr ? szName : "";
-        std::vector<WCHAR> text(std::char_traits<WCHAR>::length(szText) +
-                                std::char_traits<char>::length(szFile) + 19);
-        FormatText(text.data(), text.size(), TEXT("%s ( %d ) %s"), {szText, where.nLine, szFile});
-        return WriteLogLine(szTag, szLabel, text.data());
-    } catch (...) {
-        return false;
-    }
-}
-
-void LogInternalWarning(const WCHAR* szText, CSourceLocation where) noexcept
-{
-    LogMessage(ERR_MESSAGE_APP, GetLevelLabel(LEVEL_WARNING), szText, where);
-}
-
-const char* GetFileName(const char* szPath) noexcept
-{
-    if (szPath == nullptr) {
-        CDetailedMessage(LEVEL_EXCEPTION, {ERR_MESSAGE_APP, nullptr}, TEXT("Null source file"));
-        return nullptr;
-    }
-    const char* szName = szPath;
-    for (; *szPath != 0; ++szPath) {
-        if (*szPath == '\\' || *szPath == '/') {
-            szName = szPath + 1;
-        }
-    }
-    return szName;
 }

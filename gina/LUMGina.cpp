@@ -1,6 +1,5 @@
 #include "LUMGina.h"
 
-#include <functional>
 #include <new>
 #include <type_traits>
 
@@ -101,7 +100,7 @@ void CLUMGina::CreateMembers(HINSTANCE hInstance)
     CreateMember(m_pWinlogonObject, TEXT("m_pWinlogonObject"));
     CreateMember(m_pRegistryManager, TEXT("m_pRegistryManager"), m_pLUMRegistry, m_pWinlogonRegistry, false);
     CreateMember(m_pLUMObject, TEXT("m_pLUMObject"), m_pRegistryManager, m_pGinaObjectList, m_pLUMRegistry,
-                 std::ref(m_gate));
+                 &m_gate);
     CreateMember(m_pLUMPipeThreadObject, TEXT("m_pLUMPipeThreadObject"), m_pLUMObject, this, m_pLUMRegistry,
                  false);
     CreateMember(m_pLUMRegMonitorThreadObject, TEXT("m_pLUMRegMonitorThreadObject"), m_pRegistryManager,

@@ -63,7 +63,7 @@ bool CLUMGina::LUMGetLUMGinaVersion(DWORD* pdwVersion) noexcept
     const auto body = [&] {
         CResourceObject resources(LUM_GINA_APP, LUM_GINA_MTM, Needed(m_pGinaContext).GetInstanceHandle(), 0,
                                   0);
-        const VS_FIXEDFILEINFO* pInfo = nullptr;
+        VS_FIXEDFILEINFO* pInfo = nullptr;
         if (!resources.LoadMenu(1, &pInfo)) {
             return false;
         }

@@ -7,9 +7,10 @@
 #include "chaining/RegistryManager.h"
 
 CLUMObject::CLUMObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, CRegistryManager* pRegistryManager,
-                       CGinaObjectList* pGinaObjectList, CLUMRegistry* pLUMRegistry, CCallGate& gate)
+                       CGinaObjectList* pGinaObjectList, CLUMRegistry* pLUMRegistry, CCallGate* pGate)
     : CGlobalObject(szAPPArg, szMTMArg), m_pRegistryManager(pRegistryManager),
-      m_pGinaObjectList(pGinaObjectList), m_pLUMRegistry(pLUMRegistry), m_gate(gate)
+      m_pGinaObjectList(pGinaObjectList), m_pLUMRegistry(pLUMRegistry),
+      m_gate(pGate != nullptr ? *pGate : m_ownGate)
 {
     const CConstructionTrace trace(*this, s_szClass);
     RequireArgument(*this, pRegistryManager, TEXT("pRegistryManager"));

@@ -18,9 +18,10 @@ class CLUMObject : public CGlobalObject
 {
 public:
     /// The arguments are not owned, must outlive the object and must not be null: CBadArgException, for the
-    /// manager first, then the configuration, then the list. gate is the one over pGinaObjectList.
+    /// manager first, then the configuration, then the list. pGate: the one over pGinaObjectList; without
+    /// one, whoever else uses the list must not do so at the same time.
     CLUMObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, CRegistryManager* pRegistryManager,
-               CGinaObjectList* pGinaObjectList, CLUMRegistry* pLUMRegistry, CCallGate& gate);
+               CGinaObjectList* pGinaObjectList, CLUMRegistry* pLUMRegistry, CCallGate* pGate = nullptr);
     ~CLUMObject();
     CLUMObject(const CLUMObject&) = delete;
     CLUMObject& operator=(const CLUMObject&) = delete;
@@ -73,5 +74,6 @@ private:
     bool CallObject(Find find, Query query);
     bool IsAboveAnotherPlugin(const WCHAR* szPlugin) noexcept;
 
+    CCallGate m_ownGate;
     CCallGate& m_gate;
 };

@@ -1,13 +1,15 @@
 #pragma once
 
-#include "Messages.h"
+#include "Message.h"
 
 // The catalogue of exceptions: one line each, which says what an exception reports. They are thrown by
-// value, caught by reference, and constructed from
+// value, caught by reference, and constructed in one of two ways:
 //
 //     (origin, details..., where)
+//     (tag, key, text, details..., line, source path)
 //
-// with the details that the format asks for after the text, in its order. Building one writes it.
+// with the details that the format asks for after the text, in its order. The first has the row's own text,
+// and by default the place of the call. Building one writes it.
 
 /// The shape of a catalogue row: text, format, level and the types of the details are fixed.
 template <const auto& Text, const auto& Format, DWORD dwLevel, typename... Details>
@@ -17,7 +19,12 @@ public:
     explicit CCatalogException(const CMessageOrigin& origin, Details... details,
                                CSourceLocation where = CSourceLocation::Current()) noexcept
         : CMessageArgList(dwLevel, origin.szAPP, origin.szMTM, true, Format, Text, details..., where.nLine,
-                          GetFileName(where.szFile))
+                          where.GetFile())
+    {
+    }
+    CCatalogException(const WCHAR* szAPP, const WCHAR* szMTM, const WCHAR* szText, Details... details,
+                      int nLine, const WCHAR* szPath) noexcept
+        : CMessageArgList(dwLevel, szAPP, szMTM, true, Format, szText, details..., nLine, GetFileName(szPath))
     {
     }
 };
@@ -32,6 +39,11 @@ public:
         : CDetailedMessage(dwLevel, origin, Text, true, where)
     {
     }
+    CTextException(const WCHAR* szAPP, const WCHAR* szMTM, const WCHAR* szText, int nLine,
+                   const WCHAR* szPath) noexcept
+        : CDetailedMessage(dwLevel, szAPP, szMTM, szText, nLine, szPath, true)
+    {
+    }
 };
 
 /// A row whose detail is an error code of the platform.
@@ -42,6 +54,11 @@ public:
     explicit CErrorException(const CMessageOrigin& origin, DWORD dwError,
                              CSourceLocation where = CSourceLocation::Current()) noexcept
         : CDetailedMessageWithError(LEVEL_EXCEPTION, origin, Text, dwError, true, where)
+    {
+    }
+    CErrorException(const WCHAR* szAPP, const WCHAR* szMTM, const WCHAR* szText, DWORD dwError, int nLine,
+                    const WCHAR* szPath) noexcept
+        : CDetailedMessageWithError(LEVEL_EXCEPTION, szAPP, szMTM, szText, dwError, nLine, szPath, true)
     {
     }
 };
@@ -92,6 +109,7 @@ inline constexpr WCHAR TXT_THREAD_OBJECT_INIT[] = TEXT("Unable to instantiate CT
 inline constexpr WCHAR TXT_PIPE_THREAD_OBJECT_INIT[] =
     TEXT("Unable to instantiate LUMPipeThreadObject object");
 inline constexpr WCHAR TXT_FIND_RESOURCE[] = TEXT("Unable to find resource");
+inline constexpr WCHAR TXT_FREE_RESOURCE_DLL[] = TEXT("Unable to free resource DLL");
 
 // clang-format off
 
@@ -147,6 +165,7 @@ class CRevertToSelfException : public CErrorException<ERR_REVERT_TO_SELF> { usin
 // Resources
 class CUnableToFindResourceException : public CCatalogException<TXT_FIND_RESOURCE, FMT_RESOURCE, LEVEL_EXCEPTION, DWORD, DWORD> { using CCatalogException::CCatalogException; };
 class CLoadResourceException : public CErrorException<ERR_LOAD_RESOURCE> { using CErrorException::CErrorException; };
+class CUnableToFreeResourceDLLException : public CNameErrorException<TXT_FREE_RESOURCE_DLL, FMT_FILE> { using CCatalogException::CCatalogException; };
 class CLockResourceException : public CErrorException<ERR_LOCK_RESOURCE> { using CErrorException::CErrorException; };
 
 // Own configuration

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Messages.h"
+#include "Message.h"
 
 /// The base of every traced class: under which tag and key its messages are written.
 ///
@@ -16,7 +16,4 @@ public:
 
     const WCHAR* szAPP;
     const WCHAR* szMTM;
-
-protected:
-    ~CGlobalObject() = default;
 };

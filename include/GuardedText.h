@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "Messages.h"
+#include "Message.h"
 #include "Owned.h"
 
 // Texts that may come from outside the host: a plugin may have left any pointer in its record. All functions

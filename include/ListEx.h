@@ -15,7 +15,8 @@
 /// serialise whole sequences of positioning and reading, not single calls.
 ///
 /// What T must offer depends on the operations used: operator==(const WCHAR*) for those with a key,
-/// operator==(const T&) for operator==, a constructor (szAPP, szMTM, const T*) for copies.
+/// operator==(const T&) for operator==, a constructor (szAPP, szMTM, const T*) or a copy constructor for
+/// copies.
 template <typename T>
 class CListEx : public CGlobalObject
 {
@@ -76,10 +77,10 @@ public:
     bool SetItem(const T* pItem) noexcept
     {
         return Run(TEXT("SetItem"), [&] {
-            if (m_pCursor == nullptr) {
+            if (m_pCursor == nullptr || pItem == nullptr) {
                 return false;
             }
-            T* pCopy = new T(szAPP, szMTM, pItem);
+            T* pCopy = CopyItem(pItem);
             if (m_pCursor->m_pItem != nullptr) {
                 DeleteVariable(*this, TEXT("m_pItem"), [this] { DestroyListItem(m_pCursor->m_pItem); });
             }
@@ -200,13 +201,17 @@ public:
         });
     }
 
-    /// Whether both lists have equal items in the same order.
+    /// Whether both lists have equal items in the same order. A node without an item equals one of those
+    /// only.
     bool operator==(const CListEx& other) const noexcept
     {
         return Run(TEXT("operator=="), [&] {
             const Node* pOther = other.m_pHead;
             for (const Node* pNode = m_pHead; pNode != nullptr && pOther != nullptr; pNode = pNode->pNext) {
-                if (!(*pNode->m_pItem == *pOther->m_pItem)) {
+                const T* pItem = pNode->m_pItem;
+                const T* pOtherItem = pOther->m_pItem;
+                if (pItem == nullptr || pOtherItem == nullptr ? pItem != pOtherItem
+                                                              : !(*pItem == *pOtherItem)) {
                     return false;
                 }
                 pOther = pOther->pNext;
@@ -299,12 +304,23 @@ private:
 
     bool AddCopy(const Node& source)
     {
-        T* pCopy = new T(szAPP, szMTM, source.m_pItem);
+        T* pCopy = source.m_pItem != nullptr ? CopyItem(source.m_pItem) : nullptr;
         if (Add(pCopy, source.m_dwTag)) {
             return true;
         }
-        DestroyListItem(pCopy);
+        if (pCopy != nullptr) {
+            DestroyListItem(pCopy);
+        }
         return false;
+    }
+
+    T* CopyItem(const T* pItem) const
+    {
+        if constexpr (std::is_constructible_v<T, const WCHAR*, const WCHAR*, const T*>) {
+            return new T(szAPP, szMTM, pItem);
+        } else {
+            return new T(*pItem);
+        }
     }
 
     bool MoveCursor(Node* Node::*pLink) noexcept

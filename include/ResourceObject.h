@@ -21,7 +21,7 @@ public:
 
     /// Gives the fixed file information of a version resource: a pointer into the module's own data, which
     /// needs no freeing. False, and nothing given, when there is none.
-    bool LoadMenu(WORD wResource, const VS_FIXEDFILEINFO** ppInfo) noexcept;
+    bool LoadMenu(WORD wResource, VS_FIXEDFILEINFO** ppInfo) noexcept;
 
     HINSTANCE m_hInst;
     COwnedText m_szResourceDLL;

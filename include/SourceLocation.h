@@ -5,13 +5,23 @@
 /// std::source_location would do, but clang 14 has not got it for this library.
 struct CSourceLocation
 {
-    const char* szFile;
+    const char* szPath;
     int nLine;
 
     /// As a default argument: the place of the call, also from inside templates.
-    static constexpr CSourceLocation Current(const char* szFile = __builtin_FILE(),
+    static constexpr CSourceLocation Current(const char* szPath = __builtin_FILE(),
                                              int nLine = __builtin_LINE()) noexcept
     {
-        return {szFile, nLine};
+        return {szPath, nLine};
+    }
+
+    /// The file without its folders. Compilers write paths with either separator.
+    constexpr const char* GetFile() const noexcept
+    {
+        const char* szFile = szPath;
+        for (const char* pNext = szPath; *pNext != 0; ++pNext) {
+            szFile = *pNext == '\\' || *pNext == '/' ? pNext + 1 : szFile;
+        }
+        return szFile;
     }
 };

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include "SourceLocation.h"
-
 // The trace log: a plain text file that every message of the system is written to.
 //
 // Which lines are written is a matter of a level mask in the registry, where they go of a debug key
@@ -37,15 +35,3 @@ bool IsTraceEnabled(DWORD dwLevel, const WCHAR* szMTM) noexcept;
 
 /// Appends one line to the file configured for the tag. True when it was written.
 bool WriteLogLine(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText) noexcept;
-
-/// The facility's own report of trouble inside it: no mask is consulted, and the place of the
-/// statement is appended to the text. True when it was written.
-bool LogMessage(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText,
-                CSourceLocation where = CSourceLocation::Current()) noexcept;
-
-/// LogMessage as a warning under "MESSAGE_APP".
-void LogInternalWarning(const WCHAR* szText, CSourceLocation where = CSourceLocation::Current()) noexcept;
-
-/// The part of a source path after its last separator; null, and an exception message in the log, for
-/// a null path. Compilers write '/' into the paths of their macros on both targets, so that counts too.
-const char* GetFileName(const char* szPath) noexcept;

@@ -1,23 +1,41 @@
 #pragma once
 
-#include "Messages.h"
+#include <tuple>
+
+#include "Message.h"
 
 // The kinds of trace statement. Each builds a message, which writes itself, and is gone:
 //
 //     CWarning(*this, ERR_PULLING_NULL);
 //
-// A masked-out statement costs the look-up of the mask. The values follow the origin in the order of
-// the format, the place of the statement comes last and need not be given.
+// A masked-out statement costs the look-up of the mask: it keeps its values, and would be formatted if it
+// were written later. The values follow the origin in the order of the format, the place of the statement
+// comes last and need not be given.
 template <DWORD dwLevel, const auto& Format, typename... Values>
 class CTraceStatement : public CMessageArgList
 {
 public:
     explicit CTraceStatement(const CMessageOrigin& origin, Values... values,
                              CSourceLocation where = CSourceLocation::Current()) noexcept
-        : CMessageArgList(IfEnabled(), dwLevel, origin, Format, values..., where.nLine,
-                          GetFileName(where.szFile))
+        : CMessageArgList(dwLevel, origin), m_Values(values...), m_Where(where)
     {
+        CTraceStatement::Write();
     }
+
+    void Write() noexcept override
+    {
+        if (IsTraceEnabled(m_dwLevel, m_szMTM)) {
+            const auto write = [this](const Values&... values) {
+                WriteFormatted(Format, {values..., m_Where.nLine, m_Where.GetFile()});
+            };
+            std::apply(write, m_Values);
+        }
+        m_bWritten = true;
+    }
+
+private:
+    std::tuple<Values...> m_Values;
+    CSourceLocation m_Where;
 };
 
 template <DWORD dwLevel, const auto& Format = FMT_OPERATION>

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "Messages.h"
+#include "Message.h"
 
 /// What is known of a GINA that the built-in table does not have, as it is written in the own key under the
 /// name of the GINA's DLL: seven fields, separated by six commas.

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "ControlChannel.h"
-#include "Messages.h"
+#include "Message.h"
 
 /// How long a client may take for the whole of its request, and then for reading the reply.
 struct CPipeDeadlines

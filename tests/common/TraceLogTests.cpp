@@ -104,7 +104,7 @@ TEST_F(TraceLog, NothingIsWrittenWithoutADestination)
     WriteAllLevels();
     EXPECT_TRUE(Log().empty());
     EXPECT_FALSE(WriteLogLine(LUM_GINA_APP, TEXT("ERROR"), TEXT("text")));
-    EXPECT_TRUE(LogMessage(ERR_MESSAGE_APP, TEXT("WARNING"), TEXT("text")));
+    EXPECT_TRUE(LogMessage(ERR_MESSAGE_APP, TEXT("WARNING"), TEXT("text"), 1, TEXT("c.cpp")));
     EXPECT_EQ(std::vector<std::string>{"[WARNING] text"}, InternalLog());
 }
 
@@ -124,12 +124,17 @@ TEST_F(TraceLog, DirectoryIsMadeOneLevelDeep)
     EXPECT_FALSE(WriteLogLine(LUM_GINA_APP, TEXT("ERROR"), TEXT("text")));
 }
 
-TEST_F(TraceLog, MaskedOutStatementsFormatNothing)
+TEST_F(TraceLog, MaskedOutStatementsAreFormattedWhenTheyAreWrittenAfterAll)
 {
     SetTraceMask(0);
-    const CWarning warning(LUM_GINA_ORIGIN, ERR_OPERATION_FAILED);
+    CKeyWarning warning(LUM_GINA_ORIGIN, ERR_OPERATION_FAILED, TEXT("Key"));
     EXPECT_EQ(nullptr, warning.m_szMessage);
     EXPECT_TRUE(warning.m_bWritten);
+    SetTraceMask(LEVEL_WARNING);
+    warning.Write();
+    EXPECT_EQ(
+        std::vector<std::string>{"[WARNING] The requested operation failed or it was cancelled, Key: Key"},
+        Log());
 }
 
 TEST_F(TraceLog, OperationsReportHowTheyEnd)
@@ -147,15 +152,6 @@ TEST_F(TraceLog, OperationsReportHowTheyEnd)
                                         "[EXIT ] CTraced::Do, Return: 0x2", "[ENTRY] CTraced::Do",
                                         "[WARNING] An unhandled exception occurred", "[EXIT ] CTraced::Do"}),
               Log());
-}
-
-TEST_F(TraceLog, FileNames)
-{
-    EXPECT_STREQ("c.cpp", GetFileName("a\\b\\c.cpp"));
-    EXPECT_STREQ("c.cpp", GetFileName("/a/b/c.cpp"));
-    EXPECT_STREQ("c.cpp", GetFileName("c.cpp"));
-    EXPECT_EQ(nullptr, GetFileName(nullptr));
-    EXPECT_EQ(std::vector<std::string>{"[EXCEPTION] Null source file"}, InternalLog());
 }
 
 TEST_F(TraceLog, ObjectsWithoutTagOrKeyReportThemselves)

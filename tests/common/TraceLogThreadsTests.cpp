@@ -1,4 +1,4 @@
-#include "Messages.h"
+#include "Message.h"
 #include "TestMachine.h"
 #include "Thread.h"
 #include "TraceLog.h"

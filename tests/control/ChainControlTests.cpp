@@ -15,7 +15,7 @@ protected:
         SetValues(ValuesOf(chain));
         manager = Build();
         object = std::make_unique<CLUMObject>(LUM_GINA_APP, LUM_GINA_MTM, manager.get(), &list,
-                                              m_pConfiguration.get(), gate);
+                                              m_pConfiguration.get(), &gate);
         ClearLog();
     }
 

@@ -64,9 +64,8 @@ TEST_F(LUMObject, NeedsItsObjects)
                       {pManager, nullptr, pRegistry, "pGinaObjectList"}};
     for (const auto& row : rows) {
         ClearLog();
-        EXPECT_THROW(
-            CLUMObject(LUM_GINA_APP, LUM_GINA_MTM, row.pManager, row.pList, row.pRegistry, host->m_gate),
-            CBadArgException);
+        EXPECT_THROW(CLUMObject(LUM_GINA_APP, LUM_GINA_MTM, row.pManager, row.pList, row.pRegistry),
+                     CBadArgException);
         EXPECT_EQ(Lines{BadArgument(row.szMissing)}, Log());
     }
     EXPECT_EQ(pManager, object().m_pRegistryManager);

@@ -28,7 +28,7 @@ TEST_F(FailingResource, IsReported)
     CResourceObject resources(LUM_GINA_APP, LUM_GINA_MTM, hModule, 0, 0);
     for (const auto& row : rows) {
         const CFaultInjection fault(row.call, 1, ERROR_NOT_ENOUGH_MEMORY);
-        const VS_FIXEDFILEINFO* pInfo = nullptr;
+        VS_FIXEDFILEINFO* pInfo = nullptr;
         EXPECT_FALSE(resources.LoadMenu(1, &pInfo));
         EXPECT_EQ(nullptr, pInfo);
         EXPECT_EQ(row.log, Log());

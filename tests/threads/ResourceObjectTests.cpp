@@ -43,7 +43,7 @@ TEST_F(ResourceObject, ReadsTheVersionThatTheBuildGaveADLL)
         {TEXT("version_test_dll.dll"), 0x00020005, 0x000A0003},
     };
     for (const auto& row : rows) {
-        const VS_FIXEDFILEINFO* pInfo = nullptr;
+        VS_FIXEDFILEINFO* pInfo = nullptr;
         {
             CResourceObject resources = Open(row.szDLL);
             EXPECT_NE(nullptr, resources.GetVersionResource(1));
@@ -72,7 +72,7 @@ TEST_F(ResourceObject, SaysWhichResourceThereIsNot)
     };
     for (const auto& row : rows) {
         CResourceObject resources = Open(row.szDLL);
-        const VS_FIXEDFILEINFO* pInfo = nullptr;
+        VS_FIXEDFILEINFO* pInfo = nullptr;
         EXPECT_FALSE(resources.LoadMenu(row.wResource, &pInfo));
         EXPECT_EQ(nullptr, pInfo);
         EXPECT_EQ((std::vector<std::string>{row.line}), Log());

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <functional>
 
-#include "Messages.h"
+#include "Message.h"
 #include "ThreadObject.h"
 
 /// A thread that runs what a test gives it.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "Messages.h"
+#include "Message.h"
 #include "chain/ChainView.h"
 #include "chaining/KnownGinas.h"
 
