@@ -3,7 +3,7 @@
 if(WIN32)
   set(LUM_GOOGLETEST "/usr/src/googletest/googletest" CACHE PATH
     "The sources of GoogleTest, which the Windows target builds with its own compiler")
-  add_library(lum_gtest STATIC "${LUM_GOOGLETEST}/src/gtest-all.cc" "${CMAKE_SOURCE_DIR}/tests/support/Main.cpp")
+  add_library(lum_gtest STATIC "${LUM_GOOGLETEST}/src/gtest-all.cc" "${LUM_GOOGLETEST}/src/gtest_main.cc")
   target_include_directories(lum_gtest PRIVATE "${LUM_GOOGLETEST}")
   target_link_libraries(lum_gtest PRIVATE lum_platform)
   # The first folder has what GoogleTest lacks for this compiler.

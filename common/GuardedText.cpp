@@ -13,7 +13,7 @@ template <typename Body>
 auto RunOnText(const CMessageOrigin& origin, CSourceLocation where, Body body)
 {
     try {
-        return GuardedCall(body);
+        return CallWithinHost(body);
     } catch (const CForeignFault&) {
         throw CWcscpyException(origin, where);
     }

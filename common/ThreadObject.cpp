@@ -14,6 +14,8 @@ namespace {
 // while the library is being unloaded no thread can end, and that must not keep the process.
 constexpr DWORD LAST_LINES_MILLISECONDS = 2000;
 constexpr DWORD POLL_MILLISECONDS = 1;
+// A new thread begins at once, unless the caller is in some library's DllMain.
+constexpr DWORD LONGEST_BEGIN_MILLISECONDS = 2000;
 constexpr WCHAR TXT_NOT_FINISHED[] = TEXT("Thread has not finished in time. It is left alone");
 constexpr WCHAR TXT_STILL_STOPPING[] = TEXT("Thread was asked to stop and has not finished yet");
 
@@ -102,7 +104,7 @@ private:
             return;
         }
         try {
-            GuardedCall([&] { DispatchMessageW(&message); });
+            CallIntoDLL([&] { DispatchMessageW(&message); });
         } catch (...) {
             CWarning(m_Origin, ERR_UNHANDLED_EXCEPTION);
         }
@@ -119,7 +121,7 @@ CThreadObject::CThreadObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const
                              bool bAutoDelete)
     : CGlobalObject(szAPPArg, szMTMArg), m_dwThreadId(0), m_hThread(nullptr), m_bRunning(false),
       FinishEvent(nullptr), StopEvent(nullptr), StartEvent(nullptr), m_bAutoDelete(bAutoDelete),
-      m_bStarting(false), m_bAskedToStop(false)
+      m_bStarting(false), m_bBegun(false), m_bAskedToStop(false)
 {
     const CConstructionTrace trace(*this, s_szClass);
     RequireArgument(*this, szThreadName, TEXT("szThreadName"));
@@ -204,6 +206,7 @@ bool CThreadObject::StartThread()
 void CThreadObject::Launch()
 {
     m_bStarting = true;
+    m_bBegun = false;
     m_bRunning = true;
     m_hThread = CreateThread(nullptr, 0, ThreadStarter, this, 0, &m_dwThreadId);
     if (m_hThread == nullptr) {
@@ -212,7 +215,18 @@ void CThreadObject::Launch()
         m_bStarting = false;
         throw CUnableToCreateThreadException(*this, m_szThreadName, dwError);
     }
+    AwaitBeginning();
     m_bStarting = false;
+}
+
+/// No thread begins while a library is being unloaded. If it were this one, the thread could not be stopped
+/// then, and would begin in code that is no longer there.
+void CThreadObject::AwaitBeginning() const noexcept
+{
+    const DWORD dwStart = GetTickCount();
+    while (!m_bBegun && GetTickCount() - dwStart < LONGEST_BEGIN_MILLISECONDS) {
+        Sleep(POLL_MILLISECONDS);
+    }
 }
 
 /// A thread that is about to end is gone, too: it will never look at its stop event again.
@@ -329,9 +343,10 @@ void CThreadObject::DeleteThis()
 
 DWORD WINAPI CThreadObject::ThreadStarter(LPVOID pObject)
 {
-    const CHostFrames hostFrames;
     try {
-        static_cast<CThreadObject*>(pObject)->RunThread();
+        auto& self = *static_cast<CThreadObject*>(pObject);
+        self.m_bBegun = true;
+        self.RunThread();
     } catch (...) {
         // The object, whose tag this would be written under, may be gone.
         CWarning({ERR_MESSAGE_APP, nullptr}, ERR_UNHANDLED_EXCEPTION);

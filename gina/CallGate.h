@@ -44,7 +44,7 @@ public:
     auto Call(Body body)
     {
         const CCall call(*this);
-        return GuardedHostCall(body);
+        return CallWithinHost(body);
     }
 
     /// The gate closed for a scope. The calls of the thread that has closed it pass.

@@ -7,7 +7,7 @@
 /// The 19 chained operations, which standard GINAs and plugins have in common: each goes to the DLL's
 /// export for it. How it gets there, and when it does not, is Derived's
 ///
-///     Result Chain<Result>(CTracePoint point, const CGinaExport<...>& function, GinaNode* pNode, args...)
+///     Result Chain<Result>(CSlotPoint point, const CGinaExport<...>& function, GinaNode* pNode, args...)
 ///
 /// and the exports are Derived's members m_Name, listed in m_Exports. Of Derived are further s_szClass,
 /// NegotiateVersions(), which throws when the DLL and the host do not agree, and HookFailed(location), which
@@ -179,7 +179,7 @@ protected:
     /// An operation that goes to one export, whoever follows in the list. AlsoPassedOn: what leaves it as it
     /// is beside the exception for a missing export.
     template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
-    Result CallUnchained(CTracePoint point, const CGinaExport<Function>& function, Args... args)
+    Result CallUnchained(CSlotPoint point, const CGinaExport<Function>& function, Args... args)
     {
         return RunOperation<CNullFunctionHandleException, AlsoPassedOn...>(
             Derived::s_szClass, point, [&] { return Call<Result>(point.where, function, args...); });

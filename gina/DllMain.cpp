@@ -15,7 +15,7 @@ constexpr WCHAR TXT_DETACHED[] = TEXT("Gina has been detached.");
 constexpr WCHAR TXT_NOT_CREATED[] = TEXT("Could not instantiate LUMGina object. Aborting...");
 constexpr WCHAR TXT_NOT_DELETED[] = TEXT("Could not delete LUMGina object on DLL_PROCESS_DETACH");
 
-/// A host whose threads run on is left as it is.
+/// A host whose threads could not be stopped is left as it is.
 struct CThreadsRunOn
 {
 };
@@ -26,7 +26,7 @@ BOOL Attach(HINSTANCE hInstance) noexcept
 {
     CEntryTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("ATTACH"));
     try {
-        g_pLUMGina = GuardedHostCall([=] { return new (std::nothrow) CLUMGina(hInstance); });
+        g_pLUMGina = CallWithinHost([=] { return new (std::nothrow) CLUMGina(hInstance); });
     } catch (...) {
         if (!ReportIf<CMessage>()) {
             CCritical(LUM_GINA_ORIGIN, TXT_NOT_CREATED);
@@ -42,6 +42,8 @@ void DestroyHost()
 {
     // Without WlxShutdown they may still run.
     if (g_pLUMGina != nullptr && !g_pLUMGina->StopThreads()) {
+        // What they would come back to is about to be unloaded.
+        g_pLUMGina->SuspendThreads();
         throw CThreadsRunOn();
     }
     delete g_pLUMGina;
@@ -52,7 +54,7 @@ BOOL Detach() noexcept
 {
     CEntryTrace(LUM_GINA_ORIGIN, CLASS_NAME, TEXT("DETACH"));
     try {
-        GuardedHostCall(DestroyHost);
+        CallWithinHost(DestroyHost);
     } catch (...) {
         CWarning(LUM_GINA_ORIGIN, TXT_NOT_DELETED);
         return TRUE;

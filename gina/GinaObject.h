@@ -19,6 +19,18 @@ using CGinaObjectList = CListEx<CGinaObject>;
 /// The plugin interface version that the host offers.
 inline constexpr DWORD LUM_INTERFACE_VERSION = 0x01000000;
 
+/// The name of an operation that a DLL may call, its place in the source, and who called it.
+struct CSlotPoint : CTracePoint
+{
+    CSlotPoint(const WCHAR* szNameArg, CSourceLocation whereArg = CSourceLocation::Current(),
+               CCaller callerArg = CCaller()) noexcept
+        : CTracePoint(szNameArg, whereArg), caller(callerArg)
+    {
+    }
+
+    CCaller caller;
+};
+
 /// One entry of the GINA object list: a GINA or plugin DLL that the host has loaded.
 ///
 /// Plugins built by another compiler call the operations through their slots, in the order in which
@@ -149,9 +161,9 @@ protected:
     /// Runs one operation. Exceptions of the classes PassedOn are reported and leave it as they are,
     /// anything else leaves it as a CUnhandledPluginException that names this DLL.
     template <typename... PassedOn, typename Body>
-    auto RunOperation(const WCHAR* szClass, CTracePoint point, Body body)
+    auto RunOperation(const WCHAR* szClass, CSlotPoint point, Body body)
     {
-        return CalledFromDLL([&]() -> std::invoke_result_t<Body> {
+        return CallBackIntoHost(point.caller, [&]() -> std::invoke_result_t<Body> {
             const COperation op(*this, szClass, point);
             const auto onException = [this](const COperation& failed) {
                 if (ReportIf<PassedOn...>()) {
@@ -176,7 +188,7 @@ private:
             ~CPutBack() { object.PutBack(); }
             CGinaObject& object;
         } putBack{*this};
-        return GuardedCall(body);
+        return CallIntoDLL(body);
     }
 
     /// The record that an export is handed: its first argument, or null.
@@ -209,5 +221,5 @@ private:
 /// faults.
 inline void DestroyListItem(CGinaObject* pGinaObject)
 {
-    GuardedHostCall([=] { pGinaObject->DeletingDestructor(1); });
+    CallWithinHost([=] { pGinaObject->DeletingDestructor(1); });
 }

@@ -73,7 +73,7 @@ void CGinaPluginInfo::Release(WCHAR*& szText, const WCHAR* szVariable) noexcept
     }
     // The text may have come from a plugin that allocated it in another way.
     DeleteVariable(*this, szVariable, [&] {
-        if (GuardedCall([&] { return LocalFree(szText); }) != nullptr) {
+        if (CallWithinHost([&] { return LocalFree(szText); }) != nullptr) {
             throw CForeignFault(GetLastError());
         }
     });

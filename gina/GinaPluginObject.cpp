@@ -42,7 +42,7 @@ bool CGinaPluginObject::Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount
                                    HANDLE hWlx, PVOID pvReserved, PVOID pWinlogonFunctions,
                                    PVOID* pWlxContext, DWORD dwLoadFlag1, DWORD dwLoadFlag2)
 {
-    const CTracePoint point = TEXT("Initialize");
+    const CSlotPoint point = TEXT("Initialize");
     return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(s_szClass, point, [&] {
         RequireResolved(m_Initialize, point.where);
         SetWlxHandle(hWlx);

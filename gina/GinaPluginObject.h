@@ -36,7 +36,7 @@ private:
     [[noreturn]] void HookFailed(CSourceLocation where) const;
 
     template <typename Result, typename Function, typename... Args>
-    Result Chain(CTracePoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
+    Result Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
 
     // In the order in which they are resolved. A BYTE result is a byte boolean: the rest of the register
     // that it comes in says nothing.
@@ -83,7 +83,7 @@ private:
 
 /// A chained operation: another object follows the plugin, or it is not called.
 template <typename Result, typename Function, typename... Args>
-Result CGinaPluginObject::Chain(CTracePoint point, const CGinaExport<Function>& function, GinaNode* pNode,
+Result CGinaPluginObject::Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
                                 Args... args)
 {
     return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(s_szClass, point, [&] {

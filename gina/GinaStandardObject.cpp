@@ -59,10 +59,10 @@ bool CGinaStandardObject::QueryPlugin(CGinaPluginInfo*, DWORD, DWORD, DWORD)
 
 bool CGinaStandardObject::QueryPluginInfo(CGinaPluginInfo* pPluginInfo)
 {
-    return CalledFromDLL([&] {
+    return CallBackIntoHost(CCaller(), [&] {
         const COperation op(*this, s_szClass, TEXT("QueryPluginInfo"));
         return op.Run(Absorb<>(), [&] {
-            GuardedHostCall([&] { *pPluginInfo = GetPluginInfo(); });
+            CallWithinHost([&] { *pPluginInfo = GetPluginInfo(); });
             return true;
         });
     });

@@ -37,13 +37,13 @@ private:
     [[noreturn]] void HookFailed(CSourceLocation where) const;
 
     template <typename Result, typename Function, typename... Args>
-    Result Chain(CTracePoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
+    Result Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
 };
 
 /// A chained operation: the GINA is the last in the list, or is not called. What it has not got to
 /// have is passed over.
 template <typename Result, typename Function, typename... Args>
-Result CGinaStandardObject::Chain(CTracePoint point, const CGinaExport<Function>& function, GinaNode* pNode,
+Result CGinaStandardObject::Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
                                   Args... args)
 {
     return RunOperation<CUnexpectedGinaException, CNullFunctionHandleException>(

@@ -117,7 +117,7 @@ BOOL CLUMGina::LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion)
             return false;
         }
         const CFlag negotiating(m_bNegotiating);
-        return GuardedHostCall([&] {
+        return CallWithinHost([&] {
             LoadPlugins(op, dwWinlogonVersion);
             LoadPassthroughGina(op, dwWinlogonVersion);
             return TellVersion(op, pdwDllVersion);
@@ -198,7 +198,7 @@ void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
 bool CLUMGina::TellVersion(const COperation& op, DWORD* pdwDllVersion) noexcept
 {
     try {
-        return GuardedHostCall([&] { return AgreeOnVersion(pdwDllVersion); });
+        return CallWithinHost([&] { return AgreeOnVersion(pdwDllVersion); });
     } catch (...) {
         op.Warn(ERR_UNHANDLED_EXCEPTION);
         return false;
@@ -317,7 +317,7 @@ void CLUMGina::SetWinlogonTimeout(HANDLE hWlx) noexcept
         const DWORD dwTimeout = ReadSetting(&CLUMRegistry::GetTimeout, DEFAULT_TIMEOUT_SECONDS);
         const PWLX_SET_TIMEOUT pfnSetTimeout = Needed(m_pWinlogonObject).GetWlxSetTimeout();
         if (pfnSetTimeout != nullptr) {
-            GuardedCall([&] { pfnSetTimeout(hWlx, dwTimeout); });
+            CallIntoDLL([&] { pfnSetTimeout(hWlx, dwTimeout); });
         }
     } catch (...) {
         return;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include <windows.h>
 #include "WlxInterface.h"
 
@@ -90,6 +92,8 @@ public:
     /// Stops the service threads that run. False when one has not finished in time, as when it is inside a
     /// plugin: the host must not be destroyed then.
     bool StopThreads();
+    /// Keeps those that StopThreads could not stop from ever running on.
+    void SuspendThreads() noexcept;
 
     DWORD m_dwNegotiatedWlxVersion;
     CGinaContext* m_pGinaContext;
@@ -130,6 +134,7 @@ private:
     bool LoadInto(CGinaObjectList& list, const WCHAR* szPlugin);
     bool UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin);
     void RequireThreads() const;
+    std::array<CThreadObject*, 2> GetThreads() const noexcept;
     void StartThreads();
 
     GinaNode* FindFirst(CGinaObject*& pFirst);

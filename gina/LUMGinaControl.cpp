@@ -37,15 +37,27 @@ void CLUMGina::StartThreads()
 
 /// The control channel comes first, since it can start the other. A host without one of them can be destroyed
 /// as well.
+std::array<CThreadObject*, 2> CLUMGina::GetThreads() const noexcept
+{
+    return {m_pLUMPipeThreadObject, m_pLUMRegMonitorThreadObject};
+}
+
 bool CLUMGina::StopThreads()
 {
     bool bStopped = true;
-    for (CThreadObject* pThread : {static_cast<CThreadObject*>(m_pLUMPipeThreadObject),
-                                   static_cast<CThreadObject*>(m_pLUMRegMonitorThreadObject)})
-    {
+    for (CThreadObject* pThread : GetThreads()) {
         bStopped = (pThread == nullptr || Stop(*pThread)) && bStopped;
     }
     return bStopped;
+}
+
+void CLUMGina::SuspendThreads() noexcept
+{
+    for (CThreadObject* pThread : GetThreads()) {
+        if (pThread != nullptr && pThread->m_bRunning) {
+            SuspendThread(pThread->m_hThread);
+        }
+    }
 }
 
 bool CLUMGina::LUMEnableActiveRegistryMonitoring(bool bEnable) noexcept

@@ -77,7 +77,7 @@ bool CLUMGina::UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin)
         return false;
     }
     try {
-        GuardedHostCall([=] { pNode->m_pItem->DynamicUnload(); });
+        CallWithinHost([=] { pNode->m_pItem->DynamicUnload(); });
     } catch (...) {
         m_gate.Add([&] { list.PutBack(pNode, pFollowing); });
         throw;

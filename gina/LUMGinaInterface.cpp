@@ -17,10 +17,9 @@ template <typename Result, typename HostResult, typename... Params, typename... 
 Result Export(CTracePoint point, HostResult (CLUMGina::*pfnOperation)(Params...), Args... args) noexcept
 {
     const COperation op(LUM_GINA_ORIGIN, CLASS_NAME, point);
-    // The frames in there are the host's, also when Winlogon calls from within a dialog that a GINA has open.
     const auto call = [&] { return static_cast<Result>((g_pLUMGina->*pfnOperation)(args...)); };
     return op.Run(Absorb<CMessage>(),
-                  [&] { return g_pLUMGina != nullptr ? GuardedHostCall(call) : FailureResult<Result>(); });
+                  [&] { return g_pLUMGina != nullptr ? CallWithinHost(call) : FailureResult<Result>(); });
 }
 
 } // namespace

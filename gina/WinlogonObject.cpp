@@ -102,7 +102,7 @@ bool CWinlogonObject::CopyFunctions(PVOID pWinlogonFunctions) noexcept
         RequireArgument(*this, pWinlogonFunctions, TEXT("pWinlogonFunctions"));
         RequireArgument(*this, m_dwVersion >= WLX_VERSION_1_0, TEXT("m_dwVersion"));
         // The table is where the caller says.
-        GuardedHostCall([&] {
+        CallWithinHost([&] {
             for (const CCallbackRow& row : CALLBACKS) {
                 if (row.dwSince <= m_dwVersion &&
                     !row.pfnCopy(*this, static_cast<Table*>(pWinlogonFunctions))) {

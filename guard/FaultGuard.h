@@ -9,23 +9,30 @@
 // The one component that knows how to survive a loaded DLL.
 //
 // A GINA or plugin is somebody else's code. It may read a null pointer, divide by zero, run out of
-// stack, or throw an exception of a compiler whose frames ours cannot unwind. Four things are
-// offered here, and nothing else in the system knows how they work:
+// stack, or throw an exception of a compiler whose frames ours cannot unwind. Who calls whom:
 //
-//   GuardedCall    calls into a DLL; whatever goes wrong in it arrives as a C++ exception.
-//   GuardedHostCall  runs code of the host's that reads what a DLL may have written.
-//   CalledFromDLL  wraps an operation that a DLL calls; an exception that leaves the operation
-//                  travels through the DLL's frames, whose own handlers and destructors see it.
-//   CHostFrames    marks the frames from here on as the host's: at the start of its own threads, and for a
-//                  call that comes back from Winlogon while a DLL of the same thread is in a guarded call.
+// clang-format off
+//   function          from           into                        a fault in there             an exception of the host
+//   ----------------  -------------  --------------------------  ---------------------------  -----------------------------
+//   CallIntoDLL       host           a DLL                       a CForeignFault              stays as it is
+//   CallWithinHost    host           code of the host that       a CForeignFault              stays as it is
+//                                    reads what a DLL may
+//                                    have written
+//   CallBackIntoHost  a DLL, or the  an operation of the host    goes to the guard around     goes to the caller; through a
+//                     host                                       the call of the caller       DLL's frames in the form of
+//                                                                                             the DLL's own compiler
+// clang-format on
 //
-// On Windows each module that links this has its own: to one module, the guard of another is a frame
-// like any other. Natively all modules of the process share one.
+// Faults are those of the processor, a breakpoint that no debugger waits for, and exceptions that the host
+// did not throw. Calls nest in any order: a guarded call ends with what goes wrong in the calls inside it.
+// All is per thread. A fault outside of all guarded calls keeps its default effect: the host does not hide
+// its own bugs.
 //
-// All of it is per thread, and guarded calls nest. A fault outside a guarded call keeps its default
-// effect: the host does not hide its own bugs.
+// On Windows each module that links this has its own: to one module, the guard of another is a frame like any
+// other. Natively all modules of the process share one, and exceptions of the host cross a DLL's frames by
+// themselves.
 
-/// What a guarded call throws for a processor fault, or an exception that is not the host's own.
+/// What a guarded call throws for a fault.
 class CForeignFault : public std::exception
 {
 public:
@@ -41,27 +48,34 @@ private:
     DWORD m_dwCode;
 };
 
+/// The place that called the function which makes one, or that will go on when it returns. In a function that
+/// was inlined, it is that of the function around it: as good, since both are the host's then.
+struct CCaller
+{
+    CCaller(const void* pReturnAddressArg = __builtin_return_address(0)) noexcept
+        : pReturnAddress(pReturnAddressArg)
+    {
+    }
+
+    const void* pReturnAddress;
+};
+
 namespace FaultGuard {
 
 /// Runs pfnCall(pContext) inside a guard of this thread.
 ///
-/// Throws CForeignFault for a processor fault or a foreign exception in it. An exception of the host
-/// leaves it unchanged, whether pfnCall threw it or it crossed the DLL's frames (see CalledFromDLL).
-/// After any of them the thread can go on and be guarded again: its stack can overflow once more, its
-/// floating-point unit and signal mask are as they were, and C++ handlers that the fault left open are
-/// closed. Objects of the host's own frames inside the call are not destroyed by a fault.
+/// Throws CForeignFault for a fault in it. An exception of the host leaves it unchanged, whether pfnCall
+/// threw it or it crossed the DLL's frames. After any of them the thread can go on and be guarded again: its
+/// stack can overflow once more, its floating-point unit and signal mask are as they were, and C++ handlers
+/// that the fault left open are closed. Objects in the frames that a fault ends are not destroyed.
 ///
-/// The last error after the call is the one that pfnCall left. Notifications meant for a debugger (a
-/// breakpoint, a single step, debug output) are not faults and pass by.
+/// The last error after the call is the one that pfnCall left.
 void RunGuarded(void (*pfnCall)(void*), void* pContext);
 
-/// Throws pException to the caller of the current operation: as it is when the frames in between are the
-/// host's, otherwise in the form that the DLL's frames understand. On a thread without a guard and without
-/// CHostFrames the caller is a DLL, which has started the thread.
-///
-/// No frame between this call and the DLL may hold an object with a destructor. While the exception
-/// travels it belongs to the DLL's frames: one that swallows it releases it.
-[[noreturn]] void ThrowToCaller(std::exception_ptr pException);
+/// Throws pException out to the caller: as it is when that is this module, otherwise in the form that a DLL's
+/// frames understand. No frame between this call and the caller may hold an object with a destructor. While
+/// the exception travels it belongs to the DLL's frames: one that swallows it releases it.
+[[noreturn]] void ThrowToCaller(const CCaller& caller, std::exception_ptr pException);
 
 /// Raises a C++ exception as the compiler of real plugins does, one that the host did not throw.
 /// For stand-in DLLs that must fail like a plugin; never returns.
@@ -69,33 +83,9 @@ void RunGuarded(void (*pfnCall)(void*), void* pContext);
 
 } // namespace FaultGuard
 
-/// What a fault in host frames means to the guarded call that is further out.
-enum class HostFaults
-{
-    Default, ///< not its business: the fault keeps its default effect
-    Guarded  ///< the call has failed, as it has when the DLL faults itself
-};
-
-/// Marks the frames of this scope as the host's own, whatever guarded call is further out: what is
-/// thrown in them is an ordinary C++ exception. An automatic object only: scopes end in reverse order.
-class CHostFrames
-{
-public:
-    explicit CHostFrames(HostFaults faults = HostFaults::Default) noexcept;
-    ~CHostFrames();
-    CHostFrames(const CHostFrames&) = delete;
-    CHostFrames& operator=(const CHostFrames&) = delete;
-
-private:
-    // On Windows this is an entry of the thread's list of exception frames, which fixes the fields;
-    // natively m_pOuter is the guard that takes no faults in this scope, if there is one.
-    void* m_pOuter;
-    [[maybe_unused]] const void* m_pfnHandler;
-};
-
 /// Calls into a loaded DLL: runs call() inside a guard and returns its result. Throws as RunGuarded.
 template <typename Call>
-auto GuardedCall(Call call)
+auto CallIntoDLL(Call call)
 {
     using Result = std::invoke_result_t<Call>;
     if constexpr (std::is_void_v<Result>) {
@@ -117,33 +107,26 @@ auto GuardedCall(Call call)
     }
 }
 
-/// Runs code of the host's own in a guard: a fault in it arrives as CForeignFault, so that what the caller
-/// holds, as a lock, is let go. For code that reads what a DLL can write to.
+/// Runs code of the host's own in a guard, so that a fault in it lets go what the caller holds, as a lock.
+/// For code that reads what a DLL can write to.
 template <typename Call>
-auto GuardedHostCall(Call call)
+auto CallWithinHost(Call call)
 {
-    return GuardedCall([&]() -> std::invoke_result_t<Call> {
-        const CHostFrames frames(HostFaults::Guarded);
-        return call();
-    });
+    return CallIntoDLL(call);
 }
 
-/// Runs an operation that a loaded DLL may have called. What the operation throws goes through
-/// ThrowToCaller, and a fault in it fails the DLL's call: a DLL can hand over any pointer. Operations
-/// may call each other. The arguments that operation captures must have trivial destructors.
-///
-/// Not inlined, because a list of exception frames has to lie on the stack in its order.
+/// Runs an operation that a loaded DLL may have called; caller is where the operation's own function returns
+/// to. What the operation throws goes through ThrowToCaller, so what it captures must have trivial
+/// destructors.
 template <typename Operation>
-__attribute__((noinline)) auto CalledFromDLL(Operation operation) -> std::invoke_result_t<Operation>
+auto CallBackIntoHost(const CCaller& caller, Operation operation) -> std::invoke_result_t<Operation>
 {
     static_assert(std::is_trivially_destructible_v<Operation>);
     std::exception_ptr pException;
     try {
-        // Between two operations there is no DLL, so the inner one must not throw as if there were.
-        const CHostFrames frames(HostFaults::Guarded);
         return operation();
     } catch (...) {
         pException = std::current_exception();
     }
-    FaultGuard::ThrowToCaller(std::move(pException));
+    FaultGuard::ThrowToCaller(caller, std::move(pException));
 }

@@ -9,5 +9,5 @@ template <typename Body>
 auto CallLocked(CCriticalSection& lock, Body body)
 {
     const CCriticalSection::CLock held(lock);
-    return GuardedHostCall(body);
+    return CallWithinHost(body);
 }

@@ -89,6 +89,7 @@ private:
     void CloseEvents() noexcept;
 
     void Launch();
+    void AwaitBeginning() const noexcept;
     void DropFinishedThread() noexcept;
     bool TakeStopBack() noexcept;
     bool AwaitFinish() const noexcept;
@@ -98,6 +99,7 @@ private:
 
     /// The thread of an object that deletes itself must not overtake StartThread.
     std::atomic<bool> m_bStarting;
+    std::atomic<bool> m_bBegun;
 
     /// StopThread has set StopEvent, and the thread has not been let go since.
     bool m_bAskedToStop;

@@ -115,7 +115,7 @@ BOOL CallDllMain(const CModule& module, DWORD dwReason)
     }
     const HINSTANCE hInstance = module.GetHandle();
     try {
-        return GuardedCall([&] { return pfnDllMain(hInstance, dwReason, nullptr); });
+        return CallIntoDLL([&] { return pfnDllMain(hInstance, dwReason, nullptr); });
     } catch (const CForeignFault& fault) {
         constexpr DWORD ACCESS_VIOLATION = 0xC0000005;
         Require(fault.GetCode() != ACCESS_VIOLATION, ERROR_NOACCESS);

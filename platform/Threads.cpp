@@ -54,6 +54,12 @@ DWORD WINAPI GetCurrentThreadId() noexcept
     return static_cast<DWORD>(gettid());
 }
 
+DWORD WINAPI SuspendThread(HANDLE) noexcept
+{
+    SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
+    return 0xFFFFFFFF;
+}
+
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE pfnStart, LPVOID pParameter,
                            DWORD dwCreationFlags, DWORD* pdwThreadId) noexcept
 {

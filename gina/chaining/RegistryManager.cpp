@@ -205,7 +205,7 @@ bool CRegistryManager::operator!=(const CRegistryManager& other) const noexcept
 bool CRegistryManager::IsEqual(const CRegistryManager& other) const
 {
     const CBothLocks locks(*this, other);
-    return GuardedHostCall([&] {
+    return CallWithinHost([&] {
         return m_bChainIncomplete == other.m_bChainIncomplete &&
                *m_pGinaChainingList == *other.m_pGinaChainingList;
     });
@@ -227,6 +227,6 @@ void CRegistryManager::ResyncWithRegistry(const CRegistryManager& other) noexcep
     const COperation op(*this, s_szClass, TEXT("ResyncWithRegistry"));
     op.Run(Absorb<CMessage>(), [&] {
         const CBothLocks locks(*this, other);
-        GuardedHostCall([&] { CChainResync(*this, other).Run(); });
+        CallWithinHost([&] { CChainResync(*this, other).Run(); });
     });
 }

@@ -57,7 +57,7 @@ void RunGuarded(void (*pfnCall)(void*), void* pContext)
     CallWithAlternateStack(CallInGuard, &call);
 }
 
-void ThrowToCaller(std::exception_ptr pException)
+void ThrowToCaller(const CCaller&, std::exception_ptr pException)
 {
     std::rethrow_exception(std::move(pException));
 }

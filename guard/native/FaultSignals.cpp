@@ -19,13 +19,13 @@ struct CFaultRow
     int nDetail;
     DWORD dwCode;
 } constexpr s_Faults[] = {
-    {SIGFPE, FPE_INTDIV, 0xC0000094}, {SIGFPE, FPE_INTOVF, 0xC0000095}, {SIGFPE, FPE_FLTDIV, 0xC000008E},
-    {SIGFPE, FPE_FLTRES, 0xC000008F}, {SIGFPE, FPE_FLTINV, 0xC0000090}, {SIGFPE, FPE_FLTOVF, 0xC0000091},
-    {SIGFPE, FPE_FLTUND, 0xC0000093}, {SIGILL, 0, 0xC000001D},          {SIGBUS, 0, 0xC0000006},
-    {SIGSEGV, 0, ANY_FAULT},
+    {SIGFPE, FPE_INTDIV, 0xC0000094}, {SIGFPE, FPE_INTOVF, 0xC0000095},  {SIGFPE, FPE_FLTDIV, 0xC000008E},
+    {SIGFPE, FPE_FLTRES, 0xC000008F}, {SIGFPE, FPE_FLTINV, 0xC0000090},  {SIGFPE, FPE_FLTOVF, 0xC0000091},
+    {SIGFPE, FPE_FLTUND, 0xC0000093}, {SIGILL, 0, 0xC000001D},           {SIGBUS, 0, 0xC0000006},
+    {SIGSEGV, 0, ANY_FAULT},          {SIGTRAP, TRAP_TRACE, 0x80000004}, {SIGTRAP, 0, 0x80000003},
 };
 
-constexpr int s_Signals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL};
+constexpr int s_Signals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP};
 
 struct sigaction s_Previous[std::size(s_Signals)];
 
@@ -82,7 +82,7 @@ void PassOn(int nSignal, siginfo_t* pInfo, void* pMachine) noexcept
 void OnSignal(int nSignal, siginfo_t* pInfo, void* pMachine) noexcept
 {
     CSignalGuard* const pGuard = CSignalGuard::GetInnermost();
-    if (pGuard != nullptr && pGuard->TakesFaults() && IsFault(*pInfo)) {
+    if (pGuard != nullptr && IsFault(*pInfo)) {
         pGuard->Abandon(GetCode(*pInfo, pMachine, *pGuard));
     }
     PassOn(nSignal, pInfo, pMachine);

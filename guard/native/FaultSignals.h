@@ -5,7 +5,7 @@
 namespace FaultGuard {
 
 /// The signals by which processor faults arrive. While it exists, the innermost guard of the thread
-/// gets them; without one, or when it does not take them, whoever handled them before.
+/// gets them; without one, whoever handled them before.
 class CFaultSignals
 {
 public:

@@ -21,11 +21,6 @@ public:
     /// Gives what pfnCall(pContext) gives, or the code of the fault that ended it.
     DWORD Run(DWORD (*pfnCall)(void*), void* pContext);
 
-    /// From the one to the other, the guard takes no faults. Pairs of them nest.
-    void BeginDefaultFaults() noexcept { m_nDefaultFaults = m_nDefaultFaults + 1; }
-    void EndDefaultFaults() noexcept { m_nDefaultFaults = m_nDefaultFaults - 1; }
-    bool TakesFaults() const noexcept { return m_nDefaultFaults == 0; }
-
     /// Ends the call because of a fault. For the signal handler.
     [[noreturn]] void Abandon(DWORD dwCode) noexcept;
 
@@ -36,7 +31,6 @@ private:
     CSignalGuard* m_pOuter;
     const void* m_pFirstFrame = nullptr;
     sigjmp_buf m_ReturnPoint;
-    volatile int m_nDefaultFaults = 0;
     volatile DWORD m_dwFault = 0;
 };
 

@@ -5,28 +5,23 @@
 namespace FaultGuard {
 
 /// An entry of the thread's list of exception frames. The system goes through the list, innermost entry
-/// first, to find the handler of an exception, and again to unwind. The host keeps no other record of
-/// what a thread is in, so nothing is left over of frames that somebody else's handler ends.
+/// first, to find the handler of an exception, and again to unwind. An entry lies in the stack frame that
+/// it stands for.
 ///
-/// Any compiler's frames may be in it, so nothing may be concluded from the types of pointers.
+/// Any compiler's frames may be in the list, so nothing may be concluded from the types of pointers.
 struct __attribute__((may_alias)) CExceptionFrame
 {
     CExceptionFrame* pOuter;
     const void* pfnHandler;
 
-    static CExceptionFrame* GetInnermost() noexcept
+    /// Makes this the innermost entry. The system's headers have functions for this, but without a word to
+    /// the compiler that memory changes: it leaves out what it takes to be without effect.
+    void Push() noexcept
     {
-        return reinterpret_cast<CExceptionFrame*>(__readfsdword(0));
+        asm volatile("movl %%fs:0, %0" : "=r"(pOuter) : : "memory");
+        asm volatile("movl %0, %%fs:0" : : "r"(this) : "memory");
     }
-    static void SetInnermost(void* pFrame) noexcept { __writefsdword(0, reinterpret_cast<DWORD>(pFrame)); }
-
-    /// Whether this is what the last entry points to.
-    bool IsEnd() const noexcept { return this == reinterpret_cast<CExceptionFrame*>(-1); }
 };
-
-/// How the system calls the handler of an entry.
-using ExceptionHandler = EXCEPTION_DISPOSITION(EXCEPTION_RECORD* pException, CExceptionFrame* pFrame,
-                                               CONTEXT*, void*);
 
 /// Whether a handler is called because the frames are being unwound, not to handle the exception.
 inline bool IsUnwinding(const EXCEPTION_RECORD& exception) noexcept

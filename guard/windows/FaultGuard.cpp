@@ -3,9 +3,10 @@
 #include "guard/ThreadState.h"
 #include "ForeignException.h"
 #include "FrameGuard.h"
-#include "GuardEntry.h"
-#include "HostFrames.h"
 #include "StackGuardPage.h"
+
+/// Where the linker has put this module.
+extern "C" const IMAGE_DOS_HEADER __ImageBase;
 
 namespace FaultGuard {
 namespace {
@@ -36,15 +37,11 @@ void Recover(const CThreadState& state, DWORD dwCode) noexcept
     }
 }
 
-/// Whether what is thrown here would be thrown into a DLL. A thread on which the host has marked nothing is a
-/// DLL's own.
-bool IsDLLInnermost() noexcept
+bool IsOwnCode(const void* pCode) noexcept
 {
-    const CExceptionFrame* pFrame = CExceptionFrame::GetInnermost();
-    while (!pFrame->IsEnd() && !IsHostFrames(*pFrame) && !CGuardEntry::Is(*pFrame)) {
-        pFrame = pFrame->pOuter;
-    }
-    return pFrame->IsEnd() || CGuardEntry::Is(*pFrame);
+    const auto nBase = reinterpret_cast<ULONG_PTR>(&__ImageBase);
+    const auto& headers = *reinterpret_cast<const IMAGE_NT_HEADERS*>(nBase + __ImageBase.e_lfanew);
+    return reinterpret_cast<ULONG_PTR>(pCode) - nBase < headers.OptionalHeader.SizeOfImage;
 }
 
 } // namespace
@@ -67,9 +64,9 @@ void RunGuarded(void (*pfnCall)(void*), void* pContext)
     throw CForeignFault(guard.GetCode());
 }
 
-void ThrowToCaller(std::exception_ptr pException)
+void ThrowToCaller(const CCaller& caller, std::exception_ptr pException)
 {
-    if (!IsDLLInnermost()) {
+    if (IsOwnCode(caller.pReturnAddress)) {
         std::rethrow_exception(std::move(pException));
     }
     RaiseHostException(std::move(pException));

@@ -98,9 +98,8 @@ void RaiseHostException(std::exception_ptr pException) noexcept
 {
     // Taken over, since the caller's is not destroyed.
     std::exception_ptr pObject(std::move(pException));
-    CThrowingFrame frame{{CExceptionFrame::GetInnermost(), reinterpret_cast<const void*>(OnUnwind)},
-                         &pObject};
-    CExceptionFrame::SetInnermost(&frame);
+    CThrowingFrame frame{{nullptr, reinterpret_cast<const void*>(OnUnwind)}, &pObject};
+    frame.Push();
     Raise(&pObject, s_HostThrow);
 }
 

@@ -1,37 +1,99 @@
 #include "FrameGuard.h"
 
+#include "ExceptionFrame.h"
 #include "ForeignException.h"
-#include "GuardEntry.h"
 
 namespace FaultGuard {
 namespace {
 
-/// Codes that report to a debugger or to the memory manager and are continued by whoever asked for them.
-bool IsNotification(DWORD dwCode) noexcept
+/// The entry of a guard, which LumRunGuardEntry makes.
+struct __attribute__((may_alias)) CGuardEntry : CExceptionFrame
 {
-    constexpr DWORD THREAD_NAME = 0x406D1388;
-    constexpr DWORD DEBUGGER_FACILITY = 0x40010000; // debug output, console control keys
-    switch (dwCode) {
-    case EXCEPTION_BREAKPOINT:
-    case EXCEPTION_SINGLE_STEP:
-    case STATUS_GUARD_PAGE_VIOLATION:
-    case THREAD_NAME:
-        return true;
-    default:
-        return (dwCode & 0xFFFF0000) == DEBUGGER_FACILITY;
-    }
+    CFrameGuard* pGuard;
+};
+
+/// What a debugger that is attached is waiting for. Without one, nobody is.
+bool IsForDebugger(DWORD dwCode) noexcept
+{
+    return (dwCode == EXCEPTION_BREAKPOINT || dwCode == EXCEPTION_SINGLE_STEP) &&
+           IsDebuggerPresent() != FALSE;
 }
 
 } // namespace
 
+// Assembly, because the entry must be found again when no register is what it was: the unwinding keeps the
+// stack pointer alone. Functions without a prologue of their own, rather than a text beside the functions,
+// which a link-time optimiser does not look into.
+
+extern "C" {
+
+__attribute__((used)) EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pException,
+                                                           CExceptionFrame* pFrame, CONTEXT*, void*);
+
+#define LEAVE_ENTRY                                                                                          \
+    "popl %fs:0\n\t"                                                                                         \
+    "addl $8, %esp\n\t"                                                                                      \
+    "popl %edi\n\t"                                                                                          \
+    "popl %esi\n\t"                                                                                          \
+    "popl %ebx\n\t"                                                                                          \
+    "popl %ebp\n\t"                                                                                          \
+    "ret"
+
+/// Runs pfnCall(pContext) inside an entry for the guard. Gives 0 when the call returned, 1 when
+/// LumEndGuardEntry ended it.
+__attribute__((naked, noipa)) int LumRunGuardEntry(CFrameGuard* /*pGuard*/, void (* /*pfnCall*/)(void*),
+                                                   void* /*pContext*/)
+{
+    asm("pushl %ebp\n\t"
+        "movl %esp, %ebp\n\t"
+        "pushl %ebx\n\t"
+        "pushl %esi\n\t"
+        "pushl %edi\n\t"
+        "pushl 8(%ebp)\n\t"
+        "pushl $_LumOnException\n\t"
+        "pushl %fs:0\n\t"
+        "movl %esp, %fs:0\n\t"
+        "pushl 16(%ebp)\n\t"
+        "call *12(%ebp)\n\t"
+        "addl $4, %esp\n\t"
+        "xorl %eax, %eax\n\t" LEAVE_ENTRY);
+}
+
+/// Unwinds all frames inside the entry and lets its LumRunGuardEntry return.
+__attribute__((naked, noipa)) void LumEndGuardEntry(CExceptionFrame* /*pFrame*/,
+                                                    EXCEPTION_RECORD* /*pException*/)
+{
+    asm("movl 4(%esp), %eax\n\t"
+        "movl 8(%esp), %ecx\n\t"
+        "pushl %eax\n\t"
+        "pushl $0\n\t"
+        "pushl %ecx\n\t"
+        "pushl $1f\n\t"
+        "pushl %eax\n\t"
+        "call _RtlUnwind@16\n"
+        "1:\n\t"
+        "popl %esp\n\t"
+        "movl $1, %eax\n\t"
+        "cld\n\t" LEAVE_ENTRY);
+}
+
+EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pException, CExceptionFrame* pFrame, CONTEXT*, void*)
+{
+    if (!IsUnwinding(*pException) && static_cast<CGuardEntry*>(pFrame)->pGuard->Take(*pException)) {
+        LumEndGuardEntry(pFrame, pException);
+    }
+    return ExceptionContinueSearch;
+}
+}
+
 bool CFrameGuard::Run(void (*pfnCall)(void*), void* pContext)
 {
-    return CGuardEntry::Run(*this, pfnCall, pContext);
+    return LumRunGuardEntry(this, pfnCall, pContext) == 0;
 }
 
 bool CFrameGuard::Take(const EXCEPTION_RECORD& exception) noexcept
 {
-    if (IsNotification(exception.ExceptionCode)) {
+    if (IsForDebugger(exception.ExceptionCode)) {
         return false;
     }
     m_dwCode = exception.ExceptionCode;

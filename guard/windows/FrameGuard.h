@@ -14,7 +14,8 @@ public:
     CFrameGuard(const CFrameGuard&) = delete;
     CFrameGuard& operator=(const CFrameGuard&) = delete;
 
-    /// Runs pfnCall(pContext). False when an exception ended it; this holds it then.
+    /// Runs pfnCall(pContext). False when an exception ended it; this holds it then. The frames inside have
+    /// been unwound by their own handlers, as far as they have any.
     bool Run(void (*pfnCall)(void*), void* pContext);
 
     /// The code of the exception that ended the call.

@@ -4,6 +4,8 @@
 #include "ChainPlugin.h"
 #include "LUMPlugin.h"
 
+extern "C" __declspec(dllimport) void __stdcall Sleep(DWORD dwMilliseconds);
+
 namespace {
 
 AbiChainState g_state;
@@ -75,6 +77,12 @@ void FailAsTold(AbiDeed deed)
     case ABI_EXHAUST_STACK:
         g_pfnExhaustStack(0);
         break;
+    case ABI_WAIT:
+        for (g_state.nWaiting = 1; g_state.nWaiting != -1;) {
+            Sleep(1);
+        }
+        g_state.nWaiting = 2;
+        break;
     default:
         break;
     }
@@ -138,6 +146,8 @@ int Serve(int nSlot)
     return deed == ABI_ANSWER ? g_state.nAnswer : TRUE;
 }
 
+WCHAR s_szName[] = TEXT("Not to be freed");
+
 // clang-format off
 #define CHAINED(TYPE, SLOT_TYPE, NAME, PARAMETERS, ...) \
     TYPE NAME PARAMETERS override { return static_cast<TYPE>(Chain<SLOT_TYPE>(ABI_##NAME, pNode, __VA_ARGS__)); }
@@ -151,6 +161,10 @@ public:
     {
         pInfo->m_dwWlxVersion = g_state.dwWlxVersion != 0 ? g_state.dwWlxVersion : pInfo->m_dwWlxVersion;
         pInfo->m_dwLUMVersion = g_state.dwLUMVersion != 0 ? g_state.dwLUMVersion : pInfo->m_dwLUMVersion;
+        if (GetDeed(ABI_Negotiate) == ABI_NAME_BY_CONSTANT) {
+            pInfo->m_szFriendlyName = s_szName;
+            return true;
+        }
         return CPlugin::Negotiate(pInfo) && Serve(ABI_Negotiate) != 0;
     }
     bool QueryPlugin(lum::CGinaPluginInfo*, DWORD, DWORD, DWORD) override { return Serve(ABI_QueryPlugin) != 0; }
@@ -185,6 +199,14 @@ CChainPlugin s_plugin;
 } // namespace
 
 LUM_PLUGIN(s_plugin)
+
+extern "C" int __stdcall DllMain(void*, unsigned long dwReason, void*)
+{
+    if (dwReason == 0) {
+        FailAsTold(GetDeed(ABI_Unload));
+    }
+    return TRUE;
+}
 
 extern "C" __declspec(dllexport) AbiChainState* __cdecl AbiChain()
 {

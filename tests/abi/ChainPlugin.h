@@ -15,7 +15,9 @@ enum AbiDeed
     ABI_THROW,             ///< an exception of its own
     ABI_READ_NULL,
     ABI_DIVIDE_BY_ZERO,
-    ABI_EXHAUST_STACK
+    ABI_EXHAUST_STACK,
+    ABI_WAIT,            ///< sets nWaiting to 1, and waits until that is -1
+    ABI_NAME_BY_CONSTANT ///< leaves a text in the record that cannot be freed; with LUMNegotiate only
 };
 
 /// The places of the operations in the table of an object: CALL(slot, name).
@@ -52,6 +54,7 @@ enum AbiCall
 #define ABI_ENUMERATOR(SLOT, NAME) ABI_##NAME = SLOT,
     ABI_CALLS(ABI_ENUMERATOR)
 #undef ABI_ENUMERATOR
+    ABI_Unload ///< no call: the plugin's DllMain, when its DLL is unloaded
 };
 
 /// What the plugin is told, and what it tells.
@@ -63,6 +66,9 @@ struct AbiChainState
     int nAnswer;
     unsigned long dwWlxVersion; ///< left in Negotiate; 0 for what was offered
     unsigned long dwLUMVersion;
+
+    // Both.
+    volatile int nWaiting;
 
     // Seen.
     int nCaught;   ///< exceptions from the next object

@@ -1,7 +1,6 @@
 #include "PipeMachine.h"
 
 #include "Exceptions.h"
-#include "guard/FaultGuard.h"
 
 CPipeMachine::CPipeMachine()
 {
@@ -36,7 +35,6 @@ void CPipeMachine::StopServer()
 
 DWORD WINAPI CPipeMachine::Serve(LPVOID pMachine)
 {
-    const CHostFrames hostFrames;
     CPipeMachine& machine = *static_cast<CPipeMachine*>(pMachine);
     const CPipeConnection::AwaitStop awaitStop = [&](DWORD dwMilliseconds) {
         Sleep(machine.m_bStop ? 0 : dwMilliseconds);

@@ -258,7 +258,7 @@ TEST_F(PluginsInHost, AFaultOfTheHostEndsTheInitialisationAndLeavesNoCallInFligh
     // As a plugin can write it.
     CGinaObject*& pItem = host->m_pGinaObjectList->m_pHead->pNext->m_pItem;
     CGinaObject* const pKept = std::exchange(pItem, reinterpret_cast<CGinaObject*>(ULONG_PTR(8)));
-    EXPECT_FALSE(GuardedHostCall([this] { return Initialize(); }));
+    EXPECT_FALSE(CallWithinHost([this] { return Initialize(); }));
     pItem = pKept;
     EXPECT_EQ(1, Count("[WARNING] An unhandled exception occurred"));
     EXPECT_TRUE(host->LUMRemovePluginDynamic(TEXT("test_plugin_a.dll")));

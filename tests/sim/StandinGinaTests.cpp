@@ -146,7 +146,7 @@ TEST_F(StandinGina, FailsInTheChosenCallOnlyAndRecordsItFirst)
         BOOL bSecure = FALSE;
         DWORD dwCode = 0;
         try {
-            GuardedCall([&] { STANDIN_ENTRY(WlxScreenSaverNotify)(nullptr, &bSecure); });
+            CallIntoDLL([&] { STANDIN_ENTRY(WlxScreenSaverNotify)(nullptr, &bSecure); });
         } catch (const CForeignFault& fault) {
             dwCode = fault.GetCode();
         }

@@ -6,8 +6,6 @@
 
 #include <windows.h>
 
-#include "guard/FaultGuard.h"
-
 /// A thread that runs a function once, on either target.
 class CThread
 {
@@ -30,7 +28,6 @@ public:
 private:
     static DWORD WINAPI Run(PVOID pThread)
     {
-        const CHostFrames hostFrames;
         static_cast<CThread*>(pThread)->m_run();
         return 0;
     }

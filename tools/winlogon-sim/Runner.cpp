@@ -30,7 +30,7 @@ const StandinInterface* GetStandin(const CLibrary& library, const std::string& n
 LONG Invoke(const CCallFrame& frame, FARPROC pfnEntry, CStepReport& report)
 {
     try {
-        return GuardedCall([&] { return frame.GetCall().pfnInvoke(pfnEntry, frame.GetValues()); });
+        return CallIntoDLL([&] { return frame.GetCall().pfnInvoke(pfnEntry, frame.GetValues()); });
     } catch (const CForeignFault& fault) {
         report.differences.push_back(
             Format("exception 0x%08x reached Winlogon", static_cast<unsigned>(fault.GetCode())));

@@ -27,6 +27,8 @@ DWORD WINAPI GetCurrentThreadId() noexcept;
 /// Without creation flags: the thread runs at once.
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES pSecurity, SIZE_T cbStack, LPTHREAD_START_ROUTINE pfnStart,
                            LPVOID pParameter, DWORD dwCreationFlags, DWORD* pdwThreadId) noexcept;
+/// Fails always: here a thread cannot be stopped from outside.
+DWORD WINAPI SuspendThread(HANDLE hThread) noexcept;
 
 /// Without a name.
 HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES pSecurity, BOOL bManualReset, BOOL bInitialState,

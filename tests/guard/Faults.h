@@ -9,7 +9,7 @@ struct CFault
     void (*pfnCommit)();
     DWORD dwCode; ///< what a guarded call reports
 
-    static const CFault s_All[8];
+    static const CFault s_All[10];
 };
 
 /// Reads through a null pointer.

@@ -2,8 +2,3 @@
 
 /// The table that descriptions of classes point to. Catching compares their names, and never looks at it.
 extern "C" void* const g_TypeInfoTable[1] asm("??_7type_info@@6B@") = {nullptr};
-
-extern "C" int __stdcall DllMain(void*, unsigned long, void*)
-{
-    return 1;
-}

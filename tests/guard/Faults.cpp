@@ -1,5 +1,7 @@
 #include "Faults.h"
 
+#include <x86intrin.h>
+
 #include "guard/FaultGuard.h"
 
 // The operands are volatile, so that no compiler can foresee the fault and do something else; the
@@ -52,6 +54,18 @@ MEANT_TO_FAULT void ExecuteNonsense()
     asm volatile("ud2");
 }
 
+MEANT_TO_FAULT void Break()
+{
+    asm volatile("int3");
+}
+
+/// The processor stops after the next instruction.
+MEANT_TO_FAULT void Step()
+{
+    constexpr unsigned TRAP_FLAG = 0x100;
+    __writeeflags(__readeflags() | TRAP_FLAG);
+}
+
 } // namespace
 
 MEANT_TO_FAULT void ReadNull()
@@ -60,7 +74,7 @@ MEANT_TO_FAULT void ReadNull()
     static_cast<void>(*pNull);
 }
 
-const CFault CFault::s_All[8] = {
+const CFault CFault::s_All[10] = {
     {"null read", ReadNull, 0xC0000005},
     {"null write", WriteNull, 0xC0000005},
     {"write to code", WriteCode, 0xC0000005},
@@ -68,5 +82,7 @@ const CFault CFault::s_All[8] = {
     {"floating-point division by zero", DivideFloatByZero, 0xC000008E},
     {"stack overflow", ExhaustStack, 0xC00000FD},
     {"illegal instruction", ExecuteNonsense, 0xC000001D},
+    {"breakpoint", Break, 0x80000003},
+    {"single step", Step, 0x80000004},
     {"C++ exception of another compiler", FaultGuard::RaiseForeignException, 0xE06D7363},
 };

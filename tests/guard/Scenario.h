@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AbiPlugin.h"
+#include "ForeignFrames.h"
 
 /// Defines an exported scenario.
 #define ABI_SCENARIO(name)                                                                                   \
