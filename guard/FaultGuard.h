@@ -77,10 +77,6 @@ void RunGuarded(void (*pfnCall)(void*), void* pContext);
 /// the exception travels it belongs to the DLL's frames: one that swallows it releases it.
 [[noreturn]] void ThrowToCaller(const CCaller& caller, std::exception_ptr pException);
 
-/// Raises a C++ exception as the compiler of real plugins does, one that the host did not throw.
-/// For stand-in DLLs that must fail like a plugin; never returns.
-[[noreturn]] void RaiseForeignException();
-
 } // namespace FaultGuard
 
 /// Calls into a loaded DLL: runs call() inside a guard and returns its result. Throws as RunGuarded.

@@ -2,7 +2,16 @@
 
 #include <windows.h>
 
-// Structured exceptions of any code, for stand-in DLLs that must fail as software does that raises its own.
+// Exceptions that are not the host's, for stand-in DLLs that must fail as other software does.
+
+namespace FaultGuard {
+
+/// Raises a C++ exception as the compiler of real plugins does; never returns.
+[[noreturn]] void RaiseForeignException();
+
+} // namespace FaultGuard
+
+/// Structured exceptions of any code.
 namespace StructuredExceptions {
 
 /// Whether the system has them: Windows does.

@@ -5,6 +5,14 @@
 
 namespace FaultGuard {
 
+/// The C++ runtime's record of what a thread throws and handles. The ABI fixes its layout, and its header
+/// does not show it.
+struct CExceptionGlobals
+{
+    void* pCaught;
+    unsigned int nUncaught;
+};
+
 /// What a thread must have again when a fault has ended a guarded call.
 class CThreadState
 {
@@ -18,16 +26,9 @@ public:
     }
 
 private:
-    // The C++ runtime's record of a thread, whose layout the ABI fixes but its header does not show.
-    struct CHandling
+    static CExceptionGlobals& GetHandling() noexcept
     {
-        void* pCaught;
-        unsigned int nUncaught;
-    };
-
-    static CHandling& GetHandling() noexcept
-    {
-        return *reinterpret_cast<CHandling*>(abi::__cxa_get_globals());
+        return *reinterpret_cast<CExceptionGlobals*>(abi::__cxa_get_globals());
     }
 
     void RestoreFloatingPoint() const noexcept
@@ -47,7 +48,7 @@ private:
         GetHandling().nUncaught = m_Handling.nUncaught;
     }
 
-    CHandling m_Handling;
+    CExceptionGlobals m_Handling;
     std::fenv_t m_Environment;
 };
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <new>
 
 #include "platform/FaultInjection.h"
@@ -16,20 +15,6 @@ struct CCallError
 {
     DWORD dwError;
 };
-
-/// What a use of a call is about, by which a failure can be restricted to it.
-struct CCallName
-{
-    constexpr CCallName(std::nullptr_t) noexcept {}
-    constexpr CCallName(LPCWSTR szName) noexcept : szWide(szName) {}
-    constexpr CCallName(LPCSTR szName) noexcept : szNarrow(szName) {}
-
-    LPCWSTR szWide = nullptr;
-    LPCSTR szNarrow = nullptr;
-};
-
-extern std::atomic<int> g_nInjections;
-DWORD TakeInjectedFault(PlatformCall call, CCallName name) noexcept;
 
 inline DWORD TakeFault(PlatformCall call, CCallName name) noexcept
 {

@@ -4,7 +4,6 @@
 #include <mutex>
 #include <vector>
 
-#include "Call.h"
 #include "Text.h"
 
 namespace Native {

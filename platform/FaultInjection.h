@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include <windows.h>
@@ -61,16 +63,32 @@
     CALL(WriteFile)
 // clang-format on
 
-namespace Native {
-struct CCallName;
-}
-
 enum class PlatformCall
 {
 #define PLATFORM_CALL_ENUMERATOR(NAME) NAME,
     PLATFORM_CALLS(PLATFORM_CALL_ENUMERATOR)
 #undef PLATFORM_CALL_ENUMERATOR
 };
+
+// For the layer: how a call asks whether it is to fail.
+
+namespace Native {
+
+/// What a use of a call is about, by which a failure can be restricted to it.
+struct CCallName
+{
+    constexpr CCallName(std::nullptr_t) noexcept {}
+    constexpr CCallName(LPCWSTR szName) noexcept : szWide(szName) {}
+    constexpr CCallName(LPCSTR szName) noexcept : szNarrow(szName) {}
+
+    LPCWSTR szWide = nullptr;
+    LPCSTR szNarrow = nullptr;
+};
+
+extern std::atomic<int> g_nInjections;
+DWORD TakeInjectedFault(PlatformCall call, CCallName name) noexcept;
+
+} // namespace Native
 
 /// One call or several.
 class CPlatformCalls

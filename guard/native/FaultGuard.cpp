@@ -1,5 +1,6 @@
 #include "guard/FaultGuard.h"
 
+#include "guard/StructuredExceptions.h"
 #include "guard/ThreadState.h"
 #include "AlternateStack.h"
 #include "FaultSignals.h"

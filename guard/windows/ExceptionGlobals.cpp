@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include "guard/ThreadState.h"
+
 // The C++ runtime's record of what each thread throws and handles, in place of the one that comes with the
 // compiler. That one is a thread-local variable, which the compiler's start-up code releases when the library
 // is about to be unloaded, but before DllMain is told: the next exception would be noted in memory that is no
@@ -11,12 +13,7 @@
 
 namespace {
 
-/// What the ABI has the runtime keep of a thread.
-struct CExceptionGlobals
-{
-    void* pCaught;
-    unsigned int nUncaught;
-};
+using FaultGuard::CExceptionGlobals;
 
 /// The records of all threads. The TLS index is taken when the first of them throws, and given back when the
 /// module is unloaded, after DllMain.

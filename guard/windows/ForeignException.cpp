@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "ExceptionFrame.h"
-#include "guard/FaultGuard.h"
+#include "guard/StructuredExceptions.h"
 
 namespace FaultGuard {
 namespace {

@@ -1,6 +1,5 @@
 #include "Failures.h"
 
-#include "guard/FaultGuard.h"
 #include "guard/StructuredExceptions.h"
 
 namespace {

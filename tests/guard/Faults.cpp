@@ -2,7 +2,7 @@
 
 #include <x86intrin.h>
 
-#include "guard/FaultGuard.h"
+#include "guard/StructuredExceptions.h"
 
 // The operands are volatile, so that no compiler can foresee the fault and do something else; the
 // sanitizers are told that it is meant.

@@ -7,7 +7,7 @@
 #include "LUMRegMonitorThreadObject.h"
 #include "TestMachine.h"
 #include "TestThread.h"
-#include "guard/FaultGuard.h"
+#include "guard/StructuredExceptions.h"
 #include "platform/FaultInjection.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "TestMachine.h"
 #include "TestThread.h"
 #include "Thread.h"
-#include "guard/FaultGuard.h"
+#include "guard/StructuredExceptions.h"
 
 namespace {
 
