@@ -18,13 +18,18 @@ endif()
 # The suites that run threads, which the thread sanitizer is to see.
 add_custom_target(thread_suites)
 
-# lum_add_test_suite(NAME SOURCES file.cpp... [LIBS library...] [NEEDS target...] [THREADS])
+# lum_add_test_suite(NAME SOURCES file.cpp... [LIBS library...] [NEEDS target...] [PRIVATE_REGISTRY] [THREADS])
 #
 # One program in bin/, one CTest of that name. It runs in a folder of its own, where it may leave files.
 # NEEDS names what it loads at run time. THREADS: it runs threads, and gets the label of that name.
+# PRIVATE_REGISTRY: on Windows it sees a registry of its own: nothing that goes wrong in it may keep anybody from
+# logging on.
 function(lum_add_test_suite name)
-  cmake_parse_arguments(arg "THREADS" "" "SOURCES;LIBS;NEEDS" ${ARGN})
+  cmake_parse_arguments(arg "PRIVATE_REGISTRY;THREADS" "" "SOURCES;LIBS;NEEDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
+  if(WIN32 AND arg_PRIVATE_REGISTRY)
+    target_sources(${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests/chaining/windows/PrivateRegistry.cpp")
+  endif()
   target_link_libraries(${name} PRIVATE ${arg_LIBS} lum_options lum_platform lum_gtest)
   if(arg_NEEDS)
     add_dependencies(${name} ${arg_NEEDS})
