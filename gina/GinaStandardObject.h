@@ -40,8 +40,8 @@ private:
     Result Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
 };
 
-/// A chained operation: the GINA is the last in the list, or is not called. What it has not got to
-/// have is passed over.
+/// A chained operation: the GINA is the last in the list, or is not called. An optional export that it lacks
+/// is reported and skipped.
 template <typename Result, typename Function, typename... Args>
 Result CGinaStandardObject::Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
                                   Args... args)

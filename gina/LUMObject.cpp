@@ -92,9 +92,9 @@ bool CLUMObject::LUMDecreasePriority(const CGinaPluginInfo& record) noexcept
     });
 }
 
-/// Whether the name is that of a plugin which is not the last one. Moves the cursor. Names that cannot be
-/// compared, for want of memory, are none that differ; so the place counts as well: a plugin behind the
-/// passthrough GINA would be called instead of it.
+/// Whether the name is that of a plugin which is not the last one. Moves the cursor. Without memory, two
+/// names that are equal seem to differ. So the place counts as well: a plugin that got behind the passthrough
+/// GINA would be called instead of it.
 bool CLUMObject::IsAboveAnotherPlugin(const WCHAR* szPlugin) noexcept
 {
     CGinaObjectList& list = *m_pGinaObjectList;

@@ -35,7 +35,7 @@ constexpr CValueSettings MONITOR_INTERVAL{TEXT("MonitorInterval"), false, false}
 constexpr CValueSettings ENABLED{TEXT("Enabled"), true, true};
 constexpr CValueSettings INSTANCE_COUNT{TEXT("InstanceCount"), true, true};
 
-/// Makes a value object; one that cannot be made is done without.
+/// Makes a value object, or reports why it stays null.
 template <typename Value>
 void LoadValue(const CGlobalObject& owner, COwned<Value>& pValue, const CValueSettings& settings,
                bool bNoCreate = false)
@@ -221,7 +221,9 @@ bool CLUMRegistry::IsPluginListed(const WCHAR* szPlugin) noexcept
 {
     const auto isThatName = [=](const COwnedText& szEntry) { return EqualNames(szEntry, szPlugin); };
     const auto body = [&] {
-        return ParsePlugins() && std::any_of(m_szPlugins + 0, m_szPlugins + m_dwNumPlugins, isThatName);
+        const bool bParsed = ParsePlugins();
+        const COwnedText* pEntries = m_szPlugins;
+        return bParsed && std::any_of(pEntries, pEntries + m_dwNumPlugins, isThatName);
     };
     return RunLocked(TEXT("IsPluginListed"), Absorb<>(), body, FailureWarning::UnlessRaised);
 }

@@ -9,7 +9,7 @@ namespace {
 
 constexpr WCHAR TXT_KEY_NOT_LOADED[] = TEXT("Winlogon key could not be loaded");
 
-/// Makes a value object; one that cannot be made is done without.
+/// Makes a value object, or reports why it stays null.
 template <typename Value>
 void LoadValue(const CMessageOrigin& origin, COwned<Value>& pValue, const WCHAR* szValueName) noexcept
 {

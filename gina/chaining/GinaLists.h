@@ -39,6 +39,6 @@ void AddKnownGinas(CKnownGinaList& knownGinas);
 /// What is known of a GINA, null when it is unknown.
 CGinaChainingInfoObject* FindGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL);
 
-/// Looks for a chaining record of that name and appends what it says. Null when there is none that can be
-/// read or is none; why is reported. Throws when there is no memory.
+/// Looks for a chaining record of that name and appends what it says. Null, and a report why, when there is
+/// no such value, or it cannot be read, or is not a record. Throws when there is no memory.
 CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL);

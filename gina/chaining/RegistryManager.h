@@ -62,8 +62,8 @@ public:
     /// by the owner, while no other thread has the object.
     bool m_bListOnly = false;
     /// Over both lists and their cursors; held for no longer than the registry takes. It comes before the
-    /// locks of the two registries. Held for another object's sake while that is compared, only when no other
-    /// thread has that object.
+    /// locks of the two registries. The registry monitor holds it from before it builds the manager to
+    /// compare with, which no other thread has.
     mutable CCriticalSection m_lock;
 
 private:
