@@ -7,6 +7,7 @@
 #include "Exceptions.h"
 #include "GuardedText.h"
 #include "Operation.h"
+#include "QuietLoading.h"
 #include "RequireArgument.h"
 
 namespace {
@@ -119,6 +120,7 @@ void CGinaObject::PutBack() noexcept
 
 void CGinaObject::LoadGinaDLL()
 {
+    const CQuietLoading quiet;
     // The DLL's own start-up code runs in here.
     m_hModule = RunDLL([&] { return LoadLibraryW(GetGinaDLLName()); });
     if (m_hModule == nullptr) {

@@ -185,7 +185,8 @@ void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
     WCHAR szGinaDLL[NAME_CAPACITY] = {};
     bool bRead = false;
     try {
-        bRead = Needed(m_pLUMRegistry).GetGinaDLL(szGinaDLL, NAME_CAPACITY, true);
+        // Without a configuration the system's own GINA can still let people log on.
+        bRead = m_pLUMRegistry != nullptr && m_pLUMRegistry->GetGinaDLL(szGinaDLL, NAME_CAPACITY, true);
     } catch (CMessage& message) {
         message.WriteIfUnwritten();
     }
@@ -247,12 +248,24 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
         // Counted before there are other threads that add and remove.
         const bool bInitialized = m_pGinaObjectList->m_dwCount != 0;
         // Later instances, as those of other sessions, leave the service threads to the first.
-        if (bInitialized && dwInstanceCount == 1) {
-            StartThreads();
-        }
-        SetWinlogonTimeout(hWlx);
+        FinishInitialization(op, bInitialized && dwInstanceCount == 1, hWlx);
         return bInitialized;
     });
+}
+
+/// The GINAs are initialised: whatever fails from here on, people can log on.
+void CLUMGina::FinishInitialization(const COperation& op, bool bStartThreads, HANDLE hWlx) noexcept
+{
+    try {
+        CallWithinHost([&] {
+            if (bStartThreads) {
+                StartThreads();
+            }
+            SetWinlogonTimeout(hWlx);
+        });
+    } catch (...) {
+        op.Warn(ERR_UNHANDLED_EXCEPTION);
+    }
 }
 
 void CLUMGina::RequireGinaObjects() const

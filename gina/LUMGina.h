@@ -129,11 +129,11 @@ private:
     template <typename Initialize>
     void InitializeObjects(Initialize initialize);
     void RemoveNode(GinaNode* pNode);
+    void FinishInitialization(const COperation& op, bool bStartThreads, HANDLE hWlx) noexcept;
     void SetWinlogonTimeout(HANDLE hWlx) noexcept;
 
     bool LoadInto(CGinaObjectList& list, const WCHAR* szPlugin);
     bool UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin);
-    void RequireThreads() const;
     std::array<CThreadObject*, 2> GetThreads() const noexcept;
     void StartThreads();
 

@@ -22,17 +22,10 @@ bool Stop(CThreadObject& thread)
 
 } // namespace
 
-void CLUMGina::RequireThreads() const
-{
-    Needed(m_pLUMPipeThreadObject);
-    Needed(m_pLUMRegMonitorThreadObject);
-}
-
 void CLUMGina::StartThreads()
 {
-    RequireThreads();
-    Start(*m_pLUMPipeThreadObject);
-    Start(*m_pLUMRegMonitorThreadObject);
+    Start(Needed(m_pLUMPipeThreadObject));
+    Start(Needed(m_pLUMRegMonitorThreadObject));
 }
 
 /// The control channel comes first, since it can start the other. A host without one of them can be destroyed

@@ -140,7 +140,6 @@ void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
     op.Run(DispatchHandler(), [&] {
         Needed(m_pLUMRegistry).SetEnabled(0);
         CallFirst(&CGinaObject::Shutdown, pWlxContext, dwShutdownType);
-        RequireThreads();
         StopThreads();
     });
 }

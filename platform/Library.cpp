@@ -1,3 +1,5 @@
+#include <atomic>
+
 #include <windows.h>
 
 #include "Call.h"
@@ -23,7 +25,14 @@ WideText CompleteName(LPCWSTR szFile)
     return name;
 }
 
+std::atomic<UINT> s_nErrorMode = 0;
+
 } // namespace
+
+UINT WINAPI SetErrorMode(UINT nMode) noexcept
+{
+    return s_nErrorMode.exchange(nMode);
+}
 
 HMODULE WINAPI LoadLibraryW(LPCWSTR szFile) noexcept
 {

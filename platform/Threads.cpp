@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <cstdlib>
 #include <system_error>
 #include <thread>
 
@@ -58,6 +59,11 @@ DWORD WINAPI SuspendThread(HANDLE) noexcept
 {
     SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
     return 0xFFFFFFFF;
+}
+
+void WINAPI ExitProcess(UINT nStatus) noexcept
+{
+    std::exit(static_cast<int>(nStatus));
 }
 
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE pfnStart, LPVOID pParameter,

@@ -61,6 +61,7 @@ constexpr StandinInterface INTERFACE = {
     Exposed<&CStandin::SetResult>::Call,
     SetFailure,
     Exposed<&CStandin::SetHook>::Call,
+    Exposed<&CStandin::SetDetachHook>::Call,
     Exposed<&CStandin::GetRecordCount>::Call,
     Exposed<&CStandin::GetRecord>::Call,
 };

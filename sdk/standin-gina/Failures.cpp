@@ -54,5 +54,7 @@ void Fail(StandinFailure failure, DWORD dwCode)
     case StandinFailure::StructuredException:
         StructuredExceptions::Raise(dwCode);
         break;
+    case StandinFailure::ExitProcess:
+        ExitProcess(0);
     }
 }

@@ -47,6 +47,9 @@ CStandin::CStandin()
 CStandin::~CStandin()
 {
     DeleteCriticalSection(&m_lock);
+    if (m_pfnDetachHook != nullptr) {
+        m_pfnDetachHook();
+    }
 }
 
 void CStandin::SetDefaults()
@@ -92,6 +95,11 @@ void CStandin::SetHook(StandinCall call, StandinHook pfnHook, void* pContext)
     const CLock lock(m_lock);
     Behaviour(call).pfnHook = pfnHook;
     Behaviour(call).pHookContext = pContext;
+}
+
+void CStandin::SetDetachHook(void(WINAPI* pfnHook)())
+{
+    m_pfnDetachHook = pfnHook;
 }
 
 DWORD CStandin::GetRecordCount()

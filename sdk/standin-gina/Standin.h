@@ -30,6 +30,7 @@ public:
     void SetResult(StandinCall call, LONG nResult);
     bool SetFailure(StandinCall call, StandinFailure failure, DWORD dwCode);
     void SetHook(StandinCall call, StandinHook pfnHook, void* pContext);
+    void SetDetachHook(void(WINAPI* pfnHook)());
     DWORD GetRecordCount();
     const StandinRecord* GetRecord(DWORD dwIndex);
 
@@ -54,6 +55,7 @@ private:
     void SetDefaults();
 
     CRITICAL_SECTION m_lock;
+    void(WINAPI* m_pfnDetachHook)() = nullptr;
     DWORD m_dwVersion;
     CBehaviour m_behaviours[STANDIN_CALL_COUNT];
     std::deque<CRecord> m_records;

@@ -66,6 +66,7 @@ enum class StandinFailure : DWORD
     ExhaustStack,        ///< 0xC00000FD
     Throw,               ///< a C++ exception as the compiler of real plugins throws it, 0xE06D7363
     StructuredException, ///< any code; on Windows only
+    ExitProcess,         ///< ends the process, with status 0
 };
 
 /// One call that the GINA received. Arguments are in the order of the entry point, the context first.
@@ -129,6 +130,9 @@ struct StandinInterface
 
     /// What runs inside a call from now on; null for nothing. pContext must stay valid until it is replaced.
     void(WINAPI* SetHook)(StandinCall call, StandinHook pfnHook, void* pContext);
+
+    /// What runs when the DLL is freed or the process ends; null for nothing.
+    void(WINAPI* SetDetachHook)(void(WINAPI* pfnHook)());
 
     /// The number of calls received since the last Reset, those still running included.
     DWORD(WINAPI* GetRecordCount)();

@@ -5,6 +5,7 @@
 #include "LUMPlugin.h"
 
 extern "C" __declspec(dllimport) void __stdcall Sleep(DWORD dwMilliseconds);
+extern "C" __declspec(dllimport) UINT __stdcall SetErrorMode(UINT nMode);
 
 namespace {
 
@@ -202,7 +203,10 @@ LUM_PLUGIN(s_plugin)
 
 extern "C" int __stdcall DllMain(void*, unsigned long dwReason, void*)
 {
-    if (dwReason == 0) {
+    if (dwReason == 1) {
+        g_state.nErrorModeAtLoading = SetErrorMode(0);
+        SetErrorMode(g_state.nErrorModeAtLoading);
+    } else if (dwReason == 0) {
         FailAsTold(GetDeed(ABI_Unload));
     }
     return TRUE;

@@ -71,6 +71,7 @@ struct AbiChainState
     volatile int nWaiting;
 
     // Seen.
+    unsigned nErrorModeAtLoading;
     int nCaught;   ///< exceptions from the next object
     int nAlive;    ///< objects of the plugin's frames that were not destroyed
     void* hPlugin; ///< the rest is from the plugin's own context, in its last chained call

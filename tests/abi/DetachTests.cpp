@@ -174,6 +174,22 @@ TEST_F(Detach, DestroysTheHostAndLeavesNothingBehind)
     }
 }
 
+TEST_F(Detach, HasLoadedPluginsWithoutMessageBoxes)
+{
+    constexpr UINT QUIET = SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX;
+    SetErrorMode(SEM_NOGPFAULTERRORBOX);
+    CRunner runner(LIBRARY, STANDIN, WLX_VERSION_1_4, "");
+    for (const CStep& step : ParseDay("Attach\nWlxNegotiate", "day")) {
+        runner.Run(step);
+    }
+    CLibrary plugin;
+    plugin.Load(PLUGIN);
+    pState = reinterpret_cast<PFN_ABI_CHAIN>(reinterpret_cast<void*>(plugin.FindExport("AbiChain")))();
+    EXPECT_EQ(SEM_NOGPFAULTERRORBOX | QUIET, pState->nErrorModeAtLoading);
+    EXPECT_EQ(UINT(SEM_NOGPFAULTERRORBOX), SetErrorMode(0));
+    runner.Run(ParseDay("Attach\nDetach", "day").at(1));
+}
+
 TEST_F(Detach, DestroysTheHostAlsoWhenTheProcessEnds)
 {
     const auto endProcess = [this] {

@@ -112,7 +112,7 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"Attach\nWlxIsLockOk gina negotiates 1.0", "day.txt:2: gina negotiates; expected gina returns, gina "
                                                     "fails or, in WlxNegotiate, gina negotiates"},
         {"Attach\nWlxIsLockOk gina fails 1", "day.txt:2: \"1\"; expected a way to fail: READ_NULL, "
-                                             "DIVIDE_BY_ZERO, EXHAUST_STACK, THROW, RAISE"},
+                                             "DIVIDE_BY_ZERO, EXHAUST_STACK, THROW, RAISE, EXIT_PROCESS"},
         {"Attach\nWlxIsLockOk gina fails RAISE", "day.txt:2: the end of the line; expected a number"},
         {"Attach\nWlxIsLockOk gina returns LOGON", "day.txt:2: \"LOGON\"; expected a BOOL: FALSE, TRUE or a "
                                                    "number"},

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <winwlx.h>
 
+#include "UnfinishedDay.h"
 #include "machine/SetupError.h"
 
 namespace {
@@ -83,6 +84,21 @@ TEST(Runner, KnowsTheExportsThatAGinaLacks)
               "skipped: " + gina + " does not export it");
     EXPECT_THROW(Live("WlxNegotiate", "no_such_gina.dll"), CSetupError);
     EXPECT_THROW(Live("Admin no_such_program"), CSetupError);
+}
+
+TEST(UnfinishedDay, IsAFailureWhenAPluginOrGinaEndsTheProcess)
+{
+    const auto live = [] {
+        CRunner runner("msgina.dll", "msgina.dll", WLX_VERSION_1_4);
+        CUnfinishedDay day(runner.GetStandin());
+        for (const CStep& step : ParseDay("Attach\nWlxNegotiate\nWlxIsLockOk gina fails EXIT_PROCESS", "day"))
+        {
+            day.BeginStep(step.nLine);
+            runner.Run(step);
+        }
+    };
+    EXPECT_EXIT(live(), testing::ExitedWithCode(1),
+                "the process was ended in line 3, before the day was over");
 }
 
 } // namespace

@@ -60,6 +60,7 @@ constexpr CCode FAILURE_CODES[] = {
     {"EXHAUST_STACK", static_cast<DWORD>(StandinFailure::ExhaustStack)},
     {"THROW", static_cast<DWORD>(StandinFailure::Throw)},
     {"RAISE", static_cast<DWORD>(StandinFailure::StructuredException)},
+    {"EXIT_PROCESS", static_cast<DWORD>(StandinFailure::ExitProcess)},
 };
 
 /// A whole text that is a 32-bit number; a negative one wraps, as it does in the result of a call.

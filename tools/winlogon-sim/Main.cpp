@@ -4,6 +4,7 @@
 #include "Report.h"
 #include "machine/SetupError.h"
 #include "StepList.h"
+#include "UnfinishedDay.h"
 
 namespace {
 
@@ -24,7 +25,9 @@ ExitCode LiveDay(const COptions& options)
     std::size_t nCalled = 0;
     {
         CRunner runner(options.gina, machine.GetStandin(), options.dwVersion, options.traceLog);
+        CUnfinishedDay day(runner.GetStandin());
         for (const CStep& step : steps) {
+            day.BeginStep(step.nLine);
             report.PrintStep(runner.Run(step));
         }
         nCalled = runner.GetCalledCount();

@@ -12,7 +12,7 @@ namespace {
 constexpr DWORD NEGOTIATED_VERSION = 1;
 constexpr DWORD INITIALIZED_CONTEXT = 4;
 
-const StandinInterface* GetStandin(const CLibrary& library, const std::string& name)
+const StandinInterface* FindStandin(const CLibrary& library, const std::string& name)
 {
     const FARPROC pfn = library.FindExport("StandinGina");
     if (pfn == nullptr) {
@@ -115,7 +115,7 @@ CRunner::CRunner(const std::string& gina, const std::string& standin, DWORD dwVe
     : m_gina(gina), m_standin(standin), m_dwVersion(dwVersion), m_watch(traceLog)
 {
     m_standinLibrary.Load(standin);
-    m_pStandin = GetStandin(m_standinLibrary, standin);
+    m_pStandin = FindStandin(m_standinLibrary, standin);
 }
 
 CStepReport CRunner::Run(const CStep& step)

@@ -38,6 +38,8 @@ public:
     /// Throws CSetupError when a library cannot be loaded or cannot do what the step asks for.
     CStepReport Run(const CStep& step);
 
+    const StandinInterface& GetStandin() const { return *m_pStandin; }
+
     /// The number of different entry points that Winlogon called so far.
     std::size_t GetCalledCount() const { return m_called.size(); }
 

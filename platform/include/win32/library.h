@@ -12,6 +12,12 @@
 /// A name without a directory is that of a loaded DLL, or is searched for, in any case of its letters, in
 /// the program's directory, the system directory (see platform/NativeLibraries.h) and the current directory.
 HMODULE WINAPI LoadLibraryW(LPCWSTR szFile) noexcept;
+
+#define SEM_FAILCRITICALERRORS 0x0001
+#define SEM_NOOPENFILEERRORBOX 0x8000
+/// The mode is kept and changes nothing: no call shows a message box here.
+UINT WINAPI SetErrorMode(UINT nMode) noexcept;
+
 BOOL WINAPI FreeLibrary(HMODULE hModule) noexcept;
 
 /// A loaded DLL of that file name, without a reference to it. Without a directory; null for the program is

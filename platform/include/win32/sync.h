@@ -30,6 +30,9 @@ HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES pSecurity, SIZE_T cbStack, LPTH
 /// Fails always: here a thread cannot be stopped from outside.
 DWORD WINAPI SuspendThread(HANDLE hThread) noexcept;
 
+/// What exit does.
+[[noreturn]] void WINAPI ExitProcess(UINT nStatus) noexcept;
+
 /// Without a name.
 HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES pSecurity, BOOL bManualReset, BOOL bInitialState,
                            LPCWSTR szName) noexcept;
