@@ -83,11 +83,9 @@ public:
     {
         const DWORD dwStart = GetTickCount();
         for (int n = 0; n < QUEUE_CAPACITY && GetTickCount() - dwStart < dwMilliseconds; ++n) {
-            MSG message;
-            if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            if (!DispatchNext()) {
                 return true;
             }
-            Dispatch(message);
         }
         return false;
     }
@@ -95,18 +93,27 @@ public:
 private:
     static constexpr int QUEUE_CAPACITY = 10000;
 
-    /// A window procedure is somebody else's code: one that fails must not end the wait.
-    void Dispatch(const MSG& message) noexcept
+    /// False when there is none. A window procedure is somebody else's code, and taking a message out of the
+    /// queue runs some as well: one that fails must not end the wait.
+    bool DispatchNext() noexcept
     {
-        if (message.message == WM_QUIT) {
-            m_bQuit = true;
-            m_nExitCode = message.wParam;
-            return;
-        }
         try {
-            CallIntoDLL([&] { DispatchMessageW(&message); });
+            return CallIntoDLL([this] {
+                MSG message;
+                if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+                    return false;
+                }
+                if (message.message == WM_QUIT) {
+                    m_bQuit = true;
+                    m_nExitCode = message.wParam;
+                } else {
+                    DispatchMessageW(&message);
+                }
+                return true;
+            });
         } catch (...) {
             CWarning(m_Origin, ERR_UNHANDLED_EXCEPTION);
+            return true;
         }
     }
 
@@ -358,7 +365,7 @@ void CThreadObject::RunThread()
 {
     const auto passOn = [](const COperation&) { throw; };
     const COperation op(*this, s_szClass, TEXT("ThreadStarter"), m_szThreadName);
-    op.Run(passOn, [this] { Thread(); });
+    op.Run(passOn, [this] { CallWithinHost([this] { Thread(); }); });
     if (m_bAutoDelete) {
         while (m_bStarting) {
             Sleep(POLL_MILLISECONDS);

@@ -21,7 +21,7 @@ public:
 
     /// Pauses while condition() is true, until dwMilliseconds have passed since dwStart: false then.
     template <typename Condition>
-    bool PauseWhile(Condition condition, DWORD dwStart, DWORD dwMilliseconds) noexcept
+    bool PauseWhile(Condition condition, DWORD dwStart, DWORD dwMilliseconds)
     {
         while (condition()) {
             if (GetTickCount() - dwStart >= dwMilliseconds) {
@@ -44,8 +44,14 @@ private:
 CCallGate::CClosing::~CClosing()
 {
     if (m_bClosed) {
-        m_gate.Open();
+        m_gate.OpenOwn();
     }
+}
+
+bool CCallGate::CClosing::Renew(DWORD dwMilliseconds) noexcept
+{
+    m_bClosed = (m_bClosed && m_gate.IsClosedByThisThread()) || m_gate.Close(dwMilliseconds);
+    return m_bClosed;
 }
 
 std::vector<CCallGate::CThreadCalls>::iterator CCallGate::FindThread(DWORD dwThreadId) noexcept
@@ -54,20 +60,22 @@ std::vector<CCallGate::CThreadCalls>::iterator CCallGate::FindThread(DWORD dwThr
                         [=](const CThreadCalls& calls) { return calls.dwThreadId == dwThreadId; });
 }
 
+/// Calls that nest too deep end here, where the stack ends: the lock must not stay behind.
 bool CCallGate::TryEnter()
 {
-    const CCriticalSection::CLock lock(m_lock);
-    const DWORD dwThreadId = GetCurrentThreadId();
-    const auto calls = FindThread(dwThreadId);
-    if (calls != m_calls.end()) {
-        ++calls->dwCalls;
+    return CallLocked(m_lock, [this] {
+        const DWORD dwThreadId = GetCurrentThreadId();
+        const auto calls = FindThread(dwThreadId);
+        if (calls != m_calls.end()) {
+            ++calls->dwCalls;
+            return true;
+        }
+        if (m_dwClosedBy != 0 && m_dwClosedBy != dwThreadId) {
+            return false;
+        }
+        m_calls.push_back({dwThreadId, 1});
         return true;
-    }
-    if (m_dwClosedBy != 0 && m_dwClosedBy != dwThreadId) {
-        return false;
-    }
-    m_calls.push_back({dwThreadId, 1});
-    return true;
+    });
 }
 
 void CCallGate::Enter()
@@ -76,8 +84,9 @@ void CCallGate::Enter()
         return;
     }
     const CWaiting waiting(*this);
-    for (CPolling polling; !TryEnter();) {
-        polling.Pause();
+    CPolling polling;
+    while (!polling.PauseWhile([this] { return !TryEnter(); }, GetTickCount(), CHANGE_MILLISECONDS)) {
+        Open();
     }
 }
 
@@ -131,12 +140,11 @@ bool CCallGate::Close(DWORD dwMilliseconds) noexcept
     CPolling polling;
     // Changes that follow each other closely would keep out for good a call that the first one has kept
     // waiting.
-    polling.PauseWhile([this] { return IsWaitedFor(); }, dwStart, dwMilliseconds);
-    if (!TryClose()) {
+    if (!polling.PauseWhile([this] { return IsWaitedFor(); }, dwStart, dwMilliseconds) || !TryClose()) {
         return false;
     }
     if (!polling.PauseWhile([this] { return !IsIdle(); }, dwStart, dwMilliseconds)) {
-        Open();
+        OpenOwn();
         return false;
     }
     return true;
@@ -146,6 +154,20 @@ void CCallGate::Open() noexcept
 {
     const CCriticalSection::CLock lock(m_lock);
     m_dwClosedBy = 0;
+}
+
+void CCallGate::OpenOwn() noexcept
+{
+    const CCriticalSection::CLock lock(m_lock);
+    if (m_dwClosedBy == GetCurrentThreadId()) {
+        m_dwClosedBy = 0;
+    }
+}
+
+bool CCallGate::IsClosedByThisThread() noexcept
+{
+    const CCriticalSection::CLock lock(m_lock);
+    return m_dwClosedBy == GetCurrentThreadId();
 }
 
 void CCallGate::ReportBusy() noexcept

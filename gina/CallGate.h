@@ -24,8 +24,8 @@ public:
     CCallGate(const CCallGate&) = delete;
     CCallGate& operator=(const CCallGate&) = delete;
 
-    /// A call in flight for a scope; waits at the beginning while the gate is closed, which is never longer
-    /// than a change waits.
+    /// A call in flight for a scope. Waits at the beginning while the gate is closed, CHANGE_MILLISECONDS
+    /// at most; then it opens the gate, since a plugin that is being told to go may never come back.
     class CCall
     {
     public:
@@ -63,6 +63,9 @@ public:
         /// False when the calls in flight did not end, or another change has the gate.
         bool IsClosed() const noexcept { return m_bClosed; }
 
+        /// Closes the gate unless it still is; the call of another thread may have opened it. False as above.
+        bool Renew(DWORD dwMilliseconds) noexcept;
+
     private:
         CCallGate& m_gate;
         bool m_bClosed;
@@ -76,22 +79,41 @@ public:
         return CallLocked(m_listLock, body);
     }
 
-    /// Changes the list where calls in flight may stand: change() runs under the lock and without any call in
-    /// flight, provided that allowed() is true then. It is asked before as well, so that nobody waits for
-    /// a change that is not to be. False when it is not allowed, when the calls in flight do not end
-    /// (which is reported, and at once when one of them is of this thread), and when change() is false.
-    template <typename Allowed, typename Body>
-    bool Change(Allowed allowed, Body change)
+    /// Changes the list where calls in flight may stand. With the gate closed, allowed() and change() run
+    /// under the lock, and prepare(), in which a DLL may run, between them without it. While there are calls
+    /// in flight allowed() is asked before, so that nobody waits for a change that is not to be. False when
+    /// it is not allowed, when the calls in flight do not end (which is reported, and at once when one of
+    /// them is of this thread), and when change() is false.
+    template <typename Allowed, typename Prepare, typename Body>
+    bool Change(Allowed allowed, Prepare prepare, Body change)
     {
+        CClosing closing(*this, 0);
+        if (!closing.IsClosed()) {
+            if (!Look(allowed)) {
+                return false;
+            }
+            if (!closing.Renew(CHANGE_MILLISECONDS)) {
+                ReportBusy();
+                return false;
+            }
+        }
         if (!Look(allowed)) {
             return false;
         }
-        const CClosing closing(*this, CHANGE_MILLISECONDS);
-        if (!closing.IsClosed()) {
+        prepare();
+        if (!closing.Renew(CHANGE_MILLISECONDS)) {
             ReportBusy();
             return false;
         }
-        return Look([&] { return allowed() && change(); });
+        return Look(change);
+    }
+
+    /// The same for a change that no DLL hears of.
+    template <typename Allowed, typename Body>
+    bool Change(Allowed allowed, Body change)
+    {
+        return Change(
+            allowed, [] {}, change);
     }
 
     /// Adds to the list under its lock. Calls in flight may pass through the new node or not: it is complete
@@ -133,6 +155,8 @@ private:
     void Leave() noexcept;
     bool Close(DWORD dwMilliseconds) noexcept;
     void Open() noexcept;
+    void OpenOwn() noexcept;
+    bool IsClosedByThisThread() noexcept;
 
     bool TryEnter();
     bool TryClose() noexcept;

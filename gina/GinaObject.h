@@ -115,7 +115,11 @@ protected:
     CGinaPluginInfo& GetPluginInfo() const noexcept { return m_pContext->m_GinaPluginInfo; }
 
     /// Keeps Winlogon's handle in the context, for the plugin to find.
-    void SetWlxHandle(HANDLE hWlx) noexcept { m_pContext->SetWlxHandle(hWlx); }
+    void SetWlxHandle(HANDLE hWlx) noexcept
+    {
+        PutBack();
+        m_pContext->SetWlxHandle(hWlx);
+    }
 
     /// Puts back what the host goes by and a plugin can write to: tags and keys, the context and its module
     /// handle.
@@ -139,6 +143,13 @@ protected:
 
     /// Throws CNullFunctionHandleException, as raised at the place where, when the export was not resolved.
     void RequireResolved(const CGinaExportBase& function, CSourceLocation where) const;
+
+    /// Whether a node, which a plugin has handed on and can write to, is the last of the list. Throws
+    /// CForeignFault for one that cannot be read.
+    static bool IsLast(GinaNode* pNode)
+    {
+        return CallWithinHost([=] { return pNode->GetNext() == nullptr; });
+    }
 
     /// Calls a DLL's function under guard, for the operation at the place where. For the result bool, any
     /// value but 0 is true. Throws CNullFunctionHandleException when the function was not resolved.

@@ -87,7 +87,7 @@ Result CGinaPluginObject::Chain(CSlotPoint point, const CGinaExport<Function>& f
                                 Args... args)
 {
     return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(s_szClass, point, [&] {
-        if (pNode->GetNext() == nullptr) {
+        if (IsLast(pNode)) {
             throw CUnexpectedEndOfListException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
         }
         return Call<Result>(point.where, function, pNode, args...);

@@ -48,7 +48,7 @@ Result CGinaStandardObject::Chain(CSlotPoint point, const CGinaExport<Function>&
 {
     return RunOperation<CUnexpectedGinaException, CNullFunctionHandleException>(
         s_szClass, point, [&]() -> Result {
-            if (pNode->GetNext() != nullptr) {
+            if (!IsLast(pNode)) {
                 throw CUnexpectedGinaException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
             }
             if (!function.IsResolved() && function.m_missing == Missing::Tolerated) {

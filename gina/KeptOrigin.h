@@ -1,21 +1,26 @@
 #pragma once
 
 #include "GlobalObject.h"
+#include "guard/FaultGuard.h"
 
 /// Puts tag and key of a record back at the end of a scope in which a plugin has it. A plugin may write
 /// anything there, and what becomes of the record later is traced under them.
 class CKeptOrigin
 {
 public:
-    /// Null for no record.
-    explicit CKeptOrigin(CGlobalObject* pObject) noexcept
-        : m_pObject(pObject), m_origin(pObject != nullptr ? *pObject : CMessageOrigin{nullptr, nullptr})
-    {
-    }
+    /// Null for no record. Throws CForeignFault for one that cannot be read.
+    explicit CKeptOrigin(CGlobalObject* pObject) : m_pObject(pObject), m_origin(Read(pObject)) {}
     ~CKeptOrigin()
     {
-        if (m_pObject != nullptr) {
-            PutBack(*m_pObject, m_origin);
+        try {
+            CallWithinHost([this] {
+                if (m_pObject != nullptr) {
+                    PutBack(*m_pObject, m_origin);
+                }
+            });
+        } catch (...) {
+            // The plugin has made away with the record: there is nothing left to put right.
+            return;
         }
     }
     CKeptOrigin(const CKeptOrigin&) = delete;
@@ -37,6 +42,13 @@ public:
     }
 
 private:
+    static CMessageOrigin Read(const CGlobalObject* pObject)
+    {
+        return CallWithinHost([=] {
+            return pObject != nullptr ? CMessageOrigin(*pObject) : CMessageOrigin{nullptr, nullptr};
+        });
+    }
+
     CGlobalObject* m_pObject;
     CMessageOrigin m_origin;
 };

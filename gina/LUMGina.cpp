@@ -16,8 +16,8 @@ namespace {
 constexpr DWORD HIGHEST_WLX_VERSION = WLX_VERSION_1_4;
 constexpr DWORD DEFAULT_TIMEOUT_SECONDS = 120;
 constexpr WCHAR TXT_NO_PLUGIN_OBJECT[] = TEXT("Unable to create gina plugin");
-constexpr WCHAR TXT_NESTED[] = TEXT(
-    "WlxNegotiate came from a GINA that is being loaded: it passes through to this library and is refused");
+constexpr WCHAR TXT_NESTED[] =
+    TEXT("The call came from a GINA that is being started: it passes through to this library and is refused");
 
 /// True for a scope.
 class CFlag
@@ -39,9 +39,10 @@ void CreateMember(T*& pMember, const WCHAR* szMember, Args... args)
     try {
         // No memory for one member is no reason to go without the others: it stays null then.
         if constexpr (std::is_constructible_v<T, const WCHAR*, const WCHAR*, Args...>) {
-            pMember = new (std::nothrow) T(LUM_GINA_APP, LUM_GINA_MTM, args...);
+            pMember =
+                CallWithinHost([&] { return new (std::nothrow) T(LUM_GINA_APP, LUM_GINA_MTM, args...); });
         } else {
-            pMember = new (std::nothrow) T(args...);
+            pMember = CallWithinHost([&] { return new (std::nothrow) T(args...); });
         }
     } catch (...) {
         throw CMemAllocException(LUM_GINA_ORIGIN, szMember);
@@ -52,7 +53,7 @@ void CreateMember(T*& pMember, const WCHAR* szMember, Args... args)
 template <typename T>
 void DestroyMember(T*& pMember, const WCHAR* szMember) noexcept
 {
-    DeleteVariable(LUM_GINA_ORIGIN, szMember, [&] { delete pMember; });
+    DeleteVariable(LUM_GINA_ORIGIN, szMember, [&] { CallWithinHost([&] { delete pMember; }); });
     pMember = nullptr;
 }
 
@@ -112,17 +113,23 @@ BOOL CLUMGina::LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion)
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMWlxNegotiate"));
     const auto passOn = [](const COperation&) { throw; };
     return op.Run(passOn, [&] {
-        if (m_bNegotiating) {
-            op.Warn(TXT_NESTED);
-            return false;
-        }
-        const CFlag negotiating(m_bNegotiating);
-        return CallWithinHost([&] {
+        return RunUnlessNested(op, [&] {
             LoadPlugins(op, dwWinlogonVersion);
             LoadPassthroughGina(op, dwWinlogonVersion);
             return TellVersion(op, pdwDllVersion);
         });
     });
+}
+
+template <typename Body>
+bool CLUMGina::RunUnlessNested(const COperation& op, Body body)
+{
+    if (m_bStarting) {
+        op.Warn(TXT_NESTED);
+        return false;
+    }
+    const CFlag starting(m_bStarting);
+    return CallWithinHost(body);
 }
 
 /// The object belongs to the list once Add has succeeded; there is no entry without an object.
@@ -221,8 +228,9 @@ bool CLUMGina::AgreeOnVersion(DWORD* pdwDllVersion)
     if (dwNegotiated == 0) {
         return false;
     }
-    m_dwNegotiatedWlxVersion = dwNegotiated < HIGHEST_WLX_VERSION ? dwNegotiated : HIGHEST_WLX_VERSION;
-    *pdwDllVersion = m_dwNegotiatedWlxVersion;
+    const DWORD dwAgreed = dwNegotiated < HIGHEST_WLX_VERSION ? dwNegotiated : HIGHEST_WLX_VERSION;
+    *pdwDllVersion = dwAgreed;
+    m_dwNegotiatedWlxVersion = dwAgreed;
     return true;
 }
 
@@ -232,7 +240,7 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMWlxInitialize"));
     using Handler = Absorb<CNoGINAorPluginToCallException, CUnexpectedEndOfListException,
                            CNullFunctionHandleException, CUnhandledPluginException>;
-    return op.Run(Handler(), [&] {
+    const auto initialize = [&] {
         CLUMRegistry& registry = Needed(m_pLUMRegistry);
         registry.SetEnabled(1);
         registry.IncreaseInstanceCount();
@@ -240,9 +248,8 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
         Needed(m_pWinlogonObject).SetWinlogonObject(pWinlogonFunctions, m_dwNegotiatedWlxVersion);
         RequireGinaObjects();
         const DWORD dwInstanceCount = ReadSetting(&CLUMRegistry::GetInstanceCount, 1);
-        CLUMObject& control = Needed(m_pLUMObject);
         InitializeObjects([&](CGinaObject& object) {
-            return object.Initialize(&control, dwInstanceCount, lpWinsta, hWlx, pvReserved,
+            return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
                                      pWinlogonFunctions, pWlxContext, 0, 0);
         });
         // Counted before there are other threads that add and remove.
@@ -250,7 +257,8 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
         // Later instances, as those of other sessions, leave the service threads to the first.
         FinishInitialization(op, bInitialized && dwInstanceCount == 1, hWlx);
         return bInitialized;
-    });
+    };
+    return op.Run(Handler(), [&] { return RunUnlessNested(op, initialize); });
 }
 
 /// The GINAs are initialised: whatever fails from here on, people can log on.

@@ -107,14 +107,16 @@ public:
     CWinlogonObject* m_pWinlogonObject;
     /// Over m_pGinaObjectList.
     CCallGate m_gate;
-    /// While LUMWlxNegotiate runs.
-    bool m_bNegotiating = false;
+    /// While LUMWlxNegotiate or LUMWlxInitialize runs.
+    bool m_bStarting = false;
 
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CLUMGina");
 
     void CreateMembers(HINSTANCE hInstance);
 
+    template <typename Body>
+    bool RunUnlessNested(const COperation& op, Body body);
     void LoadPlugins(const COperation& op, DWORD dwWinlogonVersion);
     void LoadPlugin(DWORD dwIndex, DWORD dwWinlogonVersion);
     void LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion);

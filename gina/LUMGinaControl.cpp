@@ -1,4 +1,5 @@
 #include "LUMGina.h"
+#include "CallLocked.h"
 #include "Needed.h"
 #include "ResourceObject.h"
 
@@ -9,15 +10,13 @@ namespace {
 /// True also when it runs. One that has ended by itself is started anew.
 bool Start(CThreadObject& thread)
 {
-    const CCriticalSection::CLock lock(thread.m_OwnersLock);
-    return thread.IsAlive() || thread.StartThread();
+    return CallLocked(thread.m_OwnersLock, [&] { return thread.IsAlive() || thread.StartThread(); });
 }
 
 /// True also when there is nothing to stop.
 bool Stop(CThreadObject& thread)
 {
-    const CCriticalSection::CLock lock(thread.m_OwnersLock);
-    return !thread.m_bRunning || thread.StopThread();
+    return CallLocked(thread.m_OwnersLock, [&] { return !thread.m_bRunning || thread.StopThread(); });
 }
 
 } // namespace

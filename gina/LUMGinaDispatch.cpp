@@ -141,6 +141,8 @@ void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
         Needed(m_pLUMRegistry).SetEnabled(0);
         CallFirst(&CGinaObject::Shutdown, pWlxContext, dwShutdownType);
         StopThreads();
+        Needed(m_pLUMPipeThreadObject);
+        Needed(m_pLUMRegMonitorThreadObject);
     });
 }
 

@@ -63,24 +63,23 @@ bool CLUMGina::LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept
     return op.Run(Absorb<>(), body, FailureWarning::Never);
 }
 
-/// The object leaves the list before it is told: nobody calls it afterwards, and what it does then holds
-/// nobody up.
+/// It is told while no call is in it and none comes in; unless it takes so long that Winlogon's next call
+/// goes on. Its object is destroyed outside the lock: the DLL runs once more when it is freed.
 bool CLUMGina::UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin)
 {
     GinaNode* pNode = nullptr;
-    GinaNode* pFollowing = nullptr;
+    const auto find = [&] {
+        const bool bFound = list.MoveTo(szPlugin);
+        pNode = list.m_pCursor;
+        return bFound;
+    };
+    const auto tell = [&] { CallWithinHost([=] { pNode->m_pItem->DynamicUnload(); }); };
     const auto remove = [&] {
-        pFollowing = list.m_pCursor->pNext;
+        list.m_pCursor = pNode;
         return list.Remove(pNode);
     };
-    if (!m_gate.Change([&] { return list.MoveTo(szPlugin); }, remove)) {
+    if (!m_gate.Change(find, tell, remove)) {
         return false;
-    }
-    try {
-        CallWithinHost([=] { pNode->m_pItem->DynamicUnload(); });
-    } catch (...) {
-        m_gate.Add([&] { list.PutBack(pNode, pFollowing); });
-        throw;
     }
     list.DestroyNode(pNode);
     return true;

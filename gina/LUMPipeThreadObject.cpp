@@ -7,6 +7,7 @@
 #include "RequireArgument.h"
 #include "ServicePeriod.h"
 #include "control/PipeService.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 
@@ -69,7 +70,7 @@ void CLUMPipeThreadObject::Thread()
     op.Run(Absorb<>(), [&] {
         SignalStart();
         try {
-            ServeClients();
+            CallWithinHost([this] { ServeClients(); });
         } catch (...) {
             Absorb<>()(op);
         }

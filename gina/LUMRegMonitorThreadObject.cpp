@@ -37,7 +37,7 @@ void CLUMRegMonitorThreadObject::Thread()
     op.Run(Absorb<>(), [&] {
         SignalStart();
         try {
-            Watch();
+            CallWithinHost([this] { Watch(); });
         } catch (...) {
             Absorb<>()(op);
         }

@@ -124,8 +124,8 @@ public:
         });
     }
 
-    /// Removes the current node and gives it to the caller with its item, to be destroyed with DestroyNode or
-    /// put back with PutBack; the cursor goes to the first node.
+    /// Removes the current node and gives it to the caller with its item, to be destroyed with DestroyNode;
+    /// the cursor goes to the first node.
     bool Remove(Node*& pNode) noexcept
     {
         return Run(TEXT("Remove"), [&] { return TakeOut(pNode); });
@@ -133,20 +133,6 @@ public:
 
     /// Destroys a node that was removed, and its item.
     void DestroyNode(Node* pNode) const noexcept { Destroy(pNode, TEXT("m_pCursor")); }
-
-    /// Puts a removed node back before pBefore, at the end when that is null or not in the list any more. The
-    /// cursor stays; in an empty list the node becomes current.
-    void PutBack(Node* pNode, const Node* pBefore) noexcept
-    {
-        RunVoid(TEXT("PutBack"), [&] {
-            Node* pFollowing = m_pHead;
-            while (pFollowing != nullptr && pFollowing != pBefore) {
-                pFollowing = pFollowing->pNext;
-            }
-            LinkBefore(pNode, pFollowing);
-            m_pCursor = m_dwCount == 1 ? pNode : m_pCursor;
-        });
-    }
 
     /// Removes the first node whose item equals the key.
     bool Remove(const WCHAR* szKey) noexcept
@@ -191,12 +177,15 @@ public:
     bool Flush() noexcept
     {
         return Run(TEXT("Flush"), [this] {
+            m_pCursor = nullptr;
+            // A plugin can have written to the nodes, so one link is followed and none is written.
             while (m_pHead != nullptr) {
                 Node* pTempCursor = m_pHead;
-                Unlink(pTempCursor);
+                m_pHead = pTempCursor->pNext;
+                m_pTail = m_pHead != nullptr ? m_pTail : nullptr;
+                --m_dwCount;
                 Destroy(pTempCursor, TEXT("pTempCursor"));
             }
-            m_pCursor = nullptr;
             return true;
         });
     }

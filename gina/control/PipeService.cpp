@@ -1,6 +1,7 @@
 #include "PipeService.h"
 
 #include "Operation.h"
+#include "guard/FaultGuard.h"
 
 namespace {
 
@@ -51,15 +52,16 @@ void CPipeService::ServeClient()
     ServeOneRequest(connection);
     connection.Close();
     SetBlocking(false);
-    Listen();
     connection.Revert();
+    Listen();
     CTextNotification(m_Origin, TXT_DISCONNECTED);
 }
 
 void CPipeService::ServeOneRequest(CPipeConnection& connection) noexcept
 {
     try {
-        ServeRequest(connection, m_Targets);
+        // A fault must neither keep the client's identity nor end the service.
+        CallWithinHost([&] { ServeRequest(connection, m_Targets); });
     } catch (...) {
         if (!ReportIf<CMessage>()) {
             CWarning(m_Origin, ERR_UNHANDLED_EXCEPTION);

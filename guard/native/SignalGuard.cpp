@@ -17,10 +17,7 @@ CSignalGuard* CSignalGuard::GetInnermost() noexcept
     return t_pInnermost;
 }
 
-CSignalGuard::CSignalGuard() noexcept : m_pOuter(t_pInnermost)
-{
-    t_pInnermost = this;
-}
+CSignalGuard::CSignalGuard() noexcept : m_pOuter(t_pInnermost) {}
 
 CSignalGuard::~CSignalGuard()
 {
@@ -34,6 +31,8 @@ __attribute__((noinline)) DWORD CSignalGuard::Run(DWORD (*pfnCall)(void*), void*
     if (sigsetjmp(m_ReturnPoint, 1) != 0) {
         return m_dwFault;
     }
+    // Not before there is a place to return to: a stack that ends here is the outer guard's.
+    t_pInnermost = this;
     return pfnCall(pContext);
 }
 

@@ -100,35 +100,26 @@ TEST_F(ListEx, CursorRules)
     EXPECT_EQ("c* a ", Contents(list));
 }
 
-TEST_F(ListEx, ARemovedNodeMayBePutBack)
+TEST_F(ListEx, ARemovedNodeIsTheCallersToDestroy)
 {
     CItemList::Node* pNode = nullptr;
     EXPECT_FALSE(list.Remove(pNode));
     Fill(list, {TEXT("a"), TEXT("b"), TEXT("c")});
     list.MoveTo(TEXT("b"));
-    const CItemList::Node* const pBehind = list.m_pTail;
     ASSERT_TRUE(list.Remove(pNode));
     EXPECT_EQ("a* c ", Contents(list));
-    list.PutBack(pNode, pBehind);
-    EXPECT_EQ("a* b c ", Contents(list));
-
-    // What it stood before has gone in the meantime.
-    list.MoveTo(TEXT("b"));
-    ASSERT_TRUE(list.Remove(pNode));
-    ASSERT_TRUE(list.Remove(TEXT("c")));
-    list.PutBack(pNode, pBehind);
-    EXPECT_EQ("a* b ", Contents(list));
-    EXPECT_EQ(pNode, list.m_pTail);
-    EXPECT_EQ(list.m_pHead, pNode->pPrev);
-
-    list.MoveTo(TEXT("b"));
-    ASSERT_TRUE(list.Remove(pNode));
-    list.Flush();
-    list.PutBack(pNode, pBehind);
-    EXPECT_EQ("b* ", Contents(list));
-    ASSERT_TRUE(list.Remove(pNode));
-    EXPECT_EQ(1, CItem::s_nAlive) << "the caller's";
+    EXPECT_EQ(3, CItem::s_nAlive);
     list.DestroyNode(pNode);
+    EXPECT_EQ(2, CItem::s_nAlive);
+}
+
+TEST_F(ListEx, FlushFollowsNoLinkBackwards)
+{
+    Fill(list, {TEXT("a"), TEXT("b")});
+    list.m_pTail->pPrev = reinterpret_cast<CItemList::Node*>(1);
+    EXPECT_TRUE(list.Flush());
+    EXPECT_EQ("", Contents(list));
+    EXPECT_EQ(nullptr, list.m_pTail);
     EXPECT_EQ(0, CItem::s_nAlive);
 }
 

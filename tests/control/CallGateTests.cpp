@@ -1,3 +1,4 @@
+#include <atomic>
 #include <memory>
 
 #include "CallGate.h"
@@ -102,22 +103,48 @@ TEST_F(CallGate, AChangeFromWithinACallFailsAtOnce)
     EXPECT_TRUE(gate.Add([] { return true; })) << "an addition disturbs no call";
 }
 
-TEST_F(CallGate, AChangeIsAskedForBeforeAndAfterTheWait)
+TEST_F(CallGate, AChangeIsAskedForBeforeTheWaitAndAfterIt)
 {
-    int nAsked = 0;
-    const auto allowed = [&] { return ++nAsked != 2; };
-    EXPECT_FALSE(gate.Change(allowed, [] { return true; }));
-    EXPECT_EQ(2, nAsked);
+    const auto succeed = [] { return true; };
+    const auto fail = [] { return false; };
+    std::atomic<int> nAsked = 0;
     {
         // What is not allowed does not even wait.
-        nAsked = 1;
         const CCallGate::CCall call(gate);
-        EXPECT_FALSE(gate.Change(allowed, [] { return true; }));
+        EXPECT_FALSE(gate.Change(fail, succeed));
         EXPECT_TRUE(Log().empty());
     }
-    EXPECT_FALSE(gate.Change([] { return true; }, [] { return false; }));
-    EXPECT_TRUE(gate.Change([] { return true; }, [] { return true; }));
+    {
+        auto pCall = std::make_unique<CCallGate::CCall>(gate);
+        CThread change([&] { EXPECT_FALSE(gate.Change([&] { return ++nAsked != 2; }, succeed)); });
+        while (nAsked == 0) {
+            Sleep(1);
+        }
+        pCall.reset();
+    }
+    EXPECT_EQ(2, nAsked);
+    EXPECT_FALSE(gate.Change(fail, succeed));
+    EXPECT_FALSE(gate.Change(succeed, fail));
+    EXPECT_TRUE(gate.Change([&] { return ++nAsked == 3; }, succeed)) << "asked once without a call in flight";
     EXPECT_TRUE(CanClose(gate));
+}
+
+TEST_F(CallGate, ACallWaitsForNoPreparationThatDoesNotEnd)
+{
+    const auto succeed = [] { return true; };
+    CHappening inside;
+    bool bOver = false;
+    std::unique_ptr<CThread> pCaller;
+    const auto prepare = [&] {
+        pCaller = std::make_unique<CThread>([&] {
+            const CCallGate::CCall call(gate);
+            inside.Happen();
+            Sleep(50);
+            bOver = true;
+        });
+        inside.Wait();
+    };
+    EXPECT_TRUE(gate.Change(succeed, prepare, [&] { return bOver; })) << "waits for the call that went on";
 }
 
 } // namespace

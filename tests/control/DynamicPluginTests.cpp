@@ -378,18 +378,30 @@ void WINAPI CallMeanwhile(void* pHost, const PluginRecord* pRecord)
 
 TEST_F(DynamicPlugins, WhatAPluginDoesWhenItComesAndGoesHoldsNobodyUp)
 {
-    for (const PluginCall call : {PluginCall::Negotiate, PluginCall::Initialize, PluginCall::DynamicUnload,
-                                  PluginCall::QueryPluginInfo})
+    for (const PluginCall call : {PluginCall::Negotiate, PluginCall::Initialize, PluginCall::QueryPluginInfo})
     {
         plugins[2]->SetHook(call, CallMeanwhile, host.get());
     }
     CGinaPluginInfo record(LUM_GINA_APP, LUM_GINA_MTM);
     EXPECT_TRUE(Add(TEXT("test_plugin_c.dll")));
     EXPECT_TRUE(host->m_pLUMObject->LUMQueryPluginInfo(TEXT("test_plugin_c.dll"), record));
-    EXPECT_TRUE(Remove(TEXT("test_plugin_c.dll")));
-    EXPECT_EQ((Lines{"Negotiate", "Initialize", "QueryPluginInfo", "IsLockOk", "Shutdown", "DynamicUnload"}),
-              plugins[2].Calls())
-        << "once told to go, it is called no more";
+}
+
+/// Waits for a call of Winlogon's, which waits for it.
+void WINAPI LetWinlogonCall(void* pHost, const PluginRecord*)
+{
+    CThread([=] {
+        EXPECT_TRUE(static_cast<CLUMGina*>(pHost)->LUMWlxIsLockOk(reinterpret_cast<PVOID>(1)));
+    }).Join();
+}
+
+TEST_F(DynamicPlugins, APluginThatHangsWhenItIsToldToGoHoldsWinlogonUpForASecondAtMost)
+{
+    plugins[1]->SetHook(PluginCall::DynamicUnload, LetWinlogonCall, host.get());
+    EXPECT_GT(2 * CCallGate::CHANGE_MILLISECONDS,
+              Measure([&] { EXPECT_TRUE(Remove(TEXT("test_plugin_b.dll"))); }));
+    EXPECT_EQ((Lines{"DynamicUnload", "IsLockOk"}), plugins[1].Calls());
+    EXPECT_EQ((Lines{"test_plugin_a.dll", "standin_gina.dll"}), Chain());
 }
 
 TEST_F(DynamicPlugins, ShutdownWaitsNoLongerThanAChange)

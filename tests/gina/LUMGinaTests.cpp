@@ -226,9 +226,9 @@ TEST_F(LUMGina, WhatNeedsAMissingMemberFailsUnlessPeopleCanLogOnWithoutIt)
     without(&CLUMGina::m_pGinaContext, FAILS, FAILS, SUCCEEDS);
     without(&CLUMGina::m_pLUMRegistry, WARNS, FAILS, FAILS);
     without(&CLUMGina::m_pWinlogonObject, SUCCEEDS, FAILS, SUCCEEDS);
-    without(&CLUMGina::m_pLUMObject, SUCCEEDS, FAILS, SUCCEEDS);
-    without(&CLUMGina::m_pLUMPipeThreadObject, SUCCEEDS, WARNS, SUCCEEDS);
-    without(&CLUMGina::m_pLUMRegMonitorThreadObject, SUCCEEDS, WARNS, SUCCEEDS);
+    without(&CLUMGina::m_pLUMObject, SUCCEEDS, SUCCEEDS, SUCCEEDS);
+    without(&CLUMGina::m_pLUMPipeThreadObject, SUCCEEDS, WARNS, FAILS);
+    without(&CLUMGina::m_pLUMRegMonitorThreadObject, SUCCEEDS, WARNS, FAILS);
 }
 
 TEST_F(LUMGina, SurvivesAnyFailedAllocation)
