@@ -1,7 +1,11 @@
 #include "Message.h"
 
+#include <algorithm>
+#include <new>
 #include <string_view>
 #include <vector>
+
+#include "guard/FaultGuard.h"
 
 namespace {
 
@@ -15,6 +19,9 @@ bool LogWithPlace(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText,
                   const Char* szFile) noexcept
 {
     try {
+        if (szText == nullptr) {
+            return false;
+        }
         std::vector<WCHAR> text(std::char_traits<WCHAR>::length(szText) +
                                 std::char_traits<Char>::length(szFile) + PLACE_ROOM);
         FormatText(text.data(), text.size(), TEXT("%s ( %d ) %s"), {szText, nLine, szFile});
@@ -32,10 +39,26 @@ CMessage::CMessage(DWORD dwLevel, const WCHAR* szAPP, const WCHAR* szMTM) noexce
 {
 }
 
+CMessage::CMessage(const CMessage& other) noexcept
+    : m_dwLevel(other.m_dwLevel), m_bWritten(other.m_bWritten), m_szAPP(other.m_szAPP), m_szMTM(other.m_szMTM)
+{
+    if (other.m_szMessage != nullptr) {
+        const std::size_t cchMessage = std::char_traits<WCHAR>::length(other.m_szMessage) + 1;
+        m_szMessage.Reset(new (std::nothrow) WCHAR[cchMessage]);
+        if (m_szMessage != nullptr) {
+            std::copy_n(&other.m_szMessage[0], cchMessage, &m_szMessage[0]);
+        }
+    }
+}
+
 void CMessage::WriteIfUnwritten() noexcept
 {
-    if (!m_bWritten) {
-        Write();
+    try {
+        if (!m_bWritten) {
+            Write();
+        }
+    } catch (...) {
+        LogInternalWarning(ERR_UNHANDLED_EXCEPTION);
     }
 }
 
@@ -43,9 +66,12 @@ void CMessageArgList::Compose(const WCHAR* szFormat,
                               std::initializer_list<CFormatArgument> arguments) noexcept
 {
     try {
-        const std::size_t cchMessage = std::char_traits<WCHAR>::length(szFormat) + MESSAGE_ROOM;
-        m_szMessage.Reset(new WCHAR[cchMessage]);
-        m_bFormatted = FormatText(m_szMessage, cchMessage, szFormat, arguments);
+        // What a message is made of can be somebody else's text, and as wrong as anything else of theirs.
+        m_bFormatted = CallWithinHost([&] {
+            const std::size_t cchMessage = std::char_traits<WCHAR>::length(szFormat) + MESSAGE_ROOM;
+            m_szMessage.Reset(new WCHAR[cchMessage]);
+            return FormatText(m_szMessage, cchMessage, szFormat, arguments);
+        });
         if (!m_bFormatted) {
             LogInternalWarning(ERR_BAD_FORMAT);
         }

@@ -83,15 +83,15 @@ public:
         return Self()->template Chain<bool>(TEXT("IsLogoffOk"), Self()->m_IsLogoffOk, pNode, pWlxContext);
     }
 
-    SasAction LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
+    int LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
     {
         return Self()->template Chain<SasAction>(TEXT("LoggedOnSAS"), Self()->m_LoggedOnSAS, pNode,
                                                  pWlxContext, dwSasType, pReserved);
     }
 
-    SasAction LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
-                           PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
-                           PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile) override
+    int LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
+                     PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo,
+                     PVOID* pProfile) override
     {
         return Self()->template Chain<SasAction>(TEXT("LoggedOutSAS"), Self()->m_LoggedOutSAS, pNode,
                                                  pWlxContext, dwSasType, pAuthenticationId, pLogonSid,
@@ -140,7 +140,7 @@ public:
                                             pWlxContext, pszDesktopName, pEnvironment, pszCmdLine);
     }
 
-    SasAction WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) override
+    int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) override
     {
         return Self()->template Chain<SasAction>(TEXT("WkstaLockedSAS"), Self()->m_WkstaLockedSAS, pNode,
                                                  pWlxContext, dwSasType);

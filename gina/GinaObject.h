@@ -1,5 +1,7 @@
 #pragma once
 
+#include <new>
+
 #include <windows.h>
 #include "WlxInterface.h"
 
@@ -47,6 +49,14 @@ public:
     /// Destroys the object and, when bit 0 of dwFlags is set, frees its memory. Gives the object's address.
     virtual void* DeletingDestructor(DWORD dwFlags) = 0;
 
+    /// So that delete destroys through that slot as well.
+    static void operator delete(CGinaObject* pGinaObject, std::destroying_delete_t)
+    {
+        pGinaObject->DeletingDestructor(1);
+    }
+    static void operator delete(void* pMemory) noexcept { ::operator delete(pMemory); }
+    static void* operator new(std::size_t cbObject) { return ::operator new(cbObject); }
+
     virtual bool ActivateUserShell(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
                                    PWSTR pszMprLogonScript, PVOID pEnvironment) = 0;
     virtual void DisconnectNotify(GinaNode* pNode, PVOID pWlxContext) = 0;
@@ -67,10 +77,10 @@ public:
                             DWORD dwLoadFlag2) = 0;
     virtual bool IsLockOk(GinaNode* pNode, PVOID pWlxContext) = 0;
     virtual bool IsLogoffOk(GinaNode* pNode, PVOID pWlxContext) = 0;
-    virtual SasAction LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) = 0;
-    virtual SasAction LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType,
-                                   PLUID pAuthenticationId, PSID pLogonSid, PDWORD pdwOptions,
-                                   PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile) = 0;
+    virtual int LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) = 0;
+    virtual int LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
+                             PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
+                             PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile) = 0;
     virtual void Logoff(GinaNode* pNode, PVOID pWlxContext) = 0;
     /// Not chained, and not called by the host: an object negotiates when it is constructed.
     virtual bool Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion, CGinaPluginInfo* pPluginInfo) = 0;
@@ -87,7 +97,7 @@ public:
     virtual void Shutdown(GinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType) = 0;
     virtual bool StartApplication(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
                                   PVOID pEnvironment, PWSTR pszCmdLine) = 0;
-    virtual SasAction WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) = 0;
+    virtual int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) = 0;
 
     /// Whether both have the same DLL name in their records; letter case does not count.
     bool operator==(const CGinaObject& other) const noexcept;

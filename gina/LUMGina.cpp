@@ -81,6 +81,10 @@ CLUMGina::CLUMGina(HINSTANCE hInstance)
 CLUMGina::~CLUMGina()
 {
     const CDestructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
+    if (m_pLUMPipeThreadObject != nullptr && !m_pLUMPipeThreadObject->m_bRunning) {
+        // Nobody may have served it. Clients should find no pipe rather than wait for ever.
+        m_pLUMPipeThreadObject->ClosePipe();
+    }
     DestroyMember(m_pLUMPipeThreadObject, TEXT("m_pLUMPipeThreadObject"));
     DestroyMember(m_pLUMRegMonitorThreadObject, TEXT("m_pLUMRegMonitorThreadObject"));
     DestroyMember(m_pRegistryManager, TEXT("m_pRegistryManager"));

@@ -140,9 +140,8 @@ private:
     void StartThreads();
 
     GinaNode* FindFirst(CGinaObject*& pFirst);
-    template <typename Result, typename... Params, typename... Args>
-    Result CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params...), Args... args);
-    template <typename Result, typename... Params, typename... Args>
-    Result Dispatch(CTracePoint point, Result (CGinaObject::*pfnOperation)(GinaNode*, Params...),
-                    Args... args);
+    template <typename Result, typename Slot, typename... Args>
+    Result CallFirst(Slot pfnOperation, Args... args);
+    template <typename Result, typename Slot, typename... Args>
+    Result Dispatch(CTracePoint point, Slot pfnOperation, Args... args);
 };

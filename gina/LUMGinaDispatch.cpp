@@ -14,13 +14,14 @@ using DispatchHandler =
 } // namespace
 
 /// Calls one operation of the first object of the list; passing the call on is the objects' business.
-template <typename Result, typename... Params, typename... Args>
-Result CLUMGina::CallFirst(Result (CGinaObject::*pfnOperation)(GinaNode*, Params...), Args... args)
+template <typename Result, typename Slot, typename... Args>
+Result CLUMGina::CallFirst(Slot pfnOperation, Args... args)
 {
     return m_gate.Call([&] {
         CGinaObject* pFirst = nullptr;
         GinaNode* pNode = FindFirst(pFirst);
-        return pFirst != nullptr ? (pFirst->*pfnOperation)(pNode, args...) : FailureResult<Result>();
+        return pFirst != nullptr ? static_cast<Result>((pFirst->*pfnOperation)(pNode, args...))
+                                 : FailureResult<Result>();
     });
 }
 
@@ -35,103 +36,105 @@ GinaNode* CLUMGina::FindFirst(CGinaObject*& pFirst)
     });
 }
 
-template <typename Result, typename... Params, typename... Args>
-Result CLUMGina::Dispatch(CTracePoint point, Result (CGinaObject::*pfnOperation)(GinaNode*, Params...),
-                          Args... args)
+/// Result is the kind of the call's result: bool, SasAction or void.
+template <typename Result, typename Slot, typename... Args>
+Result CLUMGina::Dispatch(CTracePoint point, Slot pfnOperation, Args... args)
 {
     const COperation op(LUM_GINA_ORIGIN, s_szClass, point);
-    return op.Run(DispatchHandler(), [&] { return CallFirst(pfnOperation, args...); });
+    return op.Run(DispatchHandler(), [&] { return CallFirst<Result>(pfnOperation, args...); });
 }
 
 BOOL CLUMGina::LUMWlxActivateUserShell(PVOID pWlxContext, PWSTR pszDesktopName, PWSTR pszMprLogonScript,
                                        PVOID pEnvironment)
 {
-    return Dispatch(TEXT("LUMWlxActivateUserShell"), &CGinaObject::ActivateUserShell, pWlxContext,
-                    pszDesktopName, pszMprLogonScript, pEnvironment);
+    return Dispatch<bool>(TEXT("LUMWlxActivateUserShell"), &CGinaObject::ActivateUserShell, pWlxContext,
+                          pszDesktopName, pszMprLogonScript, pEnvironment);
 }
 
 void CLUMGina::LUMWlxDisconnectNotify(PVOID pWlxContext)
 {
-    Dispatch(TEXT("LUMWlxDisconnectNotify"), &CGinaObject::DisconnectNotify, pWlxContext);
+    Dispatch<void>(TEXT("LUMWlxDisconnectNotify"), &CGinaObject::DisconnectNotify, pWlxContext);
 }
 
 void CLUMGina::LUMWlxDisplayLockedNotice(PVOID pWlxContext)
 {
-    Dispatch(TEXT("LUMWlxDisplayLockedNotice"), &CGinaObject::DisplayLockedNotice, pWlxContext);
+    Dispatch<void>(TEXT("LUMWlxDisplayLockedNotice"), &CGinaObject::DisplayLockedNotice, pWlxContext);
 }
 
 void CLUMGina::LUMWlxDisplaySASNotice(PVOID pWlxContext)
 {
-    Dispatch(TEXT("LUMWlxDisplaySASNotice"), &CGinaObject::DisplaySASNotice, pWlxContext);
+    Dispatch<void>(TEXT("LUMWlxDisplaySASNotice"), &CGinaObject::DisplaySASNotice, pWlxContext);
 }
 
 BOOL CLUMGina::LUMWlxDisplayStatusMessage(PVOID pWlxContext, HDESK hDesktop, DWORD dwOptions, PWSTR pTitle,
                                           PWSTR pMessage)
 {
-    return Dispatch(TEXT("LUMWlxDisplayStatusMessage"), &CGinaObject::DisplayStatusMessage, pWlxContext,
-                    hDesktop, dwOptions, pTitle, pMessage);
+    return Dispatch<bool>(TEXT("LUMWlxDisplayStatusMessage"), &CGinaObject::DisplayStatusMessage, pWlxContext,
+                          hDesktop, dwOptions, pTitle, pMessage);
 }
 
 BOOL CLUMGina::LUMWlxGetConsoleSwitchCredentials(PVOID pWlxContext, PVOID pCredInfo)
 {
-    return Dispatch(TEXT("LUMWlxGetConsoleSwitchCredentials"), &CGinaObject::GetConsoleSwitchCredentials,
-                    pWlxContext, pCredInfo);
+    return Dispatch<bool>(TEXT("LUMWlxGetConsoleSwitchCredentials"),
+                          &CGinaObject::GetConsoleSwitchCredentials, pWlxContext, pCredInfo);
 }
 
 BOOL CLUMGina::LUMWlxGetStatusMessage(PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
                                       DWORD dwBufferSize)
 {
-    return Dispatch(TEXT("LUMWlxGetStatusMessage"), &CGinaObject::GetStatusMessage, pWlxContext, pdwOptions,
-                    pMessage, dwBufferSize);
+    return Dispatch<bool>(TEXT("LUMWlxGetStatusMessage"), &CGinaObject::GetStatusMessage, pWlxContext,
+                          pdwOptions, pMessage, dwBufferSize);
 }
 
 BOOL CLUMGina::LUMWlxIsLockOk(PVOID pWlxContext)
 {
-    return Dispatch(TEXT("LUMWlxIsLockOk"), &CGinaObject::IsLockOk, pWlxContext);
+    return Dispatch<bool>(TEXT("LUMWlxIsLockOk"), &CGinaObject::IsLockOk, pWlxContext);
 }
 
 BOOL CLUMGina::LUMWlxIsLogoffOk(PVOID pWlxContext)
 {
-    return Dispatch(TEXT("LUMWlxIsLogoffOk"), &CGinaObject::IsLogoffOk, pWlxContext);
+    return Dispatch<bool>(TEXT("LUMWlxIsLogoffOk"), &CGinaObject::IsLogoffOk, pWlxContext);
 }
 
 int CLUMGina::LUMWlxLoggedOnSAS(PVOID pWlxContext, DWORD dwSasType, PVOID pReserved)
 {
-    return Dispatch(TEXT("LUMWlxLoggedOnSAS"), &CGinaObject::LoggedOnSAS, pWlxContext, dwSasType, pReserved);
+    return Dispatch<SasAction>(TEXT("LUMWlxLoggedOnSAS"), &CGinaObject::LoggedOnSAS, pWlxContext, dwSasType,
+                               pReserved);
 }
 
 int CLUMGina::LUMWlxLoggedOutSAS(PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId, PSID pLogonSid,
                                  PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo,
                                  PVOID* pProfile)
 {
-    return Dispatch(TEXT("LUMWlxLoggedOutSAS"), &CGinaObject::LoggedOutSAS, pWlxContext, dwSasType,
-                    pAuthenticationId, pLogonSid, pdwOptions, phToken, pNprNotifyInfo, pProfile);
+    return Dispatch<SasAction>(TEXT("LUMWlxLoggedOutSAS"), &CGinaObject::LoggedOutSAS, pWlxContext, dwSasType,
+                               pAuthenticationId, pLogonSid, pdwOptions, phToken, pNprNotifyInfo, pProfile);
 }
 
 void CLUMGina::LUMWlxLogoff(PVOID pWlxContext)
 {
-    Dispatch(TEXT("LUMWlxLogoff"), &CGinaObject::Logoff, pWlxContext);
+    Dispatch<void>(TEXT("LUMWlxLogoff"), &CGinaObject::Logoff, pWlxContext);
 }
 
 BOOL CLUMGina::LUMWlxNetworkProviderLoad(PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo)
 {
-    return Dispatch(TEXT("LUMWlxNetworkProviderLoad"), &CGinaObject::NetworkProviderLoad, pWlxContext,
-                    pNprNotifyInfo);
+    return Dispatch<bool>(TEXT("LUMWlxNetworkProviderLoad"), &CGinaObject::NetworkProviderLoad, pWlxContext,
+                          pNprNotifyInfo);
 }
 
 void CLUMGina::LUMWlxReconnectNotify(PVOID pWlxContext)
 {
-    Dispatch(TEXT("LUMWlxReconnectNotify"), &CGinaObject::ReconnectNotify, pWlxContext);
+    Dispatch<void>(TEXT("LUMWlxReconnectNotify"), &CGinaObject::ReconnectNotify, pWlxContext);
 }
 
 BOOL CLUMGina::LUMWlxRemoveStatusMessage(PVOID pWlxContext)
 {
-    return Dispatch(TEXT("LUMWlxRemoveStatusMessage"), &CGinaObject::RemoveStatusMessage, pWlxContext);
+    return Dispatch<bool>(TEXT("LUMWlxRemoveStatusMessage"), &CGinaObject::RemoveStatusMessage, pWlxContext);
 }
 
 BOOL CLUMGina::LUMWlxScreenSaverNotify(PVOID pWlxContext, BOOL* pSecure)
 {
-    return Dispatch(TEXT("LUMWlxScreenSaverNotify"), &CGinaObject::ScreenSaverNotify, pWlxContext, pSecure);
+    return Dispatch<bool>(TEXT("LUMWlxScreenSaverNotify"), &CGinaObject::ScreenSaverNotify, pWlxContext,
+                          pSecure);
 }
 
 void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
@@ -139,7 +142,7 @@ void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMWlxShutdown"));
     op.Run(DispatchHandler(), [&] {
         Needed(m_pLUMRegistry).SetEnabled(0);
-        CallFirst(&CGinaObject::Shutdown, pWlxContext, dwShutdownType);
+        CallFirst<void>(&CGinaObject::Shutdown, pWlxContext, dwShutdownType);
         StopThreads();
         Needed(m_pLUMPipeThreadObject);
         Needed(m_pLUMRegMonitorThreadObject);
@@ -149,11 +152,12 @@ void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
 BOOL CLUMGina::LUMWlxStartApplication(PVOID pWlxContext, PWSTR pszDesktopName, PVOID pEnvironment,
                                       PWSTR pszCmdLine)
 {
-    return Dispatch(TEXT("LUMWlxStartApplication"), &CGinaObject::StartApplication, pWlxContext,
-                    pszDesktopName, pEnvironment, pszCmdLine);
+    return Dispatch<bool>(TEXT("LUMWlxStartApplication"), &CGinaObject::StartApplication, pWlxContext,
+                          pszDesktopName, pEnvironment, pszCmdLine);
 }
 
 int CLUMGina::LUMWlxWkstaLockedSAS(PVOID pWlxContext, DWORD dwSasType)
 {
-    return Dispatch(TEXT("LUMWlxWkstaLockedSAS"), &CGinaObject::WkstaLockedSAS, pWlxContext, dwSasType);
+    return Dispatch<SasAction>(TEXT("LUMWlxWkstaLockedSAS"), &CGinaObject::WkstaLockedSAS, pWlxContext,
+                               dwSasType);
 }

@@ -52,16 +52,14 @@ void CLUMPipeThreadObject::CreatePipe()
 
 CLUMPipeThreadObject::~CLUMPipeThreadObject()
 {
-    const CDestructionTrace trace(*this, s_szClass);
+    {
+        const CDestructionTrace trace(*this, s_szClass);
+    }
+    // The base would stop it too, but then what the thread function uses is gone.
     if (m_bRunning) {
-        // The base would stop it too, but then what the thread function uses is gone.
         StopThread();
     }
     m_pLUMObject = nullptr;
-    if (m_hPipe != INVALID_HANDLE_VALUE) {
-        // Nobody has served it. Clients should find no pipe rather than wait for ever.
-        ClosePipe();
-    }
 }
 
 void CLUMPipeThreadObject::Thread()
@@ -112,7 +110,7 @@ void CLUMPipeThreadObject::ReleasePipe() noexcept
 
 void CLUMPipeThreadObject::ClosePipe() noexcept
 {
-    if (!CloseHandle(m_hPipe)) {
+    if (m_hPipe != INVALID_HANDLE_VALUE && !CloseHandle(m_hPipe)) {
         CVariableErrorWarning(*this, ERR_DELETE_VARIABLE, TEXT("m_hPipe"), GetLastError());
     }
     m_hPipe = INVALID_HANDLE_VALUE;

@@ -20,8 +20,11 @@ public:
 
     void Thread() override;
 
-    /// Stops the thread, and closes the pipe if the thread never ran.
+    /// Stops the thread, which closes the pipe at its end.
     ~CLUMPipeThreadObject() override;
+
+    /// For the owner of an object whose thread does not run: closes the pipe, unless that has been done.
+    void ClosePipe() noexcept;
 
     HANDLE m_hPipe;
     CLUMObject* m_pLUMObject;
@@ -35,7 +38,6 @@ private:
     void ServeClients();
     bool AwaitStopOnce(DWORD dwMilliseconds) noexcept;
     void ReleasePipe() noexcept;
-    void ClosePipe() noexcept;
 
     /// The event is signalled once; whoever on the thread has seen it remembers it here.
     bool m_bStopping;

@@ -23,7 +23,9 @@ CLUMRegMonitorThreadObject::CLUMRegMonitorThreadObject(CRegistryManager* pRegist
 
 CLUMRegMonitorThreadObject::~CLUMRegMonitorThreadObject()
 {
-    const CDestructionTrace trace(*this, s_szClass);
+    {
+        const CDestructionTrace trace(*this, s_szClass);
+    }
     // The thread uses this part of the object, and the base would stop it too late.
     if (m_bRunning) {
         StopThread();

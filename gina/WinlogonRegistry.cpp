@@ -15,7 +15,9 @@ void LoadValue(const CMessageOrigin& origin, COwned<Value>& pValue, const WCHAR*
 {
     try {
         pValue = OpenMachineValue<Value>(origin, WINLOGON_KEY, szValueName, false, false);
-        pValue->ReadRegistry();
+        if (!pValue->ReadRegistry()) {
+            throw CUnableToReadRegistryException(origin, szValueName, ERROR_READ_FAULT);
+        }
     } catch (...) {
         // Most machines lack most of the values: their objects stay, and find what is written later.
         if (pValue == nullptr || !ReportIf<CUnableToReadRegistryException>() || pValue->Exists()) {

@@ -13,7 +13,8 @@
 
 // Every report of the system, a trace line as much as an error, is an object of this family. Building
 // a message formats its text and writes it to the trace log, so that a thrown error has been logged
-// by the time it is caught. No constructor, destructor or Write lets an exception escape.
+// by the time it is caught. No constructor, destructor or Write of this system's messages lets an exception
+// escape.
 
 /// Who reports: the application tag, which selects the log file, and the registry key (relative to
 /// HKEY_LOCAL_MACHINE) that holds the level mask. The strings are not owned and must outlive the user.
@@ -48,7 +49,7 @@ public:
     CMessage(DWORD dwLevel, const WCHAR* szAPP, const WCHAR* szMTM) noexcept;
 
     /// Writes the text to the trace log if its level is enabled; m_bWritten is true from then on.
-    virtual void Write() noexcept = 0;
+    virtual void Write() = 0;
 
     /// What a handler does with a message that it caught: Write, unless that has been done.
     void WriteIfUnwritten() noexcept;
@@ -61,6 +62,8 @@ public:
     COwnedText m_szMessage;
 
 protected:
+    /// The copy has a text of its own; none when there is no memory for it.
+    CMessage(const CMessage& other) noexcept;
     CMessage(CMessage&&) noexcept = default;
     ~CMessage() = default;
 };

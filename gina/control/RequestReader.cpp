@@ -1,6 +1,7 @@
 #include "RequestReader.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <iterator>
 
 using namespace ControlProtocol;
@@ -37,6 +38,28 @@ constexpr CRequestForm FORMS[] = {
 };
 // clang-format on
 #undef REQUEST
+
+constexpr std::size_t Count(const CRequestForm& form, std::initializer_list<Field> kinds)
+{
+    return std::count_if(std::begin(form.fields), std::end(form.fields), [&](Field field) {
+        return std::find(kinds.begin(), kinds.end(), field) != kinds.end();
+    });
+}
+
+/// A request has room for the fields of every form, and whoever reads one for its bytes.
+constexpr bool HasRoom(const CRequestForm& form)
+{
+    const std::size_t nCounted = Count(form, {GinaName, PluginName, RecordName});
+    const std::size_t nFixed = Count(form, {FixedName});
+    const std::size_t cbForm =
+        sizeof(BYTE) + Count(form, {Flag}) + Count(form, {Record}) * sizeof(CWireRecord) +
+        (Count(form, {Number}) + nCounted) * sizeof(DWORD) + nCounted * LONGEST_NAME * sizeof(WCHAR) +
+        nFixed * NAME_CAPACITY * sizeof(WCHAR);
+    return cbForm <= LONGEST_REQUEST && Count(form, {Record}) <= std::size(CRequest().records) &&
+           Count(form, {Number}) <= std::size(CRequest().dwNumbers) && Count(form, {Flag}) <= 1 &&
+           nCounted + nFixed <= std::size(CRequest().szNames);
+}
+static_assert(std::all_of(std::begin(FORMS), std::end(FORMS), HasRoom));
 
 #define COUNT_REQUEST(NAME, CODE) +1
 static_assert(std::size(FORMS) == LUM_CONTROL_REQUESTS(COUNT_REQUEST));
@@ -88,7 +111,7 @@ private:
         case RecordName:
             return ReadCountedName(TEXT("m_szGinaDLL"));
         case FixedName:
-            return ReadFixedName(TEXT("szGinaDLL"));
+            return ReadFixedName();
         case None:
             break;
         }
@@ -107,15 +130,17 @@ private:
     bool ReadCountedName(const WCHAR* szVariable) noexcept
     {
         DWORD cchName = 0;
-        return Take(cchName) && (cchName <= LONGEST_NAME || RefuseName(szVariable)) &&
+        return Take(cchName) &&
+               (cchName <= LONGEST_NAME || Refuse({CRefusal::Reason::NameTooLong, 0, szVariable})) &&
                Take(m_request.szNames[m_nNames++], cchName * sizeof(WCHAR));
     }
 
-    bool ReadFixedName(const WCHAR* szVariable) noexcept
+    bool ReadFixedName() noexcept
     {
         auto& szName = m_request.szNames[m_nNames++];
-        return Take(szName) && (std::find(std::begin(szName), std::end(szName), 0) != std::end(szName) ||
-                                RefuseName(szVariable));
+        const bool bTaken = Take(szName);
+        szName[LONGEST_NAME] = 0;
+        return bTaken;
     }
 
     template <typename Value>
@@ -132,11 +157,6 @@ private:
         std::copy_n(m_bytes.begin(), cbTarget, static_cast<BYTE*>(pTarget));
         m_bytes = m_bytes.subspan(cbTarget);
         return true;
-    }
-
-    bool RefuseName(const WCHAR* szVariable) noexcept
-    {
-        return Refuse({CRefusal::Reason::NameTooLong, 0, szVariable});
     }
 
     bool Refuse(const CRefusal& refusal) noexcept

@@ -74,7 +74,7 @@ struct CRefusal
     {
         Unfinished, ///< they are the beginning of one
         UnknownCode,
-        NameTooLong, ///< a counted name of more than 259 characters, or a fixed one without a zero
+        NameTooLong, ///< a counted name of more than 259 characters
     };
 
     Reason reason = Reason::Unfinished;
@@ -85,9 +85,9 @@ struct CRefusal
 };
 
 /// No request has more bytes.
-inline constexpr std::size_t LONGEST_REQUEST =
-    sizeof(BYTE) + 2 * sizeof(ControlProtocol::CWireRecord) + 3 * sizeof(DWORD) +
-    2 * (sizeof(DWORD) + LONGEST_NAME * sizeof(WCHAR));
+inline constexpr std::size_t LONGEST_REQUEST = sizeof(BYTE) + 2 * sizeof(ControlProtocol::CWireRecord) +
+                                               3 * sizeof(DWORD) +
+                                               2 * (sizeof(DWORD) + LONGEST_NAME * sizeof(WCHAR));
 
 /// The request that the bytes begin with; what follows it is not looked at. Depends on the bytes alone.
 std::variant<CRequest, CRefusal> ReadRequest(std::span<const BYTE> bytes) noexcept;

@@ -177,7 +177,7 @@ TEST_F(Requests, WithNamesOfAnyLength)
         {"no end of it", "\x67" + Number(0xffffffff), "", "szGinaDLL"},
         {"half the address space", "\x73" + Number(0x7fffffff), "", "szPlugin"},
         {"a record's", "\x64" + Record() + Number(260), "", "m_szGinaDLL"},
-        {"a fixed one without end", "\x70" + std::string(520, 'x'), "", "szGinaDLL"},
+        {"a fixed one without end", "\x70" + std::string(520, 'x'), "01", nullptr},
         {"none", "\x68" + Counted(""), "01", nullptr},
         {"up to its first zero", "\x68" + Counted(std::string("test_plugin_a.dll\0junk", 22)), "00", nullptr},
     };
