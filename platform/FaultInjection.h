@@ -47,7 +47,6 @@
     CALL(RegCreateKeyExW) \
     CALL(RegDeleteKeyW) \
     CALL(RegDeleteValueW) \
-    CALL(RegEnumKeyExW) \
     CALL(RegOpenKeyExW) \
     CALL(RegQueryValueExW) \
     CALL(RegSetValueExW) \
@@ -58,7 +57,6 @@
     CALL(SetNamedPipeHandleState) \
     CALL(VerQueryValueW) \
     CALL(WaitForSingleObject) \
-    CALL(WaitNamedPipeW) \
     CALL(WideCharToMultiByte) \
     CALL(WriteFile)
 // clang-format on

@@ -1,15 +1,9 @@
 #include "LibrarySearch.h"
 
 #include <filesystem>
-#include <mutex>
-
-#include "platform/NativeLibraries.h"
 
 namespace Native {
 namespace {
-
-std::mutex g_mutex;
-std::string g_systemDirectory;
 
 /// The file of that name, in whatever case of its letters; empty when there is none.
 std::string FindIn(const std::string& directory, const WideText& name)
@@ -29,12 +23,6 @@ std::string FindIn(const std::string& directory, const WideText& name)
     return std::string();
 }
 
-std::string GetSystemDirectory()
-{
-    const std::lock_guard lock(g_mutex);
-    return g_systemDirectory;
-}
-
 } // namespace
 
 std::string GetProgramPath()
@@ -46,15 +34,8 @@ std::string GetProgramPath()
 std::string FindLibrary(const WideText& name)
 {
     const std::string program = GetProgramPath();
-    for (const std::string& directory :
-         {program.substr(0, program.find_last_of('/')), GetSystemDirectory(), std::string(".")})
-    {
-        const std::string path = directory.empty() ? directory : FindIn(directory, name);
-        if (!path.empty()) {
-            return path;
-        }
-    }
-    return std::string();
+    const std::string path = FindIn(program.substr(0, program.find_last_of('/')), name);
+    return !path.empty() ? path : FindIn(".", name);
 }
 
 std::string FindLibraryFile(const WideText& name, const WideText& directory)
@@ -68,10 +49,3 @@ std::string FindLibraryFile(const WideText& name, const WideText& directory)
 }
 
 } // namespace Native
-
-void NativeLibraries::SetSystemDirectory(LPCWSTR szDirectory)
-{
-    std::string directory = szDirectory != nullptr ? Native::ToPath(szDirectory) : std::string();
-    const std::lock_guard lock(Native::g_mutex);
-    Native::g_systemDirectory.swap(directory);
-}

@@ -11,9 +11,6 @@ public:
     /// ERROR_PIPE_BUSY when the instance does not listen.
     CPipeClient(const std::string& path, DWORD dwAccess);
 
-    /// Whether the instance listens; throws when nobody has the name.
-    static bool IsListening(const std::string& path);
-
 protected:
     int GetSocket() override { return m_socket.Get(); }
 

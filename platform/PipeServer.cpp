@@ -60,15 +60,14 @@ void CPipeServer::AnswerClients() noexcept
 void CPipeServer::AnswerClient(CDescriptor client) noexcept
 {
     using namespace PipeSocket;
-    char cPurpose = 0;
-    if (!client.IsOpen() || !ReceiveByte(client.Get(), cPurpose)) {
+    if (!client.IsOpen()) {
         return;
     }
     const std::lock_guard lock(m_mutex);
     const bool bListening = m_state == State::Listening;
     const bool bTold =
         SendByte(client.Get(), static_cast<char>(bListening ? Answer::Listening : Answer::Busy));
-    if (bListening && bTold && static_cast<Purpose>(cPurpose) == Purpose::Open) {
+    if (bListening && bTold) {
         m_client = std::move(client);
         m_bHasRead = false;
         m_state = State::Connected;

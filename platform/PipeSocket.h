@@ -33,12 +33,7 @@ private:
 /// end is gone, with ERROR_BROKEN_PIPE, or ERROR_NO_DATA on writing.
 namespace PipeSocket {
 
-/// What a client asks of the server's process with its first byte, and what that answers.
-enum class Purpose : char
-{
-    Open,
-    Ask,
-};
+/// What a client that connects is told.
 enum class Answer : char
 {
     Listening,

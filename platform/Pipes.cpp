@@ -10,7 +10,6 @@ using namespace Native;
 namespace {
 
 constexpr DWORD ACCESS_MASK = PIPE_ACCESS_DUPLEX;
-constexpr DWORD POLL_MILLISECONDS = 5;
 
 /// What OpenThreadToken gives.
 class CTokenHandle : public CKernelObject
@@ -98,20 +97,6 @@ BOOL WINAPI PeekNamedPipe(HANDLE hPipe, LPVOID pBuffer, DWORD cbBuffer, LPDWORD 
         store(pcbRead, cbAvailable < cbBuffer ? cbAvailable : cbBuffer);
         store(pcbAvailable, cbAvailable);
         store(pcbLeftThisMessage, 0);
-    });
-}
-
-BOOL WINAPI WaitNamedPipeW(LPCWSTR szName, DWORD dwTimeout) noexcept
-{
-    return LastErrorCall(PlatformCall::WaitNamedPipeW, szName, FALSE, [&] {
-        Require(szName != nullptr && IsPipeName(szName), ERROR_INVALID_NAME);
-        const std::string path = GetPipePath(szName);
-        const DWORD dwStart = GetTickCount();
-        while (!CPipeClient::IsListening(path)) {
-            Require(GetTickCount() - dwStart < dwTimeout, ERROR_SEM_TIMEOUT);
-            Sleep(POLL_MILLISECONDS);
-        }
-        return TRUE;
     });
 }
 

@@ -129,28 +129,3 @@ LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR szSubKey) noexcept
         });
     });
 }
-
-LSTATUS WINAPI RegEnumKeyExW(HKEY hKey, DWORD dwIndex, LPWSTR szName, LPDWORD pcchName, LPDWORD pdwReserved,
-                             LPWSTR, LPDWORD, PFILETIME) noexcept
-{
-    return CodeCall(PlatformCall::RegEnumKeyExW, nullptr, [&]() -> LONG {
-        if (szName == nullptr || pcchName == nullptr || pdwReserved != nullptr) {
-            return ERROR_INVALID_PARAMETER;
-        }
-        WideText name;
-        const LONG lResult =
-            WithKey(hKey, KEY_ENUMERATE_SUB_KEYS, [&](const std::shared_ptr<CTreeKey>& pKey) -> LONG {
-                if (dwIndex >= pKey->keys.size()) {
-                    return ERROR_NO_MORE_ITEMS;
-                }
-                name = std::next(pKey->keys.begin(), dwIndex)->first;
-                return ERROR_SUCCESS;
-            });
-        if (lResult != ERROR_SUCCESS || name.size() >= *pcchName) {
-            return lResult != ERROR_SUCCESS ? lResult : ERROR_MORE_DATA;
-        }
-        *pcchName = static_cast<DWORD>(name.size());
-        std::copy_n(name.c_str(), name.size() + 1, szName);
-        return ERROR_SUCCESS;
-    });
-}

@@ -2,28 +2,13 @@
 
 #include <gtest/gtest.h>
 
-// A program that runs another one, which is here the test itself.
+// A program that runs another one, which is here the test itself. How others end, the days of administrators
+// tell.
 
 namespace {
 
 using Platform::CChildEnd;
 using Platform::RunChild;
-
-TEST(ChildProcess, TellsHowAProgramEndedAndWhatItWrote)
-{
-    CChildEnd end;
-    EXPECT_EQ(RunChild({TEXT("platform_tests"), TEXT("--gtest_list_tests")}, INFINITE, end), ERROR_SUCCESS);
-    EXPECT_EQ(end.dwExitStatus, 0u);
-    EXPECT_NE(end.output.find("\nChildProcess.\n  TellsHowAProgram"), std::string::npos) << end.output;
-
-    CChildEnd failed;
-    EXPECT_EQ(RunChild({TEXT("platform_tests"), TEXT("--gtest_also_run_disabled_tests"),
-                        TEXT("--gtest_filter=ChildProcess.DISABLED_Fails")},
-                       INFINITE, failed),
-              ERROR_SUCCESS);
-    EXPECT_EQ(failed.dwExitStatus, 1u);
-    EXPECT_EQ(RunChild({TEXT("no such program")}, INFINITE, end), ERROR_FILE_NOT_FOUND);
-}
 
 TEST(ChildProcess, EndsAProgramThatTakesTooLong)
 {
@@ -33,11 +18,6 @@ TEST(ChildProcess, EndsAProgramThatTakesTooLong)
                        100, end),
               ERROR_TIMEOUT);
     EXPECT_NE(end.dwExitStatus, 0u);
-}
-
-TEST(ChildProcess, DISABLED_Fails)
-{
-    FAIL();
 }
 
 TEST(ChildProcess, DISABLED_Sleeps)

@@ -12,7 +12,7 @@ using State = CDllFile::State;
 
 // Tests run in a folder of their own beside the one of programs and DLLs.
 constexpr WCHAR BUILD_FOLDER[] = TEXT("../../../bin");
-constexpr char SAMPLE[] = "../../../bin/loader_test_inner.dll";
+constexpr char SAMPLE[] = "../../../bin/pass_plugin.dll";
 
 std::string ReadSample()
 {
@@ -34,11 +34,11 @@ TEST(DllFile, IsFoundByName)
         const WCHAR* szDirectory;
         State state;
     } rows[] = {
-        {TEXT("loader_test_inner.dll"), BUILD_FOLDER, State::Usable},
-        {TEXT("Loader_Test_INNER"), BUILD_FOLDER, State::Usable},
-        {TEXT("../../../bin/loader_test_inner.dll"), TEXT("."), State::Usable},
-        {TEXT("loader_test_inner.dll"), TEXT("."), State::Missing},
-        {TEXT("loader_test_inner."), BUILD_FOLDER, State::Missing},
+        {TEXT("pass_plugin.dll"), BUILD_FOLDER, State::Usable},
+        {TEXT("Pass_PLUGIN"), BUILD_FOLDER, State::Usable},
+        {TEXT("../../../bin/pass_plugin.dll"), TEXT("."), State::Usable},
+        {TEXT("pass_plugin.dll"), TEXT("."), State::Missing},
+        {TEXT("pass_plugin."), BUILD_FOLDER, State::Missing},
         {TEXT(""), BUILD_FOLDER, State::Missing},
         {TEXT("no_such_dll.dll"), nullptr, State::Missing},
     };
@@ -51,9 +51,9 @@ TEST(DllFile, IsFoundByName)
 
 TEST(DllFile, ExportsWhatTheLoaderFinds)
 {
-    const CDllFile file = InspectDll(TEXT("loader_test_inner.dll"), BUILD_FOLDER);
+    const CDllFile file = InspectDll(TEXT("pass_plugin.dll"), BUILD_FOLDER);
     ASSERT_FALSE(file.exports.empty());
-    const HMODULE hModule = LoadLibraryW(TEXT("loader_test_inner.dll"));
+    const HMODULE hModule = LoadLibraryW(TEXT("pass_plugin.dll"));
     ASSERT_NE(nullptr, hModule);
     for (const std::string& name : file.exports) {
         EXPECT_TRUE(file.HasExport(name));

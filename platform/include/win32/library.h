@@ -10,7 +10,7 @@
 #define DLL_THREAD_DETACH 3
 
 /// A name without a directory is that of a loaded DLL, or is searched for, in any case of its letters, in
-/// the program's directory, the system directory (see platform/NativeLibraries.h) and the current directory.
+/// the program's directory and the current directory.
 HMODULE WINAPI LoadLibraryW(LPCWSTR szFile) noexcept;
 
 #define SEM_FAILCRITICALERRORS 0x0001

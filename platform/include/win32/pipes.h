@@ -48,10 +48,6 @@ BOOL WINAPI SetNamedPipeHandleState(HANDLE hPipe, LPDWORD pdwMode, LPDWORD pcbCo
 BOOL WINAPI PeekNamedPipe(HANDLE hPipe, LPVOID pBuffer, DWORD cbBuffer, LPDWORD pcbRead, LPDWORD pcbAvailable,
                           LPDWORD pcbLeftThisMessage) noexcept;
 
-/// TRUE when an instance listens within the time; ERROR_FILE_NOT_FOUND when nobody has the name,
-/// ERROR_SEM_TIMEOUT when the time is over.
-BOOL WINAPI WaitNamedPipeW(LPCWSTR szName, DWORD dwTimeout) noexcept;
-
 /// For the server's end: returns when the client has read everything. Where that end was made with
 /// FILE_FLAG_OVERLAPPED, DisconnectNamedPipe on another thread ends it; otherwise that waits for it.
 BOOL WINAPI FlushFileBuffers(HANDLE hFile) noexcept;

@@ -44,8 +44,6 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY hKey, LPCWSTR szSubKey, DWORD dwReserved, LP
 LSTATUS WINAPI RegCloseKey(HKEY hKey) noexcept;
 /// The key itself, which the empty path stands for, is not deleted: ERROR_CALL_NOT_IMPLEMENTED.
 LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR szSubKey) noexcept;
-LSTATUS WINAPI RegEnumKeyExW(HKEY hKey, DWORD dwIndex, LPWSTR szName, LPDWORD pcchName, LPDWORD pdwReserved,
-                             LPWSTR szClass, LPDWORD pcchClass, PFILETIME pLastWriteTime) noexcept;
 
 LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR szValue, LPDWORD pdwReserved, LPDWORD pdwType,
                                 LPBYTE pData, LPDWORD pcbData) noexcept;
