@@ -1,7 +1,5 @@
 #pragma once
 
-#include <type_traits>
-
 #include "Standin.h"
 #include <winwlx.h>
 
@@ -28,15 +26,6 @@ struct CStatusOut
     DWORD dwSize;
 };
 
-template <typename T>
-ULONG_PTR AsValue(T argument)
-{
-    if constexpr (std::is_pointer_v<T>) {
-        return reinterpret_cast<ULONG_PTR>(argument);
-    } else {
-        return static_cast<ULONG_PTR>(argument);
-    }
-}
 inline ULONG_PTR AsValue(CVersionOut argument)
 {
     return AsValue(argument.pdwVersion);

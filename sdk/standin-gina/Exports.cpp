@@ -40,30 +40,16 @@ Result Serve(StandinCall call, Arguments... arguments)
     }
 }
 
-/// The operation of g_Standin as a function of the interface.
-template <auto Operation>
-struct Exposed;
-template <typename Result, typename... Arguments, Result (CStandin::*Operation)(Arguments...)>
-struct Exposed<Operation>
-{
-    static Result WINAPI Call(Arguments... arguments) { return (g_Standin.*Operation)(arguments...); }
-};
-
-BOOL WINAPI SetFailure(StandinCall call, StandinFailure failure, DWORD dwCode)
-{
-    return g_Standin.SetFailure(call, failure, dwCode);
-}
-
 constexpr StandinInterface INTERFACE = {
     sizeof(StandinInterface),
-    Exposed<&CStandin::Reset>::Call,
-    Exposed<&CStandin::SetVersion>::Call,
-    Exposed<&CStandin::SetResult>::Call,
-    SetFailure,
-    Exposed<&CStandin::SetHook>::Call,
-    Exposed<&CStandin::SetDetachHook>::Call,
-    Exposed<&CStandin::GetRecordCount>::Call,
-    Exposed<&CStandin::GetRecord>::Call,
+    Exposed<g_Standin, &CStandin::Reset>::Call,
+    Exposed<g_Standin, &CStandin::SetVersion>::Call,
+    Exposed<g_Standin, &CStandin::SetResult>::Call,
+    Exposed<g_Standin, &CStandin::SetFailure>::Call,
+    Exposed<g_Standin, &CStandin::SetHook>::Call,
+    Exposed<g_Standin, &CStandin::SetDetachHook>::Call,
+    Exposed<g_Standin, &CStandin::GetRecordCount>::Call,
+    Exposed<g_Standin, &CStandin::GetRecord>::Call,
 };
 
 } // namespace

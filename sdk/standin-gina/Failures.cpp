@@ -54,6 +54,8 @@ void Fail(StandinFailure failure, DWORD dwCode)
     case StandinFailure::StructuredException:
         StructuredExceptions::Raise(dwCode);
         break;
+    case StandinFailure::ThrowOwn:
+        throw 1;
     case StandinFailure::ExitProcess:
         ExitProcess(0);
     }

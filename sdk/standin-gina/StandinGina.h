@@ -67,6 +67,7 @@ enum class StandinFailure : DWORD
     Throw,               ///< a C++ exception as the compiler of real plugins throws it, 0xE06D7363
     StructuredException, ///< any code; on Windows only
     ExitProcess,         ///< ends the process, with status 0
+    ThrowOwn,            ///< a C++ exception of the DLL's own compiler
 };
 
 /// One call that the GINA received. Arguments are in the order of the entry point, the context first.

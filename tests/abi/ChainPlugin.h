@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Slots.h"
+
 // What the tests and the whole plugin of the other compiler know of each other. Neither side's system
 // headers may be needed here.
 
@@ -20,41 +22,12 @@ enum AbiDeed
     ABI_NAME_BY_CONSTANT ///< leaves a text in the record that cannot be freed; with LUMNegotiate only
 };
 
-/// The places of the operations in the table of an object: CALL(slot, name).
-// clang-format off
-#define ABI_CALLS(CALL) \
-    CALL(1, ActivateUserShell) \
-    CALL(2, DisconnectNotify) \
-    CALL(3, DisplayLockedNotice) \
-    CALL(4, DisplaySASNotice) \
-    CALL(5, DisplayStatusMessage) \
-    CALL(6, DynamicUnload) \
-    CALL(7, GetConsoleSwitchCredentials) \
-    CALL(8, GetStatusMessage) \
-    CALL(9, Initialize) \
-    CALL(10, IsLockOk) \
-    CALL(11, IsLogoffOk) \
-    CALL(12, LoggedOnSAS) \
-    CALL(13, LoggedOutSAS) \
-    CALL(14, Logoff) \
-    CALL(15, Negotiate) \
-    CALL(16, NetworkProviderLoad) \
-    CALL(17, QueryPlugin) \
-    CALL(18, QueryPluginInfo) \
-    CALL(19, ReconnectNotify) \
-    CALL(20, RemoveStatusMessage) \
-    CALL(21, ScreenSaverNotify) \
-    CALL(22, Shutdown) \
-    CALL(23, StartApplication) \
-    CALL(24, WkstaLockedSAS)
-// clang-format on
-
 enum AbiCall
 {
 #define ABI_ENUMERATOR(SLOT, NAME) ABI_##NAME = SLOT,
     ABI_CALLS(ABI_ENUMERATOR)
 #undef ABI_ENUMERATOR
-    ABI_Unload ///< no call: the plugin's DllMain, when its DLL is unloaded
+        ABI_Unload = 25 ///< no call: the plugin's DllMain, when its DLL is unloaded
 };
 
 /// What the plugin is told, and what it tells.

@@ -16,8 +16,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 constexpr char PLUGIN[] = "abi_chain_plugin.dll";
 constexpr char FAILED[] = "abi_chain_plugin failed inside the call";
 constexpr char LEFT_OUT[] = "abi_chain_plugin.dll cannot be used and is left out; the trace log says why";
@@ -30,7 +28,7 @@ struct CAbiCall
 };
 const CAbiCall CALLS[] = {
 #define ABI_ROW(SLOT, NAME) {ABI_##NAME, #NAME},
-    ABI_CALLS(ABI_ROW)
+    ABI_CHAINED_CALLS(ABI_ROW)
 #undef ABI_ROW
 };
 
@@ -87,11 +85,8 @@ protected:
     static void ForEachChained(Check check)
     {
         for (const CAbiCall& call : CALLS) {
-            const CWlxCall* pCall = FindCall("Wlx" + call.name);
-            if (pCall != nullptr && call.id != ABI_Negotiate && call.id != ABI_Initialize) {
-                SCOPED_TRACE(call.name);
-                check(call.id, *pCall);
-            }
+            SCOPED_TRACE(call.name);
+            check(call.id, *FindCall("Wlx" + call.name));
         }
     }
 

@@ -16,8 +16,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 constexpr char LIBRARY[] = "lum_gina.dll";
 constexpr char PLUGIN[] = "abi_chain_plugin.dll";
 constexpr char STANDIN[] = "standin_gina.dll";

@@ -13,8 +13,12 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-using Call = PlatformCall;
+constexpr auto OPEN = PlatformCall::RegOpenKeyExW;
+constexpr auto CREATE = PlatformCall::RegCreateKeyExW;
+constexpr auto CLOSE = PlatformCall::RegCloseKey;
+constexpr auto READ = PlatformCall::RegQueryValueExW;
+constexpr auto WRITE = PlatformCall::RegSetValueExW;
+constexpr auto REMOVE = PlatformCall::RegDeleteValueW;
 
 constexpr WCHAR KEY[] = TEXT("SOFTWARE\\ORX\\Test");
 constexpr WCHAR NAME[] = TEXT("A name too long for its object");
@@ -22,15 +26,15 @@ constexpr WCHAR NAME[] = TEXT("A name too long for its object");
 /// One use of a call that fails. Uses by the trace facility do not count.
 struct CFailure
 {
-    Call call;
+    PlatformCall call;
     DWORD dwUse;
     DWORD dwError;
 
     const WCHAR* GetName() const
     {
-        const bool bOfKey = call == Call::RegOpenKeyExW || call == Call::RegCreateKeyExW;
+        const bool bOfKey = call == OPEN || call == CREATE;
         // Closing has no name, and tracing closes no key: it finds none to read its mask in.
-        return call == Call::RegCloseKey ? nullptr : bOfKey ? KEY : NAME;
+        return call == CLOSE ? nullptr : bOfKey ? KEY : NAME;
     }
 };
 
@@ -50,30 +54,25 @@ std::string Init(const char* szClass)
     return std::string("[EXCEPTION] Unable to instantiate ") + szClass + " object";
 }
 
-constexpr char UNHANDLED[] = "[WARNING] An unhandled exception occurred";
-constexpr char FAILED[] = "[WARNING] The requested operation failed or it was cancelled";
-
-/// "true", "false" or the exception that leaves.
+/// "true", "false" or what the exception says that leaves.
 template <typename Operation>
 std::string GetOutcome(const Operation& operation)
 {
     try {
         return operation() ? "true" : "false";
     }
-#define OUTCOME(CLASS)                                                                                       \
+#define OUTCOME(CLASS, SHORT)                                                                                \
     catch (const CLASS&) {                                                                                   \
-        return #CLASS;                                                                                       \
+        return SHORT;                                                                                        \
     }
-    OUTCOME(CUnableToOpenRegistryKeyException)
-    OUTCOME(CUnableToCreateRegistryKeyException)
-    OUTCOME(CUnableToCloseRegistryKeyException)
-    OUTCOME(CUnableToReadRegistryException)
-    OUTCOME(CUnableToWriteRegistryException)
-    OUTCOME(CUnableToDeleteRegistryValueException)
-    OUTCOME(CRegistryKeyInitException)
-    OUTCOME(CRegistryValueInitException)
-    OUTCOME(CRegistryStringInitException)
-    OUTCOME(CRegistryDwordInitException)
+    OUTCOME(CUnableToOpenRegistryKeyException, "cannot open")
+    OUTCOME(CUnableToCreateRegistryKeyException, "cannot create")
+    OUTCOME(CUnableToCloseRegistryKeyException, "cannot close")
+    OUTCOME(CUnableToReadRegistryException, "cannot read")
+    OUTCOME(CUnableToWriteRegistryException, "cannot write")
+    OUTCOME(CUnableToDeleteRegistryValueException, "cannot delete")
+    OUTCOME(CRegistryStringInitException, "no CRegistryString")
+    OUTCOME(CRegistryDwordInitException, "no CRegistryDword")
 #undef OUTCOME
 }
 
@@ -109,6 +108,13 @@ TEST_F(FailingRegistryClasses, TellTheirReasonAndLeaveAsTheirException)
     const auto setNumber = [this] { return number->SetRegistryDword(7, false); };
     const auto makeText = [] { return Make<CRegistryString>(true) != nullptr; };
     const auto makeNumber = [] { return Make<CRegistryDword>(true) != nullptr; };
+    const auto readText = [this] { return text->ReadRegistry(); };
+    const auto writeText = [this] { return text->WriteRegistry(); };
+    const auto deleteValue = [this] { return text->DeleteRegistryValue(); };
+    const auto readNumber = [this] { return number->ReadRegistry(); };
+    const auto writeNumber = [this] { return number->WriteRegistry(); };
+    const std::string cannotRead = OfValue("read from registry");
+    const std::string cannotWrite = OfValue("write to registry");
     struct
     {
         std::function<bool()> operation;
@@ -116,104 +122,43 @@ TEST_F(FailingRegistryClasses, TellTheirReasonAndLeaveAsTheirException)
         const char* szOutcome;
         Lines lines;
     } const rows[] = {
-        {openKey, {{Call::RegOpenKeyExW, 1, 5}}, "CUnableToOpenRegistryKeyException", {OfKey("open", "0x5")}},
-        {openKey, {{Call::RegOpenKeyExW, 1, 6}}, "true", {}},
-        {openKey,
-         {{Call::RegOpenKeyExW, 1, 2}, {Call::RegCreateKeyExW, 1, 5}},
-         "CUnableToCreateRegistryKeyException",
-         {OfKey("create", "0x5")}},
-        {openKey,
-         {{Call::RegOpenKeyExW, 1, 2}, {Call::RegOpenKeyExW, 2, 0x3fa}},
-         "CUnableToOpenRegistryKeyException",
-         {OfKey("open", "0x3fa")}},
+        {openKey, {{OPEN, 1, 5}}, "cannot open", {OfKey("open", "0x5")}},
+        {openKey, {{OPEN, 1, 6}}, "true", {}},
+        {openKey, {{OPEN, 1, 2}, {CREATE, 1, 5}}, "cannot create", {OfKey("create", "0x5")}},
+        {openKey, {{OPEN, 1, 2}, {OPEN, 2, 0x3fa}}, "cannot open", {OfKey("open", "0x3fa")}},
         // The first close is of the key that is open, the second of the one just created.
-        {openKey, {{Call::RegCloseKey, 1, 6}}, "false", {OfKey("close", "0x6")}},
-        {openKey,
-         {{Call::RegOpenKeyExW, 1, 2}, {Call::RegCloseKey, 2, 6}},
-         "false",
-         {OfKey("close", "0x6"), FAILED}},
-        {createKey,
-         {{Call::RegCreateKeyExW, 1, 5}},
-         "CUnableToCreateRegistryKeyException",
-         {OfKey("create", "0x5")}},
-        {createKey, {{Call::RegCloseKey, 2, 6}}, "false", {OfKey("close", "0x6")}},
-        {closeKey,
-         {{Call::RegCloseKey, 1, 6}},
-         "CUnableToCloseRegistryKeyException",
-         {OfKey("close", "0x6")}},
-        {[this] { return text->DeleteRegistryValue(); },
-         {{Call::RegDeleteValueW, 1, 5}},
-         "CUnableToDeleteRegistryValueException",
-         {"[EXCEPTION] Unable to delete registry value, Registry Value: A name too long for its object, "
-          "Error: 0x5"}},
-        {getText,
-         {{Call::RegQueryValueExW, 1, 5}},
-         "CUnableToReadRegistryException",
-         {OfValue("read from registry")}},
-        {[this] { return text->ReadRegistry(); },
-         {{Call::RegQueryValueExW, 1, 0x3fa}},
-         "CUnableToReadRegistryException",
-         {OfValue("read from registry", "0x3fa")}},
-        {setText,
-         {{Call::RegSetValueExW, 1, 5}},
-         "CUnableToWriteRegistryException",
-         {OfValue("write to registry")}},
-        {[this] { return text->WriteRegistry(); },
-         {{Call::RegSetValueExW, 1, 5}},
-         "CUnableToWriteRegistryException",
-         {OfValue("write to registry")}},
-        {getNumber,
-         {{Call::RegQueryValueExW, 1, 5}},
-         "CUnableToReadRegistryException",
-         {OfValue("read from registry")}},
-        {[this] { return number->ReadRegistry(); },
-         {{Call::RegQueryValueExW, 1, 5}},
-         "CUnableToReadRegistryException",
-         {OfValue("read from registry")}},
-        {setNumber,
-         {{Call::RegSetValueExW, 1, 5}},
-         "CUnableToWriteRegistryException",
-         {OfValue("write to registry")}},
-        {[this] { return number->WriteRegistry(); },
-         {{Call::RegSetValueExW, 1, 5}},
-         "CUnableToWriteRegistryException",
-         {OfValue("write to registry")}},
+        {openKey, {{CLOSE, 1, 6}}, "false", {OfKey("close", "0x6")}},
+        {openKey, {{OPEN, 1, 2}, {CLOSE, 2, 6}}, "false", {OfKey("close", "0x6"), FAILED}},
+        {createKey, {{CREATE, 1, 5}}, "cannot create", {OfKey("create", "0x5")}},
+        {createKey, {{CLOSE, 2, 6}}, "false", {OfKey("close", "0x6")}},
+        {closeKey, {{CLOSE, 1, 6}}, "cannot close", {OfKey("close", "0x6")}},
+        {deleteValue, {{REMOVE, 1, 5}}, "cannot delete", {OfValue("delete registry value")}},
+        {getText, {{READ, 1, 5}}, "cannot read", {cannotRead}},
+        {readText, {{READ, 1, 0x3fa}}, "cannot read", {OfValue("read from registry", "0x3fa")}},
+        {setText, {{WRITE, 1, 5}}, "cannot write", {cannotWrite}},
+        {writeText, {{WRITE, 1, 5}}, "cannot write", {cannotWrite}},
+        {getNumber, {{READ, 1, 5}}, "cannot read", {cannotRead}},
+        {readNumber, {{READ, 1, 5}}, "cannot read", {cannotRead}},
+        {setNumber, {{WRITE, 1, 5}}, "cannot write", {cannotWrite}},
+        {writeNumber, {{WRITE, 1, 5}}, "cannot write", {cannotWrite}},
         // Missing, to be created, and that fails.
-        {getText,
-         {{Call::RegQueryValueExW, 1, 2}, {Call::RegSetValueExW, 1, 5}},
-         "false",
-         {OfValue("write to registry"), UNHANDLED}},
-        {getNumber,
-         {{Call::RegQueryValueExW, 1, 2}, {Call::RegSetValueExW, 1, 5}},
-         "false",
-         {OfValue("write to registry"), UNHANDLED}},
-        {makeText,
-         {{Call::RegOpenKeyExW, 1, 5}},
-         "CUnableToOpenRegistryKeyException",
-         {OfKey("open", "0x5")}},
+        {getText, {{READ, 1, 2}, {WRITE, 1, 5}}, "false", {cannotWrite, UNHANDLED}},
+        {getNumber, {{READ, 1, 2}, {WRITE, 1, 5}}, "false", {cannotWrite, UNHANDLED}},
+        {makeText, {{OPEN, 1, 5}}, "cannot open", {OfKey("open", "0x5")}},
+        {makeNumber, {{OPEN, 1, 2}, {CREATE, 1, 5}}, "cannot create", {OfKey("create", "0x5")}},
+        {makeText, {{READ, 1, 5}}, "cannot read", {cannotRead}},
+        {makeNumber, {{READ, 1, 5}}, "cannot read", {cannotRead}},
         {makeNumber,
-         {{Call::RegOpenKeyExW, 1, 2}, {Call::RegCreateKeyExW, 1, 5}},
-         "CUnableToCreateRegistryKeyException",
-         {OfKey("create", "0x5")}},
+         {{READ, 1, 2}, {WRITE, 1, 5}},
+         "no CRegistryDword",
+         {cannotWrite, UNHANDLED, Init("CRegistryDword")}},
         {makeText,
-         {{Call::RegQueryValueExW, 1, 5}},
-         "CUnableToReadRegistryException",
-         {OfValue("read from registry")}},
-        {makeNumber,
-         {{Call::RegQueryValueExW, 1, 5}},
-         "CUnableToReadRegistryException",
-         {OfValue("read from registry")}},
-        {makeNumber,
-         {{Call::RegQueryValueExW, 1, 2}, {Call::RegSetValueExW, 1, 5}},
-         "CRegistryDwordInitException",
-         {OfValue("write to registry"), UNHANDLED, Init("CRegistryDword")}},
-        {makeText,
-         {{Call::RegOpenKeyExW, 1, 2}, {Call::RegCloseKey, 1, 6}},
-         "CRegistryStringInitException",
+         {{OPEN, 1, 2}, {CLOSE, 1, 6}},
+         "no CRegistryString",
          {OfKey("close", "0x6"), FAILED, Init("CRegistryKey"), Init("CRegistryValue"),
           Init("CRegistryString")}},
         {MakeKey,
-         {{Call::RegCloseKey, 1, 6}},
+         {{CLOSE, 1, 6}},
          "true",
          {OfKey("close", "0x6"), "[WARNING] Unable to delete variable, Variable: m_hKey"}},
     };
@@ -241,14 +186,12 @@ TEST_F(FailingRegistryClasses, TellTheirReasonAndLeaveAsTheirException)
 TEST_F(FailingRegistryClasses, TheCacheKeepsWhatCouldNotBeWrittenAndWhatWasReadBefore)
 {
     {
-        const CFaultInjection fault(Call::RegSetValueExW, 1, ERROR_ACCESS_DENIED, nullptr,
-                                    FaultRepeat::FromThenOn);
+        const CFaultInjection fault(WRITE, 1, ERROR_ACCESS_DENIED, nullptr, FaultRepeat::FromThenOn);
         EXPECT_THROW(text->SetRegistryString(TEXT("new"), true), CUnableToWriteRegistryException);
         EXPECT_THROW(number->SetRegistryDword(7, true), CUnableToWriteRegistryException);
     }
     {
-        const CFaultInjection fault(Call::RegQueryValueExW, 1, ERROR_ACCESS_DENIED, nullptr,
-                                    FaultRepeat::FromThenOn);
+        const CFaultInjection fault(READ, 1, ERROR_ACCESS_DENIED, nullptr, FaultRepeat::FromThenOn);
         EXPECT_THROW(text->ReadRegistry(), CUnableToReadRegistryException);
         EXPECT_THROW(number->ReadRegistry(), CUnableToReadRegistryException);
     }
@@ -281,8 +224,7 @@ TEST_F(FailingRegistryClasses, WithoutMemoryThereIsNoObject)
             });
             nKeys += Log() == noKey ? 1 : 0;
             nNames += Log() == noValue ? 1 : 0;
-            EXPECT_TRUE(outcome == "true" || outcome == className + "InitException" ||
-                        outcome == "CUnableToOpenRegistryKeyException")
+            EXPECT_TRUE(outcome == "true" || outcome == "no " + className || outcome == "cannot open")
                 << nBefore << " " << outcome;
         }
         EXPECT_EQ(1, nKeys);

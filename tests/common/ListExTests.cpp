@@ -1,6 +1,4 @@
-#include <algorithm>
 #include <memory>
-#include <random>
 
 #include "GinaNames.h"
 #include "FailingAllocation.h"
@@ -45,59 +43,125 @@ protected:
         }
     }
 
+    /// The names in their order, the current one with a star.
     static std::string Contents(const CItemList& of)
     {
         std::string text;
+        DWORD dwCount = 0;
+        const CItemList::Node* pPrev = nullptr;
         for (const auto* pNode = of.m_pHead; pNode != nullptr; pNode = pNode->pNext) {
+            EXPECT_EQ(pPrev, pNode->pPrev);
+            pPrev = pNode;
+            ++dwCount;
             text += Narrow(pNode->m_pItem->m_Name.c_str()) + (pNode == of.m_pCursor ? "* " : " ");
         }
+        EXPECT_EQ(pPrev, of.m_pTail);
+        EXPECT_EQ(dwCount, of.m_dwCount);
         return text;
+    }
+
+    /// Carries out "operation" or "operation name".
+    bool Do(const std::string& step)
+    {
+        const std::size_t nBlank = step.find(' ');
+        const std::string operation = step.substr(0, nBlank);
+        const Text name = nBlank == std::string::npos ? Text() : Widen(step.substr(nBlank + 1));
+        CItem* pItem = nullptr;
+        EXPECT_EQ(list.m_pCursor != nullptr, list.GetItem(pItem));
+        if (operation == "add") {
+            return list.Add(new CItem(name), 0);
+        }
+        if (operation == "insert") {
+            auto item = std::make_unique<CItem>(name);
+            return list.Insert(item.get(), 0) && item.release() != nullptr;
+        }
+        if (operation == "set") {
+            const CItem item(name);
+            return list.SetItem(&item);
+        }
+        if (operation == "begin" || operation == "end") {
+            operation == "end" ? list.End() : list.Begin();
+            return true;
+        }
+        return operation == "to"     ? list.MoveTo(name.c_str())
+               : operation == "has"  ? list.IsInList(name.c_str())
+               : operation == "next" ? list.Next()
+               : operation == "prev" ? list.Prev()
+               : operation == "up"   ? list.MoveItemUp()
+               : operation == "down" ? list.MoveItemDown()
+               : name.empty()        ? list.Remove()
+                                     : list.Remove(name.c_str());
     }
 
     CItemList list;
 };
 
-TEST_F(ListEx, EmptyListRefuses)
+TEST_F(ListEx, KeepsItsOrderAndItsCursor)
 {
-    CItem* pItem = nullptr;
-    const CItem other(TEXT("other"));
-    EXPECT_FALSE(list.GetItem(pItem));
-    EXPECT_FALSE(list.SetItem(&other));
-    EXPECT_FALSE(list.Next());
-    EXPECT_FALSE(list.Prev());
-    EXPECT_FALSE(list.Remove());
-    EXPECT_FALSE(list.Remove(TEXT("a")));
-    EXPECT_FALSE(list.MoveTo(TEXT("a")));
-    EXPECT_FALSE(list.IsInList(TEXT("a")));
-    EXPECT_FALSE(list.MoveItemUp());
-    EXPECT_FALSE(list.MoveItemDown());
-    EXPECT_TRUE(list.Flush());
-    EXPECT_TRUE(list == CItemList(LUM_GINA_APP, LUM_GINA_MTM));
-}
-
-TEST_F(ListEx, CursorRules)
-{
-    EXPECT_TRUE(list.Insert(new CItem(TEXT("b")), 0));
-    EXPECT_EQ("b* ", Contents(list));
-    EXPECT_TRUE(list.Insert(new CItem(TEXT("a")), 0));
-    EXPECT_EQ("a b* ", Contents(list));
-    EXPECT_TRUE(list.Add(new CItem(TEXT("c")), 0));
-    EXPECT_EQ("a b* c ", Contents(list));
-    EXPECT_FALSE(list.MoveTo(TEXT("x")));
-    EXPECT_EQ("a b c* ", Contents(list));
-    EXPECT_TRUE(list.MoveTo(TEXT("B")));
-    EXPECT_TRUE(list.MoveItemUp());
-    EXPECT_EQ("b a c ", Contents(list));
-    EXPECT_EQ(nullptr, list.m_pCursor);
-    EXPECT_FALSE(list.Insert(nullptr, 0));
-    list.End();
-    EXPECT_FALSE(list.MoveItemDown());
-    EXPECT_TRUE(list.MoveItemUp());
-    EXPECT_EQ("b* c a ", Contents(list));
-    EXPECT_TRUE(list.MoveItemDown());
-    EXPECT_EQ("c b a* ", Contents(list));
-    EXPECT_TRUE(list.Remove(TEXT("b")));
-    EXPECT_EQ("c* a ", Contents(list));
+    struct
+    {
+        const char* szStep;
+        bool bDone;
+        const char* szContents; ///< each step goes on from what the one before has left
+    } const rows[] = {
+        // An empty list has nothing to give.
+        {"next", false, ""},
+        {"prev", false, ""},
+        {"remove", false, ""},
+        {"remove a", false, ""},
+        {"to a", false, ""},
+        {"has a", false, ""},
+        {"up", false, ""},
+        {"down", false, ""},
+        {"set a", false, ""},
+        {"begin", true, ""},
+        {"insert b", true, "b* "},
+        {"insert a", true, "a b* "},
+        {"add c", true, "a b* c "},
+        {"add a", true, "a b* c a "},
+        {"next", true, "a b c* a "},
+        {"next", true, "a b c a* "},
+        {"next", false, "a b c a* "},
+        {"down", false, "a b c a* "},
+        {"prev", true, "a b c* a "},
+        {"to x", false, "a b c a* "},
+        {"to A", true, "a* b c a "},
+        {"prev", false, "a* b c a "},
+        {"up", false, "a* b c a "},
+        {"insert d", true, "d a* b c a "},
+        {"up", true, "a d b c a "},
+        // Without a current node.
+        {"insert e", false, "a d b c a "},
+        {"next", false, "a d b c a "},
+        {"remove", false, "a d b c a "},
+        {"up", false, "a d b c a "},
+        {"down", false, "a d b c a "},
+        {"set e", false, "a d b c a "},
+        {"add e", true, "a d b c a e "},
+        {"begin", true, "a* d b c a e "},
+        {"down", true, "d a b* c a e "},
+        {"up", true, "d* b a c a e "},
+        {"end", true, "d b a c a e* "},
+        {"prev", true, "d b a c a* e "},
+        {"down", true, "d b a c e a "},
+        {"end", true, "d b a c e a* "},
+        {"up", true, "d b a c* a e "},
+        {"set f", true, "d b a f* a e "},
+        {"has E", true, "d b a f* a e "},
+        {"has x", false, "d b a f* a e "},
+        {"remove", true, "d* b a a e "},
+        {"remove A", true, "d* b a e "},
+        {"remove e", true, "d* b a "},
+        {"remove x", false, "d b a* "},
+        {"remove", true, "d* b "},
+        {"remove d", true, "b* "},
+        {"remove", true, ""},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.bDone, Do(row.szStep)) << row.szStep;
+        EXPECT_EQ(row.szContents, Contents(list)) << row.szStep;
+    }
+    EXPECT_EQ(0, CItem::s_nAlive);
 }
 
 TEST_F(ListEx, ARemovedNodeIsTheCallersToDestroy)
@@ -183,158 +247,6 @@ TEST_F(ListEx, ItemsThatFailToGoAreReported)
     EXPECT_TRUE(list.Flush());
     const std::string line = "[WARNING] Unable to delete variable, Variable: m_pItem";
     EXPECT_EQ((std::vector<std::string>{line, line}), Log());
-    EXPECT_EQ(0, CItem::s_nAlive);
-}
-
-TEST_F(ListEx, TracesUnderItsNames)
-{
-    SetTraceMask(0xFFF);
-    list.Next();
-    EXPECT_EQ((std::vector<std::string>{"[ENTRY] CListEx::Next",
-                                        "[WARNING] The requested operation failed or it was cancelled",
-                                        "[EXIT ] CListEx::Next, Return: 0x0"}),
-              Log());
-}
-
-/// The list as it should be: names in order, and the position of the cursor, -1 for none.
-class CModel
-{
-public:
-    std::vector<Text> names;
-    int nCursor = -1;
-
-    int Size() const { return static_cast<int>(names.size()); }
-    int Find(const Text& name) const
-    {
-        const auto found = std::find(names.begin(), names.end(), name);
-        return found == names.end() ? -1 : static_cast<int>(found - names.begin());
-    }
-    void InsertAt(int nPosition, const Text& name)
-    {
-        names.insert(names.begin() + nPosition, name);
-        if (Size() == 1) {
-            nCursor = 0;
-        } else if (nCursor >= nPosition) {
-            ++nCursor;
-        }
-    }
-    bool Remove()
-    {
-        if (nCursor < 0) {
-            return false;
-        }
-        names.erase(names.begin() + nCursor);
-        nCursor = names.empty() ? -1 : 0;
-        return true;
-    }
-    bool Step(int nBy)
-    {
-        if (nCursor < 0 || nCursor + nBy < 0 || nCursor + nBy >= Size()) {
-            return false;
-        }
-        nCursor += nBy;
-        return true;
-    }
-    bool Swap(int nBy)
-    {
-        if (nCursor < 0 || nCursor + nBy < 0 || nCursor + nBy >= Size()) {
-            return false;
-        }
-        std::swap(names[static_cast<std::size_t>(nCursor)], names[static_cast<std::size_t>(nCursor + nBy)]);
-        nCursor += 2 * nBy;
-        nCursor = nCursor < 0 || nCursor >= Size() ? -1 : nCursor;
-        return true;
-    }
-    bool MoveTo(const Text& name)
-    {
-        const int nFound = Find(name);
-        nCursor = nFound < 0 ? Size() - 1 : nFound;
-        return nFound >= 0;
-    }
-};
-
-void CheckInvariants(const CItemList& list, const CModel& model)
-{
-    ASSERT_EQ(model.names.size(), list.m_dwCount);
-    const NodeType<CItem>* pPrev = nullptr;
-    const NodeType<CItem>* pNode = list.m_pHead;
-    for (int nPosition = 0; nPosition < model.Size(); ++nPosition) {
-        ASSERT_NE(nullptr, pNode);
-        ASSERT_EQ(pPrev, pNode->pPrev);
-        ASSERT_EQ(model.names[static_cast<std::size_t>(nPosition)], pNode->m_pItem->m_Name);
-        ASSERT_EQ(nPosition == model.nCursor, pNode == list.m_pCursor);
-        pPrev = pNode;
-        pNode = pNode->pNext;
-    }
-    ASSERT_EQ(nullptr, pNode);
-    ASSERT_EQ(pPrev, list.m_pTail);
-    ASSERT_EQ(model.nCursor < 0, list.m_pCursor == nullptr);
-}
-
-TEST_F(ListEx, BehavesAsTheModelDoes)
-{
-    SetTraceMask(0);
-    const unsigned int nSeed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(nSeed));
-    std::mt19937 random(nSeed);
-    CModel model;
-    for (int nStep = 0; nStep < 4000 && !HasFatalFailure(); ++nStep) {
-        const Text name(1, static_cast<WCHAR>('a' + random() % 6));
-        CItem* pItem = nullptr;
-        switch (random() % 14) {
-        case 0:
-            list.Begin();
-            model.nCursor = model.names.empty() ? -1 : 0;
-            break;
-        case 1:
-            list.End();
-            model.nCursor = model.Size() - 1;
-            break;
-        case 2:
-            ASSERT_EQ(model.Step(1), list.Next());
-            break;
-        case 3:
-            ASSERT_EQ(model.Step(-1), list.Prev());
-            break;
-        case 4:
-        case 5:
-            ASSERT_TRUE(list.Add(new CItem(name), 0));
-            model.InsertAt(model.Size(), name);
-            break;
-        case 6:
-        case 7: {
-            auto item = std::make_unique<CItem>(name);
-            const bool bPossible = model.nCursor >= 0 || model.names.empty();
-            ASSERT_EQ(bPossible, list.Insert(item.get(), 0));
-            if (bPossible) {
-                model.InsertAt(std::max(model.nCursor, 0), name);
-                static_cast<void>(item.release());
-            }
-            break;
-        }
-        case 8:
-            ASSERT_EQ(model.Remove(), list.Remove());
-            break;
-        case 9:
-            ASSERT_EQ(model.MoveTo(name) && model.Remove(), list.Remove(name.c_str()));
-            break;
-        case 10:
-            ASSERT_EQ(model.MoveTo(name), list.MoveTo(name.c_str()));
-            break;
-        case 11:
-            ASSERT_EQ(model.Find(name) >= 0, list.IsInList(name.c_str()));
-            break;
-        case 12:
-            ASSERT_EQ(model.Swap(-1), list.MoveItemUp());
-            break;
-        default:
-            ASSERT_EQ(model.Swap(1), list.MoveItemDown());
-            break;
-        }
-        ASSERT_EQ(model.nCursor >= 0, list.GetItem(pItem));
-        CheckInvariants(list, model);
-    }
-    list.Flush();
     EXPECT_EQ(0, CItem::s_nAlive);
 }
 

@@ -5,8 +5,6 @@ namespace {
 
 class Messages : public CTestMachine
 {
-protected:
-    static constexpr CSourceLocation WHERE{"common\\ThreadObject.cpp", 158};
 };
 
 /// A message to look at: it need not have been written.
@@ -36,24 +34,6 @@ TEST_F(Messages, TextsFollowTheirFormat)
     }
 }
 
-TEST_F(Messages, ExceptionsCarryTheirDetails)
-{
-    const CErrorException<ERR_CREATE_EVENT> error(LUM_GINA_ORIGIN, 5, WHERE);
-    EXPECT_EQ("CreateEvent function call failed, Error: 0x5, ( 158 ) ThreadObject.cpp",
-              Narrow(error.m_szMessage));
-    EXPECT_EQ(5u, error.m_dwError);
-    const CNameErrorException<ERR_CREATE_THREAD, FMT_THREAD_ERROR> decimal(LUM_GINA_ORIGIN, TEXT("worker"), 8,
-                                                                           WHERE);
-    EXPECT_EQ("Unable to create thread, Thread: worker, Error: 8, ( 158 ) ThreadObject.cpp",
-              Narrow(decimal.m_szMessage));
-    const CNullFunctionHandleException twoBlanks(LUM_GINA_ORIGIN, TEXT("x.dll"), WHERE);
-    EXPECT_EQ(
-        "Null function handle.  Unable to execute function call, Plugin: x.dll, ( 158 ) ThreadObject.cpp",
-        Narrow(twoBlanks.m_szMessage));
-    const CUnableToLoadDLLException named(LUM_GINA_ORIGIN, TEXT("x.dll"), 0x7E);
-    EXPECT_NE(std::string::npos, Narrow(named.m_szMessage).find(") MessagesTests.cpp"));
-}
-
 TEST_F(Messages, AreCutAtTheBound)
 {
     const std::basic_string<WCHAR> longText(5000, 'x');
@@ -72,7 +52,7 @@ TEST_F(Messages, MalformedFormatsAreNotWritten)
         message.Write();
         EXPECT_TRUE(message.m_bWritten);
         EXPECT_TRUE(Log().empty());
-        const std::vector<std::string> twice(2, "[WARNING] Improperly formed format message");
+        const Lines twice(2, "[WARNING] Improperly formed format message");
         EXPECT_EQ(twice, InternalLog());
     }
 }
@@ -112,7 +92,8 @@ TEST_F(Messages, AreWrittenOnceAndCaughtByTheirBases)
         EXPECT_TRUE(message.m_bWritten);
         message.WriteIfUnwritten();
     }
-    EXPECT_EQ(std::vector<std::string>{"[EXCEPTION] A bad argument was provided, Argument: szPlugin"}, Log());
+    EXPECT_EQ(Lines{"[EXCEPTION] A bad argument was provided, Argument: szPlugin"}, Log());
+    EXPECT_NE(std::string::npos, RawLog().find(") MessagesTests.cpp")) << "where it was made";
     EXPECT_THROW(throw CNoPluginsNotification(LUM_GINA_ORIGIN), CMessage);
     EXPECT_THROW(throw CWcscpyException(LUM_GINA_ORIGIN), CDetailedMessage);
     EXPECT_THROW(throw CFreeGinaDLLFailException(LUM_GINA_ORIGIN, 1), CDetailedMessageWithError);

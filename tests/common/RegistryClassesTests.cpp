@@ -7,7 +7,6 @@
 namespace {
 
 constexpr WCHAR KEY[] = TEXT("SOFTWARE\\ORX\\Test");
-constexpr WCHAR TEMPORARY_KEY[] = TEXT("SOFTWARE\\ORX\\Test\\Volatile");
 constexpr WCHAR NAME[] = TEXT("Value");
 
 constexpr const char* TOO_LONG = "[WARNING] String length to long";
@@ -156,16 +155,6 @@ TEST_F(RegistryClasses, CacheAnswersWithoutReadThrough)
     EXPECT_EQ("registry", Read(text));
     EXPECT_TRUE(text.WriteRegistry());
     EXPECT_EQ("\"registry\"", GetValue(KEY, NAME));
-}
-
-TEST_F(RegistryClasses, VolatileKeysCanBeMade)
-{
-    {
-        const CRegistryString parent = String(true, true, true);
-    }
-    const CRegistryDword number(LUM_GINA_APP, LUM_GINA_MTM, HKEY_LOCAL_MACHINE, TEMPORARY_KEY, NAME,
-                                KEY_ALL_ACCESS, true, true, true, true, true, REG_OPTION_VOLATILE);
-    EXPECT_EQ("0", GetValue(TEMPORARY_KEY, NAME));
 }
 
 } // namespace

@@ -52,7 +52,7 @@ TEST_F(TraceLog, MaskSelectsLevels)
         ClearLog();
         SetTraceMask(dwMask);
         WriteAllLevels();
-        std::vector<std::string> expected;
+        Lines expected;
         for (DWORD dwBit = 0; dwBit < std::size(LEVELS); ++dwBit) {
             if ((dwMask & 1u << dwBit) != 0) {
                 expected.push_back(std::string("[") + LEVELS[dwBit] + "] text");
@@ -64,8 +64,7 @@ TEST_F(TraceLog, MaskSelectsLevels)
 
 TEST_F(TraceLog, DefaultMaskWithoutAUsableValue)
 {
-    const std::vector<std::string> expected = {"[WARNING] text", "[EXCEPTION] text", "[CRITICAL] text",
-                                               "[ERROR] text"};
+    const Lines expected = {"[WARNING] text", "[EXCEPTION] text", "[CRITICAL] text", "[ERROR] text"};
     WriteAllLevels();
     EXPECT_EQ(expected, Log());
     ClearLog();
@@ -90,7 +89,7 @@ TEST_F(TraceLog, LevelOutsideTheTableIsAHeader)
 {
     SetTraceMask(0xFFFFFFFF);
     CMessageArgList(LEVEL_ENTRY | LEVEL_EXIT, LUM_GINA_APP, LUM_GINA_MTM, true, TEXT("text"));
-    EXPECT_EQ(std::vector<std::string>{"[HEADER] text"}, Log());
+    EXPECT_EQ(Lines{"[HEADER] text"}, Log());
 }
 
 TEST_F(TraceLog, NothingIsWrittenWithoutADestination)
@@ -105,7 +104,7 @@ TEST_F(TraceLog, NothingIsWrittenWithoutADestination)
     EXPECT_TRUE(Log().empty());
     EXPECT_FALSE(WriteLogLine(LUM_GINA_APP, TEXT("ERROR"), TEXT("text")));
     EXPECT_TRUE(LogMessage(ERR_MESSAGE_APP, TEXT("WARNING"), TEXT("text"), 1, TEXT("c.cpp")));
-    EXPECT_EQ(std::vector<std::string>{"[WARNING] text"}, InternalLog());
+    EXPECT_EQ(Lines{"[WARNING] text"}, InternalLog());
 }
 
 TEST_F(TraceLog, DirectoryIsMadeOneLevelDeep)
@@ -132,9 +131,7 @@ TEST_F(TraceLog, MaskedOutStatementsAreFormattedWhenTheyAreWrittenAfterAll)
     EXPECT_TRUE(warning.m_bWritten);
     SetTraceMask(LEVEL_WARNING);
     warning.Write();
-    EXPECT_EQ(
-        std::vector<std::string>{"[WARNING] The requested operation failed or it was cancelled, Key: Key"},
-        Log());
+    EXPECT_EQ(Lines{"[WARNING] The requested operation failed or it was cancelled, Key: Key"}, Log());
 }
 
 TEST_F(TraceLog, OperationsReportHowTheyEnd)
@@ -144,31 +141,13 @@ TEST_F(TraceLog, OperationsReportHowTheyEnd)
     EXPECT_FALSE(traced.Do([] { return false; }));
     EXPECT_EQ(SAS_ACTION_NONE, traced.Do([]() -> SasAction { throw 1; }));
     traced.Do([]() -> void { throw 1; });
-    EXPECT_EQ((std::vector<std::string>{"[ENTRY] CTraced::Do",
-                                        "[WARNING] The requested operation failed or it was cancelled",
-                                        "[EXIT ] CTraced::Do, Return: 0x0", "[ENTRY] CTraced::Do",
-                                        "[WARNING] An unhandled exception occurred",
-                                        "[WARNING] The requested operation failed or it was cancelled",
-                                        "[EXIT ] CTraced::Do, Return: 0x2", "[ENTRY] CTraced::Do",
-                                        "[WARNING] An unhandled exception occurred", "[EXIT ] CTraced::Do"}),
+    EXPECT_EQ((Lines{"[ENTRY] CTraced::Do", "[WARNING] The requested operation failed or it was cancelled",
+                     "[EXIT ] CTraced::Do, Return: 0x0", "[ENTRY] CTraced::Do",
+                     "[WARNING] An unhandled exception occurred",
+                     "[WARNING] The requested operation failed or it was cancelled",
+                     "[EXIT ] CTraced::Do, Return: 0x2", "[ENTRY] CTraced::Do",
+                     "[WARNING] An unhandled exception occurred", "[EXIT ] CTraced::Do"}),
               Log());
-}
-
-TEST_F(TraceLog, ObjectsWithoutTagOrKeyReportThemselves)
-{
-    class CLoose : public CGlobalObject
-    {
-    public:
-        using CGlobalObject::CGlobalObject;
-        ~CLoose() = default;
-    };
-    EXPECT_STREQ("MESSAGE_APP", Narrow(CLoose(nullptr, LUM_GINA_MTM).szAPP).c_str());
-    const CLoose keyless(LUM_GINA_APP, nullptr);
-    EXPECT_EQ(nullptr, keyless.szAPP);
-    EXPECT_EQ(nullptr, keyless.szMTM);
-    EXPECT_EQ((std::vector<std::string>{"[EXCEPTION] A bad argument was provided, Argument: szAPP",
-                                        "[EXCEPTION] A bad argument was provided, Argument: szMTM"}),
-              InternalLog());
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr const char* UNHANDLED = "[WARNING] An unhandled exception occurred";
 constexpr const char* BUSY = "[WARNING] Calls are under way. The GINA object list was not changed";
 
 void WINAPI SeeOffer(void* pdwOffered, const PluginRecord* pRecord)

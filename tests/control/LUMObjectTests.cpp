@@ -2,8 +2,6 @@
 
 namespace {
 
-constexpr const char* UNHANDLED = "[WARNING] An unhandled exception occurred";
-
 std::string BadArgument(const char* szArgument)
 {
     return std::string("[EXCEPTION] A bad argument was provided, Argument: ") + szArgument;

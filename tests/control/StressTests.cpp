@@ -4,17 +4,13 @@
 #include <random>
 
 #include "CountingPlugin.h"
-#include "LUMGina.h"
-#include "../gina/Standin.h"
-#include "TestMachine.h"
+#include "HostMachine.h"
 #include "Thread.h"
 
 // Winlogon's calls and the control channel's operations at the same time, on real threads. How much of it:
 // LUM_STRESS_OPERATIONS, 2000 control operations unless it is set.
 
 namespace {
-
-using Names = std::vector<std::string>;
 
 constexpr const char* PLUGINS[] = {"counting_plugin_a.dll", "counting_plugin_b.dll", "counting_plugin_c.dll",
                                    "counting_plugin_d.dll", "counting_plugin_e.dll"};
@@ -24,11 +20,6 @@ int GetOperationCount()
 {
     const char* szCount = std::getenv("LUM_STRESS_OPERATIONS");
     return szCount != nullptr ? std::atoi(szCount) : 2000;
-}
-
-BOOL WINAPI SetTimeout(HANDLE, DWORD)
-{
-    return TRUE;
 }
 
 class CJournal : public IPluginJournal
@@ -119,14 +110,14 @@ public:
     }
 
     /// What is loaded, and what is configured, after all.
-    const Names& GetLoaded() const { return m_loaded; }
-    const Names& GetConfigured() const { return m_configured; }
+    const Lines& GetLoaded() const { return m_loaded; }
+    const Lines& GetConfigured() const { return m_configured; }
     /// Changes that gave up because calls went on.
     int GetBusyCount() const { return m_nBusy; }
 
 private:
     std::size_t Random(std::size_t nBelow) { return m_random() % nBelow; }
-    Names::iterator Find(const std::string& name)
+    Lines::iterator Find(const std::string& name)
     {
         return std::find(m_loaded.begin(), m_loaded.end(), name);
     }
@@ -181,26 +172,25 @@ private:
 
     CLUMGina& m_host;
     std::minstd_rand m_random;
-    Names m_loaded;
-    Names m_configured;
+    Lines m_loaded;
+    Lines m_configured;
     int m_nBusy = 0;
 };
 
-class Stress : public CTestMachine
+class Stress : public CHostMachine
 {
 protected:
     Stress()
     {
-        std::fill(std::begin(m_table), std::end(m_table), reinterpret_cast<PVOID>(SetTimeout));
         SetTraceMask(0);
         SetString(OWN_KEY, TEXT("GinaDLL"), Widen(GINA).c_str());
-        host = std::make_unique<CLUMGina>(reinterpret_cast<HINSTANCE>(0x1000));
-        DWORD dwVersion = 0;
-        EXPECT_TRUE(host->LUMWlxNegotiate(WLX_VERSION_1_4, &dwVersion));
+        Load();
         EXPECT_TRUE(host->LUMWlxInitialize(nullptr, static_cast<IPluginJournal*>(&journal), nullptr, m_table,
                                            &m_pContext));
         ForgetRecords();
     }
+
+    ~Stress() override { host.reset(); }
 
     /// The GINA records every call; only between calls.
     void ForgetRecords()
@@ -220,13 +210,9 @@ protected:
 
     void ExpectChain(const CControlChannel& control) const
     {
-        Names chain;
-        for (GinaNode* pNode = host->m_pGinaObjectList->m_pHead; pNode != nullptr; pNode = pNode->pNext) {
-            chain.push_back(Narrow(pNode->m_pItem->GetGinaDLLName()));
-        }
-        Names expected = control.GetLoaded();
+        Lines expected = control.GetLoaded();
         expected.push_back(GINA);
-        EXPECT_EQ(expected, chain);
+        EXPECT_EQ(expected, Chain());
         std::string plugins;
         for (const std::string& name : control.GetConfigured()) {
             plugins += (plugins.empty() ? "" : ",") + name;
@@ -235,11 +221,7 @@ protected:
         EXPECT_EQ(control.GetLoaded().size(), journal.CheckCounts());
     }
 
-    PVOID m_table[sizeof(WLX_DISPATCH_VERSION_1_4) / sizeof(PVOID)];
-    PVOID m_pContext = nullptr;
     CJournal journal;
-    CStandin gina{Widen(GINA).c_str()};
-    std::unique_ptr<CLUMGina> host;
 };
 
 TEST_F(Stress, CallsAndChangesMeetOnAllThreads)

@@ -11,11 +11,7 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
 using Operation = std::function<bool(CLUMRegistry&)>;
-
-constexpr char UNHANDLED[] = "[WARNING] An unhandled exception occurred";
-constexpr char FAILED[] = "[WARNING] The requested operation failed or it was cancelled";
 
 std::string CannotRead(const std::string& value, const char* szError)
 {
@@ -69,45 +65,42 @@ const Operation PARSE = [](CLUMRegistry& registry) { return registry.ParsePlugin
 const Operation ADD = [](CLUMRegistry& registry) { return registry.AddPlugin(TEXT("c.dll")); };
 const Operation REMOVE = [](CLUMRegistry& registry) { return registry.RemovePlugin(TEXT("b.dll")); };
 
+/// A row for each value that has an operation to read it.
+template <typename Row, typename MakeRow>
+std::vector<Row> WithGetters(std::vector<Row> rows, MakeRow makeRow)
+{
+    rows.push_back(makeRow("GinaDLL", GetGinaDLL));
+    rows.push_back(makeRow("Timeout", GetDword<&CLUMRegistry::GetTimeout>));
+    rows.push_back(makeRow("PipeInterval", GetDword<&CLUMRegistry::GetPipeInterval>));
+    rows.push_back(makeRow("MonitorInterval", GetDword<&CLUMRegistry::GetRegistryMonitorInterval>));
+    rows.push_back(makeRow("InstanceCount", GetDword<&CLUMRegistry::GetInstanceCount>));
+    return rows;
+}
+
 TEST_F(FailingLUMRegistry, AValueThatCannotBeLoadedIsDoneWithout)
 {
-    struct
+    struct CRow
     {
         std::string value;
         Operation operation;
         const char* szOutcome;
         Lines lines; ///< of the operation
-    } const rows[] = {
-        {"Plugins", PARSE, "false", {CannotRead("Plugins", "0xffffffff"), UNHANDLED}},
-        {"Plugins",
-         ADD,
-         "false",
-         {CannotRead("Plugins", "0xffffffff"), UNHANDLED, FAILED, CannotRead("Plugins", "0xffffffff"),
-          UNHANDLED}},
-        // What cannot be read lists nothing, and what is not listed need not be removed.
-        {"Plugins", REMOVE, "true", {CannotRead("Plugins", "0xffffffff"), UNHANDLED, FAILED}},
-        {"GinaDLL", GetGinaDLL, "read exception", {CannotRead("GinaDLL", "0xffffffff")}},
-        {"Timeout",
-         GetDword<&CLUMRegistry::GetTimeout>,
-         "read exception",
-         {CannotRead("Timeout", "0xffffffff")}},
-        {"PipeInterval",
-         GetDword<&CLUMRegistry::GetPipeInterval>,
-         "read exception",
-         {CannotRead("PipeInterval", "0xffffffff")}},
-        {"MonitorInterval",
-         GetDword<&CLUMRegistry::GetRegistryMonitorInterval>,
-         "read exception",
-         {CannotRead("MonitorInterval", "0xffffffff")}},
-        {"InstanceCount",
-         GetDword<&CLUMRegistry::GetInstanceCount>,
-         "read exception",
-         {CannotRead("InstanceCount", "0xffffffff")}},
-        // These two are made on the spot.
-        {"Enabled", SET_ENABLED, "true", {}},
-        {"InstanceCount", COUNT, "true", {}},
     };
-    for (const auto& row : rows) {
+    const std::string cannotRead = CannotRead("Plugins", "0xffffffff");
+    const std::vector<CRow> rows = WithGetters<CRow>(
+        {
+            {"Plugins", PARSE, "false", {cannotRead, UNHANDLED}},
+            {"Plugins", ADD, "false", {cannotRead, UNHANDLED, FAILED, cannotRead, UNHANDLED}},
+            // What cannot be read lists nothing, and what is not listed need not be removed.
+            {"Plugins", REMOVE, "true", {cannotRead, UNHANDLED, FAILED}},
+            // These two are made on the spot.
+            {"Enabled", SET_ENABLED, "true", {}},
+            {"InstanceCount", COUNT, "true", {}},
+        },
+        [](const char* szValue, Operation get) {
+            return CRow{szValue, get, "read exception", {CannotRead(szValue, "0xffffffff")}};
+        });
+    for (const CRow& row : rows) {
         SCOPED_TRACE(row.value);
         const std::basic_string<WCHAR> name = Widen(row.value);
         std::unique_ptr<CLUMRegistry> pRegistry;
@@ -129,68 +122,38 @@ TEST_F(FailingLUMRegistry, AValueThatCannotBeLoadedIsDoneWithout)
 
 TEST_F(FailingLUMRegistry, OperationsTellTheirReason)
 {
-    using Call = PlatformCall;
-    struct
+    struct CRow
     {
         Operation operation;
-        Call call;
+        PlatformCall call;
         DWORD dwUse;
         std::string value;
         const char* szOutcome;
         Lines lines;
-    } const rows[] = {
-        {GetGinaDLL, Call::RegQueryValueExW, 1, "GinaDLL", "read exception", {CannotRead("GinaDLL", "0x5")}},
-        {GetDword<&CLUMRegistry::GetTimeout>,
-         Call::RegQueryValueExW,
-         1,
-         "Timeout",
-         "read exception",
-         {CannotRead("Timeout", "0x5")}},
-        {GetDword<&CLUMRegistry::GetPipeInterval>,
-         Call::RegQueryValueExW,
-         1,
-         "PipeInterval",
-         "read exception",
-         {CannotRead("PipeInterval", "0x5")}},
-        {GetDword<&CLUMRegistry::GetInstanceCount>,
-         Call::RegQueryValueExW,
-         1,
-         "InstanceCount",
-         "read exception",
-         {CannotRead("InstanceCount", "0x5")}},
-        {SET_ENABLED, Call::RegSetValueExW, 1, "Enabled", "write exception", {CannotWrite("Enabled", "0x5")}},
-        {COUNT,
-         Call::RegSetValueExW,
-         1,
-         "InstanceCount",
-         "write exception",
-         {CannotWrite("InstanceCount", "0x5")}},
-        // A count that cannot be read is not written either.
-        {COUNT, Call::RegQueryValueExW, 1, "InstanceCount", "true", {CannotRead("InstanceCount", "0x5")}},
-        {PARSE, Call::RegQueryValueExW, 1, "Plugins", "false", {CannotRead("Plugins", "0x5"), UNHANDLED}},
-        {ADD,
-         Call::RegQueryValueExW,
-         2,
-         "Plugins",
-         "false",
-         {FAILED, CannotRead("Plugins", "0x5"), UNHANDLED}},
-        {ADD,
-         Call::RegSetValueExW,
-         1,
-         "Plugins",
-         "false",
-         {FAILED, CannotWrite("Plugins", "0x5"), UNHANDLED}},
-        {REMOVE, Call::RegSetValueExW, 1, "Plugins", "false", {CannotWrite("Plugins", "0x5"), UNHANDLED}},
-        // Whether it is listed cannot be told, and the registry is as it was.
-        {REMOVE,
-         Call::RegQueryValueExW,
-         1,
-         "Plugins",
-         "true",
-         {CannotRead("Plugins", "0x5"), UNHANDLED, FAILED}},
     };
+    constexpr auto READ = PlatformCall::RegQueryValueExW;
+    constexpr auto WRITE = PlatformCall::RegSetValueExW;
+    const std::string cannotRead = CannotRead("Plugins", "0x5");
+    const std::string cannotWrite = CannotWrite("Plugins", "0x5");
+    const std::string noCount = CannotWrite("InstanceCount", "0x5");
+    const std::vector<CRow> rows = WithGetters<CRow>(
+        {
+            {SET_ENABLED, WRITE, 1, "Enabled", "write exception", {CannotWrite("Enabled", "0x5")}},
+            {COUNT, WRITE, 1, "InstanceCount", "write exception", {noCount}},
+            // A count that cannot be read is not written either.
+            {COUNT, READ, 1, "InstanceCount", "true", {CannotRead("InstanceCount", "0x5")}},
+            {PARSE, READ, 1, "Plugins", "false", {cannotRead, UNHANDLED}},
+            {ADD, READ, 2, "Plugins", "false", {FAILED, cannotRead, UNHANDLED}},
+            {ADD, WRITE, 1, "Plugins", "false", {FAILED, cannotWrite, UNHANDLED}},
+            {REMOVE, WRITE, 1, "Plugins", "false", {cannotWrite, UNHANDLED}},
+            // Whether it is listed cannot be told, and the registry is as it was.
+            {REMOVE, READ, 1, "Plugins", "true", {cannotRead, UNHANDLED, FAILED}},
+        },
+        [](const char* szValue, Operation get) {
+            return CRow{get, READ, 1, szValue, "read exception", {CannotRead(szValue, "0x5")}};
+        });
     CLUMRegistry registry(LUM_GINA_APP, LUM_GINA_MTM);
-    for (const auto& row : rows) {
+    for (const CRow& row : rows) {
         SCOPED_TRACE(row.value + " " + row.szOutcome);
         const std::basic_string<WCHAR> name = Widen(row.value);
         ClearLog();

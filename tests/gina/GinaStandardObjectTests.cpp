@@ -1,9 +1,8 @@
-#include <cstring>
 #include <memory>
 
 #include "Exceptions.h"
 #include "GinaStandardObject.h"
-#include "Standin.h"
+#include "DllDriver.h"
 #include "TestMachine.h"
 
 namespace {
@@ -34,46 +33,6 @@ protected:
     GinaNode node;
 };
 
-TEST_F(GinaStandardObject, SlotsStandWherePluginsCallThem)
-{
-    // A pointer to a virtual operation holds its place in the table.
-    const auto slotOf = [](auto pfnOperation) {
-        ULONG_PTR nPlace = 0;
-        std::memcpy(&nPlace, &pfnOperation, sizeof(nPlace));
-        return static_cast<int>((nPlace - 1) / sizeof(PVOID));
-    };
-    const int slots[] = {
-        slotOf(&CGinaObject::DeletingDestructor),
-        slotOf(&CGinaObject::ActivateUserShell),
-        slotOf(&CGinaObject::DisconnectNotify),
-        slotOf(&CGinaObject::DisplayLockedNotice),
-        slotOf(&CGinaObject::DisplaySASNotice),
-        slotOf(&CGinaObject::DisplayStatusMessage),
-        slotOf(&CGinaObject::DynamicUnload),
-        slotOf(&CGinaObject::GetConsoleSwitchCredentials),
-        slotOf(&CGinaObject::GetStatusMessage),
-        slotOf(&CGinaObject::Initialize),
-        slotOf(&CGinaObject::IsLockOk),
-        slotOf(&CGinaObject::IsLogoffOk),
-        slotOf(&CGinaObject::LoggedOnSAS),
-        slotOf(&CGinaObject::LoggedOutSAS),
-        slotOf(&CGinaObject::Logoff),
-        slotOf(&CGinaObject::Negotiate),
-        slotOf(&CGinaObject::NetworkProviderLoad),
-        slotOf(&CGinaObject::QueryPlugin),
-        slotOf(&CGinaObject::QueryPluginInfo),
-        slotOf(&CGinaObject::ReconnectNotify),
-        slotOf(&CGinaObject::RemoveStatusMessage),
-        slotOf(&CGinaObject::ScreenSaverNotify),
-        slotOf(&CGinaObject::Shutdown),
-        slotOf(&CGinaObject::StartApplication),
-        slotOf(&CGinaObject::WkstaLockedSAS),
-    };
-    for (int nSlot = 0; nSlot < static_cast<int>(std::size(slots)); ++nSlot) {
-        EXPECT_EQ(nSlot, slots[nSlot]);
-    }
-}
-
 TEST_F(GinaStandardObject, ConstructionFails)
 {
     struct
@@ -96,8 +55,8 @@ TEST_F(GinaStandardObject, ConstructionFails)
     for (const auto& row : rows) {
         ClearLog();
         EXPECT_THROW(MakeObject(row.szDLL, row.dwLUMVersion, row.dwWlxVersion), CMessage) << row.szLine;
-        EXPECT_EQ(std::vector<std::string>{std::string("[EXCEPTION] ") + row.szLine}, [this] {
-            std::vector<std::string> lines = Log();
+        EXPECT_EQ(Lines{std::string("[EXCEPTION] ") + row.szLine}, [this] {
+            Lines lines = Log();
             std::erase_if(lines, [](const std::string& line) { return line.find("[WARNING]") == 0; });
             return lines;
         }());
@@ -135,7 +94,7 @@ TEST_F(GinaStandardObject, NegotiatedVersionDecidesWhatIsCalled)
     EXPECT_THROW(object->NetworkProviderLoad(&node, CONTEXT, nullptr), CNullFunctionHandleException);
     EXPECT_THROW(object->RemoveStatusMessage(&node, CONTEXT), CNullFunctionHandleException);
     EXPECT_THROW(object->GetConsoleSwitchCredentials(&node, CONTEXT, nullptr), CNullFunctionHandleException);
-    EXPECT_EQ(std::vector<std::string>{"WlxIsLockOk"}, standin.Calls());
+    EXPECT_EQ(Lines{"WlxIsLockOk"}, standin.Calls());
     // Reported where the operation is, not where exports are looked at.
     EXPECT_EQ(std::string::npos, RawLog().find("GinaObject.cpp"));
 }
@@ -151,9 +110,14 @@ TEST_F(GinaStandardObject, OptionalExportsMayBeMissing)
     }
     object->ReconnectNotify(&node, CONTEXT);
     EXPECT_TRUE(object->IsLogoffOk(&node, CONTEXT));
+    // One that is followed is not called.
     GinaNode next(LUM_GINA_APP, LUM_GINA_MTM, nullptr, 0);
     node.pNext = &next;
     EXPECT_THROW(object->ReconnectNotify(&node, CONTEXT), CUnexpectedGinaException);
+    const ObjectPtr whole = MakeObject(TEXT("standin_gina.dll"));
+    standin->Reset();
+    EXPECT_THROW(whole->IsLockOk(&node, CONTEXT), CUnexpectedGinaException);
+    EXPECT_EQ(0u, standin->GetRecordCount());
 }
 
 TEST_F(GinaStandardObject, PassesArgumentsAndResultsThrough)
@@ -182,62 +146,16 @@ TEST_F(GinaStandardObject, PassesArgumentsAndResultsThrough)
     EXPECT_NE(nullptr, pNewContext);
 }
 
-TEST_F(GinaStandardObject, RefusesToBeFollowed)
-{
-    const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
-    standin->Reset();
-    GinaNode next(LUM_GINA_APP, LUM_GINA_MTM, nullptr, 0);
-    node.pNext = &next;
-    EXPECT_THROW(object->IsLockOk(&node, CONTEXT), CUnexpectedGinaException);
-    EXPECT_THROW(object->Logoff(&node, CONTEXT), CUnexpectedGinaException);
-    EXPECT_EQ(0u, standin->GetRecordCount());
-}
-
-TEST_F(GinaStandardObject, FaultsEndAsExceptionsAndTheNextCallWorks)
-{
-    const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
-    for (const StandinFailure failure :
-         {StandinFailure::ReadNull, StandinFailure::DivideByZero, StandinFailure::ExhaustStack,
-          StandinFailure::ExhaustStack, StandinFailure::Throw, StandinFailure::StructuredException})
-    {
-        if (!standin->SetFailure(StandinCall::WlxIsLockOk, failure, 0xE0000001)) {
-            continue;
-        }
-        ClearLog();
-        EXPECT_THROW(object->IsLockOk(&node, CONTEXT), CUnhandledPluginException);
-        EXPECT_EQ(std::vector<std::string>{"[EXCEPTION] Plugin has generated an unknown exception, Plugin: "
-                                           "standin_gina.dll"},
-                  Log());
-        EXPECT_TRUE(object->IsLogoffOk(&node, CONTEXT));
-    }
-}
-
-TEST_F(GinaStandardObject, AnswersQueriesFromItsOwnRecord)
-{
-    const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
-    CGinaPluginInfo info(LUM_GINA_APP, LUM_GINA_MTM);
-    EXPECT_TRUE(object->QueryPluginInfo(&info));
-    EXPECT_STREQ("standin_gina.dll", Narrow(info.m_szGinaDLL).c_str());
-    EXPECT_EQ(LUM_INTERFACE_VERSION, info.m_dwLUMVersion);
-    EXPECT_FALSE(object->QueryPlugin(&info, 1, 2, 3));
-    object->DynamicUnload();
-    EXPECT_TRUE(object->IsLockOk(&node, CONTEXT));
-    EXPECT_TRUE(*object == TEXT("STANDIN_Gina.DLL"));
-    EXPECT_FALSE(*object == TEXT("msgina.dll"));
-    EXPECT_TRUE(*object == *MakeObject(TEXT("Standin_Gina.dll")));
-}
-
 TEST_F(GinaStandardObject, TracesOperationsUnderItsOwnName)
 {
     const ObjectPtr object = MakeObject(TEXT("standin_gina.dll"));
     SetTraceMask(LEVEL_ENTRY | LEVEL_EXIT);
     object->IsLockOk(&node, CONTEXT);
     object->Logoff(&node, CONTEXT);
-    EXPECT_EQ((std::vector<std::string>{"[ENTRY] CGinaStandardObject::IsLockOk",
-                                        "[EXIT ] CGinaStandardObject::IsLockOk, Return: 0x1",
-                                        "[ENTRY] CGinaStandardObject::Logoff",
-                                        "[EXIT ] CGinaStandardObject::Logoff"}),
-              Log());
+    EXPECT_EQ(
+        (Lines{"[ENTRY] CGinaStandardObject::IsLockOk", "[EXIT ] CGinaStandardObject::IsLockOk, Return: 0x1",
+               "[ENTRY] CGinaStandardObject::Logoff", "[EXIT ] CGinaStandardObject::Logoff"}),
+        Log());
 }
 
 } // namespace

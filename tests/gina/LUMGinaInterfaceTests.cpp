@@ -1,6 +1,6 @@
 #include <functional>
 
-#include "Standin.h"
+#include "DllDriver.h"
 #include "TestMachine.h"
 
 namespace {

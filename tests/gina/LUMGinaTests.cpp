@@ -1,71 +1,21 @@
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 #include "Exceptions.h"
 #include "FailingAllocation.h"
-#include "LUMGina.h"
-#include "Standin.h"
-#include "TestMachine.h"
+#include "HostMachine.h"
 
 namespace {
 
-HINSTANCE const HOST = reinterpret_cast<HINSTANCE>(0x1000);
-HANDLE const WLX = reinterpret_cast<HANDLE>(0x2000);
-PVOID const CONTEXT = reinterpret_cast<PVOID>(0x3000);
-
-constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
-constexpr const char* UNHANDLED = "[WARNING] An unhandled exception occurred";
 constexpr const char* NOTHING_TO_CALL = "[EXCEPTION] There is no plugin or GINA to call. Unable to process "
                                         "function. Returning failure";
 
-class LUMGina : public CTestMachine
+class LUMGina : public CHostMachine
 {
 protected:
-    LUMGina() : msgina(TEXT("msgina.dll")), other(TEXT("standin_gina.dll")), host(MakeHost())
-    {
-        s_dwTimeout = NOT_SET;
-        std::fill_n(reinterpret_cast<PVOID*>(&m_table), sizeof(m_table) / sizeof(PVOID), CONTEXT);
-        m_table.WlxSetTimeout = SetTimeout;
-    }
+    LUMGina() { Make(); }
 
-    static std::unique_ptr<CLUMGina> MakeHost()
-    {
-        // What the service threads have to say comes too late for these tests.
-        for (const WCHAR* szInterval : {TEXT("PipeInterval"), TEXT("MonitorInterval")}) {
-            SetDword(OWN_KEY, szInterval, 3600);
-        }
-        return std::make_unique<CLUMGina>(HOST);
-    }
-
-    static BOOL WINAPI SetTimeout(HANDLE hWlx, DWORD dwTimeout)
-    {
-        EXPECT_EQ(WLX, hWlx);
-        s_dwTimeout = dwTimeout;
-        return TRUE;
-    }
-
-    bool Negotiate() { return host->LUMWlxNegotiate(WLX_VERSION_1_4, &m_dwVersion) != FALSE; }
-    bool Initialize()
-    {
-        return host->LUMWlxInitialize(nullptr, WLX, nullptr, &m_table, &m_pContext) != FALSE;
-    }
-    void Start()
-    {
-        ASSERT_TRUE(Negotiate());
-        ASSERT_TRUE(Initialize());
-        msgina->Reset();
-        ClearLog();
-    }
-
-    static constexpr DWORD NOT_SET = 77;
-    static inline DWORD s_dwTimeout = NOT_SET;
-    WLX_DISPATCH_VERSION_1_4 m_table{};
-    DWORD m_dwVersion = 0;
-    PVOID m_pContext = nullptr;
-    CStandin msgina;
-    CStandin other;
-    std::unique_ptr<CLUMGina> host;
+    void Make() { host = std::make_unique<CLUMGina>(HOST); }
 };
 
 TEST_F(LUMGina, NeedsAModuleHandle)
@@ -87,7 +37,7 @@ TEST_F(LUMGina, TellsWinlogonTheVersionOfThePassthroughGina)
                       {0x00020000, true, WLX_VERSION_1_4},
                       {0, false, 77}};
     for (const auto& row : rows) {
-        host = std::make_unique<CLUMGina>(HOST);
+        Make();
         msgina->SetVersion(row.dwOfGina);
         m_dwVersion = 77;
         EXPECT_EQ(row.bAccepted, Negotiate()) << row.dwOfGina;
@@ -106,18 +56,17 @@ TEST_F(LUMGina, FallsBackToMsgina)
                       {TEXT("nowhere.dll"), "msgina.dll"},
                       {TEXT("standin_gina_no_logoff.dll"), "msgina.dll"}};
     for (const auto& row : rows) {
-        host = std::make_unique<CLUMGina>(HOST);
+        Make();
         SetString(OWN_KEY, TEXT("GinaDLL"), row.szConfigured);
-        ASSERT_TRUE(Negotiate());
-        ASSERT_EQ(1u, host->m_pGinaObjectList->m_dwCount);
-        EXPECT_EQ(row.szUsed, Narrow(host->m_pGinaObjectList->m_pHead->m_pItem->GetGinaDLLName()));
+        EXPECT_TRUE(Negotiate());
+        EXPECT_EQ(Lines{row.szUsed}, Chain());
     }
-    host = std::make_unique<CLUMGina>(HOST);
+    Make();
     SetString(OWN_KEY, TEXT("GinaDLL"), TEXT("standin_gina.dll"));
-    other->SetResult(StandinCall::WlxNegotiate, FALSE);
+    gina->SetResult(StandinCall::WlxNegotiate, FALSE);
     EXPECT_TRUE(Negotiate());
     // With msgina.dll refusing too there is nothing left, and the export says so.
-    host = std::make_unique<CLUMGina>(HOST);
+    Make();
     msgina->SetResult(StandinCall::WlxNegotiate, FALSE);
     EXPECT_THROW(Negotiate(), CFailedGinaNegotiationsException);
 }
@@ -128,6 +77,7 @@ TEST_F(LUMGina, InitialisesInOneGo)
     ASSERT_TRUE(Negotiate());
     ASSERT_TRUE(Initialize());
     EXPECT_EQ(300u, s_dwTimeout);
+    EXPECT_EQ(WLX, s_hTold);
     EXPECT_NE(nullptr, m_pContext);
     EXPECT_EQ("1", GetValue(VOLATILE_KEY, TEXT("Enabled")));
     EXPECT_EQ("1", GetValue(VOLATILE_KEY, TEXT("InstanceCount")));
@@ -146,11 +96,10 @@ TEST_F(LUMGina, RefusedInitialisation)
     msgina->SetFailure(StandinCall::WlxInitialize, StandinFailure::ReadNull, 0);
     ClearLog();
     EXPECT_FALSE(Initialize());
-    EXPECT_EQ(
-        (std::vector<std::string>{"[EXCEPTION] Plugin has generated an unknown exception, Plugin: msgina.dll",
-                                  "[EXCEPTION] An unhandled exception occurred",
-                                  "[WARNING] An unhandled exception occurred", FAILED}),
-        Log());
+    EXPECT_EQ((Lines{"[EXCEPTION] Plugin has generated an unknown exception, Plugin: msgina.dll",
+                     "[EXCEPTION] An unhandled exception occurred",
+                     "[WARNING] An unhandled exception occurred", FAILED}),
+              Log());
     EXPECT_EQ(1u, host->m_pGinaObjectList->m_dwCount);
     msgina->SetFailure(StandinCall::WlxInitialize, StandinFailure::None, 0);
     msgina->SetResult(StandinCall::WlxInitialize, FALSE);
@@ -168,7 +117,7 @@ TEST_F(LUMGina, DispatchesToTheFirstObject)
               host->LUMWlxLoggedOutSAS(CONTEXT, 1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
     host->LUMWlxLogoff(CONTEXT);
     EXPECT_TRUE(Log().empty());
-    EXPECT_EQ((std::vector<std::string>{"WlxIsLockOk", "WlxLoggedOutSAS", "WlxLogoff"}), msgina.Calls());
+    EXPECT_EQ((Lines{"WlxIsLockOk", "WlxLoggedOutSAS", "WlxLogoff"}), msgina.Calls());
     msgina->SetResult(StandinCall::WlxIsLockOk, FALSE);
     EXPECT_EQ(FALSE, host->LUMWlxIsLockOk(CONTEXT));
     EXPECT_EQ(2, Count(FAILED));
@@ -179,8 +128,7 @@ TEST_F(LUMGina, FaultsEndAsTheDefaultResult)
     Start();
     msgina->SetFailure(StandinCall::WlxLoggedOnSAS, StandinFailure::DivideByZero, 0);
     EXPECT_EQ(WLX_SAS_ACTION_NONE, host->LUMWlxLoggedOnSAS(CONTEXT, 1, nullptr));
-    EXPECT_EQ((std::vector<std::string>{
-                  "[EXCEPTION] Plugin has generated an unknown exception, Plugin: msgina.dll", FAILED}),
+    EXPECT_EQ((Lines{"[EXCEPTION] Plugin has generated an unknown exception, Plugin: msgina.dll", FAILED}),
               Log());
     EXPECT_EQ(TRUE, host->LUMWlxIsLockOk(CONTEXT));
 }
@@ -212,9 +160,9 @@ TEST_F(LUMGina, WhatNeedsAMissingMemberFailsUnlessPeopleCanLogOnWithoutIt)
             EXPECT_EQ(outcome == SUCCEEDS ? 0 : 1, std::min(1, Count(UNHANDLED)));
             (*host).*pMember = pKept;
         };
-        host = MakeHost();
+        Make();
         attempt(negotiation, [&] { return Negotiate(); });
-        host = MakeHost();
+        Make();
         ASSERT_TRUE(Negotiate());
         SetDword(VOLATILE_KEY, TEXT("InstanceCount"), 0);
         attempt(initialisation, [&] { return Initialize(); });
@@ -242,7 +190,7 @@ TEST_F(LUMGina, SurvivesAnyFailedAllocation)
             crippled.reset(new CLUMGina(HOST));
         }
         crippled->LUMWlxNegotiate(WLX_VERSION_1_4, &m_dwVersion);
-        crippled->LUMWlxInitialize(nullptr, WLX, nullptr, &m_table, &m_pContext);
+        crippled->LUMWlxInitialize(nullptr, WLX, nullptr, m_table, &m_pContext);
         try {
             crippled->LUMWlxIsLockOk(CONTEXT);
         } catch (const CNoGINAorPluginToCallException&) {
@@ -255,7 +203,7 @@ TEST_F(LUMGina, SurvivesAFailedAllocationWhileNegotiating)
 {
     SetTraceMask(0);
     for (int nBefore = 0; nBefore < 60; nBefore += 4) {
-        host = std::make_unique<CLUMGina>(HOST);
+        Make();
         try {
             const CFailingAllocation noMemory(nBefore);
             Negotiate();

@@ -1,23 +1,10 @@
 // The 24 exports of the test plugin and the one more through which a test drives it. They are written out
 // rather than made by LUM_PLUGIN, because they also answer what no well-behaved plugin does.
 
-#include <type_traits>
-
-#include "Failures.h"
 #include "LUMPlugin.h"
 #include "TestPluginState.h"
 
 namespace {
-
-template <typename T>
-ULONG_PTR AsValue(T argument)
-{
-    if constexpr (std::is_pointer_v<T>) {
-        return reinterpret_cast<ULONG_PTR>(argument);
-    } else {
-        return static_cast<ULONG_PTR>(argument);
-    }
-}
 
 /// Records a call and does what comes before anything else. A call may end here for good, so nothing here
 /// needs a destructor.
@@ -28,14 +15,7 @@ PluginRecord& Begin(PluginCall call, Arguments... arguments)
     PluginRecord& record = g_TestPlugin.AddRecord(call);
     DWORD dwIndex = 0;
     ((record.argument[dwIndex++] = AsValue(arguments)), ...);
-    const CTestPluginState::CBehaviour behaviour = g_TestPlugin.GetBehaviour(call);
-    if (behaviour.pfnHook != nullptr) {
-        behaviour.pfnHook(behaviour.pHookContext, &record);
-    }
-    if (behaviour.failure == PLUGIN_THROW_OWN) {
-        throw 1;
-    }
-    Fail(behaviour.failure, behaviour.dwCode);
+    g_TestPlugin.Act(record);
     return record;
 }
 
@@ -65,11 +45,11 @@ template <typename Call, typename... Arguments>
 LONG Chain(PluginCall call, Call pfnCall, lum::CGinaNode* pNode, Arguments... arguments)
 {
     PluginRecord& record = Begin(call, pNode, arguments...);
-    const CTestPluginState::CBehaviour behaviour = g_TestPlugin.GetBehaviour(call);
-    LONG nResult = behaviour.nAnswer;
-    if (behaviour.action != PluginAction::Answer) {
+    const PluginAction action = g_TestPlugin.GetAction(call);
+    LONG nResult = g_TestPlugin.GetResult(call);
+    if (action != PluginAction::Answer) {
         const LONG nNext = CallNext(pfnCall, pNode, arguments...);
-        nResult = behaviour.action == PluginAction::Change ? nResult : nNext;
+        nResult = action == PluginAction::Change ? nResult : nNext;
     }
     return End(record, nResult);
 }
@@ -79,7 +59,7 @@ template <typename... Arguments>
 LONG Serve(PluginCall call, Arguments... arguments)
 {
     PluginRecord& record = Begin(call, arguments...);
-    return End(record, g_TestPlugin.GetBehaviour(call).nAnswer);
+    return End(record, g_TestPlugin.GetResult(call));
 }
 
 LONG Negotiate(lum::CGinaPluginInfo* pInfo)
@@ -91,25 +71,16 @@ LONG Negotiate(lum::CGinaPluginInfo* pInfo)
     return nResult;
 }
 
-/// The operation of g_TestPlugin as a function of the interface.
-template <auto Operation>
-struct Exposed;
-template <typename Result, typename... Arguments, Result (CTestPluginState::*Operation)(Arguments...)>
-struct Exposed<Operation>
-{
-    static Result WINAPI Call(Arguments... arguments) { return (g_TestPlugin.*Operation)(arguments...); }
-};
-
 constexpr TestPluginInterface INTERFACE = {
     sizeof(TestPluginInterface),
-    Exposed<&CTestPluginState::Reset>::Call,
-    Exposed<&CTestPluginState::SetVersions>::Call,
-    Exposed<&CTestPluginState::SetAction>::Call,
-    Exposed<&CTestPluginState::SetFailure>::Call,
-    Exposed<&CTestPluginState::SetHook>::Call,
-    Exposed<&CTestPluginState::SetCounter>::Call,
-    Exposed<&CTestPluginState::GetRecordCount>::Call,
-    Exposed<&CTestPluginState::GetRecord>::Call,
+    Exposed<g_TestPlugin, &CTestPluginState::Reset>::Call,
+    Exposed<g_TestPlugin, &CTestPluginState::SetVersions>::Call,
+    Exposed<g_TestPlugin, &CTestPluginState::SetAction>::Call,
+    Exposed<g_TestPlugin, &CTestPluginState::SetFailure>::Call,
+    Exposed<g_TestPlugin, &CTestPluginState::SetHook>::Call,
+    Exposed<g_TestPlugin, &CTestPluginState::SetCounter>::Call,
+    Exposed<g_TestPlugin, &CTestPluginState::GetRecordCount>::Call,
+    Exposed<g_TestPlugin, &CTestPluginState::GetRecord>::Call,
 };
 
 } // namespace

@@ -60,9 +60,6 @@ enum class PluginAction : DWORD
     Answer  ///< answers without passing the call on
 };
 
-/// Beside those of StandinFailure: an exception of the plugin's own compiler.
-inline constexpr StandinFailure PLUGIN_THROW_OWN = static_cast<StandinFailure>(100);
-
 /// One call that the plugin received.
 struct PluginRecord
 {

@@ -4,6 +4,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "../abi/Slots.h"
+
 namespace {
 
 // What a GINA reads is there to be read, and what it would write to is null.
@@ -47,28 +49,7 @@ struct Call<Operation>
 } // namespace
 
 const CChainedCall CHAINED_CALLS[19] = {
-#define CHAINED_CALL(NAME)                                                                                   \
-    {                                                                                                        \
-#NAME, Call < &CGinaObject::NAME> ::Make                                                             \
-    }
-    CHAINED_CALL(ActivateUserShell),
-    CHAINED_CALL(DisconnectNotify),
-    CHAINED_CALL(DisplayLockedNotice),
-    CHAINED_CALL(DisplaySASNotice),
-    CHAINED_CALL(DisplayStatusMessage),
-    CHAINED_CALL(GetConsoleSwitchCredentials),
-    CHAINED_CALL(GetStatusMessage),
-    CHAINED_CALL(IsLockOk),
-    CHAINED_CALL(IsLogoffOk),
-    CHAINED_CALL(LoggedOnSAS),
-    CHAINED_CALL(LoggedOutSAS),
-    CHAINED_CALL(Logoff),
-    CHAINED_CALL(NetworkProviderLoad),
-    CHAINED_CALL(ReconnectNotify),
-    CHAINED_CALL(RemoveStatusMessage),
-    CHAINED_CALL(ScreenSaverNotify),
-    CHAINED_CALL(Shutdown),
-    CHAINED_CALL(StartApplication),
-    CHAINED_CALL(WkstaLockedSAS),
+#define CHAINED_CALL(SLOT, NAME) {#NAME, Call<&CGinaObject::NAME>::Make},
+    ABI_CHAINED_CALLS(CHAINED_CALL)
 #undef CHAINED_CALL
 };

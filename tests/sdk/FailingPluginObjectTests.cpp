@@ -8,7 +8,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
 using FailingPluginObject = CPluginChain;
 
 constexpr const char* EXPORTS[] = {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../abi/Slots.h"
 #include "GinaObject.h"
 #include "LUMPlugin.h"
 
@@ -46,42 +47,22 @@ SAME_PLACE(lum::CGinaObject, CGinaObject, m_pGinaPluginContext);
 
 static_assert(lum::PLUGIN_INTERFACE_VERSION == LUM_INTERFACE_VERSION);
 
-/// A pointer to a virtual operation holds its place in the table.
+/// A pointer to a virtual operation holds its place in the table: the number of the slot.
 template <typename Operation>
-ULONG_PTR PlaceOf(Operation pfnOperation)
+std::size_t SlotOf(Operation pfnOperation)
 {
     ULONG_PTR nPlace = 0;
     std::memcpy(&nPlace, &pfnOperation, sizeof(nPlace));
-    return nPlace;
+    return (nPlace - 1) / sizeof(PVOID);
 }
 
-TEST(PluginHeader, SlotsAreThoseOfTheHost)
+TEST(PluginHeader, SlotsAreThoseOfTheHostWherePluginsCallThem)
 {
-#define SAME_SLOT(NAME) EXPECT_EQ(PlaceOf(&CGinaObject::NAME), PlaceOf(&lum::CGinaObject::NAME)) << #NAME
-    SAME_SLOT(ActivateUserShell);
-    SAME_SLOT(DisconnectNotify);
-    SAME_SLOT(DisplayLockedNotice);
-    SAME_SLOT(DisplaySASNotice);
-    SAME_SLOT(DisplayStatusMessage);
-    SAME_SLOT(DynamicUnload);
-    SAME_SLOT(GetConsoleSwitchCredentials);
-    SAME_SLOT(GetStatusMessage);
-    SAME_SLOT(Initialize);
-    SAME_SLOT(IsLockOk);
-    SAME_SLOT(IsLogoffOk);
-    SAME_SLOT(LoggedOnSAS);
-    SAME_SLOT(LoggedOutSAS);
-    SAME_SLOT(Logoff);
-    SAME_SLOT(Negotiate);
-    SAME_SLOT(NetworkProviderLoad);
-    SAME_SLOT(QueryPlugin);
-    SAME_SLOT(QueryPluginInfo);
-    SAME_SLOT(ReconnectNotify);
-    SAME_SLOT(RemoveStatusMessage);
-    SAME_SLOT(ScreenSaverNotify);
-    SAME_SLOT(Shutdown);
-    SAME_SLOT(StartApplication);
-    SAME_SLOT(WkstaLockedSAS);
+    EXPECT_EQ(0u, SlotOf(&CGinaObject::DeletingDestructor));
+#define SAME_SLOT(SLOT, NAME)                                                                                \
+    EXPECT_EQ(std::size_t(SLOT), SlotOf(&CGinaObject::NAME)) << #NAME;                                       \
+    EXPECT_EQ(std::size_t(SLOT), SlotOf(&lum::CGinaObject::NAME)) << #NAME;
+    ABI_CALLS(SAME_SLOT)
 #undef SAME_SLOT
 }
 

@@ -3,8 +3,7 @@
 #include "Exceptions.h"
 #include "GinaPluginObject.h"
 #include "GinaStandardObject.h"
-#include "PluginDriver.h"
-#include "../gina/Standin.h"
+#include "DllDriver.h"
 #include "TestMachine.h"
 
 /// A chain that a test puts together itself, and the DLLs that it is made of.

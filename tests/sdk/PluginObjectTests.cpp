@@ -5,10 +5,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
-constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
-
 std::string Unknown(const std::string& plugin)
 {
     return "[EXCEPTION] Plugin has generated an unknown exception, Plugin: " + plugin;
@@ -19,13 +15,10 @@ std::string Null(const std::string& plugin)
     return "[EXCEPTION] Null function handle.  Unable to execute function call, Plugin: " + plugin;
 }
 
-constexpr StandinFailure FAILURES[] = {StandinFailure::ReadNull,
-                                       StandinFailure::DivideByZero,
-                                       StandinFailure::ExhaustStack,
-                                       StandinFailure::ExhaustStack,
-                                       StandinFailure::Throw,
-                                       StandinFailure::StructuredException,
-                                       PLUGIN_THROW_OWN};
+constexpr StandinFailure FAILURES[] = {StandinFailure::ReadNull,     StandinFailure::DivideByZero,
+                                       StandinFailure::ExhaustStack, StandinFailure::ExhaustStack,
+                                       StandinFailure::Throw,        StandinFailure::StructuredException,
+                                       StandinFailure::ThrowOwn};
 
 /// Notes Winlogon's handle as the plugin sees it during a call.
 struct CContextReader

@@ -91,7 +91,7 @@ TEST_F(PluginsInHost, ThoseThatRefuseInitialisationGoAndOneThatFailsEndsIt)
         Load();
         ClearLog();
         gina->Reset();
-        EXPECT_EQ(!bEnded, Initialize() != FALSE);
+        EXPECT_EQ(!bEnded, Initialize());
         EXPECT_EQ(chain, Chain());
         for (int n = 0; n < 3; ++n) {
             EXPECT_EQ(n < nInitialised ? (Lines{"Negotiate", "Initialize"}) : Lines{"Negotiate"},

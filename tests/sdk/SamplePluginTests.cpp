@@ -1,20 +1,13 @@
 #include <cstdio>
 #include <fstream>
-#include <memory>
 #include <regex>
 #include <sstream>
 
 #include "ChainedCalls.h"
-#include "LUMGina.h"
-#include "../gina/Standin.h"
-#include "TestMachine.h"
+#include "HostMachine.h"
 #include "Thread.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
-
-PVOID const CONTEXT = reinterpret_cast<PVOID>(0x3000);
 
 constexpr WCHAR PLUGINS_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Plugins");
 constexpr WCHAR AUDIT_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Plugins\\Audit");
@@ -51,7 +44,7 @@ struct CNestedCall
     static void WINAPI Make(void* pNested, const StandinRecord*)
     {
         auto& self = *static_cast<CNestedCall*>(pNested);
-        self.host.LUMWlxIsLockOk(CONTEXT);
+        self.host.LUMWlxIsLockOk(nullptr);
         const Lines lines = Audit();
         self.seen.assign(lines.end() - 2, lines.end());
     }
@@ -60,27 +53,24 @@ struct CNestedCall
     Lines seen;
 };
 
-class SamplePlugins : public CTestMachine
+class SamplePlugins : public CHostMachine
 {
 protected:
     SamplePlugins()
     {
-        // What the registry monitor has to say comes too late for these tests.
-        SetDword(OWN_KEY, TEXT("MonitorInterval"), 3600);
         DeleteSettings();
         std::remove(AUDIT_FILE);
     }
-    ~SamplePlugins() override { DeleteSettings(); }
+    ~SamplePlugins() override
+    {
+        host.reset();
+        DeleteSettings();
+    }
 
     void Start(const char* szPlugins)
     {
         SetString(OWN_KEY, TEXT("Plugins"), Widen(szPlugins).c_str());
-        host = std::make_unique<CLUMGina>(reinterpret_cast<HINSTANCE>(0x1000));
-        DWORD dwVersion = 0;
-        EXPECT_TRUE(host->LUMWlxNegotiate(WLX_VERSION_1_4, &dwVersion));
-        EXPECT_TRUE(host->LUMWlxInitialize(nullptr, CONTEXT, nullptr, nullptr, &m_pContext));
-        gina->Reset();
-        ClearLog();
+        CHostMachine::Start();
     }
     void StartAudited(const char* szPlugins)
     {
@@ -89,10 +79,6 @@ protected:
     }
 
     GinaNode* FirstNode() const { return host->m_pGinaObjectList->m_pHead; }
-
-    PVOID m_pContext = nullptr;
-    CStandin gina{TEXT("msgina.dll")};
-    std::unique_ptr<CLUMGina> host;
 
 private:
     static void DeleteSettings()
@@ -111,14 +97,14 @@ TEST_F(SamplePlugins, PassEveryCallOn)
         Start(szPlugin);
         for (const CChainedCall& call : CHAINED_CALLS) {
             SCOPED_TRACE(call.szName);
-            gina->Reset();
+            msgina->Reset();
             const int nResult = call.pfnCall(*FirstNode()->m_pItem, FirstNode());
-            ASSERT_EQ(Lines{std::string("Wlx") + call.szName}, gina.Calls());
-            const StandinRecord through = *gina->GetRecord(0);
-            gina->Reset();
+            ASSERT_EQ(Lines{std::string("Wlx") + call.szName}, msgina.Calls());
+            const StandinRecord through = *msgina->GetRecord(0);
+            msgina->Reset();
             EXPECT_EQ(call.pfnCall(*FirstNode()->pNext->m_pItem, FirstNode()->pNext), nResult);
             EXPECT_TRUE(std::equal(through.argument, through.argument + STANDIN_MAX_ARGUMENTS,
-                                   gina->GetRecord(0)->argument));
+                                   msgina->GetRecord(0)->argument));
         }
         CGinaPluginInfo info(LUM_GINA_APP, LUM_GINA_MTM);
         EXPECT_TRUE(FirstNode()->m_pItem->QueryPluginInfo(&info));
@@ -155,9 +141,9 @@ TEST_F(SamplePlugins, PassACallOnToAnObjectWithItsOwnNode)
 TEST_F(SamplePlugins, VetoRefusesWhatItsSettingsSay)
 {
     Start("veto_plugin.dll");
-    gina->SetResult(StandinCall::WlxLoggedOutSAS, WLX_SAS_ACTION_LOGON);
+    msgina->SetResult(StandinCall::WlxLoggedOutSAS, WLX_SAS_ACTION_LOGON);
     const auto onSAS = [this](int nAction) {
-        gina->SetResult(StandinCall::WlxLoggedOnSAS, nAction);
+        msgina->SetResult(StandinCall::WlxLoggedOnSAS, nAction);
         return host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
     };
     const auto calls = [&] {
@@ -204,19 +190,19 @@ TEST_F(SamplePlugins, ARefusedLogonDoesNotReachTheGina)
     SetDword(VETO_KEY, TEXT("RefuseLogon"), 1);
     EXPECT_EQ(WLX_SAS_ACTION_NONE, host->LUMWlxLoggedOutSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr,
                                                             nullptr, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(Lines(), gina.Calls());
+    EXPECT_EQ(Lines(), msgina.Calls());
 }
 
 TEST_F(SamplePlugins, AuditTellsWhatWasCalledAndWhatCameOfIt)
 {
     StartAudited("audit_plugin.dll,pass_plugin.dll");
-    gina->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_SHUTDOWN_POWER_OFF);
+    msgina->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_SHUTDOWN_POWER_OFF);
     host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
-    gina->SetResult(StandinCall::WlxLoggedOnSAS, 99);
+    msgina->SetResult(StandinCall::WlxLoggedOnSAS, 99);
     host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
-    gina->SetResult(StandinCall::WlxIsLockOk, FALSE);
+    msgina->SetResult(StandinCall::WlxIsLockOk, FALSE);
     host->LUMWlxIsLockOk(CONTEXT);
-    gina->SetFailure(StandinCall::WlxIsLogoffOk, StandinFailure::ReadNull, 0);
+    msgina->SetFailure(StandinCall::WlxIsLogoffOk, StandinFailure::ReadNull, 0);
     host->LUMWlxIsLogoffOk(CONTEXT);
     host->LUMWlxLogoff(CONTEXT);
     EXPECT_EQ(
@@ -231,12 +217,12 @@ TEST_F(SamplePlugins, AuditHasOneLineForEachCallWhileCallsNest)
 {
     StartAudited("audit_plugin.dll");
     CNestedCall nested{*host, {}};
-    gina->SetHook(StandinCall::WlxLoggedOnSAS, CNestedCall::Make, &nested);
+    msgina->SetHook(StandinCall::WlxLoggedOnSAS, CNestedCall::Make, &nested);
     host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
     EXPECT_EQ((Lines{"LUMLoggedOnSAS -> msgina.dll: did not return", "LUMIsLockOk -> msgina.dll: TRUE"}),
               nested.seen);
     // Somebody puts the file away while a call is under way.
-    gina->SetHook(StandinCall::WlxLoggedOnSAS, RemoveAudit, nullptr);
+    msgina->SetHook(StandinCall::WlxLoggedOnSAS, RemoveAudit, nullptr);
     host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
     EXPECT_EQ(Lines{"LUMLoggedOnSAS -> msgina.dll: NONE"}, Audit());
 }

@@ -6,14 +6,12 @@
 #include <windows.h>
 #include <winwlx.h>
 
-#include "../sdk/PluginDriver.h"
+#include "DllDriver.h"
 #include "Machine.h"
 #include "Runner.h"
 #include "TestMachine.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 const std::string TRACE_LOG = GetLogFolder() + "plugins_on_the_way.log";
 

@@ -7,6 +7,12 @@
 
 #include <windows.h>
 
+using Lines = std::vector<std::string>;
+
+// What operations write that fail, and those that end with an exception.
+inline constexpr char FAILED[] = "[WARNING] The requested operation failed or it was cancelled";
+inline constexpr char UNHANDLED[] = "[WARNING] An unhandled exception occurred";
+
 /// A machine of its own for each test: the registry keys that the system uses start empty, and the
 /// trace log goes to a file of the test's.
 class CTestMachine : public testing::Test
@@ -28,9 +34,9 @@ protected:
 
     /// The lines written so far under "LUM_GINA", without time, tag, source line and file:
     /// "[EXCEPTION] Unable to load DLL, Filename: x.dll, Error: 0x7e".
-    std::vector<std::string> Log() const;
+    Lines Log() const;
     /// The same for "MESSAGE_APP".
-    std::vector<std::string> InternalLog() const;
+    Lines InternalLog() const;
     /// Every line as it is in the file of "LUM_GINA", line ends included.
     std::string RawLog() const;
     /// Forgets the lines written so far.

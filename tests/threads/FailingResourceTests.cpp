@@ -10,8 +10,6 @@ class FailingResource : public CTestMachine
 
 TEST_F(FailingResource, IsReported)
 {
-    using Lines = std::vector<std::string>;
-    constexpr const char* UNHANDLED = "[WARNING] An unhandled exception occurred";
     struct
     {
         PlatformCall call;

@@ -12,10 +12,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
-constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
-constexpr const char* UNHANDLED = "[WARNING] An unhandled exception occurred";
 constexpr const char* NOT_MADE = "[EXCEPTION] Unable to instantiate CThreadObject object";
 constexpr const char* NOT_SET = "[EXCEPTION] SetEvent function call failed, Error: 0x6";
 

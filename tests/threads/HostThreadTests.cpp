@@ -2,7 +2,6 @@
 
 namespace {
 
-constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
 constexpr const char* STOP = "[ENTRY] CThreadObject::StopThread::LUMRegMonitorThreadObject";
 
 class HostThreadObjects : public CHostThreads

@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr const char* FAILED = "[WARNING] The requested operation failed or it was cancelled";
 constexpr DWORD PROMPT_MILLISECONDS = 3000;
 
 class ThreadObject : public CTestMachine
