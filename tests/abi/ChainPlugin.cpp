@@ -160,8 +160,6 @@ public:
 
     bool Negotiate(lum::CGinaPluginInfo* pInfo) override
     {
-        pInfo->m_dwWlxVersion = g_state.dwWlxVersion != 0 ? g_state.dwWlxVersion : pInfo->m_dwWlxVersion;
-        pInfo->m_dwLUMVersion = g_state.dwLUMVersion != 0 ? g_state.dwLUMVersion : pInfo->m_dwLUMVersion;
         if (GetDeed(ABI_Negotiate) == ABI_NAME_BY_CONSTANT) {
             pInfo->m_szFriendlyName = s_szName;
             return true;

@@ -37,8 +37,6 @@ struct AbiChainState
     int nCall; ///< the one with the deed; all others are passed on
     AbiDeed deed;
     int nAnswer;
-    unsigned long dwWlxVersion; ///< left in Negotiate; 0 for what was offered
-    unsigned long dwLUMVersion;
 
     // Both.
     volatile int nWaiting;

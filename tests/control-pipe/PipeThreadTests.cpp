@@ -95,23 +95,4 @@ TEST_F(PipeThread, InsideAPluginDoesNotKeepTheMachineFromShuttingDown)
     EXPECT_FALSE(Thread().m_bRunning);
 }
 
-TEST_F(PipeThread, NeedsWhatItServesAndAPipe)
-{
-    using Object = CLUMPipeThreadObject;
-    CLUMObject* pObject = host->m_pLUMObject;
-    CLUMRegistry* pRegistry = host->m_pLUMRegistry;
-    ClearLog();
-    EXPECT_THROW(Object(nullptr, nullptr, nullptr, false), CBadArgException);
-    EXPECT_THROW(Object(pObject, nullptr, nullptr, false), CBadArgException);
-    EXPECT_THROW(Object(pObject, host.get(), nullptr, false), CBadArgException);
-    // The host has it.
-    EXPECT_THROW(Object(pObject, host.get(), pRegistry, false), CLUMPipeThreadObjectInitException);
-    EXPECT_EQ(Log(), (Lines{"[EXCEPTION] A bad argument was provided, Argument: pLUMObject",
-                            "[EXCEPTION] A bad argument was provided, Argument: pLUMGina",
-                            "[EXCEPTION] A bad argument was provided, Argument: pLUMRegistry",
-                            "[EXCEPTION] CreateNamedPipe function call failed, Error: 0xe7",
-                            "[EXCEPTION] Unable to instantiate LUMPipeThreadObject object"}));
-    EXPECT_TRUE(host->m_pLUMPipeThreadObject != nullptr);
-}
-
 } // namespace

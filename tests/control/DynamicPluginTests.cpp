@@ -170,18 +170,6 @@ TEST_F(DynamicPlugins, OneIsToldBeforeItGoes)
     EXPECT_EQ("\"a.dll\"", Configured());
 }
 
-TEST_F(DynamicPlugins, WhatIsNotLoadedCannotBeRemoved)
-{
-    SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_c.dll"));
-    for (const WCHAR* szName : {TEXT("test_plugin_c.dll"), TEXT(""), static_cast<const WCHAR*>(nullptr)}) {
-        ClearLog();
-        EXPECT_FALSE(Remove(szName));
-        EXPECT_EQ(Lines{FAILED}, Log()) << "the list's own";
-        EXPECT_EQ("\"test_plugin_c.dll\"", Configured());
-    }
-    EXPECT_EQ(CHAIN, Chain());
-}
-
 TEST_F(DynamicPlugins, OneThatFailsWhenItIsToldStaysAtItsPlace)
 {
     ASSERT_TRUE(Add(TEXT("test_plugin_c.dll")));
@@ -401,22 +389,6 @@ TEST_F(DynamicPlugins, APluginThatHangsWhenItIsToldToGoHoldsWinlogonUpForASecond
               Measure([&] { EXPECT_TRUE(Remove(TEXT("test_plugin_b.dll"))); }));
     EXPECT_EQ((Lines{"DynamicUnload", "IsLockOk"}), plugins[1].Calls());
     EXPECT_EQ((Lines{"test_plugin_a.dll", "standin_gina.dll"}), Chain());
-}
-
-TEST_F(DynamicPlugins, ShutdownWaitsNoLongerThanAChange)
-{
-    CStayingCall call(*host, plugins[0]);
-    CHappening shutDown;
-    CThread control([&] {
-        while (!shutDown.HasHappened()) {
-            EXPECT_FALSE(Remove(TEXT("test_plugin_b.dll")));
-        }
-    });
-    for (int n = 0; n < 3; ++n) {
-        EXPECT_GT(CCallGate::CHANGE_MILLISECONDS * 2, Measure([&] { host->LUMWlxShutdown(CONTEXT, 0); }));
-    }
-    shutDown.Happen();
-    control.Join();
 }
 
 } // namespace

@@ -1,11 +1,10 @@
+#include <functional>
+
 #include "../sdk/PluginsInHost.h"
+#include "LUMThreadObjects.h"
+#include "ResourceObject.h"
 
 namespace {
-
-std::string BadArgument(const char* szArgument)
-{
-    return std::string("[EXCEPTION] A bad argument was provided, Argument: ") + szArgument;
-}
 
 /// A record as a client names a plugin by it.
 class CNamed : public CGinaPluginInfo
@@ -46,38 +45,40 @@ protected:
     }
 };
 
-TEST_F(LUMObject, NeedsItsObjects)
+TEST_F(LUMObject, AndTheThreadsNeedWhatTheyServe)
 {
     CRegistryManager* pManager = host->m_pRegistryManager;
-    CGinaObjectList* pList = host->m_pGinaObjectList;
     CLUMRegistry* pRegistry = host->m_pLUMRegistry;
+    CWinlogonRegistry* pWinlogon = host->m_pWinlogonRegistry;
+    const auto makeObject = [](auto... pServed) { CLUMObject(LUM_GINA_APP, LUM_GINA_MTM, pServed...); };
+    const auto makePipe = [](auto... pServed) { CLUMPipeThreadObject(pServed..., false); };
+    const auto makeMonitor = [](auto... pServed) { CLUMRegMonitorThreadObject(pServed..., false); };
     struct
     {
-        CRegistryManager* pManager;
-        CGinaObjectList* pList;
-        CLUMRegistry* pRegistry;
         const char* szMissing;
-    } const rows[] = {{nullptr, nullptr, nullptr, "pRegistryManager"},
-                      {pManager, nullptr, nullptr, "pLUMRegistry"},
-                      {pManager, nullptr, pRegistry, "pGinaObjectList"}};
+        std::function<void()> make;
+    } const rows[] = {
+        {"pRegistryManager", [&] { makeObject(nullptr, nullptr, nullptr); }},
+        {"pLUMRegistry", [&] { makeObject(pManager, nullptr, nullptr); }},
+        {"pGinaObjectList", [&] { makeObject(pManager, nullptr, pRegistry); }},
+        {"pLUMObject", [&] { makePipe(nullptr, nullptr, nullptr); }},
+        {"pLUMGina", [&] { makePipe(&object(), nullptr, nullptr); }},
+        {"pLUMRegistry", [&] { makePipe(&object(), host.get(), nullptr); }},
+        {"pRegistryManager", [&] { makeMonitor(nullptr, pRegistry, pWinlogon); }},
+        {"pLUMRegistry", [&] { makeMonitor(pManager, nullptr, pWinlogon); }},
+        {"pWinlogonRegistry", [&] { makeMonitor(pManager, pRegistry, nullptr); }},
+        {"hInst", [] { CResourceObject(LUM_GINA_APP, LUM_GINA_MTM, nullptr, 0, 0); }},
+    };
     for (const auto& row : rows) {
         ClearLog();
-        EXPECT_THROW(CLUMObject(LUM_GINA_APP, LUM_GINA_MTM, row.pManager, row.pList, row.pRegistry),
-                     CBadArgException);
-        EXPECT_EQ(Lines{BadArgument(row.szMissing)}, Log());
+        EXPECT_THROW(row.make(), CBadArgException) << row.szMissing;
+        EXPECT_EQ(1,
+                  Count(std::string("[EXCEPTION] A bad argument was provided, Argument: ") + row.szMissing));
     }
-    EXPECT_EQ(pManager, object().m_pRegistryManager);
-    EXPECT_EQ(pList, object().m_pGinaObjectList);
-    EXPECT_EQ(pRegistry, object().m_pLUMRegistry);
-}
-
-TEST_F(LUMObject, IsHandedToEveryPlugin)
-{
-    Load();
-    ASSERT_TRUE(Initialize());
-    for (const CPluginDriver& plugin : plugins) {
-        EXPECT_EQ(reinterpret_cast<ULONG_PTR>(&object()), plugin.LastRecord().argument[0]);
-    }
+    // The host has the pipe.
+    EXPECT_THROW(makePipe(&object(), host.get(), pRegistry), CLUMPipeThreadObjectInitException);
+    EXPECT_EQ(1, Count("[EXCEPTION] CreateNamedPipe function call failed, Error: 0xe7"));
+    EXPECT_EQ(1, Count("[EXCEPTION] Unable to instantiate LUMPipeThreadObject object"));
 }
 
 TEST_F(LUMObject, PrioritiesMovePluginsAmongThemselves)
@@ -128,33 +129,6 @@ TEST_F(LUMObject, APluginAloneStaysWhereItIs)
     EXPECT_FALSE(object().LUMIncreasePriority(CNamed("test_plugin_a.dll")));
     EXPECT_FALSE(object().LUMDecreasePriority(CNamed("test_plugin_a.dll")));
     EXPECT_EQ("aS", Order());
-}
-
-TEST_F(LUMObject, ConfiguresWithoutLoading)
-{
-    struct
-    {
-        bool (CLUMObject::*pfnChange)(const WCHAR*);
-        const WCHAR* szName;
-        bool bResult;
-        const char* szPlugins;
-        Lines log;
-    } const rows[] = {
-        {&CLUMObject::LUMAddPlugin, TEXT("new.dll"), true, "\"a.dll,new.dll\"", {FAILED}},
-        {&CLUMObject::LUMAddPlugin, TEXT("NEW.DLL"), true, "\"a.dll,new.dll\"", {}},
-        {&CLUMObject::LUMRemovePlugin, TEXT("A.dll"), true, "\"new.dll\"", {}},
-        {&CLUMObject::LUMRemovePlugin, TEXT("absent.dll"), true, "\"new.dll\"", {FAILED}},
-        {&CLUMObject::LUMAddPlugin, nullptr, false, "\"new.dll\"", {BadArgument("szPlugin"), FAILED}},
-        {&CLUMObject::LUMRemovePlugin, nullptr, false, "\"new.dll\"", {BadArgument("szPlugin"), FAILED}},
-    };
-    SetString(OWN_KEY, TEXT("Plugins"), TEXT("a.dll"));
-    for (const auto& row : rows) {
-        ClearLog();
-        EXPECT_EQ(row.bResult, (object().*row.pfnChange)(row.szName));
-        EXPECT_EQ(row.szPlugins, GetValue(OWN_KEY, TEXT("Plugins")));
-        EXPECT_EQ(row.log, Log());
-        EXPECT_EQ("abcS", Order());
-    }
 }
 
 TEST_F(LUMObject, FindsWhatIsLoaded)
@@ -236,23 +210,7 @@ TEST_F(LUMObject, QueriesThatComeToNothing)
     EXPECT_FALSE(object().LUMQueryPlugin(&record, nullptr, 0, 0, 0));
     EXPECT_FALSE(object().LUMQueryPluginInfo(TEXT("nowhere.dll"), record));
     EXPECT_TRUE(host->LUMRemovePluginDynamic(TEXT("test_plugin_a.dll"))) << "no query is left in flight";
-}
-
-TEST_F(LUMObject, TellsThePassthroughGina)
-{
-    CNamed record("");
-    CNamed info("");
     EXPECT_TRUE(object().LUMGetPassthroughGina(record));
-    EXPECT_TRUE(object().LUMQueryPluginInfo(TEXT("standin_gina.dll"), info));
-    for (const CGinaPluginInfo* pInfo : {&record, &info}) {
-        EXPECT_EQ("standin_gina.dll", Narrow(pInfo->m_szGinaDLL));
-        EXPECT_EQ(WLX_VERSION_1_4, pInfo->m_dwWlxVersion);
-        EXPECT_EQ(LUM_INTERFACE_VERSION, pInfo->m_dwLUMVersion);
-        EXPECT_EQ(nullptr, pInfo->m_szFriendlyName);
-    }
-    host->m_pGinaObjectList->Flush();
-    ClearLog();
-    EXPECT_FALSE(object().LUMGetPassthroughGina(record));
     EXPECT_EQ("standin_gina.dll", Narrow(record.m_szGinaDLL));
 }
 

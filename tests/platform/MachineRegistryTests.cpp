@@ -264,17 +264,4 @@ TEST_F(MachineRegistryFile, KeepsTheOldFileWhenItCannotWriteANewOne)
     EXPECT_EQ(MachineRegistry::Save(TEXT("no\\such\\machine.reg")), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(MachineRegistryFile, ForgetsWhatIsVolatile)
-{
-    SetValue(KEY, TEXT("v"), Text(TEXT("1")));
-    SetValue(TEXT("SOFTWARE\\Key\\Volatile\\Below"), TEXT("v"), Text(TEXT("1")), REG_OPTION_VOLATILE);
-    HKEY hKey = nullptr;
-    RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("SOFTWARE\\Key\\Volatile\\Below"), 0, KEY_READ, &hKey);
-    MachineRegistry::ForgetVolatile();
-    EXPECT_EQ(GetValue(KEY, TEXT("v")), Text(TEXT("1")));
-    EXPECT_EQ(GetValue(TEXT("SOFTWARE\\Key\\Volatile\\Below"), TEXT("v")), NO_VALUE);
-    EXPECT_EQ(RegQueryValueExW(hKey, TEXT("v"), nullptr, nullptr, nullptr, nullptr), ERROR_KEY_DELETED);
-    RegCloseKey(hKey);
-}
-
 } // namespace

@@ -44,6 +44,7 @@ TEST_F(PluginsInHost, AreInitialisedInOrderAndCalledInOrder)
         const PluginRecord& record = plugins[n].LastRecord();
         EXPECT_EQ(PluginCall::Initialize, record.call);
         EXPECT_EQ(4 + n, record.nOrder) << "behind three negotiations";
+        EXPECT_EQ(reinterpret_cast<ULONG_PTR>(host->m_pLUMObject), record.argument[0]);
         EXPECT_EQ(5u, record.argument[1]) << "instance count";
         EXPECT_EQ(0u, record.argument[7] | record.argument[8]) << "load flags";
     }

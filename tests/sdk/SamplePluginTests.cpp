@@ -184,15 +184,6 @@ TEST_F(SamplePlugins, VetoRefusesWhatItsSettingsSay)
     }
 }
 
-TEST_F(SamplePlugins, ARefusedLogonDoesNotReachTheGina)
-{
-    Start("pass_plugin.dll,veto_plugin.dll");
-    SetDword(VETO_KEY, TEXT("RefuseLogon"), 1);
-    EXPECT_EQ(WLX_SAS_ACTION_NONE, host->LUMWlxLoggedOutSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr,
-                                                            nullptr, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(Lines(), msgina.Calls());
-}
-
 TEST_F(SamplePlugins, AuditTellsWhatWasCalledAndWhatCameOfIt)
 {
     StartAudited("audit_plugin.dll,pass_plugin.dll");

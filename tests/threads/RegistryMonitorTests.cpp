@@ -142,20 +142,4 @@ TEST_F(RegistryMonitor, GivesUpWhenItCannotReadTheChain)
     EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(monitor->FinishEvent, 0)) << "and says that it has finished";
 }
 
-TEST_F(RegistryMonitor, NeedsItsThreeObjects)
-{
-    Make(NEVER_SECONDS);
-    SetTraceMask(REPORTS);
-    const char* const names[] = {"pRegistryManager", "pLUMRegistry", "pWinlogonRegistry"};
-    for (int nNull = 0; nNull < 3; ++nNull) {
-        ClearLog();
-        EXPECT_THROW(CLUMRegMonitorThreadObject(nNull == 0 ? nullptr : own.get(),
-                                                nNull == 1 ? nullptr : m_pConfiguration.get(),
-                                                nNull == 2 ? nullptr : m_pWinlogon.get(), false),
-                     CBadArgException);
-        EXPECT_EQ(std::string("[EXCEPTION] A bad argument was provided, Argument: ") + names[nNull],
-                  Log().front());
-    }
-}
-
 } // namespace

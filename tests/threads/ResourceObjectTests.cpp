@@ -79,10 +79,4 @@ TEST_F(ResourceObject, SaysWhichResourceThereIsNot)
     }
 }
 
-TEST_F(ResourceObject, NeedsAModule)
-{
-    EXPECT_THROW(CResourceObject(LUM_GINA_APP, LUM_GINA_MTM, nullptr, 0, 0), CBadArgException);
-    EXPECT_EQ((std::vector<std::string>{"[EXCEPTION] A bad argument was provided, Argument: hInst"}), Log());
-}
-
 } // namespace
