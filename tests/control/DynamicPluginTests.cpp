@@ -64,49 +64,43 @@ TEST_F(DynamicPlugins, OneIsAddedBehindTheOthers)
 
 TEST_F(DynamicPlugins, OneThatCannotBeAddedLeavesNoTrace)
 {
+    constexpr WCHAR C[] = TEXT("test_plugin_c.dll");
+    constexpr char UNKNOWN[] = "Plugin has generated an unknown exception, Plugin: test_plugin_c.dll";
+    const auto refuse = [&](PluginCall call) {
+        return [=, this] { plugins[2]->SetAction(call, PluginAction::Answer, FALSE); };
+    };
+    const auto fail = [&](StandinFailure failure) {
+        return [=, this] { plugins[2]->SetFailure(PluginCall::Initialize, failure, 0); };
+    };
     struct
     {
         const WCHAR* szPlugin;
         std::function<void()> prepare;
-        Lines log;
-        Lines calls; ///< that c has received
+        std::string exception; ///< empty when it refuses to be initialised
+        Lines calls;           ///< that c has received
     } const rows[] = {
-        {TEXT("nowhere.dll"),
-         [] {},
-         {"[EXCEPTION] Unable to load DLL, Filename: nowhere.dll, Error: 0x7e", UNHANDLED},
-         {}},
+        {TEXT("nowhere.dll"), [] {}, "Unable to load DLL, Filename: nowhere.dll, Error: 0x7e", {}},
         {TEXT("test_plugin_no_unload.dll"),
          [] {},
-         {"[EXCEPTION] Unable to load function from DLL, Function: LUMDynamicUnload, Error: 0x7f", UNHANDLED},
+         "Unable to load function from DLL, Function: LUMDynamicUnload, Error: 0x7f",
          {}},
-        {nullptr, [] {}, {"[EXCEPTION] A bad argument was provided, Argument: szGinaDLLName", UNHANDLED}, {}},
-        {TEXT(""),
-         [] {},
-         {"[EXCEPTION] A bad argument was provided, Argument: szGinaDLLName", UNHANDLED},
-         {}},
-        {TEXT("test_plugin_c.dll"),
-         [&] { plugins[2]->SetAction(PluginCall::Negotiate, PluginAction::Answer, FALSE); },
-         {"[EXCEPTION] Negotiation failed while loading gina dll, Error: 0x0", UNHANDLED},
+        {nullptr, [] {}, "A bad argument was provided, Argument: szGinaDLLName", {}},
+        {TEXT(""), [] {}, "A bad argument was provided, Argument: szGinaDLLName", {}},
+        {C,
+         refuse(PluginCall::Negotiate),
+         "Negotiation failed while loading gina dll, Error: 0x0",
          {"Negotiate"}},
-        {TEXT("test_plugin_c.dll"),
-         [&] { plugins[2]->SetAction(PluginCall::Initialize, PluginAction::Answer, FALSE); },
-         {FAILED},
-         {"Negotiate", "Initialize"}},
-        {TEXT("test_plugin_c.dll"),
-         [&] { plugins[2]->SetFailure(PluginCall::Initialize, StandinFailure::ReadNull, 0); },
-         {"[EXCEPTION] Plugin has generated an unknown exception, Plugin: test_plugin_c.dll", UNHANDLED},
-         {"Negotiate", "Initialize"}},
-        {TEXT("test_plugin_c.dll"),
-         [&] { plugins[2]->SetFailure(PluginCall::Initialize, StandinFailure::Throw, 0); },
-         {"[EXCEPTION] Plugin has generated an unknown exception, Plugin: test_plugin_c.dll", UNHANDLED},
-         {"Negotiate", "Initialize"}},
+        {C, refuse(PluginCall::Initialize), "", {"Negotiate", "Initialize"}},
+        {C, fail(StandinFailure::ReadNull), UNKNOWN, {"Negotiate", "Initialize"}},
+        {C, fail(StandinFailure::Throw), UNKNOWN, {"Negotiate", "Initialize"}},
     };
     for (const auto& row : rows) {
         plugins[2]->Reset();
         row.prepare();
         ClearLog();
         EXPECT_FALSE(Add(row.szPlugin));
-        EXPECT_EQ(row.log, Log());
+        EXPECT_EQ(row.exception.empty() ? Lines{FAILED} : (Lines{"[EXCEPTION] " + row.exception, UNHANDLED}),
+                  Log());
         EXPECT_EQ(row.calls, plugins[2].Calls());
         EXPECT_EQ(CHAIN, Chain());
         EXPECT_EQ(CONFIGURED, Configured());

@@ -5,12 +5,6 @@
 
 namespace {
 
-void WINAPI AskForLogoff(void* pHost, const PluginRecord* pRecord)
-{
-    EXPECT_TRUE(
-        static_cast<CLUMGina*>(pHost)->LUMWlxIsLogoffOk(reinterpret_cast<PVOID>(pRecord->argument[1])));
-}
-
 TEST_F(PluginsInHost, OneThatCannotBeUsedIsLeftOut)
 {
     struct
@@ -117,36 +111,6 @@ TEST_F(PluginsInHost, ThoseThatRefuseInitialisationGoAndOneThatFailsEndsIt)
                       plugins[n].Calls());
         }
     }
-}
-
-TEST_F(PluginsInHost, AFailingPluginCostsTheCallItsDefaultResultAndNoMore)
-{
-    Load();
-    ASSERT_TRUE(Initialize());
-    plugins[2]->SetFailure(PluginCall::LoggedOnSAS, StandinFailure::ReadNull, 0);
-    ClearLog();
-    EXPECT_EQ(WLX_SAS_ACTION_NONE, host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));
-    // The fault is the third's; the first two saw an exception pass.
-    const std::string unknown = "[EXCEPTION] Plugin has generated an unknown exception, Plugin: ";
-    EXPECT_EQ((Lines{unknown + "test_plugin_c.dll", unknown + "test_plugin_b.dll",
-                     unknown + "test_plugin_a.dll", FAILED}),
-              Log());
-    EXPECT_EQ(4u, host->m_pGinaObjectList->m_dwCount);
-    plugins[2]->SetFailure(PluginCall::LoggedOnSAS, StandinFailure::None, 0);
-    gina->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_LOCK_WKSTA);
-    EXPECT_EQ(WLX_SAS_ACTION_LOCK_WKSTA,
-              host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));
-}
-
-TEST_F(PluginsInHost, CallsNestThroughTheWholeChain)
-{
-    Load();
-    ASSERT_TRUE(Initialize());
-    plugins[1]->SetHook(PluginCall::LoggedOnSAS, AskForLogoff, host.get());
-    gina->Reset();
-    gina->SetResult(StandinCall::WlxLoggedOnSAS, WLX_SAS_ACTION_LOGOFF);
-    EXPECT_EQ(WLX_SAS_ACTION_LOGOFF, host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr));
-    EXPECT_EQ((Lines{"WlxIsLogoffOk", "WlxLoggedOnSAS"}), gina.Calls());
 }
 
 /// A plugin that writes where it may only read.

@@ -76,8 +76,8 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
 {
     struct
     {
-        const char* szText;
-        const char* szError;
+        std::string text;
+        std::string error;
     } const rows[] = {
         {"", "day.txt: a day without steps; expected Attach"},
         {"# only this\n", "day.txt: a day without steps; expected Attach"},
@@ -85,52 +85,48 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"Attach\nDetach\nDetach", "day.txt:3: a step without the library; expected Attach before it"},
         {"Attach\n\nAttach", "day.txt:3: Attach while the library is loaded; expected Detach before it"},
         {"Attach now", "day.txt:1: \"now\" behind Attach or Detach; expected nothing"},
-        {"Attach\nWlxNap",
-         "day.txt:2: unknown step \"WlxNap\"; expected Attach, Detach, the name of an entry point, as "
-         "WlxNegotiate, or a step of the machine's"},
-        {"Attach\nAdmin", "day.txt:2: the end of the line; expected a program and its arguments"},
-        {"Attach\nAdmin a expect b", "day.txt:2: \"b\"; expected an exit status"},
-        {"Attach\nSetValue key=a name=b",
-         "day.txt:2: other arguments; expected key=, name=, text= once each"},
-        {"Attach\nAwaitFree dll=a dll=b", "day.txt:2: other arguments; expected dll= once each"},
-        {"Attach\nWait 1 s", "day.txt:2: \"\"; expected a number of seconds, at most 86400"},
-        {"Attach\nWait 86401", "day.txt:2: \"86401\"; expected a number of seconds, at most 86400"},
-        {"Attach\nWlxIsLockOk sas=1", "day.txt:2: unknown argument \"sas\"; expected gina, expect or "
-                                      "answered by"},
-        {"Attach\nWlxWkstaLockedSAS context=1",
-         "day.txt:2: unknown argument \"context\"; expected sas=, gina, "
-         "expect or answered by"},
-        {"Attach\nWlxIsLockOk maybe",
-         "day.txt:2: unknown word \"maybe\"; expected gina, expect or answered by"},
-        {"Attach\nWlxWkstaLockedSAS sas=1 sas=1", "day.txt:2: sas= a second time; expected it once"},
-        {"Attach\nWlxGetStatusMessage size=4097", "day.txt:2: size=4097; expected a buffer size in "
-                                                  "characters up to 4096"},
-        {"Attach\nWlxNegotiate version=1.9",
-         "day.txt:2: version=1.9; expected a version: 1.0, 1.1, 1.2, 1.3, "
-         "1.4 or a number"},
-        {"Attach\nWlxIsLockOk gina", "day.txt:2: the end of the line; expected returns, negotiates or fails"},
-        {"Attach\nWlxIsLockOk gina negotiates 1.0", "day.txt:2: gina negotiates; expected gina returns, gina "
-                                                    "fails or, in WlxNegotiate, gina negotiates"},
-        {"Attach\nWlxIsLockOk gina fails 1", "day.txt:2: \"1\"; expected a way to fail: READ_NULL, "
-                                             "DIVIDE_BY_ZERO, EXHAUST_STACK, THROW, RAISE, EXIT_PROCESS"},
-        {"Attach\nWlxIsLockOk gina fails RAISE", "day.txt:2: the end of the line; expected a number"},
-        {"Attach\nWlxIsLockOk gina returns LOGON", "day.txt:2: \"LOGON\"; expected a BOOL: FALSE, TRUE or a "
-                                                   "number"},
-        {"Attach\nWlxLogoff expect TRUE",
-         "day.txt:2: a result; expected none, since WlxLogoff returns nothing"},
-        {"Attach\nWlxIsLockOk expect 0x100000000",
-         "day.txt:2: \"0x100000000\"; expected a BOOL: FALSE, TRUE or "
-         "a number"},
-        {"Attach\nWlxIsLockOk answered", "day.txt:2: the end of the line; expected by"},
-        {"Attach\nWlxIsLockOk answered to", "day.txt:2: answered to; expected answered by"},
-        {"Attach\nWlxIsLockOk answered by", "day.txt:2: the end of the line; expected the name of a DLL"},
-        {"Attach\nWlxInitialize station=\"a", "day.txt:2: a text without end; expected a closing quote"},
-        {"Attach\nWlxInitialize station=\"a\"b",
-         "day.txt:2: characters right behind a closing quote; expected "
-         "a blank"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(GetError(row.szText), row.szError) << row.szText;
+        EXPECT_EQ(GetError(row.text), row.error);
+    }
+    // In the second line, behind Attach.
+    struct
+    {
+        std::string line;
+        std::string error;
+    } const lines[] = {
+        {"WlxNap", "unknown step \"WlxNap\"; expected Attach, Detach, the name of an entry point, as "
+                   "WlxNegotiate, or a step of the machine's"},
+        {"Admin", "the end of the line; expected a program and its arguments"},
+        {"Admin a expect b", "\"b\"; expected an exit status"},
+        {"SetValue key=a name=b", "other arguments; expected key=, name=, text= once each"},
+        {"AwaitFree dll=a dll=b", "other arguments; expected dll= once each"},
+        {"Wait 1 s", "\"\"; expected a number of seconds, at most 86400"},
+        {"Wait 86401", "\"86401\"; expected a number of seconds, at most 86400"},
+        {"WlxIsLockOk sas=1", "unknown argument \"sas\"; expected gina, expect or answered by"},
+        {"WlxWkstaLockedSAS context=1",
+         "unknown argument \"context\"; expected sas=, gina, expect or answered by"},
+        {"WlxIsLockOk maybe", "unknown word \"maybe\"; expected gina, expect or answered by"},
+        {"WlxWkstaLockedSAS sas=1 sas=1", "sas= a second time; expected it once"},
+        {"WlxGetStatusMessage size=4097", "size=4097; expected a buffer size in characters up to 4096"},
+        {"WlxNegotiate version=1.9", "version=1.9; expected a version: 1.0, 1.1, 1.2, 1.3, 1.4 or a number"},
+        {"WlxIsLockOk gina", "the end of the line; expected returns, negotiates or fails"},
+        {"WlxIsLockOk gina negotiates 1.0",
+         "gina negotiates; expected gina returns, gina fails or, in WlxNegotiate, gina negotiates"},
+        {"WlxIsLockOk gina fails 1", "\"1\"; expected a way to fail: READ_NULL, DIVIDE_BY_ZERO, "
+                                     "EXHAUST_STACK, THROW, RAISE, EXIT_PROCESS"},
+        {"WlxIsLockOk gina fails RAISE", "the end of the line; expected a number"},
+        {"WlxIsLockOk gina returns LOGON", "\"LOGON\"; expected a BOOL: FALSE, TRUE or a number"},
+        {"WlxLogoff expect TRUE", "a result; expected none, since WlxLogoff returns nothing"},
+        {"WlxIsLockOk expect 0x100000000", "\"0x100000000\"; expected a BOOL: FALSE, TRUE or a number"},
+        {"WlxIsLockOk answered", "the end of the line; expected by"},
+        {"WlxIsLockOk answered to", "answered to; expected answered by"},
+        {"WlxIsLockOk answered by", "the end of the line; expected the name of a DLL"},
+        {"WlxInitialize station=\"a", "a text without end; expected a closing quote"},
+        {"WlxInitialize station=\"a\"b", "characters right behind a closing quote; expected a blank"},
+    };
+    for (const auto& row : lines) {
+        EXPECT_EQ(GetError("Attach\n" + row.line), "day.txt:2: " + row.error) << row.line;
     }
     EXPECT_THROW(ReadDayFile("no/such/day.txt"), CDayFileError);
 }

@@ -1,6 +1,8 @@
-#include "Exceptions.h"
 #include "ResourceObject.h"
 #include "TestMachine.h"
+#ifndef _WIN32
+#include "platform/FaultInjection.h"
+#endif
 
 namespace {
 
@@ -30,35 +32,6 @@ protected:
     HMODULE m_hModule = nullptr;
 };
 
-TEST_F(ResourceObject, ReadsTheVersionThatTheBuildGaveADLL)
-{
-    struct
-    {
-        const WCHAR* szDLL;
-        DWORD dwHigh;
-        DWORD dwLow;
-    } const rows[] = {
-        {TEXT("lum_gina.dll"), LUM_VERSION_MAJOR << 16 | LUM_VERSION_MINOR,
-         LUM_VERSION_PATCH << 16 | LUM_VERSION_TWEAK},
-        {TEXT("version_test_dll.dll"), 0x00020005, 0x000A0003},
-    };
-    for (const auto& row : rows) {
-        VS_FIXEDFILEINFO* pInfo = nullptr;
-        {
-            CResourceObject resources = Open(row.szDLL);
-            EXPECT_NE(nullptr, resources.GetVersionResource(1));
-            ASSERT_TRUE(resources.LoadMenu(1, &pInfo));
-        }
-        // It belongs to the module, which stays.
-        EXPECT_EQ(VS_FFI_SIGNATURE, pInfo->dwSignature);
-        EXPECT_EQ(row.dwHigh, pInfo->dwFileVersionMS);
-        EXPECT_EQ(row.dwLow, pInfo->dwFileVersionLS);
-        EXPECT_EQ(row.dwHigh, pInfo->dwProductVersionMS);
-        EXPECT_EQ(row.dwLow, pInfo->dwProductVersionLS);
-        EXPECT_TRUE(Log().empty());
-    }
-}
-
 TEST_F(ResourceObject, SaysWhichResourceThereIsNot)
 {
     struct
@@ -75,8 +48,30 @@ TEST_F(ResourceObject, SaysWhichResourceThereIsNot)
         VS_FIXEDFILEINFO* pInfo = nullptr;
         EXPECT_FALSE(resources.LoadMenu(row.wResource, &pInfo));
         EXPECT_EQ(nullptr, pInfo);
-        EXPECT_EQ((std::vector<std::string>{row.line}), Log());
+        EXPECT_EQ(Lines{row.line}, Log());
     }
+#ifndef _WIN32
+    struct
+    {
+        PlatformCall call;
+        Lines log;
+    } const failures[] = {
+        {PlatformCall::FindResourceW, {std::string(NOT_FOUND) + "1, Error: 0x8"}},
+        {PlatformCall::LoadResource,
+         {"[EXCEPTION] LoadResource function call failed, Error: 0x8", UNHANDLED}},
+        {PlatformCall::LockResource,
+         {"[EXCEPTION] LockResource function call failed, Error: 0x8", UNHANDLED}},
+        {PlatformCall::VerQueryValueW, {}},
+    };
+    for (const auto& row : failures) {
+        CResourceObject resources = Open(TEXT("version_test_dll.dll"));
+        const CFaultInjection fault(row.call, 1, ERROR_NOT_ENOUGH_MEMORY);
+        VS_FIXEDFILEINFO* pInfo = nullptr;
+        EXPECT_FALSE(resources.LoadMenu(1, &pInfo));
+        EXPECT_EQ(nullptr, pInfo);
+        EXPECT_EQ(row.log, Log());
+    }
+#endif
 }
 
 } // namespace
