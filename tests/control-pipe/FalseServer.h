@@ -1,10 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "ControlProtocol.h"
+#include "Thread.h"
 
 /// A pipe of the right name.
 class CFalseServer : public testing::Test
@@ -21,38 +23,29 @@ protected:
     /// Answers every request with the bytes, and disconnects once the client has read them.
     void AnswerWith(const std::string& bytes)
     {
-        m_Answer = bytes;
-        m_hThread = CreateThread(nullptr, 0, Answer, this, 0, nullptr);
+        m_pThread = std::make_unique<CThread>([=, this] { Answer(bytes); });
     }
-    void Join()
-    {
-        WaitForSingleObject(m_hThread, INFINITE);
-        CloseHandle(m_hThread);
-    }
+    void Join() { m_pThread.reset(); }
 
 private:
-    static DWORD WINAPI Answer(LPVOID pServer)
+    void SetMode(DWORD dwMode) { SetNamedPipeHandleState(m_hPipe, &dwMode, nullptr, nullptr); }
+
+    void Answer(const std::string& bytes)
     {
-        CFalseServer& server = *static_cast<CFalseServer*>(pServer);
-        while (ConnectNamedPipe(server.m_hPipe, nullptr) || GetLastError() != ERROR_PIPE_CONNECTED) {
+        while (ConnectNamedPipe(m_hPipe, nullptr) || GetLastError() != ERROR_PIPE_CONNECTED) {
             Sleep(1);
         }
         DWORD cbMoved = 0;
-        DWORD dwMode = PIPE_WAIT;
         char szRequest[2048];
-        SetNamedPipeHandleState(server.m_hPipe, &dwMode, nullptr, nullptr);
-        ReadFile(server.m_hPipe, szRequest, sizeof(szRequest), &cbMoved, nullptr);
-        WriteFile(server.m_hPipe, server.m_Answer.data(), static_cast<DWORD>(server.m_Answer.size()),
-                  &cbMoved, nullptr);
-        FlushFileBuffers(server.m_hPipe);
-        DisconnectNamedPipe(server.m_hPipe);
-        dwMode = PIPE_NOWAIT;
-        SetNamedPipeHandleState(server.m_hPipe, &dwMode, nullptr, nullptr);
-        ConnectNamedPipe(server.m_hPipe, nullptr);
-        return 0;
+        SetMode(PIPE_WAIT);
+        ReadFile(m_hPipe, szRequest, sizeof(szRequest), &cbMoved, nullptr);
+        WriteFile(m_hPipe, bytes.data(), static_cast<DWORD>(bytes.size()), &cbMoved, nullptr);
+        FlushFileBuffers(m_hPipe);
+        DisconnectNamedPipe(m_hPipe);
+        SetMode(PIPE_NOWAIT);
+        ConnectNamedPipe(m_hPipe, nullptr);
     }
 
     HANDLE m_hPipe;
-    HANDLE m_hThread = nullptr;
-    std::string m_Answer;
+    std::unique_ptr<CThread> m_pThread;
 };

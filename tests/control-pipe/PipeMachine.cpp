@@ -17,36 +17,28 @@ CPipeMachine::~CPipeMachine()
 
 void CPipeMachine::StartServer(const CPipeDeadlines& deadlines)
 {
-    m_Deadlines = deadlines;
     m_bStop = false;
-    m_hServer = CreateThread(nullptr, 0, Serve, this, 0, nullptr);
-    ASSERT_NE(m_hServer, nullptr);
+    m_pServer = std::make_unique<CThread>([=, this] { Serve(deadlines); });
 }
 
 void CPipeMachine::StopServer()
 {
-    if (m_hServer != nullptr) {
-        m_bStop = true;
-        EXPECT_EQ(WaitForSingleObject(m_hServer, INFINITE), WAIT_OBJECT_0);
-        CloseHandle(m_hServer);
-        m_hServer = nullptr;
-    }
+    m_bStop = true;
+    m_pServer.reset();
 }
 
-DWORD WINAPI CPipeMachine::Serve(LPVOID pMachine)
+void CPipeMachine::Serve(const CPipeDeadlines& deadlines)
 {
-    CPipeMachine& machine = *static_cast<CPipeMachine*>(pMachine);
-    const CPipeConnection::AwaitStop awaitStop = [&](DWORD dwMilliseconds) {
-        Sleep(machine.m_bStop ? 0 : dwMilliseconds);
-        return machine.m_bStop.load();
+    const CPipeConnection::AwaitStop awaitStop = [this](DWORD dwMilliseconds) {
+        Sleep(m_bStop ? 0 : dwMilliseconds);
+        return m_bStop.load();
     };
-    CPipeService service(LUM_GINA_ORIGIN, machine.host->m_pLUMPipeThreadObject->m_hPipe,
-                         {*machine.host->m_pLUMObject, *machine.host}, awaitStop, machine.m_Deadlines);
+    CPipeService service(LUM_GINA_ORIGIN, host->m_pLUMPipeThreadObject->m_hPipe, {*host->m_pLUMObject, *host},
+                         awaitStop, deadlines);
     do {
         service.Poll();
         EXPECT_FALSE(IsImpersonating());
     } while (!awaitStop(1));
-    return 0;
 }
 
 void CPipeMachine::ExpectService(const std::string& after)

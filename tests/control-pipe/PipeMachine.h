@@ -6,6 +6,7 @@
 #include "ControlClient.h"
 #include "ControlProtocol.h"
 #include "RawClient.h"
+#include "Thread.h"
 #include "control/PipeService.h"
 
 /// A host in service, whose pipe is polled all the time instead of once a period.
@@ -24,11 +25,10 @@ protected:
     void ExpectLine(const std::string& line) const;
 
 private:
-    static DWORD WINAPI Serve(LPVOID pMachine);
+    void Serve(const CPipeDeadlines& deadlines);
 
-    CPipeDeadlines m_Deadlines;
     std::atomic<bool> m_bStop = false;
-    HANDLE m_hServer = nullptr;
+    std::unique_ptr<CThread> m_pServer;
 };
 
 /// Whether the thread has the identity of somebody else.

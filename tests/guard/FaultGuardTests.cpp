@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Faults.h"
+#include "../support/Thread.h"
 #include "GuardedEnd.h"
 
 namespace {
@@ -41,12 +42,6 @@ void ExpectEachFaultTwice()
     }
 }
 
-DWORD WINAPI ExpectEachFaultInThread(void*)
-{
-    ExpectEachFaultTwice();
-    return 0;
-}
-
 } // namespace
 
 TEST(FaultGuard, ReportsEachFaultByItsCodeAtAnyDepthAndOnAnyThread)
@@ -55,9 +50,7 @@ TEST(FaultGuard, ReportsEachFaultByItsCodeAtAnyDepthAndOnAnyThread)
     const DWORD dwOuter = GetFault([] {
         EXPECT_EQ(GetFault([] { EXPECT_EQ(GetFault(ReadNull), 0xC0000005); }), 0U);
         ExpectEachFaultTwice();
-        const HANDLE hThread = CreateThread(nullptr, 0, ExpectEachFaultInThread, nullptr, 0, nullptr);
-        EXPECT_EQ(WaitForSingleObject(hThread, INFINITE), WAIT_OBJECT_0);
-        CloseHandle(hThread);
+        CThread(ExpectEachFaultTwice).Join();
         CFault::s_All[3].pfnCommit();
     });
     EXPECT_EQ(dwOuter, CFault::s_All[3].dwCode);

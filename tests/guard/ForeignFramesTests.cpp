@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "Faults.h"
+#include "../support/Thread.h"
 #include "ForeignFrames.h"
 #include "GuardedEnd.h"
 
@@ -66,21 +67,6 @@ struct CChain
 
     AbiScenario pfnPlugin;
     int nPlugins;
-    AbiReport report = {};
-};
-
-/// A call of a plugin's on a thread that the plugin has started.
-struct CPluginThread
-{
-    static DWORD WINAPI Run(void* pContext)
-    {
-        auto& self = *static_cast<CPluginThread*>(pContext);
-        self.pfnScenario(FailingOperation, &self.nCalls, &self.report);
-        return 0;
-    }
-
-    AbiScenario pfnScenario;
-    int nCalls = 0;
     AbiReport report = {};
 };
 
@@ -158,12 +144,12 @@ TEST_F(ForeignFrames, SeeAFailureBehindAnyNumberOfThem)
 
 TEST_F(ForeignFrames, SeeAFailureAlsoOnAThreadOfTheirOwn)
 {
-    CPluginThread call{Find("Swallow")};
-    const HANDLE hThread = CreateThread(nullptr, 0, CPluginThread::Run, &call, 0, nullptr);
-    EXPECT_EQ(WaitForSingleObject(hThread, INFINITE), WAIT_OBJECT_0);
-    CloseHandle(hThread);
-    EXPECT_EQ(call.report.nCaught, 1);
-    EXPECT_EQ(call.report.nDestroyed, 1);
+    const AbiScenario pfnScenario = Find("Swallow");
+    int nCalls = 0;
+    AbiReport report = {};
+    CThread([&] { pfnScenario(FailingOperation, &nCalls, &report); }).Join();
+    EXPECT_EQ(report.nCaught, 1);
+    EXPECT_EQ(report.nDestroyed, 1);
 }
 
 TEST_F(ForeignFrames, FailWithWhateverIsRaisedInThem)
