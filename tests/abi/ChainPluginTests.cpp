@@ -186,24 +186,6 @@ TEST_F(AbiChain, OneThatRefusesOrFailsInNegotiationIsLeftOut)
     }
 }
 
-TEST_F(AbiChain, RefusedOrFailedInitialisation)
-{
-    for (const AbiDeed deed : FAILURES) {
-        Load();
-        Live("WlxNegotiate");
-        Tell(ABI_Initialize, deed);
-        const CStepReport report = Live("WlxInitialize");
-        EXPECT_EQ("FALSE", report.cameBack);
-        EXPECT_EQ(Lines{FAILED}, report.differences);
-    }
-    Load();
-    Live("WlxNegotiate");
-    Tell(ABI_Initialize, ABI_ANSWER);
-    EXPECT_EQ(Lines{"abi_chain_plugin.dll refuses to be initialised and leaves the chain"},
-              Live("WlxInitialize").differences);
-    EXPECT_EQ("standin_gina", Live("WlxIsLockOk").way);
-}
-
 TEST_F(AbiChain, AnswersQueriesAndOwnsNoStringOfTheRecord)
 {
     CGinaObject& plugin =

@@ -182,38 +182,26 @@ TEST_F(LUMGina, WhatNeedsAMissingMemberFailsUnlessPeopleCanLogOnWithoutIt)
 TEST_F(LUMGina, SurvivesAnyFailedAllocation)
 {
     SetTraceMask(0);
-    // The first allocation is the host itself.
-    for (int nBefore = 1; nBefore < 60; nBefore += 4) {
-        std::unique_ptr<CLUMGina> crippled;
-        {
-            const CFailingAllocation noMemory(nBefore);
-            crippled.reset(new CLUMGina(HOST));
-        }
-        crippled->LUMWlxNegotiate(WLX_VERSION_1_4, &m_dwVersion);
-        crippled->LUMWlxInitialize(nullptr, WLX, nullptr, m_table, &m_pContext);
-        try {
-            crippled->LUMWlxIsLockOk(CONTEXT);
-        } catch (const CNoGINAorPluginToCallException&) {
-            continue;
-        }
-    }
-}
-
-TEST_F(LUMGina, SurvivesAFailedAllocationWhileNegotiating)
-{
-    SetTraceMask(0);
     for (int nBefore = 0; nBefore < 60; nBefore += 4) {
+        {
+            // The first allocation is the host itself.
+            const CFailingAllocation noMemory(nBefore + 1);
+            host.reset(new CLUMGina(HOST));
+        }
+        Negotiate();
+        Initialize();
+        try {
+            host->LUMWlxIsLockOk(CONTEXT);
+        } catch (const CNoGINAorPluginToCallException&) {
+        }
         Make();
         try {
             const CFailingAllocation noMemory(nBefore);
             Negotiate();
         } catch (const CMessage&) {
-            EXPECT_EQ(0u, host->m_pGinaObjectList->m_dwCount);
+            EXPECT_EQ(Lines(), Chain());
         } catch (const std::bad_alloc&) {
-            EXPECT_EQ(0u, host->m_pGinaObjectList->m_dwCount);
-        }
-        for (GinaNode* pNode = host->m_pGinaObjectList->m_pHead; pNode != nullptr; pNode = pNode->pNext) {
-            EXPECT_NE(nullptr, pNode->m_pItem);
+            EXPECT_EQ(Lines(), Chain());
         }
     }
 }

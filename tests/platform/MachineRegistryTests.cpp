@@ -213,22 +213,6 @@ TEST_F(MachineRegistryFile, RefusesWhatIsNoRegistryFile)
     EXPECT_EQ(MachineRegistry::Load(TEXT("no_such.reg")), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(MachineRegistryFile, WritesWhatTheSystemsEditorWrites)
-{
-    SetValue(KEY, nullptr, Text(TEXT("\"C:\\\"")));
-    SetValue(KEY, TEXT("n"), {REG_DWORD, {0x0F, 1, 0, 0}});
-    SetValue(KEY, TEXT("x"), {REG_EXPAND_SZ, {0x61, 0, 0, 0}});
-    SetValue(TEXT("SOFTWARE\\Key\\Gone"), TEXT("v"), Text(TEXT("1")), REG_OPTION_VOLATILE);
-    ASSERT_EQ(MachineRegistry::Save(FILE_NAME), ERROR_SUCCESS);
-    EXPECT_EQ(ReadBack(), ToUtf16(TEXT("Windows Registry Editor Version 5.00\r\n"
-                                       "\r\n[HKEY_LOCAL_MACHINE]\r\n"
-                                       "\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE]\r\n"
-                                       "\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Key]\r\n"
-                                       "@=\"\\\"C:\\\\\\\"\"\r\n"
-                                       "\"n\"=dword:0000010f\r\n"
-                                       "\"x\"=hex(2):61,00,00,00\r\n")));
-}
-
 TEST_F(MachineRegistryFile, ReadsBackWhatItWrote)
 {
     const CValue values[] = {

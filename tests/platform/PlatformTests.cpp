@@ -134,6 +134,22 @@ TEST_F(PlatformRegistry, TerminatesTextsThatAreStoredWithoutEndIfThereIsRoom)
     }
 }
 
+TEST(Platform, TellsAPipesServerThatItsClientHasGone)
+{
+    constexpr WCHAR NAME[] = TEXT("\\\\.\\pipe\\LumPlatformTestPipe");
+    const HANDLE hServer =
+        CreateNamedPipeW(NAME, PIPE_ACCESS_DUPLEX | WRITE_OWNER, PIPE_NOWAIT, 1, 4096, 4096, 10, nullptr);
+    const HANDLE hClient = CreateFileW(NAME, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    DWORD cbMoved = 0;
+    EXPECT_FALSE(WriteFile(hClient, "a", 1, &cbMoved, nullptr)) << "it asked to read";
+    for (const DWORD dwStatus : {ERROR_PIPE_CONNECTED, ERROR_NO_DATA}) {
+        EXPECT_FALSE(ConnectNamedPipe(hServer, nullptr));
+        EXPECT_EQ(GetLastError(), dwStatus);
+        CloseHandle(hClient);
+    }
+    CloseHandle(hServer);
+}
+
 TEST(Platform, TellsWhyADllCannotBeLoaded)
 {
     std::ofstream("garbage.dll") << "this is no library, however long it may be\n";
