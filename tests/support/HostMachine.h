@@ -42,6 +42,8 @@ protected:
         ClearLog();
     }
 
+    bool IsMonitoring() const { return host->m_pLUMRegMonitorThreadObject->m_bRunning; }
+
     Lines Chain() const
     {
         Lines names;

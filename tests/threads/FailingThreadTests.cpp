@@ -3,7 +3,7 @@
 #include "../chaining/ChainMachine.h"
 #include "Exceptions.h"
 #include "FailingAllocation.h"
-#include "HostThreads.h"
+#include "HostMachine.h"
 #include "LUMRegMonitorThreadObject.h"
 #include "TestMachine.h"
 #include "TestThread.h"
@@ -203,12 +203,11 @@ TEST_F(FailingMonitor, EndsWhenItCannotWait)
 
 // The host
 
-class FailingHostThreads : public CHostThreads
-{
-};
+using FailingHostThreads = CHostMachine;
 
 TEST_F(FailingHostThreads, KeepNobodyFromLoggingOn)
 {
+    Load();
     {
         const CFaultInjection fault(PlatformCall::CreateThread, 1, ERROR_NOT_ENOUGH_MEMORY, nullptr,
                                     FaultRepeat::FromThenOn);

@@ -1,11 +1,13 @@
-#include "HostThreads.h"
+#include "HostMachine.h"
 
 namespace {
 
 constexpr const char* STOP = "[ENTRY] CThreadObject::StopThread::LUMRegMonitorThreadObject";
 
-class HostThreadObjects : public CHostThreads
+class HostThreadObjects : public CHostMachine
 {
+protected:
+    HostThreadObjects() { Load(); }
 };
 
 TEST_F(HostThreadObjects, RunInTheFirstInstanceFromInitialisationToShutdown)
