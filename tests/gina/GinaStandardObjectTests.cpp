@@ -63,18 +63,6 @@ TEST_F(GinaStandardObject, ConstructionFails)
     }
 }
 
-TEST_F(GinaStandardObject, RefusedNegotiation)
-{
-    standin->SetResult(StandinCall::WlxNegotiate, FALSE);
-    EXPECT_THROW(MakeObject(TEXT("standin_gina.dll")), CFailedGinaNegotiationsException);
-    EXPECT_EQ(1, Count("[EXCEPTION] Negotiation failed while loading gina dll, Error: 0x0"));
-    standin->SetResult(StandinCall::WlxNegotiate, TRUE);
-    standin->SetFailure(StandinCall::WlxNegotiate, StandinFailure::ReadNull, 0);
-    EXPECT_THROW(MakeObject(TEXT("standin_gina.dll")), CUnhandledExceptionException);
-    standin->SetFailure(StandinCall::WlxNegotiate, StandinFailure::None, 0);
-    EXPECT_NO_THROW(MakeObject(TEXT("standin_gina.dll")));
-}
-
 TEST_F(GinaStandardObject, NegotiatedVersionDecidesWhatIsCalled)
 {
     standin->SetVersion(WLX_VERSION_1_0);

@@ -5,30 +5,6 @@
 
 namespace {
 
-TEST_F(PluginsInHost, OneThatCannotBeUsedIsLeftOut)
-{
-    struct
-    {
-        const char* szSecond;
-        const char* szReason;
-    } const rows[] = {
-        {"nowhere.dll", "Unable to load DLL, Filename: nowhere.dll, Error: 0x7e"},
-        {"test_plugin_no_unload.dll",
-         "Unable to load function from DLL, Function: LUMDynamicUnload, Error: 0x7f"},
-        {"test_plugin_b.dll", "Negotiation failed while loading gina dll, Error: 0x0"},
-    };
-    plugins[1]->SetAction(PluginCall::Negotiate, PluginAction::Answer, FALSE);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.szSecond);
-        SetString(OWN_KEY, TEXT("Plugins"),
-                  Widen(std::string("test_plugin_a.dll,") + row.szSecond + ",test_plugin_c.dll").c_str());
-        Load();
-        EXPECT_EQ((Lines{"test_plugin_a.dll", "test_plugin_c.dll", "standin_gina.dll"}), Chain());
-        EXPECT_EQ(1, Count(std::string("[EXCEPTION] ") + row.szReason));
-        EXPECT_EQ(1, Count(std::string("[WARNING] Unable to create gina plugin, Plugin: ") + row.szSecond));
-    }
-}
-
 TEST_F(PluginsInHost, AreInitialisedInOrderAndCalledInOrder)
 {
     SetDword(VOLATILE_KEY, TEXT("InstanceCount"), 4);
