@@ -1,6 +1,7 @@
 // What no other suite would notice of the calls. It runs on both targets, which keeps the native layer true
 // to Windows; what the suites of the library and the tools go through is not repeated here.
 
+#include <ctime>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -132,6 +133,17 @@ TEST_F(PlatformRegistry, TerminatesTextsThatAreStoredWithoutEndIfThereIsRoom)
         EXPECT_EQ(cbBuffer, 4u);
         EXPECT_EQ(buffer[4] == 0 && buffer[5] == 0, row.bTerminated) << row.dwType << ' ' << row.cbBuffer;
     }
+}
+
+TEST(Platform, TellsTheLocalDate)
+{
+    const std::time_t now = std::time(nullptr);
+    const std::tm expected = *std::localtime(&now);
+    SYSTEMTIME time = {};
+    GetLocalTime(&time);
+    EXPECT_EQ(time.wYear, expected.tm_year + 1900);
+    EXPECT_EQ(time.wMonth, expected.tm_mon + 1);
+    EXPECT_EQ(time.wDayOfWeek, expected.tm_wday);
 }
 
 TEST(Platform, TellsAPipesServerThatItsClientHasGone)
