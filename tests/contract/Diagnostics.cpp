@@ -105,6 +105,39 @@ TEST_F(Contract, DiagnosticsMessages)
     EXPECT_EQ("c.cpp", Narrow(GetFileName(TEXT("a\\b\\c.cpp"))));
     EXPECT_EQ("c.cpp", Narrow(GetFileName(TEXT("c.cpp"))));
     EXPECT_EQ(nullptr, GetFileName(nullptr));
+
+    // What cannot be read costs the message its text and nothing else.
+    EXPECT_FALSE(CMessageArgList(LEVEL_ERROR, TAG, KEY, true, nullptr).m_bFormatted);
+    EXPECT_FALSE(CMessageArgList(LEVEL_ERROR, TAG, KEY, true, TEXT("%s"), reinterpret_cast<WCHAR*>(0x40))
+                     .m_bFormatted);
+    EXPECT_FALSE(LogMessage(TAG, TEXT("WARNING"), nullptr, 7, PATH));
+    EXPECT_EQ((std::vector<std::string>(2, "[WARNING] An unhandled exception occurred")), [this] {
+        std::vector<std::string> lines = InternalLog();
+        lines.erase(lines.begin());
+        return lines;
+    }());
+}
+
+TEST_F(Contract, DiagnosticsOwnMessagesAndCopies)
+{
+    struct COwnMessage : CMessage
+    {
+        using CMessage::CMessage;
+        void Write() override { throw 1; }
+    } own(LEVEL_ERROR, TAG, KEY);
+    own.WriteIfUnwritten();
+    try {
+        throw CBadArgException(TAG, KEY, TEXT("Text"), TEXT("x"), 7, PATH);
+    } catch (const CBadArgException& exception) {
+        const CBadArgException copy = exception;
+        EXPECT_EQ("Text, Argument: x, ( 7 ) File.cpp", Narrow(copy.m_szMessage));
+        EXPECT_NE(copy.m_szMessage, exception.m_szMessage);
+    }
+    EXPECT_EQ(std::vector<std::string>{"[WARNING] An unhandled exception occurred"}, InternalLog());
+}
+
+TEST_F(Contract, DiagnosticsObjectsOfTheSystem)
+{
     EXPECT_TRUE(LogMessage(TEXT("MESSAGE_APP"), TEXT("WARNING"), TEXT("Text"), 7, PATH));
     const CGlobalObject object(TAG, KEY);
     EXPECT_TRUE(object.szAPP == TAG && object.szMTM == KEY);
@@ -112,7 +145,7 @@ TEST_F(Contract, DiagnosticsMessages)
     EXPECT_EQ("MESSAGE_APP", Narrow(nameless.szAPP));
     const CGlobalObject keyless(TAG, nullptr);
     EXPECT_TRUE(keyless.szAPP == nullptr && keyless.szMTM == nullptr);
-    EXPECT_EQ((std::vector<std::string>{"[EXCEPTION] Null source file", "[WARNING] Text",
+    EXPECT_EQ((std::vector<std::string>{"[WARNING] Text",
                                         "[EXCEPTION] A bad argument was provided, Argument: szAPP",
                                         "[EXCEPTION] A bad argument was provided, Argument: szMTM"}),
               InternalLog());

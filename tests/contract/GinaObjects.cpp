@@ -52,6 +52,15 @@ TEST_F(Contract, GinaObjectsInAChain)
     EXPECT_EQ("standin_gina.dll", Narrow(info.m_szGinaDLL));
     EXPECT_THROW(CGinaStandardObject(TAG, KEY, HOST, TEXT("none.dll"), 0x01000000, 0x00010004),
                  CUnableToLoadDLLException);
+
+    // Through the base, whose first slot destroys.
+    CGinaObject* pAlone = new CGinaStandardObject(TAG, KEY, HOST, TEXT("msgina.dll"), 0x01000000, 0x00010004);
+    EXPECT_NE(nullptr, GetModuleHandleW(TEXT("msgina.dll")));
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdelete-non-virtual-dtor"
+    delete pAlone;
+#pragma GCC diagnostic pop
+    EXPECT_EQ(nullptr, GetModuleHandleW(TEXT("msgina.dll")));
 }
 
 } // namespace

@@ -18,6 +18,14 @@ protected:
                                                                                             pdwVersion);
     }
 
+    bool Initialize() const
+    {
+        PVOID pContext = nullptr;
+        const FARPROC pfn = GetProcAddress(m_hGina, "WlxInitialize");
+        return reinterpret_cast<decltype(WlxInitialize)*>(reinterpret_cast<void (*)()>(pfn))(
+            nullptr, nullptr, nullptr, nullptr, &pContext);
+    }
+
     HMODULE m_hGina = LoadLibraryW(TEXT("lum_gina.dll"));
 };
 
@@ -56,26 +64,28 @@ TEST_F(LUMGinaInterface, IsNeitherItsOwnPassthroughGinaNorItsOwnPlugin)
     }
 }
 
-/// A GINA that passes through to this library.
-struct CPassingGina
+/// A call of a GINA that passes through to this library: its result is the library's.
+struct CPassingCall
 {
-    static void WINAPI Negotiate(void* pGina, const StandinRecord*)
+    static void WINAPI PassOn(void* pCall, const StandinRecord* pRecord)
     {
-        auto& self = *static_cast<CPassingGina*>(pGina);
-        DWORD dwVersion = 0;
-        self.standin->SetResult(StandinCall::WlxNegotiate, self.negotiate(&dwVersion));
+        auto& self = *static_cast<CPassingCall*>(pCall);
+        self.standin->SetResult(pRecord->call, self.call());
     }
 
     const CStandin& standin;
-    std::function<bool(DWORD*)> negotiate;
+    std::function<bool()> call;
 };
 
 TEST_F(LUMGinaInterface, AGinaThatPassesThroughToItIsRefused)
 {
     const CStandin msgina(TEXT("msgina.dll"));
     const CStandin other(TEXT("standin_gina.dll"));
-    CPassingGina gina{other, [this](DWORD* pdwVersion) { return Negotiate(pdwVersion); }};
-    other->SetHook(StandinCall::WlxNegotiate, CPassingGina::Negotiate, &gina);
+    CPassingCall negotiate{other, [this] {
+                               DWORD dwVersion = 0;
+                               return Negotiate(&dwVersion);
+                           }};
+    other->SetHook(StandinCall::WlxNegotiate, CPassingCall::PassOn, &negotiate);
     SetString(OWN_KEY, TEXT("GinaDLL"), TEXT("standin_gina.dll"));
     for (int n = 0; n < 2; ++n) {
         DWORD dwVersion = 0;
@@ -83,6 +93,17 @@ TEST_F(LUMGinaInterface, AGinaThatPassesThroughToItIsRefused)
         EXPECT_EQ(std::vector<std::string>(n + 1, "WlxNegotiate"), other.Calls());
         EXPECT_EQ(std::vector<std::string>(n + 1, "WlxNegotiate"), msgina.Calls());
     }
+}
+
+TEST_F(LUMGinaInterface, AGinaThatPassesThroughToItWhenItIsInitialisedRefusesItself)
+{
+    const CStandin msgina(TEXT("msgina.dll"));
+    CPassingCall initialize{msgina, [this] { return Initialize(); }};
+    msgina->SetHook(StandinCall::WlxInitialize, CPassingCall::PassOn, &initialize);
+    DWORD dwVersion = 0;
+    EXPECT_TRUE(Negotiate(&dwVersion));
+    EXPECT_FALSE(Initialize());
+    EXPECT_EQ((std::vector<std::string>{"WlxNegotiate", "WlxInitialize"}), msgina.Calls());
 }
 
 } // namespace

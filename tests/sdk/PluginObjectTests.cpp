@@ -212,6 +212,11 @@ TEST_F(GinaPluginObject, FailuresCostOneCall)
         EXPECT_EQ(Lines(4, Unknown("test_plugin_a.dll")), Log());
         EXPECT_TRUE(plugin.IsLogoffOk(FirstNode(), CONTEXT));
     }
+    // What a plugin hands on can be wild: nothing of the caller's is lost but the call.
+    a->Reset();
+    EXPECT_THROW(plugin.IsLockOk(reinterpret_cast<GinaNode*>(0x40), CONTEXT), CUnhandledPluginException);
+    EXPECT_THROW(plugin.QueryPluginInfo(reinterpret_cast<CGinaPluginInfo*>(0x40)), CUnhandledPluginException);
+    EXPECT_EQ(Lines(), a.Calls());
 }
 
 TEST_F(GinaPluginObject, ExceptionsFromBelow)

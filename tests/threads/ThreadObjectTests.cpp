@@ -57,6 +57,9 @@ TEST_F(ThreadObject, AThreadThatEndedByItselfIsStoppedAtOnceAndReplaced)
         {"by an exception",
          [](CTestThread&) { throw std::runtime_error("test"); },
          {"[WARNING] An unhandled exception occurred"}},
+        {"by a processor fault",
+         [](CTestThread&) { *reinterpret_cast<volatile DWORD*>(0x40) = 1; },
+         {"[WARNING] An unhandled exception occurred"}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.szName);
