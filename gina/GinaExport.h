@@ -9,7 +9,15 @@ enum class Missing
     Tolerated
 };
 
-class CExportTable;
+class CGinaExportBase;
+
+/// The exports of one DLL, in the order in which they are resolved. Owns none of them.
+class CExportTable
+{
+public:
+    CGinaExportBase* m_pFirst = nullptr;
+    CGinaExportBase* m_pLast = nullptr;
+};
 
 /// One export of a GINA or plugin DLL: its name, when it is looked up, and its address once resolved.
 class CGinaExportBase
@@ -18,7 +26,12 @@ public:
     /// Appends itself to the table: the order of the members that hold exports is the order in which
     /// they are resolved. The export is looked up when the negotiated Winlogon interface version is
     /// above dwAboveVersion.
-    CGinaExportBase(CExportTable& table, const char* szName, DWORD dwAboveVersion, Missing missing) noexcept;
+    CGinaExportBase(CExportTable& table, const char* szName, DWORD dwAboveVersion, Missing missing) noexcept
+        : m_szName(szName), m_dwAboveVersion(dwAboveVersion), m_missing(missing)
+    {
+        (table.m_pLast != nullptr ? table.m_pLast->m_pNext : table.m_pFirst) = this;
+        table.m_pLast = this;
+    }
     CGinaExportBase(const CGinaExportBase&) = delete;
     CGinaExportBase& operator=(const CGinaExportBase&) = delete;
 
@@ -27,14 +40,6 @@ public:
     const Missing m_missing;
     FARPROC m_pfn = nullptr;
     CGinaExportBase* m_pNext = nullptr;
-};
-
-/// The exports of one DLL, in the order in which they are resolved. Owns none of them.
-class CExportTable
-{
-public:
-    CGinaExportBase* m_pFirst = nullptr;
-    CGinaExportBase* m_pLast = nullptr;
 };
 
 /// An export of the function type Function.

@@ -37,14 +37,13 @@ constexpr CValueSettings INSTANCE_COUNT{TEXT("InstanceCount"), true, true};
 
 /// Makes a value object, or reports why it stays null.
 template <typename Value>
-void LoadValue(const CGlobalObject& owner, COwned<Value>& pValue, const CValueSettings& settings,
-               bool bNoCreate = false)
+void LoadValue(const CGlobalObject& owner, COwned<Value>& pValue, const CValueSettings& settings)
 {
     try {
         const WCHAR* szSubKey = settings.bVolatile ? VOLATILE_KEY : LUM_GINA_MTM;
         const DWORD dwOptions = settings.bVolatile ? REG_OPTION_VOLATILE : REG_OPTION_NON_VOLATILE;
-        pValue = OpenMachineValue<Value>(owner, szSubKey, settings.szValueName,
-                                         settings.bCreate && !bNoCreate, true, dwOptions);
+        pValue =
+            OpenMachineValue<Value>(owner, szSubKey, settings.szValueName, settings.bCreate, true, dwOptions);
     } catch (...) {
         CKeyWarning(LUM_GINA_ORIGIN, TXT_KEY_NOT_LOADED, settings.szValueName);
     }
@@ -98,17 +97,16 @@ std::basic_string<WCHAR> WithoutPlugin(Text plugins, Text plugin)
 
 } // namespace
 
-CLUMRegistry::CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg, bool bNoCreate)
-    : CGlobalObject(szAPPArg, szMTMArg)
+CLUMRegistry::CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg) : CGlobalObject(szAPPArg, szMTMArg)
 {
     const CConstructionTrace trace(*this, s_szClass);
-    LoadValue(*this, m_pPlugins, PLUGINS, bNoCreate);
-    LoadValue(*this, m_pGinaDLL, GINA_DLL, bNoCreate);
-    LoadValue(*this, m_pEnabled, ENABLED, bNoCreate);
-    LoadValue(*this, m_pTimeout, TIMEOUT_SECONDS, bNoCreate);
-    LoadValue(*this, m_pInstanceCount, INSTANCE_COUNT, bNoCreate);
-    LoadValue(*this, m_pPipeInterval, PIPE_INTERVAL, bNoCreate);
-    LoadValue(*this, m_pRegistryMonitorInterval, MONITOR_INTERVAL, bNoCreate);
+    LoadValue(*this, m_pPlugins, PLUGINS);
+    LoadValue(*this, m_pGinaDLL, GINA_DLL);
+    LoadValue(*this, m_pEnabled, ENABLED);
+    LoadValue(*this, m_pTimeout, TIMEOUT_SECONDS);
+    LoadValue(*this, m_pInstanceCount, INSTANCE_COUNT);
+    LoadValue(*this, m_pPipeInterval, PIPE_INTERVAL);
+    LoadValue(*this, m_pRegistryMonitorInterval, MONITOR_INTERVAL);
     ParsePlugins();
 }
 

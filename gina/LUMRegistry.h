@@ -24,8 +24,7 @@ class CLUMRegistry : public CGlobalObject
 {
 public:
     /// A value object that cannot be made stays null and is warned of; operations that need it say so.
-    /// bNoCreate: make no value that is missing; its object stays null then.
-    CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg, bool bNoCreate = false);
+    CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg);
     ~CLUMRegistry();
     CLUMRegistry(const CLUMRegistry&) = delete;
     CLUMRegistry& operator=(const CLUMRegistry&) = delete;

@@ -1,13 +1,10 @@
 #pragma once
 
 #include "CriticalSection.h"
+#include "GinaNames.h"
 #include "GlobalObject.h"
 #include "Owned.h"
 #include "RegistryClasses.h"
-
-inline constexpr WCHAR WINLOGON_KEY[] = TEXT("SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon");
-/// The value that names the GINA which Winlogon loads.
-inline constexpr WCHAR WINLOGON_GINA_DLL[] = TEXT("GinaDLL");
 
 // Winlogon's values, in the order in which they are opened, held and closed.
 // clang-format off

@@ -13,6 +13,10 @@ inline constexpr WCHAR HOST_GINA[] = TEXT("lum_gina.dll");
 /// The system's own GINA, which Winlogon loads when none is named.
 inline constexpr WCHAR SYSTEM_GINA[] = TEXT("msgina.dll");
 
+/// Winlogon's own key below HKEY_LOCAL_MACHINE, and the value there that names the GINA which it loads.
+inline constexpr WCHAR WINLOGON_KEY[] = TEXT("SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon");
+inline constexpr WCHAR WINLOGON_GINA_DLL[] = TEXT("GinaDLL");
+
 /// Whether two DLL names are equal; letter case does not count. A null name equals nothing.
 bool EqualNames(const WCHAR* szLeft, const WCHAR* szRight) noexcept;
 bool EqualNames(std::basic_string_view<WCHAR> left, std::basic_string_view<WCHAR> right) noexcept;

@@ -1,7 +1,6 @@
 #include "ChainBuilder.h"
 
 #include "WinlogonRegistry.h"
-#include "KnownGinas.h"
 
 namespace {
 
@@ -29,69 +28,55 @@ bool CChainBuilder::Build()
     if (!m_winlogonRegistry.GetGinaDLL(m_szCurrent, NAME_CAPACITY, false)) {
         *m_szCurrent = 0;
     }
-    if (*m_szCurrent == 0) {
-        return true;
-    }
-    do {
-        if (!(*m_szCurrent != 0 ? AppendCurrent() : RepairLast())) {
-            return false;
-        }
-    } while (!m_pInfo->m_bTerminator);
-    return true;
-}
-
-bool CChainBuilder::AppendCurrent()
-{
-    if (IsInChain(m_chain, m_szCurrent)) {
+    const auto know = [this](const WCHAR* szGinaDLL) { return Know(szGinaDLL); };
+    const ChainEnd end = Follow(know, *this, m_szCurrent).end;
+    if (end == ChainEnd::Cycle) {
         // Followed on, it would never end.
         CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_CYCLE, m_szCurrent);
-        return false;
+    } else if (end == ChainEnd::Unknown) {
+        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_INCOMPLETE, m_szCurrent);
     }
-    CGinaChainingInfoObject* pInfo = FindGina(m_knownGinas, m_szCurrent);
-    if (pInfo == nullptr) {
-        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_UNKNOWN, m_szCurrent);
-        pInfo = LearnGina(m_knownGinas, m_szCurrent);
-    }
-    if (pInfo == nullptr) {
-        return AppendUnknown();
-    }
-    Append(m_chain, MakeLink(m_chain, m_szCurrent));
-    m_pInfo = pInfo;
-    ReadPassthrough();
-    return true;
+    return end == ChainEnd::Complete;
 }
 
-bool CChainBuilder::AppendUnknown()
+std::optional<CChainingRecord> CChainBuilder::Know(const WCHAR* szGinaDLL)
 {
-    CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_NOT_LISTED, m_szCurrent);
-    Append(m_chain, MakeLink(m_chain, m_szCurrent));
-    CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_INCOMPLETE, m_szCurrent);
-    return false;
+    m_pInfo = FindGina(m_knownGinas, szGinaDLL);
+    if (m_pInfo == nullptr) {
+        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_UNKNOWN, szGinaDLL);
+        m_pInfo = LearnGina(m_knownGinas, szGinaDLL);
+    }
+    if (m_pInfo == nullptr) {
+        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_NOT_LISTED, szGinaDLL);
+        return std::nullopt;
+    }
+    return m_pInfo->GetRecord();
 }
 
-bool CChainBuilder::RepairLast()
+void CChainBuilder::Reach(const WCHAR* szGinaDLL)
 {
-    if (m_bNoRepair) {
-        return false;
-    }
-    const WCHAR* szGinaDLL = NameOf(*m_chain.m_pTail);
-    CPassthroughWarning(LUM_GINA_ORIGIN, TXT_BAD_PASSTHROUGH, szGinaDLL, NO_VALUE);
-    const WCHAR* szDefault = m_pInfo->m_szDefaultGinaDLL;
-    // An empty default names no GINA that could follow.
-    const bool bUsable = szDefault != nullptr && *szDefault != 0 && !IsInChain(m_chain, szDefault);
-    m_pInfo->SetOldGinaDLL(bUsable ? szDefault : SYSTEM_GINA);
-    ReadPassthrough();
-    if (*m_szCurrent == 0) {
-        // The GINA's key may be closed to us; to write it again would change nothing.
-        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_NOT_FIXED, szGinaDLL);
-        return false;
-    }
-    return true;
+    Append(m_chain, MakeLink(m_chain, szGinaDLL));
 }
 
-void CChainBuilder::ReadPassthrough() noexcept
+CGinaName CChainBuilder::Read(const CChainingRecord& /*record*/)
 {
     if (!m_pInfo->GetOldGinaDLL(m_szCurrent, NAME_CAPACITY)) {
         *m_szCurrent = 0;
     }
+    return m_szCurrent;
+}
+
+CGinaName CChainBuilder::Repair(const WCHAR* szGinaDLL, const WCHAR* szPassthrough)
+{
+    if (m_bNoRepair) {
+        return {};
+    }
+    CPassthroughWarning(LUM_GINA_ORIGIN, TXT_BAD_PASSTHROUGH, szGinaDLL, NO_VALUE);
+    m_pInfo->SetOldGinaDLL(szPassthrough);
+    const CGinaName passthrough = Read(m_pInfo->GetRecord());
+    if (passthrough.empty()) {
+        // The GINA's key may be closed to us; to write it again would change nothing.
+        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_NOT_FIXED, szGinaDLL);
+    }
+    return passthrough;
 }

@@ -1,168 +1,131 @@
 #include "ChainResync.h"
 
-#include "WinlogonRegistry.h"
-#include "KnownGinas.h"
-#include "RegistryManager.h"
+#include <algorithm>
+
+#include "GinaNames.h"
 
 namespace {
 
-bool IsIncompatible(CKnownGinaList& knownGinas, const CGinaLink* pLink)
+const WCHAR* LastOf(const CChain& chain) noexcept
 {
-    const CGinaChainingInfoObject* pInfo = pLink != nullptr ? FindGina(knownGinas, NameOf(*pLink)) : nullptr;
-    return pInfo != nullptr && pInfo->m_bIsIncompatible;
+    return chain.ginas.back().c_str();
+}
+
+/// The first position at which two chains differ, or one of them has ended.
+std::size_t FindDifference(const CChain& own, const CChain& found) noexcept
+{
+    const auto equal = [](const CGinaName& left, const CGinaName& right) { return EqualNames(left, right); };
+    const auto difference =
+        std::mismatch(own.ginas.begin(), own.ginas.end(), found.ginas.begin(), found.ginas.end(), equal);
+    return static_cast<std::size_t>(difference.first - own.ginas.begin());
+}
+
+/// Whether the GINA that the registry has where the chains differ is recorded as incompatible.
+bool IsIncompatible(const CKnowledge& know, const CChain& own, const CChain& found)
+{
+    const std::size_t nAt = FindDifference(own, found);
+    const auto record = nAt < found.ginas.size() ? know(found.ginas[nAt].c_str()) : std::nullopt;
+    return record && record->bIsIncompatible;
+}
+
+/// Whether the registry's chain breaks off at a GINA that lost its passthrough value, which its installer has
+/// taken out. One that is unknown does not belong there.
+bool HasLostPassthrough(const CChain& found)
+{
+    return !found.IsComplete() && !found.ginas.empty() && !EqualNames(LastOf(found), HOST_GINA) &&
+           found.know(LastOf(found));
+}
+
+CResync RemoveLastOf(const CChain& broken, const CChain& own)
+{
+    return own.Has(LastOf(broken)) ? CResync{ResyncAction::Remove, LastOf(broken)}
+                                   : CResync{ResyncAction::Write};
+}
+
+bool IsLonger(const CChain& left, const CChain& right) noexcept
+{
+    return left.ginas.size() > right.ginas.size();
+}
+
+/// The first row that applies is what happens.
+struct CRow
+{
+    bool (*applies)(const CChain& own, const CChain& found);
+    CResync (*decide)(const CChain& own, const CChain& found);
+};
+
+template <ResyncAction action>
+CResync Just(const CChain&, const CChain&)
+{
+    return {action};
+}
+
+const CRow ROWS[] = {
+    {[](const CChain& own, const CChain&) { return !own.IsComplete(); }, Just<ResyncAction::Nothing>},
+    {[](const CChain&, const CChain& found) { return HasLostPassthrough(found); },
+     [](const CChain& own, const CChain& found) { return RemoveLastOf(found, own); }},
+    {[](const CChain&, const CChain& found) { return !found.IsComplete(); }, Just<ResyncAction::Write>},
+
+    // The registry's chain has grown. The host comes first also when its chain has it already.
+    {[](const CChain& own, const CChain& found) { return IsLonger(found, own) && !found.HasHost(); },
+     [](const CChain&, const CChain&) {
+         return CResync{ResyncAction::Insert, HOST_GINA, Place::First};
+     }},
+    {[](const CChain& own, const CChain& found) {
+         return IsLonger(found, own) && IsIncompatible(own.know, own, found);
+     },
+     Just<ResyncAction::Write>},
+    {[](const CChain& own, const CChain& found) { return IsLonger(found, own); },
+     Just<ResyncAction::TakeOver>},
+
+    // It has lost GINAs. Where the host is among them, a look at what the chain would be with it tells
+    // whether others are gone as well.
+    {[](const CChain& own, const CChain& found) { return IsLonger(own, found) && found.HasHost(); },
+     Just<ResyncAction::Nothing>},
+    {[](const CChain& own, const CChain& found) { return IsLonger(own, found); },
+     Just<ResyncAction::FollowAgain>},
+
+    // It is as long as the host's.
+    {[](const CChain&, const CChain& found) { return !found.HasHost(); }, Just<ResyncAction::Write>},
+    {[](const CChain& own, const CChain& found) { return IsIncompatible(found.know, own, found); },
+     [](const CChain& own, const CChain& found) {
+         return CResync{ResyncAction::RemoveAt, nullptr, Place::Nowhere, FindDifference(own, found)};
+     }},
+    {[](const CChain&, const CChain&) { return true; }, Just<ResyncAction::Nothing>},
+};
+
+/// Where the registry's only GINA comes in the host's chain, whose end it is from now on.
+Place PlaceEnd(const CChain& own, const CChainingRecord& end)
+{
+    if (!end.bTerminator) {
+        return Place::BeforeLast;
+    }
+    const auto last = own.know(LastOf(own));
+    return !last || last->bTerminator ? Place::InPlaceOfLast : Place::Last;
 }
 
 } // namespace
 
-CChainResync::CChainResync(CRegistryManager& own, const CRegistryManager& fresh) noexcept
-    : m_own(own), m_fresh(fresh), m_chain(*own.m_pGinaChainingList), m_freshChain(*fresh.m_pGinaChainingList)
+CResync Resync(const CChain& own, const CChain& found)
 {
+    return std::find_if(std::begin(ROWS), std::end(ROWS),
+                        [&](const CRow& row) { return row.applies(own, found); })
+        ->decide(own, found);
 }
 
-void CChainResync::Run()
+CResync ResyncCutOut(const CChain& own, const CChain& found, const CChain& again)
 {
-    LearnRecords();
-    if (m_own.m_bChainIncomplete) {
-        return;
+    if (!again.IsComplete()) {
+        return RemoveLastOf(again, own);
     }
-    if (m_fresh.m_bChainIncomplete) {
-        SettleIncomplete();
-    } else if (m_chain.m_dwCount < m_freshChain.m_dwCount) {
-        SettleLonger();
-    } else if (m_chain.m_dwCount > m_freshChain.m_dwCount) {
-        SettleShorter();
-    } else {
-        SettleEqualLength();
+    if (found.ginas.size() != 1) {
+        return {ResyncAction::Write};
     }
-}
-
-void CChainResync::LearnRecords()
-{
-    CKnownGinaList& known = *m_own.m_pKnownGinaList;
-    DWORD dwIndex = 0;
-    for (const auto* pNode = m_fresh.m_pKnownGinaList->m_pHead; pNode != nullptr; pNode = pNode->pNext) {
-        if (dwIndex++ >= known.m_dwCount) {
-            Append(known, MakeOwned<CGinaChainingInfoObject>(known.szAPP, known.szMTM, pNode->m_pItem));
-        }
+    const WCHAR* szEnd = LastOf(found);
+    const auto end = own.know(szEnd);
+    if (!end) {
+        return {ResyncAction::Nothing};
     }
-}
-
-/// The registry's chain breaks off at its last GINA: one that lost its passthrough value has been taken out
-/// by its installer, one that is unknown does not belong there.
-void CChainResync::SettleIncomplete()
-{
-    const CGinaLink* pLast = m_freshChain.m_pTail;
-    const bool bLostItsPassthrough = pLast != nullptr && !(*pLast->m_pItem == HOST_GINA) &&
-                                     FindGina(*m_fresh.m_pKnownGinaList, NameOf(*pLast)) != nullptr;
-    if (bLostItsPassthrough) {
-        RemoveFromChain(*pLast);
-    }
-    m_own.WriteOutListToRegistry();
-}
-
-/// The registry's chain has grown.
-void CChainResync::SettleLonger()
-{
-    if (!IsHostInFreshChain()) {
-        // Also when the host's chain has it already.
-        m_chain.Begin();
-        if (InsertLink(m_chain, HOST_GINA)) {
-            m_own.WriteOutListToRegistry();
-        }
-    } else if (IsIncompatible(*m_own.m_pKnownGinaList, FindDifference().pFresh)) {
-        m_own.WriteOutListToRegistry();
-    } else {
-        TakeFreshChain();
-    }
-}
-
-/// The registry's chain has lost GINAs. Where the host is among them, a look at what the chain would be with
-/// it tells whether others are gone as well.
-void CChainResync::SettleShorter()
-{
-    if (IsHostInFreshChain()) {
-        return;
-    }
-    m_own.m_pWinlogonRegistry->SetGinaDLL(NameOf(*m_chain.m_pHead));
-    const CRegistryManager again(m_own.szAPP, m_own.szMTM, m_own.m_pLUMRegistry, m_own.m_pWinlogonRegistry,
-                                 true);
-    if (again.m_bChainIncomplete) {
-        RemoveFromChain(*again.m_pGinaChainingList->m_pTail);
-        m_own.WriteOutListToRegistry();
-    } else if (m_freshChain.m_dwCount != 1) {
-        m_own.WriteOutListToRegistry();
-    } else {
-        TakeFreshEnd();
-    }
-}
-
-void CChainResync::SettleEqualLength()
-{
-    const CDifference difference = FindDifference();
-    if (!IsHostInFreshChain()) {
-        m_own.WriteOutListToRegistry();
-    } else if (IsIncompatible(*m_fresh.m_pKnownGinaList, difference.pFresh)) {
-        m_chain.m_pCursor = difference.pOwn;
-        m_chain.Remove();
-        m_own.WriteOutListToRegistry();
-    }
-}
-
-CChainResync::CDifference CChainResync::FindDifference() const
-{
-    CDifference difference{m_chain.m_pHead, m_freshChain.m_pHead};
-    while (difference.pOwn != nullptr && difference.pFresh != nullptr &&
-           *difference.pOwn->m_pItem == *difference.pFresh->m_pItem)
-    {
-        difference = {difference.pOwn->pNext, difference.pFresh->pNext};
-    }
-    return difference;
-}
-
-bool CChainResync::IsHostInFreshChain() const noexcept
-{
-    return IsInChain(m_freshChain, HOST_GINA);
-}
-
-/// A copy that memory does not suffice for must not take the place of the chain.
-void CChainResync::TakeFreshChain()
-{
-    COwned<CGinaChain> pCopy = MakeOwned<CGinaChain>(m_chain.szAPP, m_chain.szMTM);
-    if (pCopy->CopyList(m_freshChain)) {
-        m_own.m_pGinaChainingList = std::move(pCopy);
-    }
-}
-
-/// The registry's chain is one GINA, which ends the host's chain from now on.
-void CChainResync::TakeFreshEnd()
-{
-    const CGinaChainingInfoObject* pEnd = FindGina(*m_own.m_pKnownGinaList, NameOf(*m_freshChain.m_pHead));
-    if (pEnd == nullptr) {
-        return;
-    }
-    if (pEnd->m_bIsIncompatible || PlaceEnd(*pEnd)) {
-        m_own.WriteOutListToRegistry();
-    }
-}
-
-bool CChainResync::PlaceEnd(const CGinaChainingInfoObject& end)
-{
-    const WCHAR* szGinaDLL = NameOf(*m_freshChain.m_pHead);
-    if (!end.m_bTerminator) {
-        m_chain.End();
-        return InsertLink(m_chain, szGinaDLL);
-    }
-    const CGinaChainingInfoObject* pLast = FindGina(*m_own.m_pKnownGinaList, NameOf(*m_chain.m_pTail));
-    if (pLast == nullptr || pLast->m_bTerminator) {
-        return ReplaceLast(m_chain, szGinaDLL);
-    }
-    Append(m_chain, MakeLink(m_chain, szGinaDLL));
-    return true;
-}
-
-void CChainResync::RemoveFromChain(const CGinaLink& link)
-{
-    if (IsInChain(m_chain, NameOf(link))) {
-        m_chain.Remove(NameOf(link));
-    }
+    return end->bIsIncompatible ? CResync{ResyncAction::Write}
+                                : CResync{ResyncAction::Insert, szEnd, PlaceEnd(own, *end)};
 }

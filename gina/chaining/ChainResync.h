@@ -1,42 +1,35 @@
 #pragma once
 
-#include "GinaLists.h"
+#include "Chain.h"
 
-class CRegistryManager;
+// What the host's chain makes of the chain that the registry has now: it takes that over, or has itself
+// written again. Decided over plain values, as in Chain.h.
 
-/// What the host's chain makes of the chain that the registry has now: it takes that over, or writes itself
-/// back. The two managers are locked by the caller.
-class CChainResync
+enum class ResyncAction
 {
-public:
-    CChainResync(CRegistryManager& own, const CRegistryManager& fresh) noexcept;
-
-    /// Throws as the operations that it consists of.
-    void Run();
-
-private:
-    /// Where two chains part; null where one has ended.
-    struct CDifference
-    {
-        CGinaLink* pOwn;
-        CGinaLink* pFresh;
-    };
-
-    void LearnRecords();
-    void SettleIncomplete();
-    void SettleLonger();
-    void SettleShorter();
-    void SettleEqualLength();
-
-    CDifference FindDifference() const;
-    bool IsHostInFreshChain() const noexcept;
-    void TakeFreshChain();
-    void TakeFreshEnd();
-    bool PlaceEnd(const CGinaChainingInfoObject& end);
-    void RemoveFromChain(const CGinaLink& link);
-
-    CRegistryManager& m_own;
-    const CRegistryManager& m_fresh;
-    CGinaChain& m_chain;
-    CGinaChain& m_freshChain;
+    Nothing,
+    Write,    ///< the host's chain as it is
+    Insert,   ///< into the host's chain, and write it
+    Remove,   ///< by name from the host's chain, and write it
+    RemoveAt, ///< by position from the host's chain, and write it
+    TakeOver, ///< the registry's chain becomes the host's; nothing is written
+    /// Let Winlogon load the first GINA of the host's chain, follow the chain again, and ask ResyncCutOut.
+    FollowAgain,
 };
+
+/// An action with what it needs: the GINA, in a text of one of the chains, and its place.
+struct CResync
+{
+    ResyncAction action;
+    const WCHAR* szGinaDLL = nullptr; ///< for Insert, Remove
+    Place place = Place::Nowhere;     ///< for Insert
+    std::size_t nAt = 0;              ///< for RemoveAt
+};
+
+/// own: the host's chain, with what the host knows. found: what the registry has now, with what was known
+/// when that was read.
+CResync Resync(const CChain& own, const CChain& found);
+
+/// What comes next when the host has been cut out of Winlogon's chain. again: the chain with the first GINA
+/// of the host's in front.
+CResync ResyncCutOut(const CChain& own, const CChain& found, const CChain& again);

@@ -21,18 +21,26 @@ void DeleteGinaDLL() noexcept
     }
 }
 
+void WriteFirst(const WCHAR* szGinaDLL, CWinlogonRegistry& winlogonRegistry)
+{
+    if (szGinaDLL != nullptr) {
+        winlogonRegistry.SetGinaDLL(szGinaDLL);
+    } else {
+        DeleteGinaDLL();
+        CWarning(LUM_GINA_ORIGIN, TXT_EMPTY);
+    }
+}
+
 } // namespace
 
 void WriteChain(CKnownGinaList& knownGinas, const CGinaChain& chain, CWinlogonRegistry& winlogonRegistry)
 {
-    const auto writeFirst = [&](const WCHAR* szGinaDLL) {
-        if (szGinaDLL != nullptr) {
-            winlogonRegistry.SetGinaDLL(szGinaDLL);
-        } else {
-            DeleteGinaDLL();
-            CWarning(LUM_GINA_ORIGIN, TXT_EMPTY);
+    const CGinaNames ginas = NamesOf(chain);
+    for (const CChainWrite& write : ListWrites(ginas)) {
+        if (write.szGinaDLL == nullptr) {
+            WriteFirst(write.szText, winlogonRegistry);
+        } else if (CGinaChainingInfoObject* pInfo = FindGina(knownGinas, write.szGinaDLL); pInfo != nullptr) {
+            pInfo->SetOldGinaDLL(write.szText != nullptr ? write.szText : pInfo->m_szDefaultGinaDLL);
         }
-    };
-    VisitChain(knownGinas, chain, writeFirst,
-               [](CGinaChainingInfoObject& info, const WCHAR* szGinaDLL) { info.SetOldGinaDLL(szGinaDLL); });
+    }
 }

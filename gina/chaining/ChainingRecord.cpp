@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "GinaNames.h"
-#include "RequireArgument.h"
 
 namespace {
 
@@ -42,14 +41,12 @@ bool CutFlag(Text& rest)
 
 } // namespace
 
-CChainingRecord ParseChainingRecord(const CMessageOrigin& origin, const WCHAR* szCommaDelimitedStr)
+std::optional<CChainingRecord> ParseChainingRecord(Text record) noexcept
 {
-    RequireArgument(origin, szCommaDelimitedStr != nullptr, TEXT("szCommaDelimitedStr"));
-    RequireArgument(origin, *szCommaDelimitedStr != 0, TEXT("szCommaDelmitedStr"));
-    Text rest(szCommaDelimitedStr);
-    RequireArgument(origin, std::count(rest.begin(), rest.end(), SEPARATOR) == SEPARATORS,
-                    TEXT("szCommaDelimitedStr"));
+    if (std::count(record.begin(), record.end(), SEPARATOR) != SEPARATORS) {
+        return std::nullopt;
+    }
     // The fields of a braced list are cut in the order in which they stand.
-    return {CutText(rest), CutText(rest), CutText(rest), CutFlag(rest),
-            CutFlag(rest), CutFlag(rest), CutFlag(rest)};
+    return CChainingRecord{CutText(record), CutText(record), CutText(record), CutFlag(record),
+                           CutFlag(record), CutFlag(record), CutFlag(record)};
 }

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
-#include "Message.h"
+#include <windows.h>
 
-/// What is known of a GINA that the built-in table does not have, as it is written in the own key under the
-/// name of the GINA's DLL: seven fields, separated by six commas.
+/// What is known of a GINA: where it keeps its passthrough value, what it passes through to by default, and
+/// what kind of GINA it is.
+///
+/// A GINA that the built-in table does not have may be described in the own key, under the name of its DLL:
+/// seven fields, separated by six commas.
 ///
 ///     SOFTWARE\Tamsin\Airlink\wpnGina,OldGinaDLL,msgina.dll,0,0,0,0
 ///
@@ -14,17 +18,16 @@ struct CChainingRecord
 {
     using Text = std::basic_string_view<WCHAR>;
 
-    /// A record always has all three, if empty ones. A row of the table may lack one: its data() is null
-    /// then.
+    /// Read from the registry, a record always has all three, if empty ones. A row of the table may lack one:
+    /// its data() is null then.
     Text szSubKey;
     Text szOldGinaDLLKey;
     Text szDefaultGinaDLL;
-    bool bTerminator;
-    bool bStandalone;
-    bool bMustBeFirst;
-    bool bIsIncompatible;
+    bool bTerminator = false;
+    bool bStandalone = false;
+    bool bMustBeFirst = false;
+    bool bIsIncompatible = false;
 };
 
-/// Reads a record; its texts are parts of the argument. Throws CBadArgException, and nothing else, for
-/// anything that is no record.
-CChainingRecord ParseChainingRecord(const CMessageOrigin& origin, const WCHAR* szCommaDelimitedStr);
+/// Reads a record; its texts are parts of the argument. Nothing for a text that is no record.
+std::optional<CChainingRecord> ParseChainingRecord(CChainingRecord::Text record) noexcept;

@@ -1,7 +1,6 @@
 #include "GinaChainingInfoObject.h"
 
 #include "MachineValue.h"
-#include "ChainingRecord.h"
 #include "Exceptions.h"
 #include "GuardedText.h"
 #include "RequireArgument.h"
@@ -26,17 +25,6 @@ Text TextOf(const WCHAR* szText) noexcept
 COwnedText CopyGiven(const CMessageOrigin& origin, Text text, const WCHAR* szVariable)
 {
     return text.data() != nullptr ? CopyText(origin, text, szVariable) : COwnedText();
-}
-
-CChainingRecord DescriptionOf(const CGinaChainingInfoObject& object)
-{
-    return {TextOf(object.m_szSubKey),
-            TextOf(object.m_szOldGinaDLLKey),
-            TextOf(object.m_szDefaultGinaDLL),
-            object.m_bTerminator,
-            object.m_bStandalone,
-            object.m_bMustBeFirst,
-            object.m_bIsIncompatible};
 }
 
 } // namespace
@@ -64,7 +52,11 @@ CGinaChainingInfoObject::CGinaChainingInfoObject(const WCHAR* szAPPArg, const WC
                                                  const WCHAR* szGinaDLL, const WCHAR* szCommaDelimitedStr)
 try : CGinaChainingObject(szAPPArg, szMTMArg, szGinaDLL) {
     const CConstructionTrace trace(*this, s_szClass);
-    Describe(ParseChainingRecord(*this, szCommaDelimitedStr));
+    RequireArgument(*this, szCommaDelimitedStr, TEXT("szCommaDelimitedStr"));
+    RequireArgument(*this, *szCommaDelimitedStr != 0, TEXT("szCommaDelmitedStr"));
+    const std::optional<CChainingRecord> record = ParseChainingRecord(szCommaDelimitedStr);
+    RequireArgument(*this, record.has_value(), TEXT("szCommaDelimitedStr"));
+    Describe(*record);
 } catch (...) {
     FailConstruction<CGinaChainingInfoObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
 }
@@ -73,7 +65,7 @@ CGinaChainingInfoObject::CGinaChainingInfoObject(const WCHAR* szAPPArg, const WC
                                                  const CGinaChainingInfoObject* pGinaChainingInfoObject)
 try : CGinaChainingObject(szAPPArg, szMTMArg, pGinaChainingInfoObject) {
     const CConstructionTrace trace(*this, s_szClass);
-    Describe(DescriptionOf(*pGinaChainingInfoObject));
+    Describe(pGinaChainingInfoObject->GetRecord());
 } catch (...) {
     FailConstruction<CGinaChainingInfoObjectInitException, CBadArgException>(LUM_GINA_ORIGIN);
 }
@@ -104,6 +96,17 @@ void CGinaChainingInfoObject::Describe(const CChainingRecord& record)
             CWarning(*this, ERR_UNHANDLED_EXCEPTION);
         }
     }
+}
+
+CChainingRecord CGinaChainingInfoObject::GetRecord() const noexcept
+{
+    return {TextOf(m_szSubKey),
+            TextOf(m_szOldGinaDLLKey),
+            TextOf(m_szDefaultGinaDLL),
+            m_bTerminator,
+            m_bStandalone,
+            m_bMustBeFirst,
+            m_bIsIncompatible};
 }
 
 /// Whether writes get through to the value. A GINA that has been installed anew has another key than the one

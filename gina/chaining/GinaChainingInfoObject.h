@@ -1,9 +1,8 @@
 #pragma once
 
+#include "ChainingRecord.h"
 #include "GinaChainingObject.h"
 #include "RegistryString.h"
-
-struct CChainingRecord;
 
 /// What is known of one GINA: where it keeps the name of the GINA that it passes through to, whether it ends
 /// a chain, and what it passes through to by default.
@@ -39,6 +38,9 @@ public:
     /// Writes the passthrough value; the GINA's key and the value are made when they are missing, the value
     /// empty at first. Nothing is written for a terminator, or for null, of which is warned.
     void SetOldGinaDLL(const WCHAR* szValue) noexcept;
+
+    /// All that is known, in texts of this object.
+    CChainingRecord GetRecord() const noexcept;
 
     /// Null for a row of the table that has none.
     COwnedText m_szSubKey;

@@ -9,8 +9,32 @@ COwned<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* 
     return MakeOwned<CGinaChainingObject>(origin.szAPP, origin.szMTM, szGinaDLL);
 }
 
-bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL)
+bool InsertLink(CGinaChain& chain, Place place, const WCHAR* szGinaDLL, const WCHAR* szInsertBefore)
 {
+    switch (place) {
+    case Place::Nowhere:
+        return false;
+    case Place::Only:
+        break;
+    case Place::Before:
+    case Place::NotBefore:
+        if (!chain.MoveTo(szInsertBefore) || place == Place::NotBefore) {
+            return false;
+        }
+        break;
+    case Place::First:
+        chain.Begin();
+        break;
+    case Place::Last:
+        Append(chain, MakeLink(chain, szGinaDLL));
+        return true;
+    case Place::BeforeLast:
+        chain.End();
+        break;
+    case Place::InPlaceOfLast:
+        chain.End();
+        return chain.SetItem(MakeLink(chain, szGinaDLL));
+    }
     COwned<CGinaChainingObject> pLink = MakeLink(chain, szGinaDLL);
     const bool bInserted = chain.Insert(pLink, 0);
     if (bInserted) {
@@ -19,33 +43,32 @@ bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL)
     return bInserted;
 }
 
-bool ReplaceLast(CGinaChain& chain, const WCHAR* szGinaDLL)
+void RemoveLink(CGinaChain& chain, std::size_t nAt)
 {
-    chain.End();
-    return chain.SetItem(MakeLink(chain, szGinaDLL));
-}
-
-const WCHAR* NameOf(const CGinaLink& link) noexcept
-{
-    return link.m_pItem->m_szGinaDLL;
-}
-
-bool IsInChain(const CGinaChain& chain, const WCHAR* szGinaDLL) noexcept
-{
-    const CGinaLink* pLink = chain.m_pHead;
-    while (pLink != nullptr && !EqualNames(NameOf(*pLink), szGinaDLL)) {
-        pLink = pLink->pNext;
+    chain.m_pCursor = chain.m_pHead;
+    for (; nAt != 0; --nAt) {
+        chain.m_pCursor = chain.m_pCursor->pNext;
     }
-    return pLink != nullptr;
+    chain.Remove();
+}
+
+CGinaNames NamesOf(const CGinaChain& chain)
+{
+    CGinaNames ginas;
+    for (const auto* pLink = chain.m_pHead; pLink != nullptr; pLink = pLink->pNext) {
+        ginas.emplace_back(pLink->m_pItem->m_szGinaDLL);
+    }
+    return ginas;
 }
 
 void AddKnownGinas(CKnownGinaList& knownGinas)
 {
-    for (const CKnownGina& gina : KNOWN_GINAS) {
-        Append(knownGinas, MakeOwned<CGinaChainingInfoObject>(
-                               knownGinas.szAPP, knownGinas.szMTM, gina.szGinaDLL, gina.szSubKey,
-                               gina.szOldGinaDLLKey, gina.szDefaultGinaDLL, gina.bTerminator,
-                               gina.bStandalone, gina.bMustBeFirst, gina.bIsIncompatible));
+    for (const auto& [szGinaDLL, record] : KNOWN_GINAS) {
+        Append(knownGinas,
+               MakeOwned<CGinaChainingInfoObject>(
+                   knownGinas.szAPP, knownGinas.szMTM, szGinaDLL, record.szSubKey.data(),
+                   record.szOldGinaDLLKey.data(), record.szDefaultGinaDLL.data(), record.bTerminator,
+                   record.bStandalone, record.bMustBeFirst, record.bIsIncompatible));
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Chain.h"
 #include "GinaChainingInfoObject.h"
 #include "ListEx.h"
 
@@ -22,16 +23,14 @@ T& Append(CListEx<T>& list, COwned<T> pItem)
 /// A new link for the chain. Throws as the constructor of CGinaChainingObject.
 COwned<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* szGinaDLL);
 
-/// Inserts a new link before the current one. False when there is no memory; throws as MakeLink.
-bool InsertLink(CGinaChain& chain, const WCHAR* szGinaDLL);
+/// Puts a new link at its place in the chain; szInsertBefore: for a place before that. False for no place, or
+/// when there is no memory; throws as MakeLink.
+bool InsertLink(CGinaChain& chain, Place place, const WCHAR* szGinaDLL, const WCHAR* szInsertBefore);
 
-const WCHAR* NameOf(const CGinaLink& link) noexcept;
+/// Removes the link at this position.
+void RemoveLink(CGinaChain& chain, std::size_t nAt);
 
-/// Puts a new link in the place of the last one. False when there is no memory; throws as MakeLink.
-bool ReplaceLast(CGinaChain& chain, const WCHAR* szGinaDLL);
-
-/// Whether a GINA of that name is in the chain. Not to be is nothing to warn of, and the cursor stays.
-bool IsInChain(const CGinaChain& chain, const WCHAR* szGinaDLL) noexcept;
+CGinaNames NamesOf(const CGinaChain& chain);
 
 /// Appends the built-in table. Throws when there is no memory.
 void AddKnownGinas(CKnownGinaList& knownGinas);

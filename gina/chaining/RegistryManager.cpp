@@ -10,7 +10,7 @@
 #include "ChainResync.h"
 #include "ChainWriter.h"
 #include "Exceptions.h"
-#include "KnownGinas.h"
+#include "GinaNames.h"
 #include "RequireArgument.h"
 
 namespace {
@@ -96,7 +96,9 @@ bool CRegistryManager::InsertGinaIntoChainingList(const WCHAR* szGinaDLL, const 
                                                   bool bAtFront) noexcept
 {
     return RunChange(TEXT("InsertGinaIntoChainingList"), [&] {
-        const bool bInserted = Place(szGinaDLL, szInsertBefore, bAtFront);
+        const auto need = [this](const WCHAR* szName) { return NeedKnown(szName).GetRecord(); };
+        const Place place = FindPlace(GetChain(), need, szGinaDLL, szInsertBefore, bAtFront);
+        const bool bInserted = InsertLink(*m_pGinaChainingList, place, szGinaDLL, szInsertBefore);
         if (bInserted) {
             WriteOutListToRegistry();
         }
@@ -104,24 +106,13 @@ bool CRegistryManager::InsertGinaIntoChainingList(const WCHAR* szGinaDLL, const 
     });
 }
 
-bool CRegistryManager::Place(const WCHAR* szGinaDLL, const WCHAR* szInsertBefore, bool bAtFront)
+CChain CRegistryManager::GetChain() const
 {
-    CGinaChain& chain = *m_pGinaChainingList;
-    if (chain.m_dwCount == 0) {
-        return InsertLink(chain, szGinaDLL);
-    }
-    if (m_bChainIncomplete || IsInChain(chain, szGinaDLL)) {
-        return false;
-    }
-    const CGinaChainingInfoObject& info = NeedKnown(szGinaDLL);
-    if (szInsertBefore != nullptr) {
-        return chain.MoveTo(szInsertBefore) && !info.m_bTerminator && InsertLink(chain, szGinaDLL);
-    }
-    if (bAtFront) {
-        chain.Begin();
-        return InsertLink(chain, szGinaDLL);
-    }
-    return PlaceLast(szGinaDLL, info.m_bTerminator);
+    const auto know = [this](const WCHAR* szGinaDLL) {
+        const CGinaChainingInfoObject* pInfo = FindGina(*m_pKnownGinaList, szGinaDLL);
+        return pInfo != nullptr ? std::optional(pInfo->GetRecord()) : std::nullopt;
+    };
+    return {NamesOf(*m_pGinaChainingList), m_bChainIncomplete ? ChainEnd::Unknown : ChainEnd::Complete, know};
 }
 
 CGinaChainingInfoObject& CRegistryManager::NeedKnown(const WCHAR* szGinaDLL)
@@ -136,33 +127,15 @@ CGinaChainingInfoObject& CRegistryManager::NeedKnown(const WCHAR* szGinaDLL)
     return *pInfo;
 }
 
-/// A terminator keeps the end of the chain to itself.
-bool CRegistryManager::PlaceLast(const WCHAR* szGinaDLL, bool bTerminator)
-{
-    CGinaChain& chain = *m_pGinaChainingList;
-    const CGinaChainingInfoObject* pLast = FindGina(*m_pKnownGinaList, NameOf(*chain.m_pTail));
-    if (pLast == nullptr || !pLast->m_bTerminator) {
-        Append(chain, MakeLink(chain, szGinaDLL));
-        return true;
-    }
-    if (bTerminator) {
-        return ReplaceLast(chain, szGinaDLL);
-    }
-    chain.End();
-    return InsertLink(chain, szGinaDLL);
-}
-
 bool CRegistryManager::RemoveGinaFromChainingList(const WCHAR* szGinaDLL) noexcept
 {
     return RunChange(TEXT("RemoveGinaFromChainingList"), [&] {
         CGinaChain& chain = *m_pGinaChainingList;
-        if (m_bChainIncomplete || !m_pKnownGinaList->IsInList(szGinaDLL) || !chain.Remove(szGinaDLL)) {
+        const std::optional<CGinaNames> left = PlanRemoval(GetChain(), szGinaDLL);
+        if (!left || !chain.Remove(szGinaDLL)) {
             return false;
         }
-        bool bRemoved = true;
-        if (chain.m_dwCount == 1 && *chain.m_pHead->m_pItem == SYSTEM_GINA) {
-            bRemoved = chain.Remove(SYSTEM_GINA);
-        }
+        const bool bRemoved = chain.m_dwCount == left->size() || chain.Remove(SYSTEM_GINA);
         WriteOutListToRegistry();
         return bRemoved;
     });
@@ -215,7 +188,7 @@ void CRegistryManager::WriteOutListToRegistry() noexcept
 {
     const COperation op(*this, s_szClass, TEXT("WriteOutListToRegistry"));
     const auto body = [this] {
-        if (!m_bChainIncomplete && !m_bListOnly) {
+        if (!m_bChainIncomplete) {
             WriteChain(*m_pKnownGinaList, *m_pGinaChainingList, *m_pWinlogonRegistry);
         }
     };
@@ -227,6 +200,66 @@ void CRegistryManager::ResyncWithRegistry(const CRegistryManager& other) noexcep
     const COperation op(*this, s_szClass, TEXT("ResyncWithRegistry"));
     op.Run(Absorb<CMessage>(), [&] {
         const CBothLocks locks(*this, other);
-        CallWithinHost([&] { CChainResync(*this, other).Run(); });
+        CallWithinHost([&] {
+            LearnRecords(other);
+            const CChain own = GetChain();
+            const CChain found = other.GetChain();
+            const CResync resync = Resync(own, found);
+            if (resync.action != ResyncAction::FollowAgain) {
+                CarryOut(resync, other);
+                return;
+            }
+            m_pWinlogonRegistry->SetGinaDLL(own.ginas.front().c_str());
+            const CRegistryManager again(szAPP, szMTM, m_pLUMRegistry, m_pWinlogonRegistry, true);
+            const CChain followed = again.GetChain();
+            CarryOut(ResyncCutOut(own, found, followed), other);
+        });
     });
+}
+
+void CRegistryManager::LearnRecords(const CRegistryManager& other)
+{
+    CKnownGinaList& known = *m_pKnownGinaList;
+    DWORD dwIndex = 0;
+    for (const auto* pNode = other.m_pKnownGinaList->m_pHead; pNode != nullptr; pNode = pNode->pNext) {
+        if (dwIndex++ >= known.m_dwCount) {
+            Append(known, MakeOwned<CGinaChainingInfoObject>(known.szAPP, known.szMTM, pNode->m_pItem));
+        }
+    }
+}
+
+void CRegistryManager::CarryOut(const CResync& resync, const CRegistryManager& other)
+{
+    CGinaChain& chain = *m_pGinaChainingList;
+    switch (resync.action) {
+    case ResyncAction::Nothing:
+    case ResyncAction::FollowAgain:
+        return;
+    case ResyncAction::TakeOver:
+        TakeChainOver(*other.m_pGinaChainingList);
+        return;
+    case ResyncAction::Write:
+        break;
+    case ResyncAction::Insert:
+        if (!InsertLink(chain, resync.place, resync.szGinaDLL, nullptr)) {
+            return;
+        }
+        break;
+    case ResyncAction::Remove:
+        chain.Remove(resync.szGinaDLL);
+        break;
+    case ResyncAction::RemoveAt:
+        RemoveLink(chain, resync.nAt);
+        break;
+    }
+    WriteOutListToRegistry();
+}
+
+/// A copy that memory does not suffice for must not take the place of the chain.
+void CRegistryManager::TakeChainOver(const CGinaChain& chain)
+{
+    COwned<CGinaChain> pCopy = MakeOwned<CGinaChain>(szAPP, szMTM);
+    if (pCopy->CopyList(chain)) {
+        m_pGinaChainingList = std::move(pCopy);
+    }
 }

@@ -5,9 +5,11 @@
 
 class CLUMRegistry;
 class CWinlogonRegistry;
+struct CResync;
 
 /// The chain of GINAs that Winlogon loads, as an ordered list: read from the registry, changed, and written
-/// back (see CChainBuilder, WriteChain).
+/// back (see CChainBuilder, WriteChain). What becomes of it is decided in Chain.h and
+/// ChainResync.h; this object locks, reads, asks, and carries the decision out on its lists.
 ///
 /// Operations never throw, report what fails, and may be called from all threads.
 class CRegistryManager : public CGlobalObject
@@ -45,7 +47,7 @@ public:
     bool operator!=(const CRegistryManager& other) const noexcept;
 
     /// Comes to terms with what others have made of the chain: other is what the registry says now, built
-    /// with bNoRepair, and differs (see CChainResync). Hold m_lock from before other is built: a change of
+    /// with bNoRepair, and differs (see ChainResync.h). Hold m_lock from before other is built: a change of
     /// the chain in between would be taken for somebody else's.
     void ResyncWithRegistry(const CRegistryManager& other) noexcept;
 
@@ -58,9 +60,6 @@ public:
     /// The chain could not be followed to its end; it is never changed or written then. Set once, when the
     /// object is made.
     bool m_bChainIncomplete;
-    /// Changes change the list and write nothing, for whoever wants to see first what would be written. Set
-    /// by the owner, while no other thread has the object.
-    bool m_bListOnly = false;
     /// Over both lists and their cursors; held for no longer than the registry takes. It comes before the
     /// locks of the two registries. The registry monitor holds it from before it builds the manager to
     /// compare with, which no other thread has.
@@ -76,7 +75,9 @@ private:
     bool RunQuery(CTracePoint point, Body body, FailureWarning warning) const noexcept;
     bool IsEqual(const CRegistryManager& other) const;
 
-    bool Place(const WCHAR* szGinaDLL, const WCHAR* szInsertBefore, bool bAtFront);
-    bool PlaceLast(const WCHAR* szGinaDLL, bool bTerminator);
+    CChain GetChain() const;
     CGinaChainingInfoObject& NeedKnown(const WCHAR* szGinaDLL);
+    void LearnRecords(const CRegistryManager& other);
+    void CarryOut(const CResync& resync, const CRegistryManager& other);
+    void TakeChainOver(const CGinaChain& chain);
 };

@@ -155,9 +155,8 @@ std::unique_ptr<CRegistryManager> CChainMachine::Build(bool bNoRepair)
 std::string CChainMachine::ChainOf(const CRegistryManager& manager)
 {
     std::string chain;
-    for (const CGinaLink* pLink = manager.m_pGinaChainingList->m_pHead; pLink != nullptr;
-         pLink = pLink->pNext) {
-        chain += (chain.empty() ? "" : " ") + Narrow(NameOf(*pLink));
+    for (const CGinaName& gina : NamesOf(*manager.m_pGinaChainingList)) {
+        chain += (chain.empty() ? "" : " ") + Narrow(gina.c_str());
     }
     return manager.m_bChainIncomplete ? chain + "..." : chain;
 }

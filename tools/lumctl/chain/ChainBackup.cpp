@@ -4,7 +4,7 @@
 
 #include "CommandError.h"
 #include "GinaNames.h"
-#include "chaining/ChainingRecord.h"
+#include "Message.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ void LearnRecords(COfflineChain& chain, const std::vector<CRegFileChange>& chang
 {
     for (const CRegFileChange& change : changes) {
         const bool bRecord = change.value && change.data && EqualNames(PathOf(change).c_str(), LUM_GINA_MTM);
-        if (bRecord && FindGina(chain.GetKnownGinas(), change.value->c_str()) == nullptr) {
+        if (bRecord) {
             chain.Learn(*change.value, TextOf(change.data));
         }
     }

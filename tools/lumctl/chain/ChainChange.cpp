@@ -1,6 +1,8 @@
 #include "ChainChange.h"
 
 #include <algorithm>
+#include <functional>
+#include <ranges>
 
 #include "CommandError.h"
 #include "JsonWriter.h"
@@ -54,6 +56,13 @@ void RefuseDanger(const CChainChange& change, const std::vector<CFinding>& findi
                                     ". Nothing was written (--force writes all the same)",
                                 STATUS_REFUSED);
         }
+    }
+}
+
+void WriteValues(const CChainValues& values, const std::vector<CValuePlace>& places)
+{
+    for (const CValuePlace& place : places) {
+        WriteValue(place, DataOf(values, place));
     }
 }
 
@@ -121,7 +130,7 @@ ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CA
         return status;
     }
     const std::string trouble = Try([&] {
-        change.write();
+        WriteValues(change.after, change.places);
         return FindUnwritten(change.after, change.places);
     });
     if (!trouble.empty()) {
@@ -138,13 +147,12 @@ std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& val
             places.push_back(place);
         }
     };
-    const CChainView view = FollowChain(chain, values, WideText());
-    for (auto link = view.links.rbegin(); link != view.links.rend(); ++link) {
-        if (link->place) {
-            add(*link->place);
+    const CChain followed = chain.Follow(values, TextOf(values.Find(WinlogonPlace())->data));
+    for (const CChainWrite& write : ListWrites(followed.ginas) | std::views::reverse) {
+        if (const std::optional<CValuePlace> place = chain.PlaceOf(write); place) {
+            add(*place);
         }
     }
-    add(WinlogonPlace());
     for (const CChainValue& value : values) {
         add(value.place);
     }
@@ -158,11 +166,4 @@ std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& bef
     std::erase_if(places,
                   [&](const CValuePlace& place) { return DataOf(before, place) == DataOf(after, place); });
     return places;
-}
-
-void WriteValues(const CChainValues& values, const std::vector<CValuePlace>& places)
-{
-    for (const CValuePlace& place : places) {
-        WriteValue(place, DataOf(values, place));
-    }
 }

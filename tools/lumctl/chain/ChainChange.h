@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include "ChainFindings.h"
 #include "Command.h"
 
@@ -13,8 +11,6 @@ struct CChainChange
     CChainValues after;
     /// Those that are written, whether they differ or not.
     std::vector<CValuePlace> places;
-    /// Writes them.
-    std::function<void()> write;
     /// What was asked for, as in "chain enable".
     std::string command;
     /// The same for a host in service, as in "gina enable"; empty when there is no such command.
@@ -34,5 +30,3 @@ std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& bef
                                    const CChainValues& after);
 /// All places of the values, in such an order.
 std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& values);
-/// Writes the values of these places.
-void WriteValues(const CChainValues& values, const std::vector<CValuePlace>& places);

@@ -9,8 +9,6 @@
 #include "GinaNames.h"
 #include "machine/RegistryFile.h"
 #include "machine/WholeFile.h"
-#include "chaining/ChainWriter.h"
-#include "chaining/KnownGinas.h"
 
 namespace {
 
@@ -27,6 +25,9 @@ struct CMachine
     }
 
     CChainView Follow() { return FollowChain(chain, values, system); }
+
+    /// The chain as the library sees it, which is empty while Winlogon names no GINA.
+    CChain Read() { return chain.Follow(values, TextOf(values.Find(WinlogonPlace())->data)); }
 
     ExitStatus Make(const CChainChange& change, std::string& output)
     {
@@ -77,56 +78,42 @@ ExitStatus Check(const CArguments& arguments, std::string& output)
                         STATUS_REFUSED);
 }
 
-/// What the manager's list, changed already, would be written as.
-CChainChange PlanWrite(CMachine& machine, const std::string& command)
+/// What a chain of these GINAs would be written as.
+CChainChange PlanWrite(CMachine& machine, const CGinaNames& ginas, const std::string& command)
 {
-    CRegistryManager& manager = machine.chain.GetManager();
-    CChainChange change{machine.values, machine.values, {}, {}, "chain " + command, "gina " + command};
-    const auto plan = [&](const CValuePlace& place, const WCHAR* szText) {
-        change.after.Set(place, szText != nullptr ? MakeText(szText) : std::nullopt);
-        change.places.push_back(place);
-    };
-    VisitChain(
-        *manager.m_pKnownGinaList, *manager.m_pGinaChainingList,
-        [&](const WCHAR* szGinaDLL) { plan(WinlogonPlace(), szGinaDLL); },
-        [&](const CGinaChainingInfoObject& info, const WCHAR* szGinaDLL) {
-            const std::optional<CValuePlace> place = PassthroughPlace(info);
-            if (place && szGinaDLL != nullptr) {
-                plan(*place, szGinaDLL);
-            }
-        });
-    change.write = [&manager] {
-        manager.m_bListOnly = false;
-        manager.WriteOutListToRegistry();
-    };
+    CChainChange change{machine.values, machine.values, {}, "chain " + command, "gina " + command};
+    for (const CChainWrite& write : ListWrites(ginas)) {
+        const std::optional<CValuePlace> place = machine.chain.PlaceOf(write);
+        const CValueData data = machine.chain.DataOf(write);
+        if (place && (data || write.szGinaDLL == nullptr)) {
+            change.after.Set(*place, data);
+            change.places.push_back(*place);
+        }
+    }
     return change;
 }
 
 ExitStatus Enable(const CArguments& arguments, std::string& output)
 {
-    static const std::string COMMAND = "chain enable";
     CMachine machine(arguments);
-    CRegistryManager& manager = machine.chain.GetManager();
-    if (manager.IsGinaInChainingList(HOST_GINA)) {
+    CChain chain = machine.Read();
+    if (chain.HasHost()) {
         output += "lum_gina.dll is in the chain already; nothing to do.\n";
         return STATUS_DONE;
     }
-    if (manager.m_bChainIncomplete) {
-        RefuseIncomplete(machine, COMMAND, output);
+    if (FindPlace(chain, chain.know, HOST_GINA, nullptr, true) == Place::Nowhere) {
+        RefuseIncomplete(machine, "chain enable", output);
     }
-    manager.m_bListOnly = true;
-    if (!manager.InsertGinaIntoChainingList(HOST_GINA, nullptr, true)) {
-        throw CCommandError(COMMAND + ": lum_gina.dll could not be put into the chain; nothing was written");
-    }
-    return machine.Make(PlanWrite(machine, "enable"), output);
+    chain.ginas.insert(chain.ginas.begin(), HOST_GINA);
+    return machine.Make(PlanWrite(machine, chain.ginas, "enable"), output);
 }
 
-/// What is to be written when a GINA is taken out of a chain that the manager cannot follow to its end: who
+/// What is to be written when a GINA is taken out of a chain that cannot be followed to its end: who
 /// has loaded it loads the one behind it, or the system's own, which ends the chain. So does one that leads
 /// back to it.
 CChainChange PlanCut(CMachine& machine, const CChainView& view, std::size_t nLink, const std::string& command)
 {
-    CChainChange change{machine.values, machine.values, {}, {}, "chain " + command, std::string()};
+    CChainChange change{machine.values, machine.values, {}, "chain " + command, std::string()};
     const bool bLast = nLink + 1 == view.links.size();
     const WideText next = bLast ? WideText(SYSTEM_GINA) : view.links[nLink + 1].gina;
     const bool bBySystem = nLink == 0 && EqualNames(next.c_str(), SYSTEM_GINA);
@@ -137,7 +124,6 @@ CChainChange PlanCut(CMachine& machine, const CChainView& view, std::size_t nLin
     }
     change.places.push_back(nLink == 0 ? WinlogonPlace() : *view.links[nLink - 1].place);
     change.after.Set(change.places.back(), bBySystem ? std::nullopt : MakeText(next.c_str()));
-    change.write = [after = change.after, places = change.places] { WriteValues(after, places); };
     return change;
 }
 
@@ -157,21 +143,16 @@ ExitStatus CutOut(CMachine& machine, const CChainView& view, std::size_t nLink, 
 ExitStatus RemoveFromChain(CMachine& machine, const WideText& gina, const std::string& command,
                            std::string& output)
 {
-    CRegistryManager& manager = machine.chain.GetManager();
-    const CChainView view = machine.Follow();
-    if (manager.m_bChainIncomplete) {
+    const std::optional<CGinaNames> left = PlanRemoval(machine.Read(), gina.c_str());
+    if (!left) {
+        const CChainView view = machine.Follow();
         const auto isGina = [&](const CLinkView& link) {
             return EqualNames(link.gina.c_str(), gina.c_str());
         };
         const auto link = std::find_if(view.links.begin(), view.links.end(), isGina);
         return CutOut(machine, view, static_cast<std::size_t>(link - view.links.begin()), command, output);
     }
-    manager.m_bListOnly = true;
-    if (!manager.RemoveGinaFromChainingList(gina.c_str())) {
-        throw CCommandError("chain " + command +
-                            ": it could not be taken out of the chain; nothing was written");
-    }
-    const CChainChange change = PlanWrite(machine, command);
+    const CChainChange change = PlanWrite(machine, *left, command);
     const CChainView after = FollowChain(machine.chain, change.after, machine.system);
     if (after.HasGina(gina.c_str()) && !after.IsSystemGinaImplied()) {
         throw CCommandError(change.command +
@@ -225,7 +206,6 @@ ExitStatus Restore(const CArguments& arguments, std::string& output)
         change.after.Set(value.place, value.data);
     }
     change.places = SafeOrder(machine.chain, change.before, change.after);
-    change.write = [&change] { WriteValues(change.after, change.places); };
     change.command = "chain restore";
     if (change.places.empty()) {
         output += "The chain is as it was backed up; nothing to do.\n";

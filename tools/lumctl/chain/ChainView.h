@@ -29,15 +29,6 @@ struct CLinkView
     bool IsHost() const;
 };
 
-/// Where a chain ends.
-enum class ChainEnd
-{
-    Complete,
-    Unknown,       ///< at a GINA of which is not known where it goes on
-    NoPassthrough, ///< at a GINA that does not say what it passes through to
-    Cycle,         ///< at a GINA that passes through to one before it
-};
-
 /// A chain as it runs: Winlogon loads the first GINA, each GINA the one after it.
 struct CChainView
 {

@@ -1,15 +1,15 @@
 #include "OfflineChain.h"
 
-#include <iterator>
+#include <utility>
 
 #include "CommandError.h"
+#include "GinaNames.h"
+#include "Message.h"
 #include "chaining/KnownGinas.h"
 
-namespace {
-
-/// A registry without this key is none, and one that is closed would look like a machine without a chain.
-const CMessageOrigin& Accessible(const CMessageOrigin& origin)
+COfflineChain::COfflineChain()
 {
+    // A registry without this key is none, and one that is closed would look like a machine without a chain.
     HKEY hKey = nullptr;
     const LONG lResult = RegOpenKeyExW(HKEY_LOCAL_MACHINE, WINLOGON_KEY, 0, KEY_ALL_ACCESS, &hKey);
     if (lResult == ERROR_FILE_NOT_FOUND) {
@@ -20,46 +20,99 @@ const CMessageOrigin& Accessible(const CMessageOrigin& origin)
         throw CCommandError("cannot open " + DescribeKey(WinlogonPlace()));
     }
     RegCloseKey(hKey);
-    return origin;
 }
 
-} // namespace
-
-COfflineChain::COfflineChain()
-    : m_winlogon(Accessible(LUM_GINA_ORIGIN).szAPP, LUM_GINA_MTM),
-      m_configuration(LUM_GINA_APP, LUM_GINA_MTM, true),
-      m_manager(LUM_GINA_APP, LUM_GINA_MTM, &m_configuration, &m_winlogon, true)
+const CChainingRecord* COfflineChain::Find(const WCHAR* szGinaDLL) const
 {
+    const CChainingRecord* pRecord = FindInTable(szGinaDLL);
+    for (const CLearned& learned : m_learned) {
+        if (pRecord == nullptr && EqualNames(learned.gina.c_str(), szGinaDLL)) {
+            pRecord = &learned.record;
+        }
+    }
+    return pRecord;
 }
 
-bool COfflineChain::Learn(const WideText& gina, const WideText& record)
+std::optional<CChainingRecord> COfflineChain::Know(const WCHAR* szGinaDLL)
 {
-    try {
-        Append(GetKnownGinas(),
-               MakeOwned<CGinaChainingInfoObject>(LUM_GINA_APP, LUM_GINA_MTM, gina.c_str(), record.c_str()));
-        return true;
-    } catch (CMessage& message) {
-        message.WriteIfUnwritten();
-        return false;
+    if (Find(szGinaDLL) == nullptr) {
+        Learn(szGinaDLL, TextOf(ReadValue(RecordPlace(szGinaDLL))));
+    }
+    const CChainingRecord* pRecord = Find(szGinaDLL);
+    return pRecord != nullptr ? std::optional(*pRecord) : std::nullopt;
+}
+
+void COfflineChain::Learn(const WideText& gina, const WideText& record)
+{
+    if (Find(gina.c_str()) != nullptr) {
+        return;
+    }
+    CLearned& learned = m_learned.emplace_back(CLearned{gina, record, {}});
+    if (const auto parsed = ParseChainingRecord(learned.text); parsed) {
+        learned.record = *parsed;
+    } else {
+        m_learned.pop_back();
     }
 }
 
 CChainValues COfflineChain::ReadValues()
 {
     CChainValues values;
-    const auto add = [&](const CValuePlace& place) { values.Set(place, ReadValue(place)); };
+    const auto add = [&](const std::optional<CValuePlace>& place) {
+        if (place) {
+            values.Set(*place, ReadValue(*place));
+        }
+    };
     add(WinlogonPlace());
-    std::size_t nKnown = 0;
-    for (const auto* pNode = GetKnownGinas().m_pHead; pNode != nullptr; pNode = pNode->pNext) {
-        const CGinaChainingInfoObject& info = *pNode->m_pItem;
-        if (++nKnown > std::size(KNOWN_GINAS)) {
-            add(RecordPlace(WideText(info.m_szGinaDLL)));
-        }
-        if (const std::optional<CValuePlace> place = PassthroughPlace(info); place) {
-            add(*place);
-        }
+    // Its chaining records are needed.
+    Follow(values, TextOf(values.Find(WinlogonPlace())->data));
+    for (const CKnownGina& known : KNOWN_GINAS) {
+        add(PassthroughPlace(known.record));
+    }
+    for (const CLearned& learned : m_learned) {
+        add(RecordPlace(learned.gina));
+        add(PassthroughPlace(learned.record));
     }
     return values;
+}
+
+CChain COfflineChain::Follow(const CChainValues& values, const WideText& gina)
+{
+    class CValuePassthroughs final : public CPassthroughs
+    {
+    public:
+        explicit CValuePassthroughs(const CChainValues& values) : m_values(values) {}
+
+        CGinaName Read(const CChainingRecord& record) override
+        {
+            const std::optional<CValuePlace> place = PassthroughPlace(record);
+            return place ? TextOf(::Read(m_values, *place)) : CGinaName();
+        }
+
+    private:
+        const CChainValues& m_values;
+    } passthroughs(values);
+    return ::Follow([this](const WCHAR* szGinaDLL) { return Know(szGinaDLL); }, passthroughs, gina);
+}
+
+std::optional<CValuePlace> COfflineChain::PlaceOf(const CChainWrite& write)
+{
+    if (write.szGinaDLL == nullptr) {
+        return WinlogonPlace();
+    }
+    const std::optional<CChainingRecord> record = Know(write.szGinaDLL);
+    return record ? PassthroughPlace(*record) : std::nullopt;
+}
+
+CValueData COfflineChain::DataOf(const CChainWrite& write)
+{
+    if (write.szText != nullptr || write.szGinaDLL == nullptr) {
+        return write.szText != nullptr ? MakeText(write.szText) : std::nullopt;
+    }
+    const std::optional<CChainingRecord> record = Know(write.szGinaDLL);
+    return record && record->szDefaultGinaDLL.data() != nullptr
+               ? MakeText(WideText(record->szDefaultGinaDLL).c_str())
+               : std::nullopt;
 }
 
 bool COfflineChain::IsHostInService()
@@ -78,10 +131,16 @@ CValuePlace RecordPlace(const WideText& gina)
     return {LUM_GINA_MTM, gina};
 }
 
-std::optional<CValuePlace> PassthroughPlace(const CGinaChainingInfoObject& info)
+std::optional<CValuePlace> PassthroughPlace(const CChainingRecord& record)
 {
-    if (info.m_bTerminator || *info.m_szSubKey == 0 || *info.m_szOldGinaDLLKey == 0) {
+    if (record.bTerminator || record.szSubKey.empty() || record.szOldGinaDLLKey.empty()) {
         return std::nullopt;
     }
-    return CValuePlace{WideText(info.m_szSubKey), WideText(info.m_szOldGinaDLLKey)};
+    return CValuePlace{WideText(record.szSubKey), WideText(record.szOldGinaDLLKey)};
+}
+
+CValueData Read(const CChainValues& values, const CValuePlace& place)
+{
+    const CChainValue* pValue = values.Find(place);
+    return pValue != nullptr ? pValue->data : ReadValue(place);
 }
