@@ -26,11 +26,6 @@ bool CChain::Has(const WCHAR* szGinaDLL) const noexcept
     return Find(ginas, szGinaDLL) != ginas.end();
 }
 
-bool CChain::HasHost() const noexcept
-{
-    return Has(HOST_GINA);
-}
-
 CChain Follow(const CKnowledge& know, CPassthroughs& passthroughs, CGinaName gina)
 {
     CChain chain{{}, ChainEnd::Complete, know};

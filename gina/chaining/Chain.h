@@ -31,7 +31,6 @@ struct CChain
     /// A chain that is not complete is never changed or written.
     bool IsComplete() const noexcept { return end == ChainEnd::Complete; }
     bool Has(const WCHAR* szGinaDLL) const noexcept;
-    bool HasHost() const noexcept;
 
     CGinaNames ginas;
     ChainEnd end = ChainEnd::Complete;

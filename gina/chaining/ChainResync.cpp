@@ -67,7 +67,7 @@ const CRow ROWS[] = {
     {[](const CChain&, const CChain& found) { return !found.IsComplete(); }, Just<ResyncAction::Write>},
 
     // The registry's chain has grown. The host comes first also when its chain has it already.
-    {[](const CChain& own, const CChain& found) { return IsLonger(found, own) && !found.HasHost(); },
+    {[](const CChain& own, const CChain& found) { return IsLonger(found, own) && !found.Has(HOST_GINA); },
      [](const CChain&, const CChain&) {
          return CResync{ResyncAction::Insert, HOST_GINA, Place::First};
      }},
@@ -80,13 +80,13 @@ const CRow ROWS[] = {
 
     // It has lost GINAs. Where the host is among them, a look at what the chain would be with it tells
     // whether others are gone as well.
-    {[](const CChain& own, const CChain& found) { return IsLonger(own, found) && found.HasHost(); },
+    {[](const CChain& own, const CChain& found) { return IsLonger(own, found) && found.Has(HOST_GINA); },
      Just<ResyncAction::Nothing>},
     {[](const CChain& own, const CChain& found) { return IsLonger(own, found); },
      Just<ResyncAction::FollowAgain>},
 
     // It is as long as the host's.
-    {[](const CChain&, const CChain& found) { return !found.HasHost(); }, Just<ResyncAction::Write>},
+    {[](const CChain&, const CChain& found) { return !found.Has(HOST_GINA); }, Just<ResyncAction::Write>},
     {[](const CChain& own, const CChain& found) { return IsIncompatible(found.know, own, found); },
      [](const CChain& own, const CChain& found) {
          return CResync{ResyncAction::RemoveAt, nullptr, Place::Nowhere, FindDifference(own, found)};

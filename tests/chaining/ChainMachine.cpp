@@ -27,8 +27,9 @@ struct CPassthrough
     {"turned.dll", RECORDED_KEY, TEXT("turned.dll")},
 };
 
-const std::set<std::string> TERMINATORS = {"msgina.dll", "qslogon.dll"};
-const std::set<std::string> OTHERS = {"wpnGina.dll", "PLinkGina.dll", "kvs_gina.dll", "rec.dll"};
+const std::set<std::string> TERMINATORS = {"msgina.dll", "qslogon.dll", "term.dll", "incterm.dll"};
+const std::set<std::string> OTHERS = {"wpnGina.dll", "PLinkGina.dll", "BVGina01.DLL", "kvs_gina.dll",
+                                      "rec.dll",     "inc.dll",       "turned.dll"};
 
 // Bottom up, since a key with subkeys cannot be deleted.
 const WCHAR* const GINA_KEYS[] = {

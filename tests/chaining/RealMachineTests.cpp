@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 #include "ChainMachine.h"
 #include "machine/MachineRegistry.h"
@@ -19,49 +20,50 @@ protected:
     }
     ~RealMachine() override { MachineRegistry::Clear(); }
 
+    using Lines = std::multiset<std::string>;
+
     /// The whole registry, as the system's editor would export it.
-    static std::vector<std::string> Export()
+    static Lines Export()
     {
         EXPECT_EQ(ERROR_SUCCESS, MachineRegistry::Save(TEXT("export.reg")));
         std::ifstream file("export.reg", std::ios::binary);
         std::string bytes((std::istreambuf_iterator<char>(file)), {});
         std::erase_if(bytes, [](char ch) { return ch == 0 || ch == '\r'; });
-        std::vector<std::string> lines;
-        std::size_t nStart = 0;
-        for (std::size_t nEnd = 0; (nEnd = bytes.find('\n', nStart)) != std::string::npos; nStart = nEnd + 1)
-        {
-            lines.push_back(bytes.substr(nStart, nEnd - nStart));
+        std::istringstream text(bytes);
+        Lines lines;
+        for (std::string line; std::getline(text, line);) {
+            lines.insert(line);
         }
         return lines;
     }
 
-    /// What an operation has changed: the lines gone, then the lines that are new.
+    /// What an operation has changed: the lines gone, then "->", then the lines that are new.
     template <typename Change>
-    static std::vector<std::string> Difference(Change change)
+    static std::string Difference(Change change)
     {
-        const std::vector<std::string> before = Export();
+        const Lines before = Export();
         change();
-        const std::vector<std::string> after = Export();
-        std::vector<std::string> difference;
-        const auto addMissing = [&](const std::string& mark, const auto& lines, const auto& others) {
-            for (const std::string& line : lines) {
-                if (std::find(others.begin(), others.end(), line) == others.end()) {
-                    difference.push_back(mark + line);
-                }
-            }
-        };
-        addMissing("-", before, after);
-        addMissing("+", after, before);
+        const Lines after = Export();
+        std::vector<std::string> lines;
+        std::set_difference(before.begin(), before.end(), after.begin(), after.end(),
+                            std::back_inserter(lines));
+        lines.push_back("->");
+        std::set_difference(after.begin(), after.end(), before.begin(), before.end(),
+                            std::back_inserter(lines));
+        std::string difference;
+        for (const std::string& line : lines) {
+            difference += line + " ";
+        }
         return difference;
     }
 };
 
 TEST_F(RealMachine, IsReadWithoutBeingChanged)
 {
-    EXPECT_TRUE(Difference([this] {
-                    EXPECT_EQ("wpnGina.dll PLinkGina.dll msgina.dll", ChainOf(*Build()));
-                    StartHost();
-                }).empty());
+    EXPECT_EQ("-> ", Difference([this] {
+                  EXPECT_EQ("wpnGina.dll PLinkGina.dll msgina.dll", ChainOf(*Build()));
+                  StartHost();
+              }));
     WCHAR szText[260] = {};
     EXPECT_TRUE(m_pWinlogon->m_pUIHost->GetRegistryString(szText, 260, false));
     EXPECT_EQ("logonui.exe", Narrow(szText));
@@ -70,27 +72,22 @@ TEST_F(RealMachine, IsReadWithoutBeingChanged)
     EXPECT_EQ(0xFFFFFFFFu, dwQuota);
 }
 
-TEST_F(RealMachine, EnablingChangesTwoValuesAndDisablingOne)
+TEST_F(RealMachine, IsChangedInNothingButTheChain)
 {
     const auto manager = Build();
-    EXPECT_EQ((std::vector<std::string>{"-\"GinaDLL\"=\"\"", "+\"GinaDLL\"=\"lum_gina.dll\""}),
-              Difference([&] {
-                  EXPECT_TRUE(manager->InsertGinaIntoChainingList(TEXT("lum_gina.dll"), nullptr, true));
-              }));
+    const auto enable = [&] {
+        EXPECT_TRUE(manager->InsertGinaIntoChainingList(TEXT("lum_gina.dll"), nullptr, true));
+    };
+    EXPECT_EQ("\"GinaDLL\"=\"\" -> \"GinaDLL\"=\"lum_gina.dll\" ", Difference(enable));
     EXPECT_EQ("lum_gina.dll wpnGina.dll PLinkGina.dll msgina.dll", ChainOf(*Build()));
-    EXPECT_EQ((std::vector<std::string>{"-\"GinaDLL\"=\"lum_gina.dll\""}),
+    EXPECT_EQ("\"GinaDLL\"=\"lum_gina.dll\" -> \"GinaDLL\"=\"wpnGina.dll\" ",
               Difference([&] { EXPECT_TRUE(manager->RemoveGinaFromChainingList(TEXT("lum_gina.dll"))); }));
     EXPECT_EQ("wpnGina.dll PLinkGina.dll msgina.dll", ChainOf(*Build()));
-}
-
-TEST_F(RealMachine, ReinstalledGinaIsKept)
-{
-    const auto manager = Build();
-    EXPECT_TRUE(manager->InsertGinaIntoChainingList(TEXT("lum_gina.dll"), nullptr, true));
-    // Its installer notes the host as the GINA to pass through to, and puts itself first.
+    enable();
+    // An installer notes the host as the GINA to pass through to, and puts its own first.
     SetString(TEXT("SOFTWARE\\Brevik Systems\\Gina"), TEXT("GinaDLL"), TEXT("lum_gina.dll"));
     SetString(WINLOGON_KEY, WINLOGON_GINA_DLL, TEXT("BVGina01.DLL"));
-    EXPECT_TRUE(Difference([&] { manager->ResyncWithRegistry(*Build(true)); }).empty());
+    EXPECT_EQ("-> ", Difference([&] { manager->ResyncWithRegistry(*Build(true)); }));
     EXPECT_EQ("BVGina01.DLL lum_gina.dll wpnGina.dll PLinkGina.dll msgina.dll", ChainOf(*manager));
 }
 

@@ -97,7 +97,7 @@ ExitStatus Enable(const CArguments& arguments, std::string& output)
 {
     CMachine machine(arguments);
     CChain chain = machine.Read();
-    if (chain.HasHost()) {
+    if (chain.Has(HOST_GINA)) {
         output += "lum_gina.dll is in the chain already; nothing to do.\n";
         return STATUS_DONE;
     }
