@@ -34,6 +34,11 @@ CLumctlMachine::CRun CLumctlMachine::Run(const std::string& commandLine)
 
 void CLumctlMachine::SetDlls(const std::string& names)
 {
+    static std::string current;
+    if (names == current) {
+        return;
+    }
+    current = names;
     for (const std::string& name : SplitNames(std::string(ALL_DLLS) + " x.dll")) {
         std::remove((FOLDER + "/" + name.substr(0, name.find('='))).c_str());
     }
