@@ -26,27 +26,26 @@ bool CChain::Has(const WCHAR* szGinaDLL) const noexcept
     return Find(ginas, szGinaDLL) != ginas.end();
 }
 
-CChain Follow(const CKnowledge& know, CPassthroughs& passthroughs, CGinaName gina)
+CChain Follow(const CChainSource& source, CGinaName gina)
 {
-    CChain chain{{}, ChainEnd::Complete, know};
+    CChain chain{{}, ChainEnd::Complete, source.know};
     while (!gina.empty()) {
         if (chain.Has(gina.c_str())) {
             chain.end = ChainEnd::Cycle;
             break;
         }
-        const std::optional<CChainingRecord> record = know(gina.c_str());
-        passthroughs.Reach(gina.c_str());
+        const std::optional<CChainingRecord> record = source.know(gina.c_str());
         chain.ginas.push_back(std::move(gina));
         if (!record) {
             chain.end = ChainEnd::Unknown;
             break;
         }
-        gina = passthroughs.Read(*record);
+        gina = source.read(*record);
         if (record->bTerminator) {
             break;
         }
-        if (gina.empty()) {
-            gina = passthroughs.Repair(chain.ginas.back().c_str(), ChooseRepair(chain, *record).c_str());
+        if (gina.empty() && source.repair) {
+            gina = source.repair(chain.ginas.back().c_str(), ChooseRepair(chain, *record).c_str());
         }
         if (gina.empty()) {
             chain.end = ChainEnd::NoPassthrough;

@@ -37,25 +37,19 @@ struct CChain
     CKnowledge know;
 };
 
-/// Where Follow finds its way.
-class CPassthroughs
+/// Where Follow finds its way. know comes first for each GINA.
+struct CChainSource
 {
-public:
-    /// A GINA has been reached. Comes after what is known of it was asked for.
-    virtual void Reach(const WCHAR* /*szGinaDLL*/) {}
-
-    /// What this GINA passes through to; empty when it does not say.
-    virtual CGinaName Read(const CChainingRecord& record) = 0;
-
-    /// The same after szPassthrough has been written there; empty when that did not help, or is not wanted.
-    virtual CGinaName Repair(const WCHAR* /*szGinaDLL*/, const WCHAR* /*szPassthrough*/) { return {}; }
-
-protected:
-    ~CPassthroughs() = default;
+    CKnowledge know;
+    /// What the GINA passes through to; empty when it does not say.
+    std::function<CGinaName(const CChainingRecord& record)> read;
+    /// The same after szPassthrough has been written there; empty when that did not help. None: write
+    /// nothing.
+    std::function<CGinaName(const WCHAR* szGinaDLL, const WCHAR* szPassthrough)> repair = {};
 };
 
 /// Follows a chain from the GINA that Winlogon loads, an empty name when it names none.
-CChain Follow(const CKnowledge& know, CPassthroughs& passthroughs, CGinaName gina);
+CChain Follow(const CChainSource& source, CGinaName gina);
 
 /// Where a GINA comes in a chain.
 enum class Place

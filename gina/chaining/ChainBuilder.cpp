@@ -1,5 +1,6 @@
 #include "ChainBuilder.h"
 
+#include "GinaNames.h"
 #include "WinlogonRegistry.h"
 
 namespace {
@@ -14,69 +15,87 @@ constexpr WCHAR TXT_CYCLE[] =
     TEXT("Gina chaining list is incomplete due to passthrough values that lead back to the same gina");
 constexpr WCHAR NO_VALUE[] = TEXT("");
 
+/// What a chain is followed with; takes the GINAs into a list on the way.
+class CChainBuilder
+{
+public:
+    CChainBuilder(CKnownGinaList& knownGinas, CGinaChain& chain) noexcept
+        : m_knownGinas(knownGinas), m_chain(chain)
+    {
+    }
+
+    std::optional<CChainingRecord> Know(const WCHAR* szGinaDLL)
+    {
+        m_pInfo = FindGina(m_knownGinas, szGinaDLL);
+        if (m_pInfo == nullptr) {
+            CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_UNKNOWN, szGinaDLL);
+            m_pInfo = LearnGina(m_knownGinas, szGinaDLL);
+        }
+        if (m_pInfo == nullptr) {
+            CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_NOT_LISTED, szGinaDLL);
+            return std::nullopt;
+        }
+        return m_pInfo->GetRecord();
+    }
+
+    void Take() { Append(m_chain, MakeLink(m_chain, m_szCurrent)); }
+
+    CGinaName ReadPassthrough()
+    {
+        if (!m_pInfo->GetOldGinaDLL(m_szCurrent, NAME_CAPACITY)) {
+            *m_szCurrent = 0;
+        }
+        return m_szCurrent;
+    }
+
+    CGinaName Repair(const WCHAR* szGinaDLL, const WCHAR* szPassthrough)
+    {
+        CPassthroughWarning(LUM_GINA_ORIGIN, TXT_BAD_PASSTHROUGH, szGinaDLL, NO_VALUE);
+        m_pInfo->SetOldGinaDLL(szPassthrough);
+        const CGinaName passthrough = ReadPassthrough();
+        if (passthrough.empty()) {
+            // The GINA's key may be closed to us; to write it again would change nothing.
+            CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_NOT_FIXED, szGinaDLL);
+        }
+        return passthrough;
+    }
+
+    /// The name that the last GINA, or Winlogon, passes on to.
+    WCHAR m_szCurrent[NAME_CAPACITY] = {};
+
+private:
+    CKnownGinaList& m_knownGinas;
+    CGinaChain& m_chain;
+    /// What is known of the GINA that was asked for last.
+    CGinaChainingInfoObject* m_pInfo = nullptr;
+};
+
 } // namespace
 
-CChainBuilder::CChainBuilder(CKnownGinaList& knownGinas, CGinaChain& chain,
-                             CWinlogonRegistry& winlogonRegistry, bool bNoRepair) noexcept
-    : m_knownGinas(knownGinas), m_chain(chain), m_winlogonRegistry(winlogonRegistry), m_bNoRepair(bNoRepair),
-      m_pInfo(nullptr), m_szCurrent{}
+bool BuildChain(CKnownGinaList& knownGinas, CGinaChain& chain, CWinlogonRegistry& winlogonRegistry,
+                bool bNoRepair)
 {
-}
-
-bool CChainBuilder::Build()
-{
-    if (!m_winlogonRegistry.GetGinaDLL(m_szCurrent, NAME_CAPACITY, false)) {
-        *m_szCurrent = 0;
+    CChainBuilder builder(knownGinas, chain);
+    if (!winlogonRegistry.GetGinaDLL(builder.m_szCurrent, NAME_CAPACITY, false)) {
+        *builder.m_szCurrent = 0;
     }
-    const auto know = [this](const WCHAR* szGinaDLL) { return Know(szGinaDLL); };
-    const ChainEnd end = Follow(know, *this, m_szCurrent).end;
+    CChainSource source{[&](const WCHAR* szGinaDLL) { return builder.Know(szGinaDLL); },
+                        [&](const CChainingRecord&) {
+                            builder.Take();
+                            return builder.ReadPassthrough();
+                        }};
+    if (!bNoRepair) {
+        source.repair = [&](const auto* szGinaDLL, const auto* szText) {
+            return builder.Repair(szGinaDLL, szText);
+        };
+    }
+    const ChainEnd end = Follow(source, builder.m_szCurrent).end;
     if (end == ChainEnd::Cycle) {
         // Followed on, it would never end.
-        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_CYCLE, m_szCurrent);
+        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_CYCLE, builder.m_szCurrent);
     } else if (end == ChainEnd::Unknown) {
-        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_INCOMPLETE, m_szCurrent);
+        builder.Take();
+        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_INCOMPLETE, builder.m_szCurrent);
     }
     return end == ChainEnd::Complete;
-}
-
-std::optional<CChainingRecord> CChainBuilder::Know(const WCHAR* szGinaDLL)
-{
-    m_pInfo = FindGina(m_knownGinas, szGinaDLL);
-    if (m_pInfo == nullptr) {
-        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_UNKNOWN, szGinaDLL);
-        m_pInfo = LearnGina(m_knownGinas, szGinaDLL);
-    }
-    if (m_pInfo == nullptr) {
-        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_NOT_LISTED, szGinaDLL);
-        return std::nullopt;
-    }
-    return m_pInfo->GetRecord();
-}
-
-void CChainBuilder::Reach(const WCHAR* szGinaDLL)
-{
-    Append(m_chain, MakeLink(m_chain, szGinaDLL));
-}
-
-CGinaName CChainBuilder::Read(const CChainingRecord& /*record*/)
-{
-    if (!m_pInfo->GetOldGinaDLL(m_szCurrent, NAME_CAPACITY)) {
-        *m_szCurrent = 0;
-    }
-    return m_szCurrent;
-}
-
-CGinaName CChainBuilder::Repair(const WCHAR* szGinaDLL, const WCHAR* szPassthrough)
-{
-    if (m_bNoRepair) {
-        return {};
-    }
-    CPassthroughWarning(LUM_GINA_ORIGIN, TXT_BAD_PASSTHROUGH, szGinaDLL, NO_VALUE);
-    m_pInfo->SetOldGinaDLL(szPassthrough);
-    const CGinaName passthrough = Read(m_pInfo->GetRecord());
-    if (passthrough.empty()) {
-        // The GINA's key may be closed to us; to write it again would change nothing.
-        CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_NOT_FIXED, szGinaDLL);
-    }
-    return passthrough;
 }

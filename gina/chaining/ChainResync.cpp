@@ -11,20 +11,30 @@ const WCHAR* LastOf(const CChain& chain) noexcept
     return chain.ginas.back().c_str();
 }
 
-/// The first position at which two chains differ, or one of them has ended.
-std::size_t FindDifference(const CChain& own, const CChain& found) noexcept
+/// The two chains that are compared.
+struct CSides
 {
-    const auto equal = [](const CGinaName& left, const CGinaName& right) { return EqualNames(left, right); };
-    const auto difference =
-        std::mismatch(own.ginas.begin(), own.ginas.end(), found.ginas.begin(), found.ginas.end(), equal);
-    return static_cast<std::size_t>(difference.first - own.ginas.begin());
-}
+    bool HasGrown() const noexcept { return found.ginas.size() > own.ginas.size(); }
+    bool HasShrunk() const noexcept { return found.ginas.size() < own.ginas.size(); }
+    bool HasHost() const noexcept { return found.Has(HOST_GINA); }
+
+    /// The first position at which they differ, or one of them has ended.
+    std::size_t FindDifference() const noexcept
+    {
+        const auto equal = [](const CGinaName& l, const CGinaName& r) { return EqualNames(l, r); };
+        return static_cast<std::size_t>(std::ranges::mismatch(own.ginas, found.ginas, equal).in1 -
+                                        own.ginas.begin());
+    }
+
+    const CChain& own;
+    const CChain& found;
+};
 
 /// Whether the GINA that the registry has where the chains differ is recorded as incompatible.
-bool IsIncompatible(const CKnowledge& know, const CChain& own, const CChain& found)
+bool IsIncompatible(const CSides& sides, const CKnowledge& know)
 {
-    const std::size_t nAt = FindDifference(own, found);
-    const auto record = nAt < found.ginas.size() ? know(found.ginas[nAt].c_str()) : std::nullopt;
+    const std::size_t nAt = sides.FindDifference();
+    const auto record = nAt < sides.found.ginas.size() ? know(sides.found.ginas[nAt].c_str()) : std::nullopt;
     return record && record->bIsIncompatible;
 }
 
@@ -38,60 +48,46 @@ bool HasLostPassthrough(const CChain& found)
 
 CResync RemoveLastOf(const CChain& broken, const CChain& own)
 {
-    return own.Has(LastOf(broken)) ? CResync{ResyncAction::Remove, LastOf(broken)}
-                                   : CResync{ResyncAction::Write};
+    return {own.Has(LastOf(broken)) ? ResyncAction::Remove : ResyncAction::Write, LastOf(broken)};
 }
-
-bool IsLonger(const CChain& left, const CChain& right) noexcept
-{
-    return left.ginas.size() > right.ginas.size();
-}
-
-/// The first row that applies is what happens.
-struct CRow
-{
-    bool (*applies)(const CChain& own, const CChain& found);
-    CResync (*decide)(const CChain& own, const CChain& found);
-};
 
 template <ResyncAction action>
-CResync Just(const CChain&, const CChain&)
+CResync Just(const CSides&)
 {
     return {action};
 }
 
-const CRow ROWS[] = {
-    {[](const CChain& own, const CChain&) { return !own.IsComplete(); }, Just<ResyncAction::Nothing>},
-    {[](const CChain&, const CChain& found) { return HasLostPassthrough(found); },
-     [](const CChain& own, const CChain& found) { return RemoveLastOf(found, own); }},
-    {[](const CChain&, const CChain& found) { return !found.IsComplete(); }, Just<ResyncAction::Write>},
+CResync InsertHost(const CSides&)
+{
+    return {ResyncAction::Insert, HOST_GINA, Place::First};
+}
 
-    // The registry's chain has grown. The host comes first also when its chain has it already.
-    {[](const CChain& own, const CChain& found) { return IsLonger(found, own) && !found.Has(HOST_GINA); },
-     [](const CChain&, const CChain&) {
-         return CResync{ResyncAction::Insert, HOST_GINA, Place::First};
-     }},
-    {[](const CChain& own, const CChain& found) {
-         return IsLonger(found, own) && IsIncompatible(own.know, own, found);
-     },
-     Just<ResyncAction::Write>},
-    {[](const CChain& own, const CChain& found) { return IsLonger(found, own); },
-     Just<ResyncAction::TakeOver>},
+CResync RemoveDiffering(const CSides& sides)
+{
+    return {ResyncAction::RemoveAt, nullptr, Place::Nowhere, sides.FindDifference()};
+}
 
-    // It has lost GINAs. Where the host is among them, a look at what the chain would be with it tells
-    // whether others are gone as well.
-    {[](const CChain& own, const CChain& found) { return IsLonger(own, found) && found.Has(HOST_GINA); },
-     Just<ResyncAction::Nothing>},
-    {[](const CChain& own, const CChain& found) { return IsLonger(own, found); },
-     Just<ResyncAction::FollowAgain>},
+using S = const CSides&;
 
-    // It is as long as the host's.
-    {[](const CChain&, const CChain& found) { return !found.Has(HOST_GINA); }, Just<ResyncAction::Write>},
-    {[](const CChain& own, const CChain& found) { return IsIncompatible(found.know, own, found); },
-     [](const CChain& own, const CChain& found) {
-         return CResync{ResyncAction::RemoveAt, nullptr, Place::Nowhere, FindDifference(own, found)};
-     }},
-    {[](const CChain&, const CChain&) { return true; }, Just<ResyncAction::Nothing>},
+/// The first row that applies is what happens.
+const struct
+{
+    bool (*applies)(S s);
+    CResync (*decide)(S s);
+} ROWS[] = {
+    {[](S s) { return !s.own.IsComplete(); }, Just<ResyncAction::Nothing>},
+    {[](S s) { return HasLostPassthrough(s.found); }, [](S s) { return RemoveLastOf(s.found, s.own); }},
+    {[](S s) { return !s.found.IsComplete(); }, Just<ResyncAction::Write>},
+    // The host comes first also when its chain has it already.
+    {[](S s) { return s.HasGrown() && !s.HasHost(); }, InsertHost},
+    {[](S s) { return s.HasGrown() && IsIncompatible(s, s.own.know); }, Just<ResyncAction::Write>},
+    {[](S s) { return s.HasGrown(); }, Just<ResyncAction::TakeOver>},
+    {[](S s) { return s.HasShrunk() && s.HasHost(); }, Just<ResyncAction::Nothing>},
+    // What the chain would be with the host tells whether others are gone as well.
+    {[](S s) { return s.HasShrunk(); }, Just<ResyncAction::FollowAgain>},
+    {[](S s) { return !s.HasHost(); }, Just<ResyncAction::Write>},
+    {[](S s) { return IsIncompatible(s, s.found.know); }, RemoveDiffering},
+    {[](S) { return true; }, Just<ResyncAction::Nothing>},
 };
 
 /// Where the registry's only GINA comes in the host's chain, whose end it is from now on.
@@ -108,9 +104,8 @@ Place PlaceEnd(const CChain& own, const CChainingRecord& end)
 
 CResync Resync(const CChain& own, const CChain& found)
 {
-    return std::find_if(std::begin(ROWS), std::end(ROWS),
-                        [&](const CRow& row) { return row.applies(own, found); })
-        ->decide(own, found);
+    const CSides sides{own, found};
+    return std::ranges::find_if(ROWS, [&](const auto& row) { return row.applies(sides); })->decide(sides);
 }
 
 CResync ResyncCutOut(const CChain& own, const CChain& found, const CChain& again)

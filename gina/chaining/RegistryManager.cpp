@@ -68,8 +68,8 @@ void CRegistryManager::BuildLists(bool bNoRepair)
 {
     try {
         AddKnownGinas(*m_pKnownGinaList);
-        CChainBuilder builder(*m_pKnownGinaList, *m_pGinaChainingList, *m_pWinlogonRegistry, bNoRepair);
-        m_bChainIncomplete = !builder.Build();
+        m_bChainIncomplete =
+            !BuildChain(*m_pKnownGinaList, *m_pGinaChainingList, *m_pWinlogonRegistry, bNoRepair);
     } catch (...) {
         ReportIf<CMessage>();
         CWarning(*this, ERR_UNHANDLED_EXCEPTION);

@@ -8,7 +8,7 @@ class CWinlogonRegistry;
 struct CResync;
 
 /// The chain of GINAs that Winlogon loads, as an ordered list: read from the registry, changed, and written
-/// back (see CChainBuilder, WriteChain). What becomes of it is decided in Chain.h and
+/// back (see BuildChain, WriteChain). What becomes of it is decided in Chain.h and
 /// ChainResync.h; this object locks, reads, asks, and carries the decision out on its lists.
 ///
 /// Operations never throw, report what fails, and may be called from all threads.

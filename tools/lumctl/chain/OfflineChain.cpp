@@ -1,7 +1,5 @@
 #include "OfflineChain.h"
 
-#include <utility>
-
 #include "CommandError.h"
 #include "GinaNames.h"
 #include "Message.h"
@@ -78,21 +76,11 @@ CChainValues COfflineChain::ReadValues()
 
 CChain COfflineChain::Follow(const CChainValues& values, const WideText& gina)
 {
-    class CValuePassthroughs final : public CPassthroughs
-    {
-    public:
-        explicit CValuePassthroughs(const CChainValues& values) : m_values(values) {}
-
-        CGinaName Read(const CChainingRecord& record) override
-        {
-            const std::optional<CValuePlace> place = PassthroughPlace(record);
-            return place ? TextOf(::Read(m_values, *place)) : CGinaName();
-        }
-
-    private:
-        const CChainValues& m_values;
-    } passthroughs(values);
-    return ::Follow([this](const WCHAR* szGinaDLL) { return Know(szGinaDLL); }, passthroughs, gina);
+    const auto read = [&](const CChainingRecord& record) {
+        const std::optional<CValuePlace> place = PassthroughPlace(record);
+        return place ? TextOf(Read(values, *place)) : CGinaName();
+    };
+    return ::Follow({[this](const WCHAR* szGinaDLL) { return Know(szGinaDLL); }, read}, gina);
 }
 
 std::optional<CValuePlace> COfflineChain::PlaceOf(const CChainWrite& write)
