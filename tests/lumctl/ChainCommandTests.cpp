@@ -238,13 +238,13 @@ TEST_F(ChainCommands, RefuseWhileAHostIsInService)
     SetDword(VOLATILE_KEY, TEXT("Enabled"), 1);
     const CRun run = Run("chain disable");
     EXPECT_EQ(STATUS_REFUSED, run.status);
-    EXPECT_NE(std::string::npos, run.error.find("is in service")) << run.error;
-    EXPECT_NE(std::string::npos, run.error.find("use lumctl gina disable")) << run.error;
+    EXPECT_TRUE(Has(run.error, "is in service")) << run.error;
+    EXPECT_TRUE(Has(run.error, "use lumctl gina disable")) << run.error;
     EXPECT_EQ(STATUS_REFUSED, Run("chain disable --force").status) << "that is about something else";
     EXPECT_EQ(ValuesOf("lum_gina.dll msgina.dll"), GetValues());
     SetDlls("msgina.dll");
-    EXPECT_NE(std::string::npos, Run("chain check").output.find("or lumctl gina disable\n"));
-    EXPECT_NE(std::string::npos, Run("chain show --json").output.find("\"inService\": true"));
+    EXPECT_TRUE(Has(Run("chain check").output, "or lumctl gina disable\n"));
+    EXPECT_TRUE(Has(Run("chain show --json").output, "\"inService\": true"));
     EXPECT_EQ(STATUS_DONE, Run("chain disable --in-service").status);
 }
 
@@ -273,22 +273,17 @@ TEST_F(ChainCommands, RestoreMakesTheChainWhatItWas)
         }
     }
     EXPECT_EQ(STATUS_FAILED, Run("chain backup saved.reg").status) << "replaces an older one";
-}
 
-TEST_F(ChainCommands, RestoreBringsAChainingRecordBack)
-{
-    SetRecord("rec.dll", "msgina.dll,0,0,0,0");
-    const Values saved = ValuesOf("rec.dll msgina.dll");
-    SetValues(saved);
+    // A chaining record comes back with its GINA.
+    SetValues(ValuesOf("rec.dll msgina.dll"));
     EXPECT_EQ(STATUS_DONE, Run("chain backup --force saved.reg").status);
     const std::string record = GetValue(OWN_KEY, TEXT("rec.dll"));
     SetValues({});
     RegDeleteKeyW(HKEY_LOCAL_MACHINE, VOLATILE_KEY);
     RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY);
-    const CRun run = Run("chain restore saved.reg");
-    EXPECT_EQ(STATUS_DONE, run.status) << run.error << run.output;
+    EXPECT_EQ(STATUS_DONE, Run("chain restore saved.reg").status);
     EXPECT_EQ(record, GetValue(OWN_KEY, TEXT("rec.dll")));
-    EXPECT_EQ(saved, GetValues());
+    EXPECT_EQ(ValuesOf("rec.dll msgina.dll"), GetValues());
 }
 
 TEST_F(ChainCommands, RestoreRefusesWhatIsNoBackup)
@@ -321,7 +316,7 @@ TEST_F(ChainCommands, RestoreRefusesWhatIsNoBackup)
         WriteFile("bad.reg", "Windows Registry Editor Version 5.00\r\n\r\n" + row.text);
         const CRun run = Run("chain restore bad.reg");
         EXPECT_NE(STATUS_DONE, run.status);
-        EXPECT_NE(std::string::npos, run.error.find(row.szError)) << run.error;
+        EXPECT_TRUE(Has(run.error, row.szError)) << run.error;
         EXPECT_EQ(before, GetValues());
     }
     EXPECT_EQ(STATUS_FAILED, Run("chain restore none.reg").status);
@@ -332,7 +327,7 @@ TEST_F(ChainCommands, AValueThatIsNoTextIsNamedAndKept)
     SetValues(ValuesOf("wpnGina.dll"));
     SetDword(TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"), TEXT("OldGinaDLL"), 1);
     const std::string findings = Run("chain check").output;
-    EXPECT_NE(std::string::npos, findings.find("OldGinaDLL is (no text: 4 bytes of type 4)")) << findings;
+    EXPECT_TRUE(Has(findings, "OldGinaDLL is (no text: 4 bytes of type 4)")) << findings;
     EXPECT_EQ(STATUS_DONE, Run("chain backup --force saved.reg").status);
     SetValues(ValuesOf("wpnGina.dll"));
     const CRun run = Run("chain restore saved.reg");
@@ -384,7 +379,7 @@ TEST_F(ChainCommands, JsonTellsWhatTheTextTells)
               Run("chain check --json").output);
     SetString(WINLOGON_KEY, WINLOGON_GINA_DLL, TEXT("\u00E9\"\\.dll"));
     const std::string shown = Run("chain show --json").output;
-    EXPECT_NE(std::string::npos, shown.find("\"text\": \"\\u00e9\\\"\\\\.dll\"")) << shown;
+    EXPECT_TRUE(Has(shown, "\"text\": \"\\u00e9\\\"\\\\.dll\"")) << shown;
 }
 
 TEST_F(ChainCommands, SayWhatIsWrongWithACommandLine)

@@ -62,7 +62,14 @@ void RefuseDanger(const CChainChange& change, const std::vector<CFinding>& findi
 void WriteValues(const CChainValues& values, const std::vector<CValuePlace>& places)
 {
     for (const CValuePlace& place : places) {
-        WriteValue(place, DataOf(values, place));
+        try {
+            WriteValue(place, DataOf(values, place));
+        } catch (const CCommandError&) {
+            // One that says already what it is to say need not be written.
+            if (ReadValue(place) != DataOf(values, place)) {
+                throw;
+            }
+        }
     }
 }
 
