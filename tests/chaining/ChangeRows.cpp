@@ -12,6 +12,7 @@ const std::vector<CChangeMachine::CRow> CChangeMachine::ROWS = {
     // Before another.
     {"wpnGina.dll msgina.dll", "insert lum_gina.dll before MSGINA.dll", "wpnGina.dll lum_gina.dll msgina.dll"},
     {"wpnGina.dll msgina.dll", "insert PLinkGina.dll before msgina.dll", "wpnGina.dll PLinkGina.dll msgina.dll", nullptr, {"2: PLinkGina.dll loads nothing", "3: PLinkGina.dll loads nothing", "4: PLinkGina.dll loads nothing"}},
+    {"wpnGina.dll msgina.dll", "insert PLinkGina.dll before msgina.dll, insert lum_gina.dll first", "lum_gina.dll wpnGina.dll PLinkGina.dll msgina.dll"},
     {"lum_gina.dll msgina.dll", "insert rec.dll before lum_gina.dll", "rec.dll lum_gina.dll msgina.dll", nullptr, {"1: rec.dll loads nothing", "2: rec.dll loads nothing", "3: rec.dll loads nothing"}},
     {"lum_gina.dll msgina.dll", "insert wpnGina.dll before PLinkGina.dll", nullptr},
     {"lum_gina.dll msgina.dll", "insert qslogon.dll before msgina.dll", nullptr},
@@ -49,6 +50,7 @@ const std::vector<CChangeMachine::CRow> CChangeMachine::ROWS = {
     {"", "remove lum_gina.dll", nullptr},
     {"lum_gina.dll x.dll", "remove lum_gina.dll", nullptr},
     {"lum_gina.dll msgina.dll", "remove -", nullptr},
+    {"", "insert x.dll first, remove x.dll", nullptr},
 
     // The host knows no end of its chain, or the registry's breaks off.
     {"x.dll", "resync Winlogon=msgina.dll", "x.dll...", "msgina.dll"},
@@ -58,6 +60,7 @@ const std::vector<CChangeMachine::CRow> CChangeMachine::ROWS = {
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync lum_gina.dll=", "lum_gina.dll wpnGina.dll msgina.dll"},
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync wpnGina.dll=lum_gina.dll", "lum_gina.dll msgina.dll"},
     {"lum_gina.dll msgina.dll", "resync Winlogon=PLinkGina.dll PLinkGina.dll=", "lum_gina.dll msgina.dll"},
+    {"lum_gina.dll rec.dll msgina.dll", "record rec.dll=none, resync", "lum_gina.dll rec.dll msgina.dll", "lum_gina.dll rec.dll..."},
 
     // It has grown: by what passes by the host, by something incompatible, by what the host stays behind.
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync Winlogon=PLinkGina.dll PLinkGina.dll=wpnGina.dll", "lum_gina.dll wpnGina.dll msgina.dll"},
@@ -88,7 +91,7 @@ const std::vector<CChangeMachine::CRow> CChangeMachine::ROWS = {
     {"rec.dll lum_gina.dll msgina.dll", "resync Winlogon=lum_gina.dll lum_gina.dll=wpnGina.dll wpnGina.dll=PLinkGina.dll PLinkGina.dll=term.dll, resync Winlogon=qslogon.dll", "lum_gina.dll wpnGina.dll PLinkGina.dll qslogon.dll"},
 
     // It is as long as before.
-    {"lum_gina.dll wpnGina.dll msgina.dll", "resync lum_gina.dll=inc.dll inc.dll=msgina.dll", "lum_gina.dll msgina.dll"},
+    {"lum_gina.dll wpnGina.dll msgina.dll", "resync Winlogon=LUM_GINA.DLL lum_gina.dll=inc.dll inc.dll=msgina.dll", "lum_gina.dll msgina.dll"},
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync lum_gina.dll=rec.dll rec.dll=msgina.dll", "lum_gina.dll wpnGina.dll msgina.dll", "lum_gina.dll rec.dll msgina.dll"},
     {"lum_gina.dll msgina.dll", "resync Winlogon=wpnGina.dll wpnGina.dll=msgina.dll", "lum_gina.dll msgina.dll"},
     {"wpnGina.dll lum_gina.dll msgina.dll", "resync Winlogon=PLinkGina.dll PLinkGina.dll=kvs_gina.dll kvs_gina.dll=msgina.dll wpnGina.dll=", "wpnGina.dll lum_gina.dll msgina.dll", nullptr, {"1: wpnGina.dll loads nothing"}},

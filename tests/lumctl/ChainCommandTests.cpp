@@ -64,6 +64,16 @@ TEST_F(ChainCommands, ChangeTheChainOrSayWhyNot)
 {
     const char* const WITHOUT_HOST = "msgina.dll";
     const char* const WITHOUT_OTHERS = "msgina.dll lum_gina.dll=lum_gina.dll";
+    const char* const ENABLED =
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon\n"
+        "  GinaDLL: \"wpnGina.dll\" -> \"lum_gina.dll\"\n"
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina\n"
+        "  GinaDLL: (none) -> \"wpnGina.dll\"\n"
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tamsin\\Airlink\\wpnGina\n"
+        "  OldGinaDLL: \"PLinkGina.dll\" (stays)\n"
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\PortLink\\PLinkGina\n"
+        "  OldGinaDLL: \"msgina.dll\" (stays)\n";
+    // clang-format off
     const struct
     {
         const char* szDlls;
@@ -75,48 +85,30 @@ TEST_F(ChainCommands, ChangeTheChainOrSayWhyNot)
     } rows[] = {
         {ALL_DLLS, "", "enable", STATUS_DONE, "lum_gina.dll msgina.dll"},
         {ALL_DLLS, "msgina.dll", "enable", STATUS_DONE, "lum_gina.dll msgina.dll"},
-        {ALL_DLLS, "wpnGina.dll PLinkGina.dll msgina.dll", "enable", STATUS_DONE,
-         "lum_gina.dll wpnGina.dll PLinkGina.dll msgina.dll",
-         "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon\n"
-         "  GinaDLL: \"wpnGina.dll\" -> \"lum_gina.dll\"\n"
-         "HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina\n"
-         "  GinaDLL: (none) -> \"wpnGina.dll\"\n"
-         "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tamsin\\Airlink\\wpnGina\n"
-         "  OldGinaDLL: \"PLinkGina.dll\" (stays)\n"
-         "HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\PortLink\\PLinkGina\n"
-         "  OldGinaDLL: \"msgina.dll\" (stays)\n"},
+        {ALL_DLLS, "wpnGina.dll PLinkGina.dll msgina.dll", "enable", STATUS_DONE, "lum_gina.dll wpnGina.dll PLinkGina.dll msgina.dll", ENABLED},
         {ALL_DLLS, "wpnGina.dll lum_gina.dll msgina.dll", "enable", STATUS_DONE, nullptr, "nothing to do"},
         {ALL_DLLS, "lum_gina.dll msgina.dll", "disable", STATUS_DONE, ""},
         {ALL_DLLS, "lum_gina.dll wpnGina.dll msgina.dll", "disable", STATUS_DONE, "wpnGina.dll msgina.dll"},
         {ALL_DLLS, "wpnGina.dll msgina.dll", "disable", STATUS_DONE, nullptr, "nothing to do"},
         {ALL_DLLS, "", "disable", STATUS_DONE, nullptr, "nothing to do"},
-        {ALL_DLLS, "lum_gina.dll wpnGina.dll msgina.dll", "remove WPNGINA.dll", STATUS_DONE,
-         "lum_gina.dll msgina.dll"},
-        {ALL_DLLS, "lum_gina.dll rec.dll msgina.dll", "remove lum_gina.dll", STATUS_DONE,
-         "rec.dll msgina.dll"},
-        {ALL_DLLS, "lum_gina.dll wpnGina.dll qslogon.dll", "remove qslogon.dll", STATUS_DONE,
-         "lum_gina.dll wpnGina.dll msgina.dll"},
+        {ALL_DLLS, "lum_gina.dll wpnGina.dll msgina.dll", "remove WPNGINA.dll", STATUS_DONE, "lum_gina.dll msgina.dll"},
+        {ALL_DLLS, "lum_gina.dll rec.dll msgina.dll", "remove lum_gina.dll", STATUS_DONE, "rec.dll msgina.dll"},
+        {ALL_DLLS, "lum_gina.dll wpnGina.dll qslogon.dll", "remove qslogon.dll", STATUS_DONE, "lum_gina.dll wpnGina.dll msgina.dll"},
         // Nothing is made up for a GINA without a default.
-        {ALL_DLLS, "lum_gina.dll kvs_gina.dll qslogon.dll", "remove qslogon.dll", STATUS_REFUSED, nullptr,
-         "it would stay in the chain"},
-        {ALL_DLLS, "lum_gina.dll wpnGina.dll msgina.dll", "remove msgina.dll", STATUS_REFUSED, nullptr,
-         "it would stay in the chain"},
-        {ALL_DLLS, "lum_gina.dll msgina.dll", "remove wpnGina.dll", STATUS_REFUSED, nullptr,
-         "no such GINA in the chain"},
+        {ALL_DLLS, "lum_gina.dll kvs_gina.dll qslogon.dll", "remove qslogon.dll", STATUS_REFUSED, nullptr, "it would stay in the chain"},
+        {ALL_DLLS, "lum_gina.dll wpnGina.dll msgina.dll", "remove msgina.dll", STATUS_REFUSED, nullptr, "it would stay in the chain"},
+        {ALL_DLLS, "lum_gina.dll msgina.dll", "remove wpnGina.dll", STATUS_REFUSED, nullptr, "no such GINA in the chain"},
         {ALL_DLLS, "", "remove msgina.dll", STATUS_REFUSED, nullptr, "no such GINA in the chain"},
         {ALL_DLLS, "x.dll", "enable --force", STATUS_REFUSED, nullptr, "cannot be followed to its end"},
-        {"x.dll msgina.dll", "x.dll", "remove x.dll", STATUS_REFUSED, nullptr,
-         "cannot be followed to its end"},
+        {"x.dll msgina.dll", "x.dll", "remove x.dll", STATUS_REFUSED, nullptr, "cannot be followed to its end"},
         {"x.dll msgina.dll", "x.dll", "remove x.dll --force", STATUS_DONE, ""},
         // What keeps the machine from coming up is done when it must be.
-        {WITHOUT_HOST, "msgina.dll", "enable", STATUS_REFUSED, nullptr,
-         "lum_gina.dll, and there is no such DLL"},
+        {WITHOUT_HOST, "msgina.dll", "enable", STATUS_REFUSED, nullptr, "lum_gina.dll, and there is no such DLL"},
         {WITHOUT_HOST, "msgina.dll", "enable --force", STATUS_BAD, "lum_gina.dll msgina.dll"},
-        {WITHOUT_OTHERS, "lum_gina.dll PLinkGina.dll msgina.dll", "disable", STATUS_REFUSED, nullptr,
-         "Winlogon loads PLinkGina.dll"},
-        {WITHOUT_OTHERS, "lum_gina.dll PLinkGina.dll msgina.dll", "disable --force", STATUS_BAD,
-         "PLinkGina.dll msgina.dll"},
+        {WITHOUT_OTHERS, "lum_gina.dll PLinkGina.dll msgina.dll", "disable", STATUS_REFUSED, nullptr, "Winlogon loads PLinkGina.dll"},
+        {WITHOUT_OTHERS, "lum_gina.dll PLinkGina.dll msgina.dll", "disable --force", STATUS_BAD, "PLinkGina.dll msgina.dll"},
     };
+    // clang-format on
     SetRecord("rec.dll", "msgina.dll,0,0,0,0");
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string("[") + row.szChain + "] " + row.szCommand);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <ranges>
 
 #include "CommandError.h"
 #include "JsonWriter.h"
@@ -155,8 +154,9 @@ std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& val
         }
     };
     const CChain followed = chain.Follow(values, TextOf(values.Find(WinlogonPlace())->data));
-    for (const CChainWrite& write : ListWrites(followed.ginas) | std::views::reverse) {
-        if (const std::optional<CValuePlace> place = chain.PlaceOf(write); place) {
+    const std::vector<CChainWrite> writes = ListWrites(followed.ginas);
+    for (auto write = writes.rbegin(); write != writes.rend(); ++write) {
+        if (const std::optional<CValuePlace> place = chain.PlaceOf(*write); place) {
             add(*place);
         }
     }
