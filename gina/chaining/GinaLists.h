@@ -8,7 +8,6 @@
 
 using CKnownGinaList = CListEx<CGinaChainingInfoObject>;
 using CGinaChain = CListEx<CGinaChainingObject>;
-using CGinaLink = CGinaChain::Node;
 
 /// Gives an item to the list, at its end. Throws CMemAllocException.
 template <typename T>

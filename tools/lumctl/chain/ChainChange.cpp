@@ -153,7 +153,7 @@ std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& val
             places.push_back(place);
         }
     };
-    const CChain followed = chain.Follow(values, TextOf(values.Find(WinlogonPlace())->data));
+    const CChain followed = chain.Follow(values);
     const std::vector<CChainWrite> writes = ListWrites(followed.ginas);
     for (auto write = writes.rbegin(); write != writes.rend(); ++write) {
         if (const std::optional<CValuePlace> place = chain.PlaceOf(*write); place) {

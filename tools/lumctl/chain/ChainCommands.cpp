@@ -26,9 +26,6 @@ struct CMachine
 
     CChainView Follow() { return FollowChain(chain, values, system); }
 
-    /// The chain as the library sees it, which is empty while Winlogon names no GINA.
-    CChain Read() { return chain.Follow(values, TextOf(values.Find(WinlogonPlace())->data)); }
-
     ExitStatus Make(const CChainChange& change, std::string& output)
     {
         const ExitStatus status = MakeChange(chain, change, arguments, output);
@@ -96,7 +93,7 @@ CChainChange PlanWrite(CMachine& machine, const CGinaNames& ginas, const std::st
 ExitStatus Enable(const CArguments& arguments, std::string& output)
 {
     CMachine machine(arguments);
-    CChain chain = machine.Read();
+    CChain chain = machine.chain.Follow(machine.values);
     if (chain.Has(HOST_GINA)) {
         output += "lum_gina.dll is in the chain already; nothing to do.\n";
         return STATUS_DONE;
@@ -143,7 +140,7 @@ ExitStatus CutOut(CMachine& machine, const CChainView& view, std::size_t nLink, 
 ExitStatus RemoveFromChain(CMachine& machine, const WideText& gina, const std::string& command,
                            std::string& output)
 {
-    const std::optional<CGinaNames> left = PlanRemoval(machine.Read(), gina.c_str());
+    const std::optional<CGinaNames> left = PlanRemoval(machine.chain.Follow(machine.values), gina.c_str());
     if (!left) {
         const CChainView view = machine.Follow();
         const auto isGina = [&](const CLinkView& link) {

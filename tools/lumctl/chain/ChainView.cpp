@@ -63,8 +63,7 @@ CChainView FollowChain(COfflineChain& chain, const CChainValues& values, const W
     CChainView view;
     view.winlogon = values.Find(WinlogonPlace())->data;
     view.bInService = COfflineChain::IsHostInService();
-    const CChain followed =
-        chain.Follow(values, view.IsSystemGinaImplied() ? SYSTEM_GINA : TextOf(view.winlogon));
+    const CChain followed = chain.Follow(values);
     for (const CGinaName& gina : followed.ginas) {
         view.links.push_back(LookAt(chain, values, system, gina));
     }

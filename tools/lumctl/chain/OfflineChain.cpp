@@ -63,7 +63,7 @@ CChainValues COfflineChain::ReadValues()
     };
     add(WinlogonPlace());
     // Its chaining records are needed.
-    Follow(values, TextOf(values.Find(WinlogonPlace())->data));
+    Follow(values);
     for (const CKnownGina& known : KNOWN_GINAS) {
         add(PassthroughPlace(known.record));
     }
@@ -74,13 +74,15 @@ CChainValues COfflineChain::ReadValues()
     return values;
 }
 
-CChain COfflineChain::Follow(const CChainValues& values, const WideText& gina)
+CChain COfflineChain::Follow(const CChainValues& values)
 {
     const auto read = [&](const CChainingRecord& record) {
         const std::optional<CValuePlace> place = PassthroughPlace(record);
         return place ? TextOf(Read(values, *place)) : CGinaName();
     };
-    return ::Follow({[this](const WCHAR* szGinaDLL) { return Know(szGinaDLL); }, read}, gina);
+    const WideText first = TextOf(values.Find(WinlogonPlace())->data);
+    return ::Follow({[this](const WCHAR* szGinaDLL) { return Know(szGinaDLL); }, read},
+                    first.empty() ? SYSTEM_GINA : first);
 }
 
 std::optional<CValuePlace> COfflineChain::PlaceOf(const CChainWrite& write)

@@ -24,9 +24,9 @@ public:
     /// registry has them now. Throws CCommandError when one cannot be read.
     CChainValues ReadValues();
 
-    /// The chain that the values make from its first GINA on. A GINA of which has only been learned on the
-    /// way has its value in the registry alone.
-    CChain Follow(const CChainValues& values, const WideText& gina);
+    /// The chain that the values make; when Winlogon names no GINA, the system's own. A GINA that has only
+    /// been learned of on the way has its value in the registry alone.
+    CChain Follow(const CChainValues& values);
 
     /// Where a value of a written chain lies; nothing for a GINA that has none.
     std::optional<CValuePlace> PlaceOf(const CChainWrite& write);
