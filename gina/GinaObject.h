@@ -39,7 +39,7 @@ struct CSlotPoint : CTracePoint
 /// they stand here, and read the fields. So no operation may be added, removed or moved, nothing may
 /// be added before m_pGinaPluginContext, and what would be a virtual destructor is the first operation.
 ///
-/// The chained operations take the node of the list that holds the object, then the arguments of the
+/// The forwarded operations take the node of the list that holds the object, then the arguments of the
 /// Wlx function of the same name. An object does not lock; its operations run on the caller's thread.
 /// An operation may throw an exception of the catalogue. When a DLL called it, the exception travels
 /// through the DLL's frames (see FaultGuard.h).
@@ -71,7 +71,7 @@ public:
                                   DWORD dwBufferSize) = 0;
     /// pLUMObject: the host's control operations; dwInstanceCount: initialisations since the machine
     /// started; then the arguments of WlxInitialize; the load flags are 0 when Winlogon initialises the
-    /// host and 1 when a plugin is added to the running system. Not chained.
+    /// host and 1 when a plugin is added to the running system. Not forwarded.
     virtual bool Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount, LPWSTR lpWinsta, HANDLE hWlx,
                             PVOID pvReserved, PVOID pWinlogonFunctions, PVOID* pWlxContext, DWORD dwLoadFlag1,
                             DWORD dwLoadFlag2) = 0;
@@ -82,14 +82,14 @@ public:
                              PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
                              PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile) = 0;
     virtual void Logoff(GinaNode* pNode, PVOID pWlxContext) = 0;
-    /// Not chained, and not called by the host: an object negotiates when it is constructed.
+    /// Not forwarded, and not called by the host: an object negotiates when it is constructed.
     virtual bool Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion, CGinaPluginInfo* pPluginInfo) = 0;
     virtual bool NetworkProviderLoad(GinaNode* pNode, PVOID pWlxContext,
                                      PWLX_MPR_NOTIFY_INFO pNprNotifyInfo) = 0;
-    /// A query whose meaning lies between a client of the control channel and the plugin. Not chained.
+    /// A query whose meaning lies between a client of the control channel and the plugin. Not forwarded.
     virtual bool QueryPlugin(CGinaPluginInfo* pPluginInfo, DWORD dwQueryParam1, DWORD dwQueryParam2,
                              DWORD dwQueryParam3) = 0;
-    /// Fills the caller's record. Not chained.
+    /// Fills the caller's record. Not forwarded.
     virtual bool QueryPluginInfo(CGinaPluginInfo* pPluginInfo) = 0;
     virtual void ReconnectNotify(GinaNode* pNode, PVOID pWlxContext) = 0;
     virtual bool RemoveStatusMessage(GinaNode* pNode, PVOID pWlxContext) = 0;
@@ -109,6 +109,8 @@ public:
     /// What the object was built with, whatever a plugin has written over it.
     operator CMessageOrigin() const noexcept { return m_origin; }
 
+    /// Only for delete, which goes through the first slot: classes further down are not destroyed by it.
+    ~CGinaObject();
     CGinaObject(const CGinaObject&) = delete;
     CGinaObject& operator=(const CGinaObject&) = delete;
 
@@ -120,8 +122,6 @@ protected:
     /// CBadArgException for a missing one, CUnhandledExceptionException for any other failure.
     CGinaObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance, const WCHAR* szGinaDLLName,
                 DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
-    ~CGinaObject();
-
     CGinaPluginInfo& GetPluginInfo() const noexcept { return m_pContext->m_GinaPluginInfo; }
 
     /// Keeps Winlogon's handle in the context, for the plugin to find.

@@ -6,7 +6,8 @@
 CGinaPluginObject::CGinaPluginObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance,
                                      const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion,
                                      DWORD dwUsingWlxVersion)
-    : CChainedGinaObject(szAPPArg, szMTMArg, hInstance, szGinaDLLName, dwUsingLUMVersion, dwUsingWlxVersion)
+    : CForwardingGinaObject(szAPPArg, szMTMArg, hInstance, szGinaDLLName, dwUsingLUMVersion,
+                            dwUsingWlxVersion)
 {
     const CConstructionTrace trace(*this, s_szClass);
     Hook();
@@ -35,7 +36,7 @@ void CGinaPluginObject::NegotiateVersions()
 
 void CGinaPluginObject::DynamicUnload()
 {
-    CallUnchained<void>(TEXT("DynamicUnload"), m_DynamicUnload);
+    CallDirectly<void>(TEXT("DynamicUnload"), m_DynamicUnload);
 }
 
 bool CGinaPluginObject::Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount, LPWSTR lpWinsta,
@@ -53,18 +54,18 @@ bool CGinaPluginObject::Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount
 
 bool CGinaPluginObject::Negotiate(DWORD, DWORD*, CGinaPluginInfo* pPluginInfo)
 {
-    return CallUnchained<bool>(TEXT("Negotiate"), m_Negotiate, pPluginInfo);
+    return CallDirectly<bool>(TEXT("Negotiate"), m_Negotiate, pPluginInfo);
 }
 
 bool CGinaPluginObject::QueryPlugin(CGinaPluginInfo* pPluginInfo, DWORD dwQueryParam1, DWORD dwQueryParam2,
                                     DWORD dwQueryParam3)
 {
-    return CallUnchained<bool, CUnexpectedEndOfListException>(TEXT("QueryPlugin"), m_QueryPlugin, pPluginInfo,
-                                                              dwQueryParam1, dwQueryParam2, dwQueryParam3);
+    return CallDirectly<bool, CUnexpectedEndOfListException>(TEXT("QueryPlugin"), m_QueryPlugin, pPluginInfo,
+                                                             dwQueryParam1, dwQueryParam2, dwQueryParam3);
 }
 
 bool CGinaPluginObject::QueryPluginInfo(CGinaPluginInfo* pPluginInfo)
 {
-    return CallUnchained<bool, CUnexpectedEndOfListException>(TEXT("QueryPluginInfo"), m_QueryPluginInfo,
-                                                              pPluginInfo);
+    return CallDirectly<bool, CUnexpectedEndOfListException>(TEXT("QueryPluginInfo"), m_QueryPluginInfo,
+                                                             pPluginInfo);
 }

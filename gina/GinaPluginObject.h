@@ -1,13 +1,13 @@
 #pragma once
 
-#include "ChainedGinaObject.h"
+#include "ForwardingGinaObject.h"
 #include "Exceptions.h"
 
 /// A plugin: a DLL with the LUM exports, in front of the standard GINA.
 ///
-/// Its chained operations hand it the node of the list that holds it, and refuse a call that no object
+/// Its forwarded operations hand it the node of the list that holds it, and refuse a call that no object
 /// follows in. All exports that the version it negotiates calls for must be there.
-class CGinaPluginObject final : public CChainedGinaObject<CGinaPluginObject>
+class CGinaPluginObject final : public CForwardingGinaObject<CGinaPluginObject>
 {
 public:
     /// Loads the DLL, negotiates with it and resolves its exports; arguments as for CGinaObject. Throws
@@ -28,7 +28,7 @@ public:
     bool QueryPluginInfo(CGinaPluginInfo* pPluginInfo) override;
 
 private:
-    friend class CChainedGinaObject;
+    friend class CForwardingGinaObject;
 
     static constexpr const WCHAR* s_szClass = TEXT("CGinaPluginObject");
 
@@ -36,7 +36,7 @@ private:
     [[noreturn]] void HookFailed(CSourceLocation where) const;
 
     template <typename Result, typename Function, typename... Args>
-    Result Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
+    Result Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
 
     // In the order in which they are resolved. A BYTE result is a byte boolean: the rest of the register
     // that it comes in says nothing.
@@ -81,10 +81,10 @@ private:
                                                                   WLX_VERSION_1_3};
 };
 
-/// A chained operation: another object follows the plugin, or it is not called.
+/// A forwarded operation: another object follows the plugin, or it is not called.
 template <typename Result, typename Function, typename... Args>
-Result CGinaPluginObject::Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
-                                Args... args)
+Result CGinaPluginObject::Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
+                                  Args... args)
 {
     return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(s_szClass, point, [&] {
         if (IsLast(pNode)) {

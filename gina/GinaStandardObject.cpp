@@ -6,7 +6,8 @@
 CGinaStandardObject::CGinaStandardObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance,
                                          const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion,
                                          DWORD dwUsingWlxVersion)
-    : CChainedGinaObject(szAPPArg, szMTMArg, hInstance, szGinaDLLName, dwUsingLUMVersion, dwUsingWlxVersion)
+    : CForwardingGinaObject(szAPPArg, szMTMArg, hInstance, szGinaDLLName, dwUsingLUMVersion,
+                            dwUsingWlxVersion)
 {
     const CConstructionTrace trace(*this, s_szClass);
     Hook();
@@ -43,13 +44,13 @@ void CGinaStandardObject::DynamicUnload()
 bool CGinaStandardObject::Initialize(CLUMObject*, DWORD, LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved,
                                      PVOID pWinlogonFunctions, PVOID* pWlxContext, DWORD, DWORD)
 {
-    return CallUnchained<bool, CUnexpectedGinaException>(TEXT("Initialize"), m_Initialize, lpWinsta, hWlx,
-                                                         pvReserved, pWinlogonFunctions, pWlxContext);
+    return CallDirectly<bool, CUnexpectedGinaException>(TEXT("Initialize"), m_Initialize, lpWinsta, hWlx,
+                                                        pvReserved, pWinlogonFunctions, pWlxContext);
 }
 
 bool CGinaStandardObject::Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion, CGinaPluginInfo*)
 {
-    return CallUnchained<bool>(TEXT("Negotiate"), m_Negotiate, dwWinlogonVersion, pdwDllVersion);
+    return CallDirectly<bool>(TEXT("Negotiate"), m_Negotiate, dwWinlogonVersion, pdwDllVersion);
 }
 
 bool CGinaStandardObject::QueryPlugin(CGinaPluginInfo*, DWORD, DWORD, DWORD)

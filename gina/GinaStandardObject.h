@@ -1,14 +1,15 @@
 #pragma once
 
-#include "ChainedGinaObject.h"
+#include "ForwardingGinaObject.h"
 #include "Exceptions.h"
 #include "GinaStandardExports.h"
 
-/// A standard GINA: a DLL with the Wlx exports, and the end of the chain.
+/// A standard GINA: a DLL with the Wlx exports, and the end of the list.
 ///
 /// It refuses a call in which another object follows it. Four exports may be missing (their operations
 /// then do nothing), the others must be there as far as the negotiated version has them.
-class CGinaStandardObject final : public CChainedGinaObject<CGinaStandardObject>, private CGinaStandardExports
+class CGinaStandardObject final : public CForwardingGinaObject<CGinaStandardObject>,
+                                  private CGinaStandardExports
 {
 public:
     /// Loads the DLL, negotiates with it and resolves its exports; arguments as for CGinaObject. Throws
@@ -29,7 +30,7 @@ public:
     bool QueryPluginInfo(CGinaPluginInfo* pPluginInfo) override;
 
 private:
-    friend class CChainedGinaObject;
+    friend class CForwardingGinaObject;
 
     static constexpr const WCHAR* s_szClass = TEXT("CGinaStandardObject");
 
@@ -37,14 +38,14 @@ private:
     [[noreturn]] void HookFailed(CSourceLocation where) const;
 
     template <typename Result, typename Function, typename... Args>
-    Result Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
+    Result Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
 };
 
-/// A chained operation: the GINA is the last in the list, or is not called. An optional export that it lacks
-/// is reported and skipped.
+/// A forwarded operation: the GINA is the last in the list, or is not called. An optional export that it
+/// lacks is reported and skipped.
 template <typename Result, typename Function, typename... Args>
-Result CGinaStandardObject::Chain(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
-                                  Args... args)
+Result CGinaStandardObject::Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
+                                    Args... args)
 {
     return RunOperation<CUnexpectedGinaException, CNullFunctionHandleException>(
         s_szClass, point, [&]() -> Result {

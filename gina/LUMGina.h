@@ -70,12 +70,12 @@ public:
 
     // Changes of the running system, after its initialisation. Any thread; they never throw.
 
-    /// Loads and initialises a plugin, adds its name to the configuration and puts it into the chain as the
+    /// Loads and initialises a plugin, adds its name to the configuration and puts it into the list as the
     /// last plugin. Calls in flight may pass through it or not. When any of that fails, false, and the
     /// plugin is unloaded; a name that is in the configuration by then stays there.
     bool LUMAddPluginDynamic(const WCHAR* szPlugin) noexcept;
 
-    /// Takes the first plugin or GINA of that name out of the chain, tells it, unloads it and takes the name
+    /// Takes the first plugin or GINA of that name out of the list, tells it, unloads it and takes the name
     /// out of the configuration. Waits a bounded time for the calls in flight: false, and nothing changed,
     /// when they do not end, at once from within one of them. One that fails when it is told stays.
     bool LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept;

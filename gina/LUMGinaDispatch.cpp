@@ -6,7 +6,7 @@
 
 namespace {
 
-/// An empty list is the export's affair; what goes wrong in the chain ends as the default result.
+/// An empty list is the export's affair; what goes wrong on the way ends as the default result.
 using DispatchHandler =
     Handlers<PassOn<CNoGINAorPluginToCallException>,
              Absorb<CUnexpectedEndOfListException, CNullFunctionHandleException, CUnhandledPluginException>>;

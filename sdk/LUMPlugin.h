@@ -21,7 +21,7 @@
 //     LUM_PLUGIN(s_plugin)
 //
 // A plugin is a 32-bit DLL that exports 24 functions under undecorated names: a .def file lists them. A
-// call that the class does not write goes on to the next object of the chain by itself.
+// call that the class does not write goes on to the next object of the list by itself.
 //
 // Any compiler will do whose member functions take "this" in ECX and remove their own arguments, which on
 // 32-bit Windows all do. C++98 is enough. plugin-guide.md leads from an empty folder to a loaded plugin.
@@ -37,7 +37,7 @@
 //               or removed while the system runs.
 //
 // State:
-//   [loading]   The first call of all. Nothing of the chain exists for this plugin yet.
+//   [loading]   The first call of all. Nothing of the list exists for this plugin yet.
 //   [loaded]    From an accepted Negotiate on, until the DLL is unloaded. Before Initialize too.
 //   [running]   After Initialize. One exception: when the Initialize of an object further up fails with an
 //               exception, the host gives up and calls no other, yet leaves the plugins behind it loaded.
@@ -56,7 +56,7 @@
 //
 // A call that faults, or that an exception leaves, has failed, and costs no more than itself: the host
 // writes the plugin's name to its trace log and answers Winlogon FALSE or WLX_SAS_ACTION_NONE. The plugin
-// stays in the chain and gets the next call. Only Negotiate, Initialize and DynamicUnload say otherwise.
+// stays in the list and gets the next call. Only Negotiate, Initialize and DynamicUnload say otherwise.
 
 namespace lum {
 
@@ -95,7 +95,7 @@ struct CGinaPluginContext
     CGinaPluginInfo m_GinaPluginInfo;
 };
 
-/// One place in the chain. Read only. Valid during the call that hands it over, and pNext no longer
+/// One place in the list of objects. Read only. Valid during the call that hands it over, and pNext no longer
 /// either: objects come, go and change places while the system runs.
 struct CGinaNode
 {
@@ -109,7 +109,7 @@ struct CGinaNode
 
 /// A GINA or plugin as the host drives it: the object of the next node is what a plugin calls.
 ///
-/// The chained operations take the object's own node, then what the plugin's operation of that name takes.
+/// The forwarded operations take the object's own node, then what the plugin's operation of that name takes.
 /// Their slots are the interface: their order is fixed, and a bool is one byte.
 class CGinaObject
 {
@@ -155,7 +155,7 @@ public:
 
     const WCHAR* szAPP;
     const WCHAR* szMTM;
-    CGinaPluginContext* m_pGinaPluginContext; ///< [kept] as long as the object is in the chain
+    CGinaPluginContext* m_pGinaPluginContext; ///< [kept] as long as the object is in the list
 
     // The host has more fields from here on.
 };
@@ -237,7 +237,7 @@ public:
     {
     }
 
-    // Operations that are not chained.
+    // Operations that are not forwarded.
 
     /// Takes part, or not: true accepts. [host] [loading] [bool]
     ///
@@ -245,11 +245,11 @@ public:
     /// version may be replaced by the one that the plugin implements, and the spare words and the friendly
     /// name may be set. The host refuses a m_dwWlxVersion below WLX_VERSION_1_0 and a m_dwLUMVersion above
     /// the one offered. The m_dwWlxVersion left here decides which exports the DLL must have: those
-    /// marked "from 1.x" below are neither looked up nor called for a lower one, and a chained call to
+    /// marked "from 1.x" below are neither looked up nor called for a lower one, and a forwarded call to
     /// such a plugin fails: it does not reach the objects behind it.
     ///
-    /// A plugin that does not accept, faults, throws or lacks an export is left out of the chain and
-    /// its DLL unloaded; the rest of the chain is loaded as if it were not configured.
+    /// A plugin that does not accept, faults, throws or lacks an export is left out of the list and
+    /// its DLL unloaded; the rest of the list is loaded as if it were not configured.
     virtual bool Negotiate(CGinaPluginInfo* pPluginInfo)
     {
         if (m_szFriendlyName != 0) {
@@ -267,7 +267,7 @@ public:
     /// dwLoadFlag2: 0 when Winlogon initialises the host, 1 for a plugin that is added to the running
     /// system, for which lpWinsta, pvReserved and pWlxContext are null.
     ///
-    /// A plugin that does not accept is taken out of the chain and its DLL unloaded, without
+    /// A plugin that does not accept is taken out of the list and its DLL unloaded, without
     /// DynamicUnload. One that faults or throws fails the host's own initialisation: Winlogon is told
     /// FALSE, and the objects behind the plugin are not initialised.
     virtual BOOL Initialize(CLUMObject* /*pLUMObject*/, DWORD /*dwInstanceCount*/, LPWSTR /*lpWinsta*/,
@@ -304,7 +304,7 @@ public:
                ReplaceString(pPluginInfo->m_szGinaDLL, m_szGinaDLL);
     }
 
-    // Chained operations: the calls that Winlogon makes to a GINA, after the node of the plugin. All are
+    // Forwarded operations: the calls that Winlogon makes to a GINA, after the node of the plugin. All are
     // [winlogon] [running]. pNode [lent] is the plugin's own; pWlxContext [passed] the standard GINA's.
 
     /// Nobody is logged on: show how to.

@@ -12,11 +12,12 @@ CGinaNames::const_iterator Find(const CGinaNames& ginas, const WCHAR* szGinaDLL)
                         [=](const CGinaName& gina) { return EqualNames(gina.c_str(), szGinaDLL); });
 }
 
-/// What a GINA is to pass through to that does not say it. An empty default names no GINA that could follow.
+/// What a GINA is to pass through to that does not say it. A record may have an empty default, which is none
+/// that can follow: the chain ends there.
 CGinaName ChooseRepair(const CChain& chain, const CChainingRecord& record)
 {
     const CGinaName fallback(record.szDefaultGinaDLL);
-    return fallback.empty() || chain.Has(fallback.c_str()) ? SYSTEM_GINA : fallback;
+    return record.szDefaultGinaDLL.data() == nullptr || chain.Has(fallback.c_str()) ? SYSTEM_GINA : fallback;
 }
 
 } // namespace

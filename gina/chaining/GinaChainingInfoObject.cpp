@@ -109,16 +109,16 @@ CChainingRecord CGinaChainingInfoObject::GetRecord() const noexcept
             m_bIsIncompatible};
 }
 
-/// Whether writes get through to the value. A GINA that has been installed anew has another key than the one
-/// that was open. One that still exists is kept open: a client that asks for the change may have fewer rights
-/// than the host had when it opened it.
-bool CGinaChainingInfoObject::IsOldGinaDLLOpen(const COperation& op) noexcept
+/// A GINA that has been installed anew has another key than the one that was open. One that still exists is
+/// kept open: a client that asks for the change may have fewer rights than the host had when it opened it.
+void CGinaChainingInfoObject::FindKeyAgain(const COperation& op) noexcept
 {
     try {
-        return m_pOldGinaDLL != nullptr && (m_pOldGinaDLL->IsUsable() || m_pOldGinaDLL->OpenKey());
+        if (!m_pOldGinaDLL->IsUsable()) {
+            m_pOldGinaDLL->OpenKey();
+        }
     } catch (...) {
         Absorb<CMessage>()(op);
-        return false;
     }
 }
 
@@ -152,13 +152,14 @@ void CGinaChainingInfoObject::SetOldGinaDLL(const WCHAR* szValue) noexcept
         if (m_bTerminator) {
             return;
         }
-        // For null, which the value refuses, nothing may be made either.
-        if (szValue != nullptr && !IsOldGinaDLLOpen(op)) {
+        if (m_pOldGinaDLL != nullptr) {
+            FindKeyAgain(op);
+        } else if (szValue != nullptr) {
             m_pOldGinaDLL =
                 OpenMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey, true, true);
+        } else {
+            return;
         }
-        if (m_pOldGinaDLL != nullptr) {
-            m_pOldGinaDLL->SetRegistryString(szValue, true);
-        }
+        m_pOldGinaDLL->SetRegistryString(szValue, true);
     });
 }

@@ -58,5 +58,5 @@ private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaChainingInfoObject");
 
     void Describe(const CChainingRecord& record);
-    bool IsOldGinaDLLOpen(const COperation& op) noexcept;
+    void FindKeyAgain(const COperation& op) noexcept;
 };

@@ -54,7 +54,6 @@ try : CGlobalObject(szAPPArg, szMTMArg), m_pWinlogonRegistry(pWinlogonRegistry),
     m_bChainIncomplete(false)
 {
     const CConstructionTrace trace(*this, s_szClass);
-    RequireArgument(*this, pLUMRegistry, TEXT("pLUMRegistry"));
     RequireArgument(*this, pWinlogonRegistry, TEXT("pWinlogonRegistry"));
     m_pKnownGinaList = MakeList<CKnownGinaList>(*this, TEXT("m_pKnownGinaList"));
     m_pGinaChainingList = MakeList<CGinaChain>(*this, TEXT("m_pGinaChainingList"));
@@ -168,11 +167,19 @@ bool CRegistryManager::operator==(const CRegistryManager& other) const noexcept
         TEXT("operator=="), [&] { return IsEqual(other); }, FailureWarning::UnlessRaised);
 }
 
-/// To be equal is what is hoped for, and no failure.
+/// To be equal is what is hoped for, and no failure. What cannot be compared is not equal.
 bool CRegistryManager::operator!=(const CRegistryManager& other) const noexcept
 {
-    return RunQuery(
-        TEXT("operator!="), [&] { return !IsEqual(other); }, FailureWarning::Never);
+    const COperation op(*this, s_szClass, TEXT("operator!="));
+    const auto body = [&] {
+        try {
+            return !IsEqual(other);
+        } catch (...) {
+            Absorb<CMessage>()(op);
+            return true;
+        }
+    };
+    return op.Run(Absorb<>(), body, FailureWarning::Never);
 }
 
 bool CRegistryManager::IsEqual(const CRegistryManager& other) const

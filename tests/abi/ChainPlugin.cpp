@@ -121,7 +121,7 @@ int TryNext(AbiDeed deed, Call callNext)
 }
 
 template <typename Result, typename... Arguments>
-int Chain(int nSlot, void* pNode, Arguments... arguments)
+int PassCall(int nSlot, void* pNode, Arguments... arguments)
 {
     ReadContext(pNode);
     const AbiDeed deed = GetDeed(nSlot);
@@ -138,7 +138,7 @@ int Chain(int nSlot, void* pNode, Arguments... arguments)
     return deed == ABI_CHANGE ? g_state.nAnswer : nResult;
 }
 
-/// A call that is not chained.
+/// A call that is not forwarded.
 int Serve(int nSlot)
 {
     const AbiDeed deed = GetDeed(nSlot);
@@ -150,8 +150,8 @@ int Serve(int nSlot)
 WCHAR s_szName[] = TEXT("Not to be freed");
 
 // clang-format off
-#define CHAINED(TYPE, SLOT_TYPE, NAME, PARAMETERS, ...) \
-    TYPE NAME PARAMETERS override { return static_cast<TYPE>(Chain<SLOT_TYPE>(ABI_##NAME, pNode, __VA_ARGS__)); }
+#define FORWARDED(TYPE, SLOT_TYPE, NAME, PARAMETERS, ...) \
+    TYPE NAME PARAMETERS override { return static_cast<TYPE>(PassCall<SLOT_TYPE>(ABI_##NAME, pNode, __VA_ARGS__)); }
 
 class CChainPlugin final : public lum::CPlugin
 {
@@ -171,25 +171,25 @@ public:
     void DynamicUnload() override { Serve(ABI_DynamicUnload); }
     BOOL Initialize(lum::CLUMObject*, DWORD, LPWSTR, HANDLE, PVOID, PVOID, PVOID*, DWORD, DWORD) override { return Serve(ABI_Initialize); }
 
-    CHAINED(void, void, DisplaySASNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-    CHAINED(int, int, LoggedOutSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile), pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, ppProfile)
-    CHAINED(BOOL, bool, ActivateUserShell, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment), pContext, szDesktop, szScript, pEnvironment)
-    CHAINED(int, int, LoggedOnSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PVOID pReserved), pContext, dwSasType, pReserved)
-    CHAINED(void, void, DisplayLockedNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-    CHAINED(BOOL, bool, IsLockOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-    CHAINED(int, int, WkstaLockedSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType), pContext, dwSasType)
-    CHAINED(BOOL, bool, IsLogoffOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-    CHAINED(void, void, Logoff, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-    CHAINED(void, void, Shutdown, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwType), pContext, dwType)
-    CHAINED(BOOL, bool, StartApplication, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand), pContext, szDesktop, pEnvironment, szCommand)
-    CHAINED(BOOL, bool, ScreenSaverNotify, (lum::CGinaNode* pNode, PVOID pContext, BOOL* pSecure), pContext, pSecure)
-    CHAINED(BOOL, bool, NetworkProviderLoad, (lum::CGinaNode* pNode, PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), pContext, pInfo)
-    CHAINED(BOOL, bool, DisplayStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle, PWSTR szMessage), pContext, hDesktop, dwOptions, szTitle, szMessage)
-    CHAINED(BOOL, bool, GetStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize), pContext, pdwOptions, szMessage, dwSize)
-    CHAINED(BOOL, bool, RemoveStatusMessage, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-    CHAINED(BOOL, bool, GetConsoleSwitchCredentials, (lum::CGinaNode* pNode, PVOID pContext, PVOID pCredentials), pContext, pCredentials)
-    CHAINED(void, void, ReconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-    CHAINED(void, void, DisconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    FORWARDED(void, void, DisplaySASNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    FORWARDED(int, int, LoggedOutSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile), pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, ppProfile)
+    FORWARDED(BOOL, bool, ActivateUserShell, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment), pContext, szDesktop, szScript, pEnvironment)
+    FORWARDED(int, int, LoggedOnSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PVOID pReserved), pContext, dwSasType, pReserved)
+    FORWARDED(void, void, DisplayLockedNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    FORWARDED(BOOL, bool, IsLockOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    FORWARDED(int, int, WkstaLockedSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType), pContext, dwSasType)
+    FORWARDED(BOOL, bool, IsLogoffOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    FORWARDED(void, void, Logoff, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    FORWARDED(void, void, Shutdown, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwType), pContext, dwType)
+    FORWARDED(BOOL, bool, StartApplication, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand), pContext, szDesktop, pEnvironment, szCommand)
+    FORWARDED(BOOL, bool, ScreenSaverNotify, (lum::CGinaNode* pNode, PVOID pContext, BOOL* pSecure), pContext, pSecure)
+    FORWARDED(BOOL, bool, NetworkProviderLoad, (lum::CGinaNode* pNode, PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), pContext, pInfo)
+    FORWARDED(BOOL, bool, DisplayStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle, PWSTR szMessage), pContext, hDesktop, dwOptions, szTitle, szMessage)
+    FORWARDED(BOOL, bool, GetStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize), pContext, pdwOptions, szMessage, dwSize)
+    FORWARDED(BOOL, bool, RemoveStatusMessage, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    FORWARDED(BOOL, bool, GetConsoleSwitchCredentials, (lum::CGinaNode* pNode, PVOID pContext, PVOID pCredentials), pContext, pCredentials)
+    FORWARDED(void, void, ReconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+    FORWARDED(void, void, DisconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
 };
 // clang-format on
 

@@ -45,7 +45,7 @@ struct AbiChainState
     unsigned nErrorModeAtLoading;
     int nCaught;   ///< exceptions from the next object
     int nAlive;    ///< objects of the plugin's frames that were not destroyed
-    void* hPlugin; ///< the rest is from the plugin's own context, in its last chained call
+    void* hPlugin; ///< the rest is from the plugin's own context, in its last forwarded call
     void* hHost;
     void* hWlx;
     const wchar_t* szDLL;

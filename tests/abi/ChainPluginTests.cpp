@@ -28,7 +28,7 @@ struct CAbiCall
 };
 const CAbiCall CALLS[] = {
 #define ABI_ROW(SLOT, NAME) {ABI_##NAME, #NAME},
-    ABI_CHAINED_CALLS(ABI_ROW)
+    ABI_FORWARDED_CALLS(ABI_ROW)
 #undef ABI_ROW
 };
 
@@ -80,9 +80,9 @@ protected:
         state.nAlive = 0;
     }
 
-    /// Calls check(call of the plugin, call of Winlogon's) for each of the 19 chained ones.
+    /// Calls check(call of the plugin, call of Winlogon's) for each of the 19 forwarded ones.
     template <typename Check>
-    static void ForEachChained(Check check)
+    static void ForEachForwarded(Check check)
     {
         for (const CAbiCall& call : CALLS) {
             SCOPED_TRACE(call.name);
@@ -108,7 +108,7 @@ protected:
 TEST_F(AbiChain, PassesEveryCallOnAndKnowsItsContext)
 {
     Start();
-    ForEachChained([&](AbiCall, const CWlxCall& call) {
+    ForEachForwarded([&](AbiCall, const CWlxCall& call) {
         state.hPlugin = nullptr;
         const CStepReport report = Live(call.szName);
         EXPECT_EQ(Lines(), report.differences);
@@ -126,12 +126,12 @@ TEST_F(AbiChain, AFailureCostsTheCallAndNothingElse)
 {
     Start();
     for (const AbiDeed deed : FAILURES) {
-        ForEachChained([&](AbiCall id, const CWlxCall& call) {
+        ForEachForwarded([&](AbiCall id, const CWlxCall& call) {
             Tell(id, deed);
             EXPECT_EQ(Lines{FAILED}, Live(call.szName).differences) << "the default came back";
             EXPECT_EQ(deed == ABI_THROW ? 0 : 1, state.nAlive);
         });
-        ForEachChained([&](AbiCall, const CWlxCall& call) {
+        ForEachForwarded([&](AbiCall, const CWlxCall& call) {
             EXPECT_EQ(Lines(), Live(call.szName).differences) << "after deed " << deed;
         });
     }
@@ -155,7 +155,7 @@ TEST_F(AbiChain, ChangesResultsAndLivesWithFailuresFromBelow)
         {ABI_CATCH_AND_RETHROW, false, false, 0},
     };
     for (const auto& row : rows) {
-        ForEachChained([&](AbiCall id, const CWlxCall& call) {
+        ForEachForwarded([&](AbiCall id, const CWlxCall& call) {
             // Neither the stand-in's answer nor what a failure gives.
             const int nAnswer = call.result == ResultKind::Bool ? row.bGinaFails : 11;
             Tell(id, row.deed, nAnswer);

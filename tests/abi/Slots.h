@@ -4,7 +4,7 @@
 // clang-format off
 
 /// Those that are passed on along the chain.
-#define ABI_CHAINED_CALLS(CALL) \
+#define ABI_FORWARDED_CALLS(CALL) \
     CALL(1, ActivateUserShell) \
     CALL(2, DisconnectNotify) \
     CALL(3, DisplayLockedNotice) \
@@ -26,7 +26,7 @@
     CALL(24, WkstaLockedSAS)
 
 #define ABI_CALLS(CALL) \
-    ABI_CHAINED_CALLS(CALL) \
+    ABI_FORWARDED_CALLS(CALL) \
     CALL(6, DynamicUnload) \
     CALL(9, Initialize) \
     CALL(15, Negotiate) \

@@ -166,8 +166,8 @@ TEST_F(GinaChainingObject, PassthroughOfAGinaThatWasInstalledAnew)
     EXPECT_EQ("\"PLinkGina.dll\"", GetValue(WPN_KEY, OLD_GINA_DLL));
     ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, WPN_KEY));
     gina.SetOldGinaDLL(SYSTEM_GINA);
-    EXPECT_EQ("msgina.dll", Passthrough(gina));
-    EXPECT_EQ("\"msgina.dll\"", GetValue(WPN_KEY, OLD_GINA_DLL));
+    EXPECT_EQ("(failed)", Passthrough(gina));
+    EXPECT_EQ("(none)", GetValue(WPN_KEY, OLD_GINA_DLL)) << "what was uninstalled stays so";
 }
 
 TEST_F(GinaChainingObject, CopiesHaveAnObjectOfTheirOwn)

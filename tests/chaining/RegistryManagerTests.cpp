@@ -39,7 +39,6 @@ TEST_F(RegistryManager, FollowsTheChainAndRepairsIt)
         {"wpnGina.dll rec.dll PLinkGina.dll rec.dll", "wpnGina.dll rec.dll PLinkGina.dll..."},
         {"lum_gina.dll wpnGina.dll", "lum_gina.dll wpnGina.dll...", "lum_gina.dll wpnGina.dll msgina.dll"},
         {"kvs_gina.dll", "kvs_gina.dll...", "kvs_gina.dll msgina.dll"},
-        {"nodef.dll", "nodef.dll...", "nodef.dll msgina.dll"},
         {"rec.dll", "rec.dll...", "rec.dll wpnGina.dll msgina.dll"},
         // Its default is before it already.
         {"wpnGina.dll rec.dll", "wpnGina.dll rec.dll...", "wpnGina.dll rec.dll msgina.dll"},
@@ -56,6 +55,10 @@ TEST_F(RegistryManager, FollowsTheChainAndRepairsIt)
                     values);
         EXPECT_EQ(values, GetValues()) << row.szValues;
     }
+    // An empty default is one.
+    SetValues(ValuesOf("nodef.dll"));
+    EXPECT_EQ("nodef.dll...", ChainOf(*Build()));
+    EXPECT_EQ((Values{{"Winlogon", "nodef.dll"}, {"nodef.dll", ""}}), GetValues());
 }
 
 TEST_F(RegistryManager, TellsWhatIsWrongWithAChain)
@@ -143,17 +146,6 @@ TEST_F(RegistryManager, AnIncompleteChainEqualsNoCompleteOneAndIsNeverWritten)
     const auto values = GetValues();
     incomplete->WriteOutListToRegistry();
     EXPECT_EQ(values, GetValues());
-}
-
-TEST_F(RegistryManager, NeedsBothRegistries)
-{
-    const auto make = [](CLUMRegistry* pConfiguration, CWinlogonRegistry* pWinlogon) {
-        const CRegistryManager manager(LUM_GINA_APP, LUM_GINA_MTM, pConfiguration, pWinlogon, true);
-    };
-    EXPECT_THROW(make(nullptr, m_pWinlogon.get()), CBadArgException);
-    EXPECT_THROW(make(m_pConfiguration.get(), nullptr), CBadArgException);
-    EXPECT_EQ(1, Count("[EXCEPTION] A bad argument was provided, Argument: pLUMRegistry"));
-    EXPECT_EQ(1, Count("[EXCEPTION] A bad argument was provided, Argument: pWinlogonRegistry"));
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// One call inside the plugin; a chained one has its trail.
+/// One call inside the plugin; a forwarded one has its trail.
 class CCountedCall
 {
 public:

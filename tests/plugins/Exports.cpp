@@ -40,9 +40,9 @@ LONG CallNext(Result (lum::CGinaObject::*pfnCall)(lum::CGinaNode*, Parameters...
     }
 }
 
-/// Serves a chained call.
+/// Serves a forwarded call.
 template <typename Call, typename... Arguments>
-LONG Chain(PluginCall call, Call pfnCall, lum::CGinaNode* pNode, Arguments... arguments)
+LONG PassCall(PluginCall call, Call pfnCall, lum::CGinaNode* pNode, Arguments... arguments)
 {
     PluginRecord& record = Begin(call, pNode, arguments...);
     const PluginAction action = g_TestPlugin.GetAction(call);
@@ -54,7 +54,7 @@ LONG Chain(PluginCall call, Call pfnCall, lum::CGinaNode* pNode, Arguments... ar
     return End(record, nResult);
 }
 
-/// Serves a call that is not chained.
+/// Serves a call that is not forwarded.
 template <typename... Arguments>
 LONG Serve(PluginCall call, Arguments... arguments)
 {
@@ -87,32 +87,32 @@ constexpr TestPluginInterface INTERFACE = {
 
 // clang-format off
 #define SERVED(NAME, PARAMETERS, ...) LUM_EXPORT(LONG, LUM##NAME, PARAMETERS, Serve(PluginCall::NAME, __VA_ARGS__))
-#define CHAINED(NAME, PARAMETERS, ...) LUM_EXPORT(LONG, LUM##NAME, PARAMETERS, Chain(PluginCall::NAME, &lum::CGinaObject::NAME, pNode, __VA_ARGS__))
+#define FORWARDED(NAME, PARAMETERS, ...) LUM_EXPORT(LONG, LUM##NAME, PARAMETERS, PassCall(PluginCall::NAME, &lum::CGinaObject::NAME, pNode, __VA_ARGS__))
 
 LUM_EXPORT(LONG, LUMNegotiate, (lum::CGinaPluginInfo* pInfo), Negotiate(pInfo))
 SERVED(QueryPlugin, (lum::CGinaPluginInfo* pInfo, DWORD dw1, DWORD dw2, DWORD dw3), pInfo, dw1, dw2, dw3)
 SERVED(QueryPluginInfo, (lum::CGinaPluginInfo* pInfo), pInfo)
 LUM_EXPORT(LONG, LUMDynamicUnload, (), Serve(PluginCall::DynamicUnload))
 SERVED(Initialize, (lum::CLUMObject* pObject, DWORD dwInstances, LPWSTR szWinsta, HANDLE hWlx, PVOID pReserved, PVOID pFunctions, PVOID* ppContext, DWORD dwFlag1, DWORD dwFlag2), pObject, dwInstances, szWinsta, hWlx, pReserved, pFunctions, ppContext, dwFlag1, dwFlag2)
-CHAINED(DisplaySASNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-CHAINED(LoggedOutSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile), pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, ppProfile)
-CHAINED(ActivateUserShell, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment), pContext, szDesktop, szScript, pEnvironment)
-CHAINED(LoggedOnSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PVOID pReserved), pContext, dwSasType, pReserved)
-CHAINED(DisplayLockedNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-CHAINED(IsLockOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-CHAINED(WkstaLockedSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType), pContext, dwSasType)
-CHAINED(IsLogoffOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-CHAINED(Logoff, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-CHAINED(Shutdown, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwType), pContext, dwType)
-CHAINED(StartApplication, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand), pContext, szDesktop, pEnvironment, szCommand)
-CHAINED(ScreenSaverNotify, (lum::CGinaNode* pNode, PVOID pContext, BOOL* pSecure), pContext, pSecure)
-CHAINED(NetworkProviderLoad, (lum::CGinaNode* pNode, PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), pContext, pInfo)
-CHAINED(DisplayStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle, PWSTR szMessage), pContext, hDesktop, dwOptions, szTitle, szMessage)
-CHAINED(GetStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize), pContext, pdwOptions, szMessage, dwSize)
-CHAINED(RemoveStatusMessage, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-CHAINED(GetConsoleSwitchCredentials, (lum::CGinaNode* pNode, PVOID pContext, PVOID pCredentials), pContext, pCredentials)
-CHAINED(ReconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
-CHAINED(DisconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+FORWARDED(DisplaySASNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+FORWARDED(LoggedOutSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile), pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, ppProfile)
+FORWARDED(ActivateUserShell, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment), pContext, szDesktop, szScript, pEnvironment)
+FORWARDED(LoggedOnSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType, PVOID pReserved), pContext, dwSasType, pReserved)
+FORWARDED(DisplayLockedNotice, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+FORWARDED(IsLockOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+FORWARDED(WkstaLockedSAS, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwSasType), pContext, dwSasType)
+FORWARDED(IsLogoffOk, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+FORWARDED(Logoff, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+FORWARDED(Shutdown, (lum::CGinaNode* pNode, PVOID pContext, DWORD dwType), pContext, dwType)
+FORWARDED(StartApplication, (lum::CGinaNode* pNode, PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand), pContext, szDesktop, pEnvironment, szCommand)
+FORWARDED(ScreenSaverNotify, (lum::CGinaNode* pNode, PVOID pContext, BOOL* pSecure), pContext, pSecure)
+FORWARDED(NetworkProviderLoad, (lum::CGinaNode* pNode, PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), pContext, pInfo)
+FORWARDED(DisplayStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle, PWSTR szMessage), pContext, hDesktop, dwOptions, szTitle, szMessage)
+FORWARDED(GetStatusMessage, (lum::CGinaNode* pNode, PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize), pContext, pdwOptions, szMessage, dwSize)
+FORWARDED(RemoveStatusMessage, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+FORWARDED(GetConsoleSwitchCredentials, (lum::CGinaNode* pNode, PVOID pContext, PVOID pCredentials), pContext, pCredentials)
+FORWARDED(ReconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
+FORWARDED(DisconnectNotify, (lum::CGinaNode* pNode, PVOID pContext), pContext)
 // clang-format on
 
 extern "C" const TestPluginInterface* WINAPI TestPlugin()

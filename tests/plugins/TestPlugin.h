@@ -55,7 +55,7 @@ inline constexpr DWORD PLUGIN_MAX_ARGUMENTS = 9;
 /// What becomes of a call that did not fail before.
 enum class PluginAction : DWORD
 {
-    PassOn, ///< gives the next object's result; a call that is not chained is answered
+    PassOn, ///< gives the next object's result; a call that is not forwarded is answered
     Change, ///< passes the call on, and answers
     Answer  ///< answers without passing the call on
 };
@@ -66,7 +66,7 @@ struct PluginRecord
     PluginCall call;
     /// Its place among the calls of all plugins that share a counter; see SetCounter.
     LONG nOrder;
-    /// The arguments of the export in their order; the node of a chained call is the first.
+    /// The arguments of the export in their order; the node of a forwarded call is the first.
     ULONG_PTR argument[PLUGIN_MAX_ARGUMENTS];
     /// FALSE until the call returns; for ever if it fails.
     BOOL bReturned;

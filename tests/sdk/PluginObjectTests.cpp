@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "ChainedCalls.h"
+#include "ForwardedCalls.h"
 #include "PluginChain.h"
 
 namespace {

@@ -108,7 +108,7 @@ struct CScribbler
         self.Write(*self.pRecord);
     }
 
-    /// In a chained call: what its node leads to, and the next one.
+    /// In a forwarded call: what its node leads to, and the next one.
     static void WINAPI WriteToObjects(void* pScribbler, const PluginRecord* pRecord)
     {
         auto& self = *static_cast<CScribbler*>(pScribbler);

@@ -3,7 +3,7 @@
 #include <regex>
 #include <sstream>
 
-#include "ChainedCalls.h"
+#include "ForwardedCalls.h"
 #include "HostMachine.h"
 #include "Thread.h"
 

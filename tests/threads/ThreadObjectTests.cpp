@@ -58,7 +58,10 @@ TEST_F(ThreadObject, AThreadThatEndedByItselfIsStoppedAtOnceAndReplaced)
          [](CTestThread&) { throw std::runtime_error("test"); },
          {"[WARNING] An unhandled exception occurred"}},
         {"by a processor fault",
-         [](CTestThread&) { *reinterpret_cast<volatile DWORD*>(0x40) = 1; },
+         [](CTestThread&) {
+             volatile DWORD* volatile pWild = reinterpret_cast<DWORD*>(0x40);
+             *pWild = 1;
+         },
          {"[WARNING] An unhandled exception occurred"}},
     };
     for (const auto& row : rows) {

@@ -4,16 +4,16 @@
 #include "GinaObject.h"
 #include "Operation.h"
 
-/// The 19 chained operations, which standard GINAs and plugins have in common: each goes to the DLL's
+/// The 19 forwarded operations, which standard GINAs and plugins have in common: each goes to the DLL's
 /// export for it. How it gets there, and when it does not, is Derived's
 ///
-///     Result Chain<Result>(CSlotPoint point, const CGinaExport<...>& function, GinaNode* pNode, args...)
+///     Result Forward<Result>(CSlotPoint point, const CGinaExport<...>& function, GinaNode* pNode, args...)
 ///
 /// and the exports are Derived's members m_Name, listed in m_Exports. Of Derived are further s_szClass,
 /// NegotiateVersions(), which throws when the DLL and the host do not agree, and HookFailed(location), which
 /// throws what an unexpected failure of its construction ends as.
 template <typename Derived>
-class CChainedGinaObject : public CGinaObject
+class CForwardingGinaObject : public CGinaObject
 {
 public:
     void* DeletingDestructor(DWORD dwFlags) override
@@ -30,125 +30,125 @@ public:
     bool ActivateUserShell(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName, PWSTR pszMprLogonScript,
                            PVOID pEnvironment) override
     {
-        return Self()->template Chain<bool>(TEXT("ActivateUserShell"), Self()->m_ActivateUserShell, pNode,
-                                            pWlxContext, pszDesktopName, pszMprLogonScript, pEnvironment);
+        return Self()->template Forward<bool>(TEXT("ActivateUserShell"), Self()->m_ActivateUserShell, pNode,
+                                              pWlxContext, pszDesktopName, pszMprLogonScript, pEnvironment);
     }
 
     void DisconnectNotify(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Chain<void>(TEXT("DisconnectNotify"), Self()->m_DisconnectNotify, pNode,
-                                            pWlxContext);
+        return Self()->template Forward<void>(TEXT("DisconnectNotify"), Self()->m_DisconnectNotify, pNode,
+                                              pWlxContext);
     }
 
     void DisplayLockedNotice(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Chain<void>(TEXT("DisplayLockedNotice"), Self()->m_DisplayLockedNotice, pNode,
-                                            pWlxContext);
+        return Self()->template Forward<void>(TEXT("DisplayLockedNotice"), Self()->m_DisplayLockedNotice,
+                                              pNode, pWlxContext);
     }
 
     void DisplaySASNotice(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Chain<void>(TEXT("DisplaySASNotice"), Self()->m_DisplaySASNotice, pNode,
-                                            pWlxContext);
+        return Self()->template Forward<void>(TEXT("DisplaySASNotice"), Self()->m_DisplaySASNotice, pNode,
+                                              pWlxContext);
     }
 
     bool DisplayStatusMessage(GinaNode* pNode, PVOID pWlxContext, HDESK hDesktop, DWORD dwOptions,
                               PWSTR pTitle, PWSTR pMessage) override
     {
-        return Self()->template Chain<bool>(TEXT("DisplayStatusMessage"), Self()->m_DisplayStatusMessage,
-                                            pNode, pWlxContext, hDesktop, dwOptions, pTitle, pMessage);
+        return Self()->template Forward<bool>(TEXT("DisplayStatusMessage"), Self()->m_DisplayStatusMessage,
+                                              pNode, pWlxContext, hDesktop, dwOptions, pTitle, pMessage);
     }
 
     bool GetConsoleSwitchCredentials(GinaNode* pNode, PVOID pWlxContext, PVOID pCredInfo) override
     {
-        return Self()->template Chain<bool>(TEXT("GetConsoleSwitchCredentials"),
-                                            Self()->m_GetConsoleSwitchCredentials, pNode, pWlxContext,
-                                            pCredInfo);
+        return Self()->template Forward<bool>(TEXT("GetConsoleSwitchCredentials"),
+                                              Self()->m_GetConsoleSwitchCredentials, pNode, pWlxContext,
+                                              pCredInfo);
     }
 
     bool GetStatusMessage(GinaNode* pNode, PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
                           DWORD dwBufferSize) override
     {
-        return Self()->template Chain<bool>(TEXT("GetStatusMessage"), Self()->m_GetStatusMessage, pNode,
-                                            pWlxContext, pdwOptions, pMessage, dwBufferSize);
+        return Self()->template Forward<bool>(TEXT("GetStatusMessage"), Self()->m_GetStatusMessage, pNode,
+                                              pWlxContext, pdwOptions, pMessage, dwBufferSize);
     }
 
     bool IsLockOk(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Chain<bool>(TEXT("IsLockOk"), Self()->m_IsLockOk, pNode, pWlxContext);
+        return Self()->template Forward<bool>(TEXT("IsLockOk"), Self()->m_IsLockOk, pNode, pWlxContext);
     }
 
     bool IsLogoffOk(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Chain<bool>(TEXT("IsLogoffOk"), Self()->m_IsLogoffOk, pNode, pWlxContext);
+        return Self()->template Forward<bool>(TEXT("IsLogoffOk"), Self()->m_IsLogoffOk, pNode, pWlxContext);
     }
 
     int LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
     {
-        return Self()->template Chain<SasAction>(TEXT("LoggedOnSAS"), Self()->m_LoggedOnSAS, pNode,
-                                                 pWlxContext, dwSasType, pReserved);
+        return Self()->template Forward<SasAction>(TEXT("LoggedOnSAS"), Self()->m_LoggedOnSAS, pNode,
+                                                   pWlxContext, dwSasType, pReserved);
     }
 
     int LoggedOutSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
                      PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo,
                      PVOID* pProfile) override
     {
-        return Self()->template Chain<SasAction>(TEXT("LoggedOutSAS"), Self()->m_LoggedOutSAS, pNode,
-                                                 pWlxContext, dwSasType, pAuthenticationId, pLogonSid,
-                                                 pdwOptions, phToken, pNprNotifyInfo, pProfile);
+        return Self()->template Forward<SasAction>(TEXT("LoggedOutSAS"), Self()->m_LoggedOutSAS, pNode,
+                                                   pWlxContext, dwSasType, pAuthenticationId, pLogonSid,
+                                                   pdwOptions, phToken, pNprNotifyInfo, pProfile);
     }
 
     void Logoff(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Chain<void>(TEXT("Logoff"), Self()->m_Logoff, pNode, pWlxContext);
+        return Self()->template Forward<void>(TEXT("Logoff"), Self()->m_Logoff, pNode, pWlxContext);
     }
 
     bool NetworkProviderLoad(GinaNode* pNode, PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo) override
     {
-        return Self()->template Chain<bool>(TEXT("NetworkProviderLoad"), Self()->m_NetworkProviderLoad, pNode,
-                                            pWlxContext, pNprNotifyInfo);
+        return Self()->template Forward<bool>(TEXT("NetworkProviderLoad"), Self()->m_NetworkProviderLoad,
+                                              pNode, pWlxContext, pNprNotifyInfo);
     }
 
     void ReconnectNotify(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Chain<void>(TEXT("ReconnectNotify"), Self()->m_ReconnectNotify, pNode,
-                                            pWlxContext);
+        return Self()->template Forward<void>(TEXT("ReconnectNotify"), Self()->m_ReconnectNotify, pNode,
+                                              pWlxContext);
     }
 
     bool RemoveStatusMessage(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Chain<bool>(TEXT("RemoveStatusMessage"), Self()->m_RemoveStatusMessage, pNode,
-                                            pWlxContext);
+        return Self()->template Forward<bool>(TEXT("RemoveStatusMessage"), Self()->m_RemoveStatusMessage,
+                                              pNode, pWlxContext);
     }
 
     bool ScreenSaverNotify(GinaNode* pNode, PVOID pWlxContext, BOOL* pSecure) override
     {
-        return Self()->template Chain<bool>(TEXT("ScreenSaverNotify"), Self()->m_ScreenSaverNotify, pNode,
-                                            pWlxContext, pSecure);
+        return Self()->template Forward<bool>(TEXT("ScreenSaverNotify"), Self()->m_ScreenSaverNotify, pNode,
+                                              pWlxContext, pSecure);
     }
 
     void Shutdown(GinaNode* pNode, PVOID pWlxContext, DWORD dwShutdownType) override
     {
-        return Self()->template Chain<void>(TEXT("Shutdown"), Self()->m_Shutdown, pNode, pWlxContext,
-                                            dwShutdownType);
+        return Self()->template Forward<void>(TEXT("Shutdown"), Self()->m_Shutdown, pNode, pWlxContext,
+                                              dwShutdownType);
     }
 
     bool StartApplication(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName, PVOID pEnvironment,
                           PWSTR pszCmdLine) override
     {
-        return Self()->template Chain<bool>(TEXT("StartApplication"), Self()->m_StartApplication, pNode,
-                                            pWlxContext, pszDesktopName, pEnvironment, pszCmdLine);
+        return Self()->template Forward<bool>(TEXT("StartApplication"), Self()->m_StartApplication, pNode,
+                                              pWlxContext, pszDesktopName, pEnvironment, pszCmdLine);
     }
 
     int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) override
     {
-        return Self()->template Chain<SasAction>(TEXT("WkstaLockedSAS"), Self()->m_WkstaLockedSAS, pNode,
-                                                 pWlxContext, dwSasType);
+        return Self()->template Forward<SasAction>(TEXT("WkstaLockedSAS"), Self()->m_WkstaLockedSAS, pNode,
+                                                   pWlxContext, dwSasType);
     }
 
 protected:
     using CGinaObject::CGinaObject;
-    ~CChainedGinaObject() = default;
+    ~CForwardingGinaObject() = default;
 
     /// What is left of the constructor: loads the DLL, negotiates with it and looks up its exports; frees it
     /// when that fails.
@@ -179,7 +179,7 @@ protected:
     /// An operation that goes to one export, whoever follows in the list. AlsoPassedOn: what leaves it as it
     /// is beside the exception for a missing export.
     template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
-    Result CallUnchained(CSlotPoint point, const CGinaExport<Function>& function, Args... args)
+    Result CallDirectly(CSlotPoint point, const CGinaExport<Function>& function, Args... args)
     {
         return RunOperation<CNullFunctionHandleException, AlsoPassedOn...>(
             Derived::s_szClass, point, [&] { return Call<Result>(point.where, function, args...); });

@@ -1,4 +1,4 @@
-#include "ChainedCalls.h"
+#include "ForwardedCalls.h"
 
 #include <cstddef>
 #include <type_traits>
@@ -50,6 +50,6 @@ struct Call<Operation>
 
 const CChainedCall CHAINED_CALLS[19] = {
 #define CHAINED_CALL(SLOT, NAME) {#NAME, Call<&CGinaObject::NAME>::Make},
-    ABI_CHAINED_CALLS(CHAINED_CALL)
+    ABI_FORWARDED_CALLS(CHAINED_CALL)
 #undef CHAINED_CALL
 };

@@ -2,7 +2,7 @@
 
 #include "GinaObject.h"
 
-/// One of the 19 chained operations of a GINA object.
+/// One of the 19 forwarded operations of a GINA object.
 struct CChainedCall
 {
     const char* szName;
