@@ -57,6 +57,20 @@ function(lum_add_dll target)
   endif()
 endfunction()
 
+# lum_separate_symbols(TARGET)
+#
+# On Windows: keeps what a debugger needs beside the binary, in a file of its name and ".debug", where gdb looks.
+function(lum_separate_symbols target)
+  if(NOT WIN32)
+    return()
+  endif()
+  set(file "$<TARGET_FILE:${target}>")
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND "${CMAKE_OBJCOPY}" --only-keep-debug "${file}" "${file}.debug"
+    COMMAND "${CMAKE_OBJCOPY}" --strip-all "--add-gnu-debuglink=${file}.debug" "${file}"
+    VERBATIM)
+endfunction()
+
 # lum_add_version(TARGET VERSION DESCRIPTION)
 #
 # Gives a DLL the version resource 1. The native target has no resources; the same data is an exported

@@ -1,6 +1,12 @@
 #pragma once
 
-#include <stdexcept>
+#include <exception>
+
+/// The host was left without a member.
+struct CMissingMember : std::exception
+{
+    const char* what() const noexcept override { return "the host was left without this member"; }
+};
 
 /// A member that an operation of the host cannot do without. What this throws ends the operation as any
 /// unexpected exception does.
@@ -8,7 +14,7 @@ template <typename T>
 T& Needed(T* pMember)
 {
     if (pMember == nullptr) {
-        throw std::logic_error("the host was left without this member");
+        throw CMissingMember();
     }
     return *pMember;
 }
