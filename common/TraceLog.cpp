@@ -1,9 +1,12 @@
 #include "TraceLog.h"
 
 #include <iterator>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "GinaNames.h"
+#include "KeptKey.h"
 
 namespace {
 
@@ -48,17 +51,17 @@ constexpr bool LabelsFit()
 // So no label is ever cut.
 static_assert(LabelsFit());
 
-/// Reads a value of a key under HKEY_LOCAL_MACHINE, whatever its type. False when that fails.
-bool QueryMachineValue(const WCHAR* szKey, const WCHAR* szValue, void* pData, DWORD* pcbData) noexcept
+// What every statement asks. They are closed when the library is unloaded, after its DllMain.
+constinit CKeptKey s_DebugKey(DEBUG_KEY);
+constinit CKeptKey s_OwnKey(LUM_GINA_MTM);
+
+/// The mask that a key holds; nothing when it has none.
+std::optional<DWORD> QueryMask(CKeptKey& key) noexcept
 {
-    HKEY hKey = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
-        return false;
-    }
-    const LONG lResult =
-        RegQueryValueExW(hKey, szValue, nullptr, nullptr, static_cast<BYTE*>(pData), pcbData);
-    RegCloseKey(hKey);
-    return lResult == ERROR_SUCCESS;
+    DWORD dwMask = 0;
+    DWORD cbMask = sizeof(dwMask);
+    return key.Query(MASK_VALUE, &dwMask, &cbMask) && cbMask == sizeof(dwMask) ? std::optional(dwMask)
+                                                                               : std::nullopt;
 }
 
 /// The path of the log file configured for a tag; empty when there is none.
@@ -66,7 +69,7 @@ WideText GetLogPath(const WCHAR* szTag)
 {
     WCHAR szPath[NAME_CAPACITY + 1] = {};
     DWORD cbPath = NAME_CAPACITY * sizeof(WCHAR);
-    return QueryMachineValue(DEBUG_KEY, szTag, szPath, &cbPath) ? WideText(szPath) : WideText();
+    return s_DebugKey.Query(szTag, szPath, &cbPath) ? WideText(szPath) : WideText();
 }
 
 /// Makes the last level of the directory that the file is to lie in; usually it exists.
@@ -152,14 +155,12 @@ const WCHAR* GetLevelLabel(DWORD dwLevel) noexcept
 
 bool IsTraceEnabled(DWORD dwLevel, const WCHAR* szMTM) noexcept
 {
-    DWORD dwMask = DEFAULT_TRACE_MASK;
+    std::optional<DWORD> mask;
     if (szMTM != nullptr && *szMTM != 0) {
-        DWORD dwValue = 0;
-        DWORD cbValue = sizeof(dwValue);
-        if (QueryMachineValue(szMTM, MASK_VALUE, &dwValue, &cbValue) && cbValue == sizeof(dwValue)) {
-            dwMask = dwValue;
-        }
+        CKeptKey other(szMTM);
+        mask = QueryMask(std::basic_string_view(szMTM) == LUM_GINA_MTM ? s_OwnKey : other);
     }
+    const DWORD dwMask = mask.value_or(DEFAULT_TRACE_MASK);
     return (dwLevel & dwMask) == dwLevel;
 }
 

@@ -8,8 +8,11 @@
 inline constexpr DWORD NAME_CAPACITY = 260;
 inline constexpr DWORD LONGEST_NAME = NAME_CAPACITY - 1;
 
-/// This system.
+/// This system: its DLL, the tag of its messages, and its own key below HKEY_LOCAL_MACHINE, which holds their
+/// mask.
 inline constexpr WCHAR HOST_GINA[] = TEXT("lum_gina.dll");
+inline constexpr WCHAR LUM_GINA_APP[] = TEXT("LUM_GINA");
+inline constexpr WCHAR LUM_GINA_MTM[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina");
 /// The system's own GINA, which Winlogon loads when none is named.
 inline constexpr WCHAR SYSTEM_GINA[] = TEXT("msgina.dll");
 

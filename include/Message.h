@@ -6,6 +6,7 @@
 
 #include "DetailFormats.h"
 #include "ErrorTexts.h"
+#include "GinaNames.h"
 #include "Owned.h"
 #include "SourceLocation.h"
 #include "TextFormat.h"
@@ -36,9 +37,7 @@ bool LogMessage(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText, i
 /// The same as a warning under "MESSAGE_APP".
 void LogInternalWarning(const WCHAR* szText, CSourceLocation where = CSourceLocation::Current()) noexcept;
 
-/// The two that this system reports under.
-inline constexpr WCHAR LUM_GINA_APP[] = TEXT("LUM_GINA");
-inline constexpr WCHAR LUM_GINA_MTM[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina");
+/// What this system reports under.
 inline constexpr CMessageOrigin LUM_GINA_ORIGIN{LUM_GINA_APP, LUM_GINA_MTM};
 
 /// The root of the family. Messages are destroyed as the type they were made or thrown as.

@@ -20,7 +20,7 @@ inline constexpr CKnownGina KNOWN_GINAS[] = {
     {TEXT("PLinkGina.dll"),    {TEXT("SOFTWARE\\ORX\\PortLink\\PLinkGina"), TEXT("OldGinaDLL"), SYSTEM_GINA, false, false, false, false}},
     {TEXT("BVGina01.DLL"),     {TEXT("SOFTWARE\\Brevik Systems\\Gina"),      TEXT("GinaDLL"),    SYSTEM_GINA, false, false, true,  false}},
     // The GINA that follows this system in the chain is the one that it passes through to.
-    {HOST_GINA,                {TEXT("SOFTWARE\\ORX\\LUM\\Gina"),           TEXT("GinaDLL"),    SYSTEM_GINA, false, false, false, false}},
+    {HOST_GINA,                {LUM_GINA_MTM,                             TEXT("GinaDLL"),    SYSTEM_GINA, false, false, false, false}},
     {TEXT("kvs_gina.dll"),     {TEXT("SOFTWARE\\ORX\\KVS\\Gina"),           TEXT("GinaDLL"),    {},          false, false, false, false}},
 };
 // clang-format on

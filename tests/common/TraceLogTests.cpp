@@ -1,8 +1,10 @@
+#include <atomic>
 #include <regex>
 
 #include "GlobalObject.h"
 #include "Operation.h"
 #include "TestMachine.h"
+#include "Thread.h"
 
 namespace {
 
@@ -71,6 +73,26 @@ TEST_F(TraceLog, DefaultMaskWithoutAUsableValue)
     SetBytes(OWN_KEY, TEXT("Debug"), REG_BINARY, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 8);
     WriteAllLevels();
     EXPECT_EQ(expected, Log());
+}
+
+TEST_F(TraceLog, FollowsItsKeyWhateverBecomesOfIt)
+{
+    std::atomic<bool> bStop = false;
+    const auto look = [&] {
+        while (!bStop) {
+            IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM);
+        }
+    };
+    CThread threads[] = {CThread(look), CThread(look), CThread(look)};
+    for (int n = 0; n < 200; ++n) {
+        SetTraceMask(LEVEL_ENTRY);
+        ASSERT_TRUE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
+        SetTraceMask(LEVEL_EXIT);
+        ASSERT_FALSE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
+        ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY));
+        ASSERT_TRUE(IsTraceEnabled(DEFAULT_TRACE_MASK, LUM_GINA_MTM)) << n;
+    }
+    bStop = true;
 }
 
 TEST_F(TraceLog, LineHasTimeTagLabelAndLineEnd)
