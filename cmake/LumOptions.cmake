@@ -31,8 +31,10 @@ else()
   # A GINA may import from the system's own DLLs only.
   target_link_options(lum_options INTERFACE -static)
   # Wine reads a section that is not aligned in its file with a single read, and goes on if it got less: from
-  # a network file system for sections of more than half a megabyte. What is missing is zeros then.
-  target_link_options(lum_options INTERFACE -Wl,--file-alignment=4096)
+  # a network file system for sections of more than half a megabyte. What is missing is zeros then. A target
+  # with the property LUM_SMALL has none that large.
+  target_link_options(lum_options INTERFACE
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:LUM_SMALL>>>:-Wl,--file-alignment=4096>)
 endif()
 
 # lum_add_dll(TARGET SOURCE... [DEF file.def])
