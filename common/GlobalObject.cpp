@@ -8,7 +8,7 @@ CGlobalObject::CGlobalObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg) noexc
     if (szAPPArg != nullptr && szMTMArg != nullptr) {
         return;
     }
-    // A constructor that failed here would take its class down with it over a matter of tracing.
+    // Only reported: no object should fail to be made because it cannot be traced.
     CBadArgException({ERR_MESSAGE_APP, nullptr}, szAPPArg == nullptr ? TEXT("szAPP") : TEXT("szMTM"));
     szAPP = szAPPArg == nullptr ? ERR_MESSAGE_APP : nullptr;
     szMTM = nullptr;

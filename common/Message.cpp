@@ -11,7 +11,7 @@ namespace {
 
 // How much longer than its format a message may become, terminator included.
 constexpr std::size_t MESSAGE_ROOM = 1087;
-// What an internal warning has beside text and file name, terminator included.
+// What an internal warning holds besides text and file name, terminator included.
 constexpr std::size_t PLACE_ROOM = 19;
 
 template <typename Char>
@@ -66,7 +66,7 @@ void CMessageArgList::Compose(const WCHAR* szFormat,
                               std::initializer_list<CFormatArgument> arguments) noexcept
 {
     try {
-        // What a message is made of can be somebody else's text, and as wrong as anything else of theirs.
+        // A text may come from a plugin, and its pointer may be bad.
         m_bFormatted = CallWithinHost([&] {
             const std::size_t cchMessage = std::char_traits<WCHAR>::length(szFormat) + MESSAGE_ROOM;
             m_szMessage.Reset(new WCHAR[cchMessage]);

@@ -79,7 +79,7 @@ bool CRegistryDword::WriteRegistry()
     return op.Run(PassOn<CUnableToWriteRegistryException>(), body, FailureWarning::UnlessRaised);
 }
 
-/// A value shorter than a DWORD counts as its low bytes; a longer one cannot be read.
+/// A value shorter than a DWORD gives the low bytes. Reading a longer one fails.
 void CRegistryDword::Fetch()
 {
     DWORD dwRead = 0;

@@ -9,7 +9,8 @@ namespace {
 
 using Traits = std::char_traits<WCHAR>;
 
-// What a query reads at most; one character more than is kept, since a value need not be terminated.
+// The most that a query reads: 260 characters. The cache keeps 259 and adds a terminator, since the value may
+// lack one.
 constexpr DWORD QUERY_BYTES = 520;
 
 } // namespace
@@ -101,8 +102,8 @@ bool CRegistryString::WriteRegistry()
     return op.Run(PassOn<CUnableToWriteRegistryException>(), body, FailureWarning::UnlessRaised);
 }
 
-/// A value may be of any type and length and lack its terminator: what was not returned is not looked
-/// at, and the cache changes only when the query has succeeded.
+/// A value may have any type and length and may lack a terminator, so only the bytes that came back are used.
+/// The cache changes only when the query has succeeded.
 void CRegistryString::Fetch()
 {
     WCHAR szRead[QUERY_BYTES / sizeof(WCHAR)];

@@ -10,16 +10,16 @@
 
 namespace {
 
-// A thread that has set its finish event has only its last trace lines to write. It is not waited for longer:
-// while the library is being unloaded no thread can end, and that must not keep the process.
+// A thread that has set FinishEvent has only its last trace lines to write. The wait for it is limited: while
+// the library is being unloaded no thread can end, and the process must not hang.
 constexpr DWORD LAST_LINES_MILLISECONDS = 2000;
 constexpr DWORD POLL_MILLISECONDS = 1;
-// A new thread begins at once, unless the caller is in some library's DllMain.
+// A new thread begins at once, unless the caller is inside a DllMain: the loader lock holds it back then.
 constexpr DWORD LONGEST_BEGIN_MILLISECONDS = 2000;
 constexpr WCHAR TXT_NOT_FINISHED[] = TEXT("Thread has not finished in time. It is left alone");
 constexpr WCHAR TXT_STILL_STOPPING[] = TEXT("Thread was asked to stop and has not finished yet");
 
-/// A thread's name for trace lines that are written when the object may be gone; cut to fit.
+/// A copy of a thread's name, cut to fit, for trace lines written when the object may be gone.
 class CNameCopy
 {
 public:
@@ -52,7 +52,7 @@ void ClearEvent(const CMessageOrigin& origin, HANDLE hEvent)
     }
 }
 
-/// What a thread function does about an event that it cannot set: it has been written.
+/// For thread functions: a failure is only reported.
 void TrySignalEvent(const CMessageOrigin& origin, HANDLE hEvent) noexcept
 {
     try {
@@ -69,7 +69,7 @@ public:
     explicit CIncomingMessages(const CMessageOrigin& origin) noexcept : m_Origin(origin) {}
     ~CIncomingMessages()
     {
-        // It is for the loop that the wait has interrupted.
+        // WM_QUIT is for the message loop that this wait has interrupted.
         if (m_bQuit) {
             PostThreadMessageW(GetCurrentThreadId(), WM_QUIT, m_nExitCode, 0);
         }
@@ -77,8 +77,8 @@ public:
     CIncomingMessages(const CIncomingMessages&) = delete;
     CIncomingMessages& operator=(const CIncomingMessages&) = delete;
 
-    /// Dispatches all that are pending. False when it gave up before there was none left: after the time, and
-    /// after as many as a queue holds, since there are some that come again at once, for ever.
+    /// Dispatches pending messages; true when none is left. Gives up after dwMilliseconds, and after as many
+    /// messages as a queue can hold: some come again each time they are dispatched.
     bool DispatchPending(DWORD dwMilliseconds) noexcept
     {
         const DWORD dwStart = GetTickCount();
@@ -93,8 +93,8 @@ public:
 private:
     static constexpr int QUEUE_CAPACITY = 10000;
 
-    /// False when there is none. A window procedure is somebody else's code, and taking a message out of the
-    /// queue runs some as well: one that fails must not end the wait.
+    /// Dispatches one message; false when there is none. Window procedures are somebody else's code, and
+    /// PeekMessage runs some as well. One that fails must not end the wait.
     bool DispatchNext() noexcept
     {
         try {
@@ -138,7 +138,7 @@ CThreadObject::CThreadObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const
         StopEvent = MakeEvent();
         StartEvent = MakeEvent();
     } catch (...) {
-        // A constructor that throws has no destructor to clean up after it.
+        // After a constructor that throws, the destructor does not run.
         CloseEvents();
         FailConstruction<CThreadObjectInitException>(*this);
     }
@@ -209,7 +209,7 @@ bool CThreadObject::StartThread()
     });
 }
 
-/// Once m_bStarting is false again the object may be gone.
+/// When m_bStarting becomes false, a thread that deletes the object may do so: touch nothing after that.
 void CThreadObject::Launch()
 {
     m_bStarting = true;
@@ -226,8 +226,8 @@ void CThreadObject::Launch()
     m_bStarting = false;
 }
 
-/// No thread begins while a library is being unloaded. If it were this one, the thread could not be stopped
-/// then, and would begin in code that is no longer there.
+/// Waits until the thread has begun. While a library is being unloaded no thread can begin: one of this
+/// library that had not could not be stopped then, and would later begin in code that is gone.
 void CThreadObject::AwaitBeginning() const noexcept
 {
     const DWORD dwStart = GetTickCount();
@@ -236,7 +236,8 @@ void CThreadObject::AwaitBeginning() const noexcept
     }
 }
 
-/// A thread that is about to end is gone, too: it will never look at its stop event again.
+/// Closes the handle of a thread that has ended. One that has set FinishEvent counts as ended: it does not
+/// look at StopEvent again.
 void CThreadObject::DropFinishedThread() noexcept
 {
     if (m_hThread == nullptr) {
@@ -248,7 +249,8 @@ void CThreadObject::DropFinishedThread() noexcept
     }
 }
 
-/// After a stop that was given up. False when the thread has heard of it: it will end, nobody knows when.
+/// Withdraws the request to stop after StopThread gave up. False when the thread has seen it already: it will
+/// end at some time.
 bool CThreadObject::TakeStopBack() noexcept
 {
     m_bAskedToStop = !IsSignalled(StopEvent);
@@ -275,11 +277,11 @@ bool CThreadObject::StopThread()
     });
 }
 
-/// False when the thread has not finished in time. True also when a message that is dispatched here has led
-/// to another stop, and when the thread has ended without setting its event.
+/// False when the thread has not finished in time. True also when the thread has ended without setting its
+/// event, and when a message dispatched here has led to another stop.
 bool CThreadObject::AwaitFinish() const noexcept
 {
-    // An object that deletes itself does so on its own thread.
+    // With bAutoDelete, the destructor runs on the thread itself, which cannot wait for its own end.
     if (GetCurrentThreadId() == m_dwThreadId) {
         return true;
     }
@@ -303,14 +305,14 @@ bool CThreadObject::AwaitFinish() const noexcept
     return true;
 }
 
-/// Whether the thread has finished; comes back early for a window message.
+/// Whether the thread has finished. Returns early when a window message comes.
 bool CThreadObject::AwaitFinishOrInput(DWORD dwMilliseconds) const noexcept
 {
     const HANDLE hEnds[] = {FinishEvent, m_hThread};
     constexpr DWORD dwEnds = static_cast<DWORD>(std::size(hEnds));
     const DWORD dwResult = MsgWaitForMultipleObjects(dwEnds, hEnds, FALSE, dwMilliseconds, QS_ALLINPUT);
     if (dwResult == WAIT_FAILED) {
-        // Nobody may take that for an end: the object would be destroyed under its thread.
+        // A failed wait must not pass for the end of the thread: the object would be destroyed under it.
         return IsSignalled(FinishEvent) || IsSignalled(m_hThread, POLL_MILLISECONDS);
     }
     return dwResult < WAIT_OBJECT_0 + dwEnds;
@@ -355,7 +357,7 @@ DWORD WINAPI CThreadObject::ThreadStarter(LPVOID pObject)
         self.m_bBegun = true;
         self.RunThread();
     } catch (...) {
-        // The object, whose tag this would be written under, may be gone.
+        // The object, and the tag to write under, may be gone.
         CWarning({ERR_MESSAGE_APP, nullptr}, ERR_UNHANDLED_EXCEPTION);
     }
     return 0;

@@ -126,8 +126,9 @@ std::string ToAnsi(const WideText& text)
 
 bool AppendToFile(const WideText& path, const std::string& bytes) noexcept
 {
-    // Other threads write at the same time. With the right to append and no other one, the system itself puts
-    // each write at the end: the end that is looked up here may be another line's by then.
+    // Other threads write at the same time. A handle with FILE_APPEND_DATA alone makes the system put each
+    // write at the end. The end that SetFilePointer finds may belong to another line by the time of the
+    // write.
     const HANDLE hFile = CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                      nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (hFile == INVALID_HANDLE_VALUE) {

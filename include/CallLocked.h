@@ -3,8 +3,8 @@
 #include "CriticalSection.h"
 #include "guard/FaultGuard.h"
 
-/// Runs body() under a lock and gives what it gives. A processor fault in it leaves the lock before it is
-/// thrown as CForeignFault: faults run no destructors.
+/// Runs body() with the lock held and returns its result. A processor fault runs no destructors, so it is
+/// caught inside: the lock is released, and the fault is thrown as CForeignFault.
 template <typename Body>
 auto CallLocked(CCriticalSection& lock, Body body)
 {

@@ -6,13 +6,13 @@
 
 #include "GinaNames.h"
 
-// The wire format of the control channel, as server and clients share it. docs/control-protocol.md is the
-// description for everybody else.
+// The wire format of the control channel, for server and clients. docs/control-protocol.md describes it in
+// full.
 //
-// A request is its code, one byte, and its fields; then comes the reply, and the server disconnects. Integers
-// are little-endian, names UTF-16LE: a fixed name is NAME_CAPACITY characters, the terminating zero and
-// whatever follows it included; a counted name its length in characters, LONGEST_NAME at most, and the
-// characters without terminator.
+// A request is one byte, its code, followed by its fields. The server replies and disconnects. Integers are
+// little-endian, names UTF-16LE. A fixed name takes NAME_CAPACITY characters: the name, its terminating zero,
+// and anything behind that. A counted name is its length in characters, at most LONGEST_NAME, followed by the
+// characters without a terminator.
 
 namespace ControlProtocol {
 
@@ -44,8 +44,8 @@ LUM_CONTROL_REQUESTS(LUM_CONTROL_REQUEST_CODE)
 inline constexpr BYTE REPLY_SUCCESS = 0;
 inline constexpr BYTE REPLY_FAILURE = 1;
 
-/// What is said about a GINA or plugin. Its pointers mean nothing at the other end: they are written as 0 and
-/// ignored when read.
+/// The record of a GINA or plugin. Pointers mean nothing in another process: they are sent as 0 and ignored
+/// when received.
 struct CWireRecord
 {
     DWORD szAPP;

@@ -2,7 +2,8 @@
 
 #include <windows.h>
 
-/// A lock for short sections between the threads of the process; may be entered again by its owner.
+/// A lock between the threads of the process, to be held briefly. The thread that holds it may enter it
+/// again.
 class CCriticalSection
 {
 public:

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// The formats that message texts are made with. All but FMT_TEXT end in source line and file name.
+// The formats of message texts. All but FMT_TEXT end with the source line and the file name.
 
 inline constexpr WCHAR FMT_TEXT[] = TEXT("%s");
 inline constexpr WCHAR FMT_PLAIN[] = TEXT("%s, ( %d ) %s");

@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-// The table of error texts that all sources share. Some rows are used by other products of the same
-// family only; the order and the wording are fixed, since support tools search logs for them.
+// The error texts that all sources share. Order and wording are fixed: support tools search logs for them.
+// Some rows serve only other products of the same family.
 
 // clang-format off
 #define LUM_ERROR_TEXTS(ROW) \

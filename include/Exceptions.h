@@ -2,14 +2,14 @@
 
 #include "Message.h"
 
-// The catalogue of exceptions: one line each, which says what an exception reports. They are thrown by
-// value, caught by reference, and constructed in one of two ways:
+// The catalogue of exceptions. Each is one line, which states what it reports. Exceptions are thrown by value
+// and caught by reference. Constructing one writes it to the trace log. There are two ways to construct one:
 //
 //     (origin, details..., where)
 //     (tag, key, text, details..., line, source path)
 //
-// with the details that the format asks for after the text, in its order. The first has the row's own text,
-// and by default the place of the call. Building one writes it.
+// The details are the values that the format names after the text, in that order. The first way uses the
+// row's own text and, by default, the caller's place in the source.
 
 /// The shape of a catalogue row: text, format, level and the types of the details are fixed.
 template <const auto& Text, const auto& Format, DWORD dwLevel, typename... Details>
@@ -29,7 +29,7 @@ public:
     }
 };
 
-/// A row whose detail is the text alone.
+/// A row that reports its text alone.
 template <const auto& Text, DWORD dwLevel = LEVEL_EXCEPTION>
 class CTextException : public CDetailedMessage
 {
@@ -46,7 +46,7 @@ public:
     }
 };
 
-/// A row whose detail is an error code of the platform.
+/// A row that also reports a Windows error code.
 template <const auto& Text>
 class CErrorException : public CDetailedMessageWithError
 {
@@ -63,11 +63,11 @@ public:
     }
 };
 
-/// A row whose detail is a name: of an argument, a variable, a plugin.
+/// A row that reports a name: of an argument, a variable, a plugin.
 template <const auto& Text, const auto& Format>
 using CNameException = CCatalogException<Text, Format, LEVEL_EXCEPTION, const WCHAR*>;
 
-/// A row whose details are a name and an error code of the platform.
+/// A row that reports a name and a Windows error code.
 template <const auto& Text, const auto& Format>
 using CNameErrorException = CCatalogException<Text, Format, LEVEL_EXCEPTION, const WCHAR*, DWORD>;
 

@@ -2,14 +2,14 @@
 
 #include "Message.h"
 
-/// The base of every traced class: under which tag and key its messages are written.
+/// The base of every traced class. It holds the tag and the key under which an object's messages are written.
 ///
-/// The two pointers are part of records that plugins read, so nothing may be added here.
+/// Plugins read the two pointers as part of their records, so no field may be added here.
 class CGlobalObject
 {
 public:
-    /// A null argument is reported and leaves an object whose messages go to "MESSAGE_APP" with the
-    /// default mask. The strings are not owned.
+    /// The strings are not owned. A null argument is reported; messages of the object then go to
+    /// "MESSAGE_APP" with the default mask.
     CGlobalObject(const WCHAR* szAPP, const WCHAR* szMTM) noexcept;
 
     operator CMessageOrigin() const noexcept { return {szAPP, szMTM}; }

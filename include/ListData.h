@@ -5,7 +5,7 @@
 #include "GlobalObject.h"
 #include "Operation.h"
 
-/// How a list destroys an item. Item types with another way overload this next to their class.
+/// Destroys an item of a list. An item type that is destroyed in another way overloads this beside its class.
 template <typename T>
 void DestroyListItem(T* pItem)
 {
@@ -14,7 +14,7 @@ void DestroyListItem(T* pItem)
 
 /// What a list node carries: an item, which it owns, and a value stored with it.
 ///
-/// Nodes of the GINA object list are handed to plugins, so the order and width of the fields is fixed.
+/// Plugins are handed nodes of the GINA object list, so the order and size of the fields are fixed.
 template <typename T>
 class CListData : public CGlobalObject
 {
@@ -47,7 +47,7 @@ class NodeType : public CListData<T>
 public:
     using CListData<T>::CListData;
 
-    /// The next node as it is now, for a thread that reads while another inserts.
+    /// The next node. Another thread may insert one meanwhile.
     NodeType* GetNext() noexcept { return std::atomic_ref(pNext).load(std::memory_order_acquire); }
 
     NodeType* pNext = nullptr;

@@ -8,11 +8,11 @@
 #include "ListData.h"
 #include "Operation.h"
 
-/// The container of the system: a doubly linked list of item pointers with a cursor.
+/// A doubly linked list of item pointers with a cursor: the one container behind every list of the host.
 ///
-/// The list owns its items: whatever removes a node destroys its item. Operations give true for
-/// success; none lets an exception escape. A list has no lock: owners that share one between threads
-/// serialise whole sequences of positioning and reading, not single calls.
+/// The list owns its items: removing a node destroys its item. Operations return true for success and never
+/// throw. A list has no lock. An owner that shares one between threads locks the whole sequence of moving the
+/// cursor and reading, not each call.
 ///
 /// What T must offer depends on the operations used: operator==(const WCHAR*) for those with a key,
 /// operator==(const T&) for operator==, a constructor (szAPP, szMTM, const T*) or a copy constructor for
@@ -49,19 +49,21 @@ public:
         RunVoid(TEXT("End"), [this] { m_pCursor = m_pTail; });
     }
 
-    /// Moves the cursor on; false, and no move, at the last node or without a current one.
+    /// Moves the cursor to the next node. False, without moving, at the last node or without a current one.
     bool Next() noexcept
     {
         return Run(TEXT("Next"), [this] { return MoveCursor(&Node::pNext); });
     }
 
-    /// Moves the cursor back; false, and no move, at the first node or without a current one.
+    /// Moves the cursor to the node before. False, without moving, at the first node or without a current
+    /// one.
     bool Prev() noexcept
     {
         return Run(TEXT("Prev"), [this] { return MoveCursor(&Node::pPrev); });
     }
 
-    /// Gives the current item, which stays the list's; false, and pItem as it was, without a current node.
+    /// Stores the current item in pItem; the list still owns it. Without a current node: false, and pItem is
+    /// unchanged.
     bool GetItem(T*& pItem) noexcept
     {
         return Run(TEXT("GetItem"), [&] {
@@ -89,8 +91,8 @@ public:
         });
     }
 
-    /// Inserts before the current node; the cursor stays. Into an empty list the node becomes current.
-    /// The list owns pItem when this succeeds, and only then.
+    /// Inserts a node before the current one and leaves the cursor where it is. In an empty list the new node
+    /// becomes current. The list owns pItem only if this succeeds.
     bool Insert(T* pItem, DWORD dwTag) noexcept
     {
         return Run(TEXT("Insert"), [&] {
@@ -104,8 +106,8 @@ public:
         });
     }
 
-    /// Appends a node; the cursor stays. Into an empty list the node becomes current. The list owns
-    /// pItem when this succeeds, and only then.
+    /// Appends a node and leaves the cursor where it is. In an empty list the new node becomes current. The
+    /// list owns pItem only if this succeeds.
     bool Add(T* pItem, DWORD dwTag) noexcept
     {
         return Run(TEXT("Add"), [&] { return Append(pItem, dwTag); });
@@ -124,14 +126,14 @@ public:
         });
     }
 
-    /// Removes the current node and gives it to the caller with its item, to be destroyed with DestroyNode;
-    /// the cursor goes to the first node.
+    /// Takes the current node out of the list and hands it to the caller, who destroys it with DestroyNode.
+    /// The cursor goes to the first node.
     bool Remove(Node*& pNode) noexcept
     {
         return Run(TEXT("Remove"), [&] { return TakeOut(pNode); });
     }
 
-    /// Destroys a node that was removed, and its item.
+    /// Destroys a node that was taken out, and its item.
     void DestroyNode(Node* pNode) const noexcept { Destroy(pNode, TEXT("m_pCursor")); }
 
     /// Removes the first node whose item equals the key.
@@ -140,7 +142,8 @@ public:
         return Run(TEXT("Remove"), [&] { return MoveTo(szKey) && Remove(); });
     }
 
-    /// Moves the cursor to the first node whose item equals the key; to the last node if there is none.
+    /// Moves the cursor to the first node whose item equals the key. If there is none: to the last node, and
+    /// false.
     bool MoveTo(const WCHAR* szKey) noexcept
     {
         return Run(TEXT("MoveTo"), [&] {
@@ -178,7 +181,7 @@ public:
     {
         return Run(TEXT("Flush"), [this] {
             m_pCursor = nullptr;
-            // A plugin can have written to the nodes, so one link is followed and none is written.
+            // A plugin may have overwritten the nodes: follow the forward links only, and write to no node.
             while (m_pHead != nullptr) {
                 Node* pTempCursor = m_pHead;
                 m_pHead = pTempCursor->pNext;
@@ -190,8 +193,8 @@ public:
         });
     }
 
-    /// Whether both lists have equal items in the same order. A node without an item equals one of those
-    /// only.
+    /// Whether both lists have equal items in the same order. A node without an item equals only another such
+    /// node.
     bool operator==(const CListEx& other) const noexcept
     {
         return Run(TEXT("operator=="), [&] {
@@ -209,8 +212,8 @@ public:
         });
     }
 
-    /// Swaps the current node with the one before it. The cursor then is on the node that precedes the
-    /// moved one, null when that became the head. False, and no change, at the head.
+    /// Swaps the current node with the one before it. The cursor ends on the node before the moved one, or on
+    /// none if the moved one is now the head. False, without change, at the head.
     bool MoveItemUp() noexcept
     {
         return Run(TEXT("MoveItemUp"), [this] {
@@ -226,8 +229,8 @@ public:
         });
     }
 
-    /// Swaps the current node with the one after it. The cursor then is on the node that follows the
-    /// moved one, null when that became the tail. False, and no change, at the tail.
+    /// Swaps the current node with the one after it. The cursor ends on the node after the moved one, or on
+    /// none if the moved one is now the tail. False, without change, at the tail.
     bool MoveItemDown() noexcept
     {
         return Run(TEXT("MoveItemDown"), [this] {
@@ -274,7 +277,7 @@ private:
         return pNode;
     }
 
-    /// A node has the list's tag and key, whatever a plugin has written there.
+    /// Gives the node the list's tag and key first: a plugin may have overwritten them.
     void Destroy(Node* pNode, const WCHAR* szVariable) const noexcept
     {
         pNode->szAPP = szAPP;
@@ -341,8 +344,8 @@ private:
         return true;
     }
 
-    /// Links a free node in before pBefore, at the end for null. The node is complete before the one
-    /// pointer that makes a reader of the list find it is written: readers of pNext need no lock.
+    /// Links a free node before pBefore, or at the end for null. The node is complete before the one pointer
+    /// that leads to it is written, so readers of pNext need no lock.
     void LinkBefore(Node* pNode, Node* pBefore) noexcept
     {
         Node* pAfter = pBefore != nullptr ? pBefore->pPrev : m_pTail;

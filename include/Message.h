@@ -12,10 +12,9 @@
 #include "TextFormat.h"
 #include "TraceLog.h"
 
-// Every report of the system, a trace line as much as an error, is an object of this family. Building
-// a message formats its text and writes it to the trace log, so that a thrown error has been logged
-// by the time it is caught. No constructor, destructor or Write of this system's messages lets an exception
-// escape.
+// Every report is an object of this family, a trace line as well as an error. Constructing a message formats
+// its text and writes it to the trace log, so an exception has been logged before anybody catches it. No
+// constructor, destructor or Write of these messages throws.
 
 /// Who reports: the application tag, which selects the log file, and the registry key (relative to
 /// HKEY_LOCAL_MACHINE) that holds the level mask. The strings are not owned and must outlive the user.
@@ -25,32 +24,33 @@ struct CMessageOrigin
     const WCHAR* szMTM;
 };
 
-/// The part of a path after its last backslash, the whole path when it holds none. For a null path null, and
-/// an exception message under "MESSAGE_APP". Never throws.
+/// The part of a path after its last backslash, or the whole path if it has none. For a null path, returns
+/// null and writes an exception message under "MESSAGE_APP". Never throws.
 const WCHAR* GetFileName(const WCHAR* szPath) noexcept;
 
-/// The trace log's own report of trouble inside it: no mask is consulted, and the place of the statement is
-/// appended to the text. True when it was written. Never throws.
+/// Reports trouble inside the trace log itself. Looks up no mask, and appends the place of the statement to
+/// the text. True when it was written. Never throws.
 bool LogMessage(const WCHAR* szTag, const WCHAR* szLabel, const WCHAR* szText, int nLine,
                 const WCHAR* szPath) noexcept;
 
 /// The same as a warning under "MESSAGE_APP".
 void LogInternalWarning(const WCHAR* szText, CSourceLocation where = CSourceLocation::Current()) noexcept;
 
-/// What this system reports under.
+/// The tag and key of this library's messages.
 inline constexpr CMessageOrigin LUM_GINA_ORIGIN{LUM_GINA_APP, LUM_GINA_MTM};
 
-/// The root of the family. Messages are destroyed as the type they were made or thrown as.
+/// The root of the family. The destructor is not virtual: a message is destroyed as the type that it was made
+/// or thrown as.
 class CMessage
 {
 public:
-    /// A message without a key belongs to nobody's mask: its tag becomes "MESSAGE_APP", as does a null tag.
+    /// Without a key there is no mask to look up, so the tag becomes "MESSAGE_APP"; so does a null tag.
     CMessage(DWORD dwLevel, const WCHAR* szAPP, const WCHAR* szMTM) noexcept;
 
     /// Writes the text to the trace log if its level is enabled; m_bWritten is true from then on.
     virtual void Write() = 0;
 
-    /// What a handler does with a message that it caught: Write, unless that has been done.
+    /// For a handler: writes the message that it caught, unless it has been written.
     void WriteIfUnwritten() noexcept;
 
     DWORD m_dwLevel;
@@ -61,7 +61,7 @@ public:
     COwnedText m_szMessage;
 
 protected:
-    /// The copy has a text of its own; none when there is no memory for it.
+    /// Copies the text as well. If there is no memory for it, the copy has none.
     CMessage(const CMessage& other) noexcept;
     CMessage(CMessage&&) noexcept = default;
     ~CMessage() = default;
@@ -88,13 +88,13 @@ public:
     bool m_bFormatted;
 
 protected:
-    /// For messages that are formatted when they are first written: no text yet.
+    /// For messages that are formatted only when they are written: there is no text yet.
     CMessageArgList(DWORD dwLevel, const CMessageOrigin& origin) noexcept
         : CMessage(dwLevel, origin.szAPP, origin.szMTM), m_bFormatted(true)
     {
     }
 
-    /// Formats the text, unless that has been done, and writes it, whatever the mask.
+    /// Formats the text if that has not been done, and writes it without looking at the mask.
     void WriteFormatted(const WCHAR* szFormat, std::initializer_list<CFormatArgument> arguments) noexcept;
 
 private:
@@ -111,7 +111,7 @@ public:
                      CSourceLocation where = CSourceLocation::Current()) noexcept;
 };
 
-/// A text with an error code of the platform and the place it was reported at.
+/// A text with a Windows error code and the place it was reported at.
 class CDetailedMessageWithError : public CMessageArgList
 {
 public:

@@ -2,7 +2,7 @@
 
 #include "Operation.h"
 
-/// Runs a getter: entry and exit trace, and a warning when the value is null, which is returned all the same.
+/// Runs a getter: traces entry and exit, warns if the value is null, and returns it in any case.
 template <typename Value>
 Value PullValue(const CMessageOrigin& origin, const WCHAR* szClass, CTracePoint point,
                 const Value& value) noexcept
@@ -16,7 +16,7 @@ Value PullValue(const CMessageOrigin& origin, const WCHAR* szClass, CTracePoint 
     });
 }
 
-/// Runs a setter: entry and exit trace, and a warning when the value is null, which is stored all the same.
+/// Runs a setter: traces entry and exit, warns if the value is null, and stores it in any case.
 template <typename Value>
 void PushValue(const CMessageOrigin& origin, const WCHAR* szClass, CTracePoint point, Value& target,
                Value value) noexcept

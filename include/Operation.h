@@ -40,8 +40,8 @@ enum SasAction : int
     SAS_ACTION_NONE = 2
 };
 
-/// The result of an operation that came to nothing: false, no SAS action, null, zero. An int is no result:
-/// BOOL is one, whose failure is 0, and so are SAS action codes, whose failure is 2. Say bool or SasAction.
+/// What a failed operation returns: false, SAS_ACTION_NONE, null or zero. int is not allowed here: it could
+/// be a BOOL, which fails as 0, or a SAS action code, which fails as 2. Use bool or SasAction.
 template <typename Result>
 constexpr Result FailureResult() noexcept
 {
@@ -75,7 +75,7 @@ DWORD ToTraceValue(Result result) noexcept
     }
 }
 
-/// One run of an operation; knows what its trace lines have in common.
+/// One run of an operation, with what its trace lines have in common.
 class COperation
 {
 public:
@@ -87,8 +87,8 @@ public:
         Trace<CEntryTrace, CThreadEntryTrace>();
     }
 
-    /// Runs body and returns its result, FailureResult if it throws. onException(*this) is called inside
-    /// the handler; what it throws leaves the operation, which then writes no exit trace.
+    /// Runs body and returns its result, or FailureResult if it throws. onException(*this) is called inside
+    /// the catch block. If that throws, the exception leaves the operation, and no exit trace is written.
     template <typename OnException, typename Body>
     auto Run(OnException onException, Body body, FailureWarning warning = FailureWarning::Always) const
         -> std::invoke_result_t<Body>
@@ -153,16 +153,16 @@ bool ReportIfOne() noexcept
     }
 }
 
-/// Within a catch (...): if the exception is of one of the classes E, writes it, unless it has been written,
-/// and gives true.
+/// For use in a catch (...). If the exception is of one of the classes E: writes it, unless it has been
+/// written, and returns true.
 template <typename... E>
 bool ReportIf() noexcept
 {
     return (ReportIfOne<E>() || ...);
 }
 
-/// The handlers of an operation, tried in this order like the handlers of a try. What none of them takes is
-/// an unhandled exception, and is absorbed.
+/// The handlers of an operation, tried in this order as catch clauses are. An exception that none of them
+/// takes is warned of as unhandled, and ends here.
 template <typename... Handler>
 struct Handlers
 {
@@ -174,7 +174,7 @@ struct Handlers
     }
 };
 
-/// Handler: exceptions of the classes E are reported and leave the operation.
+/// Handler: reports exceptions of the classes E and lets them leave the operation.
 template <typename... E>
 struct PassOn
 {
@@ -188,7 +188,7 @@ struct PassOn
     void operator()(const COperation& op) const { Handlers<PassOn>()(op); }
 };
 
-/// Handler: exceptions of the classes E are only reported.
+/// Handler: reports exceptions of the classes E and ends them here.
 template <typename... E>
 struct Absorb
 {
@@ -196,8 +196,8 @@ struct Absorb
     void operator()(const COperation& op) const noexcept { Handlers<Absorb>()(op); }
 };
 
-/// For the handler of a constructor: an InitException and exceptions of the classes PassedOn leave it as they
-/// are, anything else leaves it as an InitException. All are reported. Never returns.
+/// For the catch (...) of a constructor. Rethrows an InitException, and exceptions of the classes PassedOn,
+/// as they are; anything else becomes an InitException. All are reported. Never returns.
 template <typename InitException, typename... PassedOn>
 [[noreturn]] void FailConstruction(const CMessageOrigin& origin,
                                    CSourceLocation where = CSourceLocation::Current())
@@ -208,7 +208,7 @@ template <typename InitException, typename... PassedOn>
     throw InitException(origin, where);
 }
 
-/// Traces entry and exit of a constructor; no exit when it is left by an exception.
+/// Traces entry and exit of a constructor or destructor; no exit when an exception leaves it.
 template <typename EntryTrace, typename ExitTrace>
 class CLifetimeTrace
 {
@@ -236,8 +236,8 @@ private:
 using CConstructionTrace = CLifetimeTrace<CConstructionEntryTrace, CConstructionExitTrace>;
 using CDestructionTrace = CLifetimeTrace<CDestructionEntryTrace, CDestructionExitTrace>;
 
-/// Runs destroy(); should it fail, traces that the variable could not be deleted. For clean-up that
-/// must go on whatever happens.
+/// For clean-up, which must go on whatever happens: runs destroy(), and if that throws, traces that the
+/// variable could not be deleted.
 template <typename Destroy>
 void DeleteVariable(const CMessageOrigin& origin, const WCHAR* szVariable, Destroy destroy,
                     CSourceLocation where = CSourceLocation::Current()) noexcept

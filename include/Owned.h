@@ -6,8 +6,8 @@
 
 #include <windows.h>
 
-/// Owns an object on the heap, an array with COwned<T[]>, and reads as a plain pointer to it: null or the
-/// object. Moving hands the object on.
+/// Owns an object on the heap, or an array with COwned<T[]>. Converts to a plain pointer to it, which is null
+/// if it owns none. Moving hands the object on.
 template <typename T, typename Deleter = std::default_delete<T>>
 class COwned
 {
@@ -23,7 +23,7 @@ public:
     /// Destroys the object, and owns pObject from then on.
     void Reset(Pointer pObject = nullptr) noexcept { m_pObject.reset(pObject); }
 
-    /// Gives the object to the caller, and owns none from then on.
+    /// Hands the object to the caller, and owns none from then on.
     Pointer Release() noexcept { return m_pObject.release(); }
 
 private:

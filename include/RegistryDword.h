@@ -13,12 +13,13 @@ public:
                    bool bReadThrough, bool bWriteThrough, bool bReadNow, DWORD dwOptions);
     ~CRegistryDword();
 
-    /// Gives the value, after reading the registry if bRefresh is set or the value is read through.
-    /// Throws CBadArgException, CUnableToReadRegistryException.
+    /// Stores the value in *pdwValue. Reads the registry first if bRefresh is set or the value is read
+    /// through. Throws CBadArgException, CUnableToReadRegistryException.
     bool GetRegistryDword(DWORD* pdwValue, bool bRefresh);
 
-    /// Keeps the value and writes it if bForceWrite is set or the value is written through. When the
-    /// write fails the cache keeps the new value. Throws CUnableToWriteRegistryException.
+    /// Puts the value into the cache, and writes it to the registry if bForceWrite is set or the value is
+    /// written through. The cache keeps the new value even if the write fails. Throws
+    /// CUnableToWriteRegistryException.
     bool SetRegistryDword(DWORD dwValue, bool bForceWrite);
 
     bool ReadRegistry() override;

@@ -5,9 +5,8 @@
 
 /// One registry key, opened and closed on demand.
 ///
-/// Operations give true for success. The exceptions that leave one are named with it; anything else
-/// that goes wrong is reported and gives false. No lock: an object that threads share is guarded by
-/// its owner.
+/// Operations return true for success. Each names the exceptions that it throws; any other failure is
+/// reported and returns false. There is no lock: an owner that shares the object between threads locks it.
 class CRegistryKey : public CGlobalObject
 {
 public:
@@ -20,14 +19,14 @@ public:
     CRegistryKey(const CRegistryKey&) = delete;
     CRegistryKey& operator=(const CRegistryKey&) = delete;
 
-    /// Opens the key, anew if it is open; one that is missing is made first when bCreate was given.
-    /// Throws CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException.
+    /// Opens the key, after closing it if it was open. With bCreate, a missing key is made first. Throws
+    /// CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException.
     bool OpenKey();
 
     /// Makes the key if it is missing, and leaves it closed. Throws CUnableToCreateRegistryKeyException.
     bool CreateKey();
 
-    /// Closes the key; a closed one is only warned of. Throws CUnableToCloseRegistryKeyException.
+    /// Closes the key; if it is closed already, only warns. Throws CUnableToCloseRegistryKeyException.
     bool CloseKey();
 
     /// Whether the key is open and has not been deleted meanwhile.

@@ -14,14 +14,14 @@ public:
                     bool bReadThrough, bool bWriteThrough, bool bReadNow, DWORD dwOptions);
     ~CRegistryString();
 
-    /// Copies the text into a buffer of cchDest characters, cut to fit and always terminated, after
-    /// reading the registry if bRefresh is set or the value is read through. Throws CBadArgException,
+    /// Copies the text into a buffer of cchDest characters, cut to fit and always terminated. Reads the
+    /// registry first if bRefresh is set or the value is read through. Throws CBadArgException,
     /// CUnableToReadRegistryException.
     bool GetRegistryString(WCHAR* szDest, DWORD cchDest, bool bRefresh);
 
-    /// Keeps the text, cut to 259 characters, and writes it if bForceWrite is set or the value is written
-    /// through. When the write fails the cache keeps the new text. Throws CBadArgException,
-    /// CUnableToWriteRegistryException, CWcscpyException.
+    /// Puts the text, cut to 259 characters, into the cache, and writes it to the registry if bForceWrite is
+    /// set or the value is written through. The cache keeps the new text even if the write fails. Throws
+    /// CBadArgException, CUnableToWriteRegistryException, CWcscpyException.
     bool SetRegistryString(const WCHAR* szSrc, bool bForceWrite);
 
     bool ReadRegistry() override;

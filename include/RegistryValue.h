@@ -4,10 +4,10 @@
 
 class COperation;
 
-/// One named value of a registry key: what its kinds have in common.
+/// One named value of a registry key: what texts and numbers have in common.
 ///
-/// The value operations work on the handle that the key holds: the key must be open. A value is
-/// destroyed as the kind it is.
+/// The operations use the handle of the key, so the key must be open. The destructor is not virtual: a value
+/// is destroyed as its own type.
 class CRegistryValue : public CRegistryKey
 {
 public:
@@ -36,9 +36,9 @@ protected:
                    bool bReadThrough, bool bWriteThrough, DWORD dwOptions);
     ~CRegistryValue();
 
-    /// Reads the value's data, of whatever type it is, at most cbData bytes. Gives the number of bytes
-    /// read; a missing value is made by createDefault() when that is allowed, and counts as no bytes.
-    /// Throws CUnableToReadRegistryException.
+    /// Reads at most cbData bytes of the value, whatever its type, and returns how many it read. With
+    /// bCreate, a missing value is made by createDefault() and counts as 0 bytes. Throws
+    /// CUnableToReadRegistryException.
     template <typename CreateDefault>
     DWORD Query(void* pData, DWORD cbData, CreateDefault createDefault)
     {

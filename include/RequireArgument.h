@@ -2,7 +2,8 @@
 
 #include "Exceptions.h"
 
-/// Throws CBadArgException, which names the argument, unless it is good: for a pointer, not null.
+/// Throws CBadArgException, with the name of the argument, unless bGood. A pointer given as bGood must not be
+/// null.
 inline void RequireArgument(const CMessageOrigin& origin, bool bGood, const WCHAR* szArgument,
                             CSourceLocation where = CSourceLocation::Current())
 {

@@ -3,8 +3,8 @@
 #include "GlobalObject.h"
 #include "Owned.h"
 
-/// Reads resources of a loaded module. The module is not owned: it must stay loaded as long as the object,
-/// and what the object has handed out, is in use. For one thread at a time.
+/// Reads resources of a loaded module. The module is not owned: keep it loaded as long as the object, or
+/// anything that the object has handed out, is in use. For one thread at a time.
 class CResourceObject : public CGlobalObject
 {
 public:
@@ -19,8 +19,8 @@ public:
     /// The version resource with this identifier; null when there is none.
     HRSRC GetVersionResource(WORD wResource) noexcept;
 
-    /// Gives the fixed file information of a version resource: a pointer into the module's own data, which
-    /// needs no freeing. False, and nothing given, when there is none.
+    /// Stores a pointer to the fixed file information of a version resource. It points into the module itself
+    /// and is not freed. False, with nothing stored, when there is none.
     bool LoadMenu(WORD wResource, VS_FIXEDFILEINFO** ppInfo) noexcept;
 
     HINSTANCE m_hInst;

@@ -2,7 +2,7 @@
 
 /// Where a statement stands: what the trace log shows as line and file.
 ///
-/// std::source_location would do, but clang 14 has not got it for this library.
+/// std::source_location would do, but clang 14 has none with this standard library.
 struct CSourceLocation
 {
     const char* szPath;

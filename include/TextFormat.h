@@ -40,12 +40,12 @@ private:
     };
 };
 
-/// Formats as printf does, for the conversions that messages use: %s a text (null shows as "(null)"),
-/// %d a signed and %x an unsigned 32-bit number, the latter in lower-case hexadecimal, %% a percent
-/// sign. Surplus arguments are ignored.
+/// Formats as printf does, for the conversions that messages use: %s a text (null shows as "(null)"), %d a
+/// signed and %x an unsigned 32-bit number, the latter in lower-case hexadecimal, %% a percent sign. Surplus
+/// arguments are ignored.
 ///
-/// The text is cut to cchDest - 1 characters and always terminated; cchDest must not be 0. False when
-/// the format asks for something else, or for an argument that is not there or of the wrong kind;
-/// szDest then holds what came before. Allocates nothing and never throws.
+/// The text is cut to cchDest - 1 characters and always terminated; cchDest must not be 0. False when the
+/// format has another conversion, or an argument is missing or of the wrong kind; szDest then holds the text
+/// up to there. Allocates nothing and never throws.
 bool FormatText(WCHAR* szDest, std::size_t cchDest, const WCHAR* szFormat,
                 std::initializer_list<CFormatArgument> arguments) noexcept;

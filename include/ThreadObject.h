@@ -9,13 +9,13 @@
 /// A service thread, and the events through which its owner and its thread function agree on starting and
 /// stopping.
 ///
-/// The owner calls StartThread, StopThread, CleanThread and the destructor, one at a time. A derived class
-/// supplies Thread, which runs on the new thread.
+/// The owner calls StartThread, StopThread, CleanThread and the destructor, never two of them at once. A
+/// derived class supplies Thread, which runs on the new thread.
 class CThreadObject : public CGlobalObject
 {
 public:
-    /// bAutoDelete: the object deletes itself once its thread function has returned; its creator must not
-    /// touch it any more once StartThread has given true. Throws CBadArgException for a null name,
+    /// bAutoDelete: the object deletes itself when its thread function has returned. Once StartThread has
+    /// returned true, its creator must not touch it any more. Throws CBadArgException for a null name,
     /// CThreadObjectInitException for any other failure.
     CThreadObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const WCHAR* szThreadName, bool bAutoDelete);
     CThreadObject(const CThreadObject&) = delete;
@@ -25,32 +25,33 @@ public:
     /// sets FinishEvent last (SignalFinish), on every way out.
     virtual void Thread() = 0;
 
-    /// Stops a running thread. A derived class whose thread function uses members of its own has to do that
-    /// in its own destructor.
+    /// Stops a running thread. A derived class whose thread function uses its own members must stop the
+    /// thread in its own destructor: they are gone when this one runs.
     virtual ~CThreadObject();
 
-    /// Starts the thread. True also when it is running already. A thread that has ended by itself counts as
-    /// absent: a new one is started. After a stop that was given up the thread goes on if it has not heard of
-    /// that yet; false when it has and is still about to finish.
+    /// Starts the thread. True also when it runs already. If the thread has ended by itself, a new one is
+    /// started. If an earlier StopThread gave up waiting, the thread is told to go on; false when it has
+    /// already seen the request to stop and has not finished yet.
     bool StartThread();
 
     /// Asks the thread function to finish and waits until it has. Window messages of the calling thread are
     /// dispatched meanwhile, so hold no lock that a window procedure or the thread function needs. A thread
-    /// that ended without a word is not waited for. False when there is no thread, and when it has not
-    /// finished within m_dwLongestStop: it is still running then (m_bRunning), and so neither the object nor
-    /// what the thread uses may be destroyed.
+    /// that has ended without setting FinishEvent is not waited for.
+    ///
+    /// False when there is no thread, or when it has not finished within m_dwLongestStop. Then it still runs
+    /// (m_bRunning): destroy neither the object nor anything that the thread uses.
     bool StopThread();
 
-    /// Whether there is a thread that has been started, has not ended and is not to end.
+    /// Whether a thread has been started, has not ended, and has not been asked to stop.
     bool IsAlive() const noexcept;
 
-    /// Lets go of the thread without stopping it; it must have finished. False when there is no thread.
+    /// Closes the handle of the thread, which must have finished. False when there is no thread.
     bool CleanThread();
 
     /// Destroys the object, which must be on the heap.
     void DeleteThis();
 
-    /// The procedure of the platform's thread; pObject is the CThreadObject.
+    /// The procedure that CreateThread is given; pObject is the CThreadObject.
     static DWORD WINAPI ThreadStarter(LPVOID pObject);
 
     DWORD m_dwThreadId;
@@ -67,17 +68,17 @@ public:
     /// not keep the machine from shutting down.
     DWORD m_dwLongestStop = 10000;
 
-    /// For owners on several threads: to be held while one of them starts or stops the thread. The thread
-    /// function must not need it.
+    /// Owners on several threads hold this while one of them starts or stops the thread. The thread function
+    /// must not need it.
     CCriticalSection m_OwnersLock;
 
 protected:
-    // For thread functions: set the event; a failure is written, and the thread goes on.
+    // For thread functions: set the event. A failure is only reported.
     void SignalStart() const noexcept;
     void SignalFinish() const noexcept;
 
-    /// Waits until the owner wants the thread to finish; false when the time is over before that. A wait that
-    /// fails counts as the wish, since a thread function that cannot wait would run without a pause.
+    /// Waits until the thread is to stop; false when the time has passed without that. A failed wait counts
+    /// as a request to stop: a thread function that cannot wait would loop without a pause.
     bool AwaitStop(DWORD dwMilliseconds) const noexcept;
 
 private:
@@ -97,7 +98,7 @@ private:
     void CloseThread() noexcept;
     void RunThread();
 
-    /// The thread of an object that deletes itself must not overtake StartThread.
+    /// True while StartThread uses the object. A thread that deletes the object waits for that to end.
     std::atomic<bool> m_bStarting;
     std::atomic<bool> m_bBegun;
 

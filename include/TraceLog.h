@@ -2,12 +2,12 @@
 
 #include <windows.h>
 
-// The trace log: a plain text file that every message of the system is written to.
+// The trace log: a plain text file that every message is written to.
 //
-// Which lines are written is a matter of a level mask in the registry, where they go of a debug key
-// that maps an application tag to a file. Both are looked up anew for every message, so that a change
-// takes effect at once. No lock is taken: a line is one write to a file opened for that line alone.
-// Nothing here throws; what fails is not written.
+// A level mask in the registry decides which lines are written. A debug key maps an application tag to the
+// file that they go to. Both are read for every message, so a change takes effect at once. There is no lock:
+// a line is one write to a file that is opened for that line alone. Nothing here throws; a line that fails is
+// not written.
 
 /// Levels, one bit each, so that a mask of them says which messages are written.
 inline constexpr DWORD LEVEL_DEBUG = 0x1;

@@ -4,13 +4,12 @@
 
 #include "Message.h"
 
-// The kinds of trace statement. Each builds a message, which writes itself, and is gone:
+// The kinds of trace statement. A statement constructs a message, which writes itself and is destroyed:
 //
 //     CWarning(*this, ERR_PULLING_NULL);
 //
-// A masked-out statement costs the look-up of the mask: it keeps its values, and would be formatted if it
-// were written later. The values follow the origin in the order of the format, the place of the statement
-// comes last and need not be given.
+// If its level is masked out, only the mask is looked up and nothing is formatted. The values follow the
+// origin in the order of the format. The place of the statement comes last and need not be given.
 template <DWORD dwLevel, const auto& Format, typename... Values>
 class CTraceStatement : public CMessageArgList
 {
