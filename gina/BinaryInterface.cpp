@@ -3,11 +3,11 @@
 #include "GinaObject.h"
 #include "LUMObject.h"
 
-// What plugins read by offset. The order of the slots of CGinaObject has a test of its own.
+// Checks the offsets at which plugins read. A test checks the order of CGinaObject's slots.
 
 namespace {
 
-// The layout of classes with a base is the compiler's affair, and this is the place that holds it to it.
+// C++ leaves the layout of derived classes to the compiler. The assertions below check it.
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 
 constexpr bool IsAt(std::size_t nActual, std::size_t nExpected)

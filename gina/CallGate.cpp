@@ -8,8 +8,7 @@ namespace {
 
 constexpr WCHAR TXT_BUSY[] = TEXT("Calls are under way. The GINA object list was not changed");
 
-/// Waiting for what is a matter of microseconds unless a call lasts: changes are rare, so that nobody need
-/// be woken up.
+/// Waits by polling. Changes are rare and mostly take microseconds, so nobody needs to be woken up.
 class CPolling
 {
 public:
@@ -60,7 +59,7 @@ std::vector<CCallGate::CThreadCalls>::iterator CCallGate::FindThread(DWORD dwThr
                         [=](const CThreadCalls& calls) { return calls.dwThreadId == dwThreadId; });
 }
 
-/// Calls that nest too deep end here, where the stack ends: the lock must not stay behind.
+/// When calls nest too deep, the stack may overflow here: the lock must be released then.
 bool CCallGate::TryEnter()
 {
     return CallLocked(m_lock, [this] {
@@ -138,8 +137,8 @@ bool CCallGate::Close(DWORD dwMilliseconds) noexcept
 {
     const DWORD dwStart = GetTickCount();
     CPolling polling;
-    // Changes that follow each other closely would keep out for good a call that the first one has kept
-    // waiting.
+    // Calls that the last change has kept waiting go first: otherwise changes in quick succession would keep
+    // them out for good.
     if (!polling.PauseWhile([this] { return IsWaitedFor(); }, dwStart, dwMilliseconds) || !TryClose()) {
         return false;
     }

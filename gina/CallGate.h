@@ -7,14 +7,15 @@
 #include "CallLocked.h"
 #include "guard/FaultGuard.h"
 
-/// The gate over the GINA object list: calls go through it, changes close it.
+/// The gate of the GINA object list. Calls go through it; changes of the list close it.
 ///
-/// A call may last minutes, so no lock is held while a plugin or GINA runs. The gate counts the calls in
-/// flight instead. A change that would pull the ground from under them closes it to new ones, waits a
-/// bounded time for those in flight to end, and gives up when they do not. A call that comes from within
-/// a call of the same thread always passes, since the outer one cannot end before it.
+/// A call may last minutes, so no lock is held while a plugin or GINA runs. Instead the gate counts the calls
+/// in flight. A change that could destroy what they use closes the gate to new calls, waits a limited time
+/// for those in flight to end, and gives up if they do not. A call made from within another call of the same
+/// thread always passes: the outer one cannot end before it.
 ///
-/// The list itself has a short lock: over its links and its cursor, never while a DLL runs.
+/// A separate lock guards the links and the cursor of the list. It is held briefly, and never while a DLL
+/// runs.
 ///
 /// Any thread may use a gate.
 class CCallGate
@@ -24,8 +25,9 @@ public:
     CCallGate(const CCallGate&) = delete;
     CCallGate& operator=(const CCallGate&) = delete;
 
-    /// A call in flight for a scope. Waits at the beginning while the gate is closed, CHANGE_MILLISECONDS
-    /// at most; then it opens the gate, since a plugin that is being told to go may never come back.
+    /// A call in flight, for the length of a scope. While the gate is closed it waits first, but at most
+    /// CHANGE_MILLISECONDS. Then it opens the gate itself: a plugin that is being told to go may never
+    /// return.
     class CCall
     {
     public:
@@ -38,8 +40,8 @@ public:
         CCallGate& m_gate;
     };
 
-    /// Runs body() as a call in flight and gives what it gives. The call has ended also when the host itself
-    /// faults in there, which runs no destructors: that is thrown as CForeignFault.
+    /// Runs body() as a call in flight and returns its result. A fault of the host in body() runs no
+    /// destructors, so it is caught inside: the call ends, and the fault is thrown as CForeignFault.
     template <typename Body>
     auto Call(Body body)
     {
@@ -47,12 +49,12 @@ public:
         return CallWithinHost(body);
     }
 
-    /// The gate closed for a scope. The calls of the thread that has closed it pass.
+    /// The gate closed, for the length of a scope. Calls of the thread that has closed it still pass.
     class CClosing
     {
     public:
-        /// Waits at most dwMilliseconds for the calls in flight; not at all for those of its own thread,
-        /// which cannot end before it.
+        /// Waits at most dwMilliseconds for the calls in flight to end. If one of them is of this thread, it
+        /// cannot end meanwhile, and there is no wait.
         CClosing(CCallGate& gate, DWORD dwMilliseconds) : m_gate(gate), m_bClosed(gate.Close(dwMilliseconds))
         {
         }
@@ -63,7 +65,7 @@ public:
         /// False when the calls in flight did not end, or another change has the gate.
         bool IsClosed() const noexcept { return m_bClosed; }
 
-        /// Closes the gate unless it still is; the call of another thread may have opened it. False as above.
+        /// Closes the gate again if the call of another thread has opened it. False as for IsClosed.
         bool Renew(DWORD dwMilliseconds) noexcept;
 
     private:
@@ -71,19 +73,22 @@ public:
         bool m_bClosed;
     };
 
-    /// Looks at the list, or moves its cursor, under its lock: gives what body() gives. A plugin can write to
-    /// the nodes, and to what is in them: a fault there leaves the lock and is thrown as CForeignFault.
+    /// Runs body(), which reads the list or moves its cursor, with the list locked, and returns its result. A
+    /// plugin can overwrite the nodes and what is in them, so body() may fault: the lock is released then,
+    /// and the fault is thrown as CForeignFault.
     template <typename Body>
     auto Look(Body body)
     {
         return CallLocked(m_listLock, body);
     }
 
-    /// Changes the list where calls in flight may stand. With the gate closed, allowed() and change() run
-    /// under the lock, and prepare(), in which a DLL may run, between them without it. While there are calls
-    /// in flight allowed() is asked before, so that nobody waits for a change that is not to be. False when
-    /// it is not allowed, when the calls in flight do not end (which is reported, and at once when one of
-    /// them is of this thread), and when change() is false.
+    /// Changes the part of the list that calls in flight may be using. With the gate closed it runs
+    /// allowed(), prepare() and change(). The list is locked for the first and the last, but not for
+    /// prepare(), in which a DLL may run. While calls are in flight, allowed() is also asked before the wait
+    /// for them, so that nobody waits for a change that is refused anyway.
+    ///
+    /// False when allowed() or change() is false. False, which is reported, when the calls in flight do not
+    /// end: at once when one of them is of this thread.
     template <typename Allowed, typename Prepare, typename Body>
     bool Change(Allowed allowed, Prepare prepare, Body change)
     {
@@ -108,7 +113,7 @@ public:
         return Look(change);
     }
 
-    /// The same for a change that no DLL hears of.
+    /// The same for a change that no DLL is told of.
     template <typename Allowed, typename Body>
     bool Change(Allowed allowed, Body change)
     {
@@ -116,11 +121,12 @@ public:
             allowed, [] {}, change);
     }
 
-    /// Adds to the list under its lock. Calls in flight may pass through the new node or not: it is complete
-    /// before the one link that publishes it is written. A plugin is to read that link once for each call,
-    /// with the header's NextNode. One built without it may read it twice, and would lose a call that an
-    /// addition comes into. So the addition waits a short time for a moment without calls; it is made in any
-    /// case.
+    /// Runs addition(), which adds a node, with the list locked. A call in flight goes through the new node
+    /// or misses it: the node is complete before the one link that leads to it is written.
+    ///
+    /// A plugin should read that link once for each call, with NextNode of the plugin header. One that reads
+    /// it twice loses a call when a node is added in between. For its sake the addition waits a short time
+    /// for a moment without calls. It is made in any case.
     template <typename Body>
     auto Add(Body addition)
     {
@@ -138,7 +144,7 @@ private:
         DWORD dwCalls;
     };
 
-    /// A call that waits for the gate to open, for a scope.
+    /// Counts a call that waits for the gate to open, for the length of a scope.
     class CWaiting
     {
     public:
@@ -166,11 +172,11 @@ private:
     static void ReportBusy() noexcept;
 
     CCriticalSection m_listLock;
-    /// Over what follows.
+    /// Guards what follows.
     CCriticalSection m_lock;
     std::vector<CThreadCalls> m_calls;
-    /// How many calls wait for the gate to open; they go before the next change.
+    /// How many calls wait for the gate to open. The next change lets them go first.
     DWORD m_dwWaiting = 0;
-    /// Of the thread that has closed the gate; 0 while it is open.
+    /// The identifier of the thread that has closed the gate; 0 while it is open.
     DWORD m_dwClosedBy = 0;
 };

@@ -15,12 +15,12 @@ constexpr WCHAR TXT_DETACHED[] = TEXT("Gina has been detached.");
 constexpr WCHAR TXT_NOT_CREATED[] = TEXT("Could not instantiate LUMGina object. Aborting...");
 constexpr WCHAR TXT_NOT_DELETED[] = TEXT("Could not delete LUMGina object on DLL_PROCESS_DETACH");
 
-/// A host whose threads could not be stopped is left as it is.
+/// Thrown when a service thread could not be stopped: the host then stays as it is.
 struct CThreadsRunOn
 {
 };
 
-// A processor fault of the host itself ends attach and detach as any other failure.
+// A processor fault of the host in attach or detach counts as any other failure.
 
 BOOL Attach(HINSTANCE hInstance) noexcept
 {
@@ -40,9 +40,9 @@ BOOL Attach(HINSTANCE hInstance) noexcept
 
 void DestroyHost()
 {
-    // Without WlxShutdown they may still run.
+    // If WlxShutdown was not called, the threads may still run.
     if (g_pLUMGina != nullptr && !g_pLUMGina->StopThreads()) {
-        // What they would come back to is about to be unloaded.
+        // They would return into code that is about to be unloaded.
         g_pLUMGina->SuspendThreads();
         throw CThreadsRunOn();
     }

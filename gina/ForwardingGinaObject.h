@@ -4,14 +4,17 @@
 #include "GinaObject.h"
 #include "Operation.h"
 
-/// The 19 forwarded operations, which standard GINAs and plugins have in common: each goes to the DLL's
-/// export for it. How it gets there, and when it does not, is Derived's
+/// The 19 forwarded operations, which standard GINAs and plugins have in common. Each calls the DLL's export
+/// of its name. Derived decides how, and when to refuse, with
 ///
 ///     Result Forward<Result>(CSlotPoint point, const CGinaExport<...>& function, GinaNode* pNode, args...)
 ///
-/// and the exports are Derived's members m_Name, listed in m_Exports. Of Derived are further s_szClass,
-/// NegotiateVersions(), which throws when the DLL and the host do not agree, and HookFailed(location), which
-/// throws what an unexpected failure of its construction ends as.
+/// and has besides:
+///
+///     m_Name               each export; m_Exports lists them
+///     s_szClass            its name for the trace log
+///     NegotiateVersions()  throws when the DLL and the host do not agree
+///     HookFailed(location) throws the exception that an unexpected failure of its constructor becomes
 template <typename Derived>
 class CForwardingGinaObject : public CGinaObject
 {
@@ -150,8 +153,8 @@ protected:
     using CGinaObject::CGinaObject;
     ~CForwardingGinaObject() = default;
 
-    /// What is left of the constructor: loads the DLL, negotiates with it and looks up its exports; frees it
-    /// when that fails.
+    /// The rest of the constructor: loads the DLL, negotiates with it and looks up its exports. If that
+    /// fails, frees the DLL.
     void Hook()
     {
         const COperation op(*this, Derived::s_szClass, TEXT("Hook"));
@@ -176,8 +179,8 @@ protected:
         }
     }
 
-    /// An operation that goes to one export, whoever follows in the list. AlsoPassedOn: what leaves it as it
-    /// is beside the exception for a missing export.
+    /// An operation that is not forwarded: calls the export, wherever the object stands in the list. The
+    /// exceptions AlsoPassedOn leave it as they are, as does the one for a missing export.
     template <typename Result, typename... AlsoPassedOn, typename Function, typename... Args>
     Result CallDirectly(CSlotPoint point, const CGinaExport<Function>& function, Args... args)
     {

@@ -8,7 +8,7 @@
 class CGinaContext : public CGlobalObject
 {
 public:
-    /// hInstance must not be null: CBadArgException.
+    /// Throws CBadArgException for a null hInstance.
     CGinaContext(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance);
     ~CGinaContext();
     CGinaContext(const CGinaContext&) = delete;

@@ -23,9 +23,9 @@ public:
 class CGinaExportBase
 {
 public:
-    /// Appends itself to the table: the order of the members that hold exports is the order in which
-    /// they are resolved. The export is looked up when the negotiated Winlogon interface version is
-    /// above dwAboveVersion.
+    /// Appends itself to the table, so exports are looked up in the order in which the members that hold them
+    /// are declared. An export is looked up only when the negotiated Winlogon interface version is above
+    /// dwAboveVersion.
     CGinaExportBase(CExportTable& table, const char* szName, DWORD dwAboveVersion, Missing missing) noexcept
         : m_szName(szName), m_dwAboveVersion(dwAboveVersion), m_missing(missing)
     {
@@ -59,7 +59,8 @@ public:
     template <typename... Args>
     auto operator()(Args... args) const
     {
-        // FARPROC has no arguments of its own; the way through void (*)() says that this is meant.
+        // FARPROC has no arguments. The cast by way of void (*)() tells the compiler that the change of type
+        // is meant.
         return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(m_pfn))(args...);
     }
 };

@@ -68,8 +68,8 @@ void CGinaObject::StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion
     }
 }
 
-/// The name in the record, by which others know the object. A plugin writes to its record, and may have left
-/// any pointer there; then it is the name that the DLL was loaded by.
+/// The name in the record, by which others know the object. A plugin can leave any pointer there: if that
+/// cannot be read, the name that the DLL was loaded by.
 COwnedText CGinaObject::CopyRecordedName() const
 {
     const WCHAR* szRecorded = GetPluginInfo().m_szGinaDLL;
@@ -121,14 +121,14 @@ void CGinaObject::PutBack() noexcept
 void CGinaObject::LoadGinaDLL()
 {
     const CQuietLoading quiet;
-    // The DLL's own start-up code runs in here.
+    // The DllMain of the DLL runs in here.
     m_hModule = RunDLL([&] { return LoadLibraryW(GetGinaDLLName()); });
     if (m_hModule == nullptr) {
         throw CUnableToLoadDLLException(LUM_GINA_ORIGIN, GetGinaDLLName(), GetLastError());
     }
     m_pContext->SetDLLInstanceHandle(m_hModule);
     if (m_hModule == m_pContext->m_hInstance) {
-        // Whatever its name: each call would come back, without end.
+        // It is this library, whatever its name: each call would come back without end.
         throw CUnableToLoadDLLException(LUM_GINA_ORIGIN, GetGinaDLLName(), ERROR_CIRCULAR_DEPENDENCY);
     }
 }

@@ -35,21 +35,22 @@ struct CSlotPoint : CTracePoint
 
 /// One entry of the GINA object list: a GINA or plugin DLL that the host has loaded.
 ///
-/// Plugins built by another compiler call the operations through their slots, in the order in which
-/// they stand here, and read the fields. So no operation may be added, removed or moved, nothing may
-/// be added before m_pGinaPluginContext, and what would be a virtual destructor is the first operation.
+/// Plugins of other compilers call the operations through their slots in the virtual table, in the order in
+/// which they are declared here, and read the fields. So never add, remove or move an operation, and add no
+/// field before m_pGinaPluginContext. The first operation stands in for a virtual destructor, which compilers
+/// lay out differently.
 ///
-/// The forwarded operations take the node of the list that holds the object, then the arguments of the
-/// Wlx function of the same name. An object does not lock; its operations run on the caller's thread.
-/// An operation may throw an exception of the catalogue. When a DLL called it, the exception travels
-/// through the DLL's frames (see FaultGuard.h).
+/// A forwarded operation takes the list's node that holds the object, then the arguments of the Wlx function
+/// of its name. An object has no lock; its operations run on the caller's thread. An operation may throw an
+/// exception of Exceptions.h. If a DLL has called it, the exception travels through the DLL's frames (see
+/// FaultGuard.h).
 class CGinaObject : public CGlobalObject
 {
 public:
-    /// Destroys the object and, when bit 0 of dwFlags is set, frees its memory. Gives the object's address.
+    /// Destroys the object and, when bit 0 of dwFlags is set, frees its memory. Returns the object's address.
     virtual void* DeletingDestructor(DWORD dwFlags) = 0;
 
-    /// So that delete destroys through that slot as well.
+    /// Makes delete go through that slot as well.
     static void operator delete(CGinaObject* pGinaObject, std::destroying_delete_t)
     {
         pGinaObject->DeletingDestructor(1);
@@ -69,9 +70,9 @@ public:
     virtual bool GetConsoleSwitchCredentials(GinaNode* pNode, PVOID pWlxContext, PVOID pCredInfo) = 0;
     virtual bool GetStatusMessage(GinaNode* pNode, PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
                                   DWORD dwBufferSize) = 0;
-    /// pLUMObject: the host's control operations; dwInstanceCount: initialisations since the machine
-    /// started; then the arguments of WlxInitialize; the load flags are 0 when Winlogon initialises the
-    /// host and 1 when a plugin is added to the running system. Not forwarded.
+    /// Not forwarded. pLUMObject: the host's control operations. dwInstanceCount: initialisations since the
+    /// machine started. Then come the arguments of WlxInitialize. The load flags are 0 when Winlogon
+    /// initialises the host, and 1 when a plugin is added to the running system.
     virtual bool Initialize(CLUMObject* pLUMObject, DWORD dwInstanceCount, LPWSTR lpWinsta, HANDLE hWlx,
                             PVOID pvReserved, PVOID pWinlogonFunctions, PVOID* pWlxContext, DWORD dwLoadFlag1,
                             DWORD dwLoadFlag2) = 0;
@@ -86,7 +87,8 @@ public:
     virtual bool Negotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion, CGinaPluginInfo* pPluginInfo) = 0;
     virtual bool NetworkProviderLoad(GinaNode* pNode, PVOID pWlxContext,
                                      PWLX_MPR_NOTIFY_INFO pNprNotifyInfo) = 0;
-    /// A query whose meaning lies between a client of the control channel and the plugin. Not forwarded.
+    /// A query that a client of the control channel sends to the plugin. The two agree on what it means. Not
+    /// forwarded.
     virtual bool QueryPlugin(CGinaPluginInfo* pPluginInfo, DWORD dwQueryParam1, DWORD dwQueryParam2,
                              DWORD dwQueryParam3) = 0;
     /// Fills the caller's record. Not forwarded.
@@ -99,17 +101,18 @@ public:
                                   PVOID pEnvironment, PWSTR pszCmdLine) = 0;
     virtual int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) = 0;
 
-    /// Whether both have the same DLL name in their records; letter case does not count.
+    /// Whether both have the same DLL name in their records, ignoring case.
     bool operator==(const CGinaObject& other) const noexcept;
     bool operator==(const WCHAR* szGinaDLL) const noexcept;
 
     /// The DLL's name as it was given to the constructor.
     const WCHAR* GetGinaDLLName() const noexcept;
 
-    /// What the object was built with, whatever a plugin has written over it.
+    /// The tag and key that the object was made with, even if a plugin has overwritten the fields.
     operator CMessageOrigin() const noexcept { return m_origin; }
 
-    /// Only for delete, which goes through the first slot: classes further down are not destroyed by it.
+    /// Public for delete only, which goes through the first slot. This destructor does not destroy derived
+    /// classes.
     ~CGinaObject();
     CGinaObject(const CGinaObject&) = delete;
     CGinaObject& operator=(const CGinaObject&) = delete;
@@ -117,9 +120,9 @@ public:
     COwned<CGinaPluginContext> m_pGinaPluginContext;
 
 protected:
-    /// hInstance: the host's module; szGinaDLLName: the DLL's name; dwUsingLUMVersion: the plugin
-    /// interface version offered; dwUsingWlxVersion: the Winlogon interface version offered. Throws
-    /// CBadArgException for a missing one, CUnhandledExceptionException for any other failure.
+    /// hInstance: the host's module. szGinaDLLName: the DLL's name. dwUsingLUMVersion, dwUsingWlxVersion: the
+    /// versions of the plugin interface and of Winlogon's interface that are offered. Throws CBadArgException
+    /// for a missing one, CUnhandledExceptionException for any other failure.
     CGinaObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance, const WCHAR* szGinaDLLName,
                 DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
     CGinaPluginInfo& GetPluginInfo() const noexcept { return m_pContext->m_GinaPluginInfo; }
@@ -131,7 +134,7 @@ protected:
         m_pContext->SetWlxHandle(hWlx);
     }
 
-    /// Puts back what the host goes by and a plugin can write to: tags and keys, the context and its module
+    /// Restores what the host relies on and a plugin can overwrite: tags and keys, the context and its module
     /// handle.
     void PutBack() noexcept;
 
@@ -141,28 +144,29 @@ protected:
 
     bool IsLoaded() const noexcept { return m_hModule != nullptr; }
 
-    /// Frees the DLL, if it was loaded. What goes wrong is reported only.
+    /// Frees the DLL if it was loaded. Failures are only reported.
     void FreeGinaDLL() noexcept;
 
-    /// Looks one export up. Throws CUnableToLoadDLLFunctionException when it is missing, unless that is
-    /// tolerated: then it is reported only.
+    /// Looks up one export. Throws CUnableToLoadDLLFunctionException when it is missing; if that is
+    /// tolerated, only reports it.
     void Resolve(CGinaExportBase& ginaExport) const;
 
-    /// Looks up what the negotiated Winlogon version calls for and has not been looked up.
+    /// Looks up the exports that the negotiated Winlogon version calls for, except those that have been
+    /// looked up.
     void ResolveAll(const CExportTable& table) const;
 
-    /// Throws CNullFunctionHandleException, as raised at the place where, when the export was not resolved.
+    /// Throws CNullFunctionHandleException, with the place where, if the export was not found.
     void RequireResolved(const CGinaExportBase& function, CSourceLocation where) const;
 
-    /// Whether a node, which a plugin has handed on and can write to, is the last of the list. Throws
-    /// CForeignFault for one that cannot be read.
+    /// Whether the node is the last of the list. A plugin has handed it on and can overwrite it: throws
+    /// CForeignFault if it cannot be read.
     static bool IsLast(GinaNode* pNode)
     {
         return CallWithinHost([=] { return pNode->GetNext() == nullptr; });
     }
 
-    /// Calls a DLL's function under guard, for the operation at the place where. For the result bool, any
-    /// value but 0 is true. Throws CNullFunctionHandleException when the function was not resolved.
+    /// Calls a function of the DLL inside a guard, for the operation at the place where. As a bool, any
+    /// result but 0 is true. Throws CNullFunctionHandleException if the function was not found.
     template <typename Result, typename Function, typename... Args>
     Result Call(CSourceLocation where, const CGinaExport<Function>& function, Args... args)
     {
@@ -176,11 +180,11 @@ protected:
         }
     }
 
-    /// Whether the exception being handled says why a DLL could not be used; it is reported then.
+    /// For a catch block: whether the exception says why a DLL could not be used. If so, reports it.
     static bool ReportIfHookFailure() noexcept;
 
-    /// Runs one operation. Exceptions of the classes PassedOn are reported and leave it as they are,
-    /// anything else leaves it as a CUnhandledPluginException that names this DLL.
+    /// Runs one operation. Exceptions of the classes PassedOn are reported and leave it as they are. Anything
+    /// else leaves it as a CUnhandledPluginException that names this DLL.
     template <typename... PassedOn, typename Body>
     auto RunOperation(const WCHAR* szClass, CSlotPoint point, Body body)
     {
@@ -199,7 +203,8 @@ protected:
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaObject");
 
-    /// Runs code of the DLL under guard. It may write to what it can reach, and so may others before.
+    /// Runs code of the DLL inside a guard. Restores the object's fields before and after: this DLL, or
+    /// another one earlier, may have overwritten them.
     template <typename Body>
     auto RunDLL(Body body)
     {
@@ -212,7 +217,7 @@ private:
         return CallIntoDLL(body);
     }
 
-    /// The record that an export is handed: its first argument, or null.
+    /// The record that an export is handed: its first argument if that is one, otherwise null.
     template <typename... Args>
     static CGlobalObject* LentRecord(CGinaPluginInfo* pPluginInfo, Args...) noexcept
     {
@@ -231,15 +236,14 @@ private:
     void CreateContext(HINSTANCE hInstance);
     void StoreOffer(const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
 
-    // What the host goes by, behind what plugins read: none of them knows of it.
+    // What the host relies on. No plugin knows of these fields: they lie behind those that plugins read.
     const CMessageOrigin m_origin;
     CGinaPluginContext* m_pContext = nullptr;
     HMODULE m_hModule = nullptr;
     COwnedText m_szGinaDLLName;
 };
 
-/// The list destroys its objects through their first slot, as anyone must. Throws CForeignFault when that
-/// faults.
+/// Destroys an object of the list through its first slot. Throws CForeignFault when that faults.
 inline void DestroyListItem(CGinaObject* pGinaObject)
 {
     CallWithinHost([=] { pGinaObject->DeletingDestructor(1); });

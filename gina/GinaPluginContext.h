@@ -2,18 +2,18 @@
 
 #include "GinaPluginInfo.h"
 
-/// What the host keeps for one GINA or plugin DLL, and a plugin may read through its node: 52 bytes in
-/// this order. Its GINA object owns it; it owns the record, but not the DLL.
+/// What the host keeps about one loaded DLL. A plugin may read it through its node, so its 52 bytes keep this
+/// order. The GINA object owns it; it owns the record, but not the DLL.
 class CGinaPluginContext : public CGlobalObject
 {
 public:
-    /// hInstance is the host's own module and must not be null: CBadArgException.
+    /// hInstance: the host's own module. Throws CBadArgException if it is null.
     CGinaPluginContext(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance);
     ~CGinaPluginContext();
     CGinaPluginContext(const CGinaPluginContext&) = delete;
     CGinaPluginContext& operator=(const CGinaPluginContext&) = delete;
 
-    // The accessors never throw; a null value that is asked for or set is only warned of.
+    // The accessors never throw. Of a null value they only warn.
     HINSTANCE GetDLLInstanceHandle() noexcept;
     void SetDLLInstanceHandle(HINSTANCE hDLLInstance) noexcept;
     void SetWlxHandle(HANDLE hWlx) noexcept;

@@ -71,7 +71,7 @@ void CGinaPluginInfo::Release(WCHAR*& szText, const WCHAR* szVariable) noexcept
     if (szText == nullptr) {
         return;
     }
-    // The text may have come from a plugin that allocated it in another way.
+    // A plugin may have allocated the text in another way.
     DeleteVariable(*this, szVariable, [&] {
         if (CallWithinHost([&] { return LocalFree(szText); }) != nullptr) {
             throw CForeignFault(GetLastError());

@@ -4,9 +4,9 @@
 
 /// The record that describes one GINA or plugin.
 ///
-/// Plugins and clients built separately read it: 32 bytes in this order. The two strings belong to the
-/// record. They are allocated with LocalAlloc and released with LocalFree, and whoever else fills a
-/// record (a plugin, in its LUMNegotiate) must allocate them in the same way. No operation throws.
+/// Plugins and clients that are built separately read it, so its 32 bytes keep this order. The record owns
+/// its two strings. They are allocated with LocalAlloc and released with LocalFree. Whoever else fills a
+/// record, such as a plugin in its LUMNegotiate, must allocate them in the same way. No operation throws.
 class CGinaPluginInfo : public CGlobalObject
 {
 public:
@@ -14,11 +14,11 @@ public:
     ~CGinaPluginInfo();
     CGinaPluginInfo(const CGinaPluginInfo&) = delete;
 
-    /// Copies everything but the tag and key; the strings are duplicated. A string that cannot be
-    /// copied is reported and becomes null, as does one that the other record has not got.
+    /// Copies everything but the tag and key; the strings are duplicated. A string that the other record
+    /// lacks becomes null. So does one that cannot be copied, which is reported.
     CGinaPluginInfo& operator=(const CGinaPluginInfo& other) noexcept;
 
-    /// Replaces the DLL name by a copy of szGinaDLL. When it cannot be copied, false, and the name is null.
+    /// Replaces the DLL name by a copy of szGinaDLL. If that cannot be made: false, and the name is null.
     bool SetGinaDLL(const WCHAR* szGinaDLL) noexcept;
 
     DWORD m_dwSpare1;

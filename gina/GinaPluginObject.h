@@ -5,15 +5,16 @@
 
 /// A plugin: a DLL with the LUM exports, in front of the standard GINA.
 ///
-/// Its forwarded operations hand it the node of the list that holds it, and refuse a call that no object
-/// follows in. All exports that the version it negotiates calls for must be there.
+/// A forwarded operation hands the plugin its own node. It refuses the call if no other object follows in the
+/// list: the plugin could not pass the call on. The DLL must have every export that its negotiated version
+/// calls for.
 class CGinaPluginObject final : public CForwardingGinaObject<CGinaPluginObject>
 {
 public:
-    /// Loads the DLL, negotiates with it and resolves its exports; arguments as for CGinaObject. Throws
-    /// what CGinaObject's constructor throws, CUnableToLoadDLLException, CUnableToLoadDLLFunctionException,
-    /// CFailedGinaNegotiationsException, or CUnhandledPluginException for anything else, a fault in the
-    /// plugin included. The DLL is freed again then.
+    /// Loads the DLL, negotiates with it and looks up its exports; arguments as for CGinaObject. Throws what
+    /// CGinaObject's constructor throws, CUnableToLoadDLLException, CUnableToLoadDLLFunctionException,
+    /// CFailedGinaNegotiationsException, or CUnhandledPluginException for anything else, such as a fault in
+    /// the plugin. The DLL is freed before any of these.
     CGinaPluginObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance,
                       const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
     ~CGinaPluginObject();
@@ -38,8 +39,8 @@ private:
     template <typename Result, typename Function, typename... Args>
     Result Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
 
-    // In the order in which they are resolved. A BYTE result is a byte boolean: the rest of the register
-    // that it comes in says nothing.
+    // In the order in which they are looked up. A BYTE result is a one-byte boolean: the rest of its register
+    // is undefined.
     CExportTable m_Exports;
     CGinaExport<BYTE WINAPI(CGinaPluginInfo*)> m_Negotiate{m_Exports, "LUMNegotiate"};
     CGinaExport<BYTE WINAPI(CGinaPluginInfo*, DWORD, DWORD, DWORD)> m_QueryPlugin{m_Exports,
@@ -81,7 +82,7 @@ private:
                                                                   WLX_VERSION_1_3};
 };
 
-/// A forwarded operation: another object follows the plugin, or it is not called.
+/// A forwarded operation. Throws without calling the plugin if no other object follows it.
 template <typename Result, typename Function, typename... Args>
 Result CGinaPluginObject::Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
                                   Args... args)

@@ -3,11 +3,11 @@
 #include "GinaExport.h"
 #include "WlxInterface.h"
 
-/// What a standard GINA exports: all that there are with the newest interface, those that every version has
-/// and that must not be missing at least.
+/// The exports of a standard GINA. One with a version is looked up only when the GINA negotiates a later
+/// version. Four of them may be missing.
 struct CGinaStandardExports
 {
-    // In the order in which they are resolved.
+    // In the order in which they are looked up.
     CExportTable m_Exports;
     CGinaExport<decltype(WlxNegotiate)> m_Negotiate{m_Exports, "WlxNegotiate"};
     CGinaExport<decltype(WlxInitialize)> m_Initialize{m_Exports, "WlxInitialize"};

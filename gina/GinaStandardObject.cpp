@@ -37,7 +37,7 @@ void CGinaStandardObject::NegotiateVersions()
 
 void CGinaStandardObject::DynamicUnload()
 {
-    // A standard GINA stays while the system runs, and has no export to be told otherwise.
+    // A standard GINA is not unloaded while the system runs, and has no export for it.
     RunOperation(s_szClass, TEXT("DynamicUnload"), [] {});
 }
 

@@ -6,16 +6,16 @@
 
 /// A standard GINA: a DLL with the Wlx exports, and the end of the list.
 ///
-/// It refuses a call in which another object follows it. Four exports may be missing (their operations
-/// then do nothing), the others must be there as far as the negotiated version has them.
+/// A forwarded operation refuses the call if another object follows in the list. Four exports may be missing:
+/// their operations then do nothing. The others must be there as far as the negotiated version has them.
 class CGinaStandardObject final : public CForwardingGinaObject<CGinaStandardObject>,
                                   private CGinaStandardExports
 {
 public:
-    /// Loads the DLL, negotiates with it and resolves its exports; arguments as for CGinaObject. Throws
-    /// what CGinaObject's constructor throws, CUnableToLoadDLLException, CUnableToLoadDLLFunctionException,
-    /// CFailedGinaNegotiationsException, or CUnhandledExceptionException for anything else, a fault in
-    /// the DLL included. The DLL is freed again then.
+    /// Loads the DLL, negotiates with it and looks up its exports; arguments as for CGinaObject. Throws what
+    /// CGinaObject's constructor throws, CUnableToLoadDLLException, CUnableToLoadDLLFunctionException,
+    /// CFailedGinaNegotiationsException, or CUnhandledExceptionException for anything else, such as a fault
+    /// in the DLL. The DLL is freed before any of these.
     CGinaStandardObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HINSTANCE hInstance,
                         const WCHAR* szGinaDLLName, DWORD dwUsingLUMVersion, DWORD dwUsingWlxVersion);
     ~CGinaStandardObject();
@@ -41,8 +41,8 @@ private:
     Result Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
 };
 
-/// A forwarded operation: the GINA is the last in the list, or is not called. An optional export that it
-/// lacks is reported and skipped.
+/// A forwarded operation. Throws without calling the GINA if another object follows it. An optional export
+/// that the GINA lacks is reported and skipped.
 template <typename Result, typename Function, typename... Args>
 Result CGinaStandardObject::Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
                                     Args... args)

@@ -3,12 +3,12 @@
 #include "GlobalObject.h"
 #include "guard/FaultGuard.h"
 
-/// Puts tag and key of a record back at the end of a scope in which a plugin has it. A plugin may write
-/// anything there, and what becomes of the record later is traced under them.
+/// Restores the tag and key of a record at the end of a scope in which a plugin has the record. A plugin may
+/// overwrite them, and later traces of the record use them.
 class CKeptOrigin
 {
 public:
-    /// Null for no record. Throws CForeignFault for one that cannot be read.
+    /// pObject may be null. Throws CForeignFault if it cannot be read.
     explicit CKeptOrigin(CGlobalObject* pObject) : m_pObject(pObject), m_origin(Read(pObject)) {}
     ~CKeptOrigin()
     {
@@ -19,7 +19,7 @@ public:
                 }
             });
         } catch (...) {
-            // The plugin has made away with the record: there is nothing left to put right.
+            // The plugin has freed the record: there is nothing left to restore.
             return;
         }
     }
@@ -32,7 +32,7 @@ public:
         PutBack(object.szMTM, origin.szMTM);
     }
 
-    /// Another thread may read the field meanwhile, so that one that has not changed is left alone.
+    /// Another thread may be reading the field, so it is written only if it has changed.
     template <typename T>
     static void PutBack(T& field, T kept) noexcept
     {

@@ -32,12 +32,12 @@ private:
     bool& m_bFlag;
 };
 
-/// Creates one member of the host. Those that can report under any tag are told the host's.
+/// Creates one member of the host. A class that takes a tag and a key gets the host's.
 template <typename T, typename... Args>
 void CreateMember(T*& pMember, const WCHAR* szMember, Args... args)
 {
     try {
-        // No memory for one member is no reason to go without the others: it stays null then.
+        // If there is no memory for a member, it stays null, and the others are still created.
         if constexpr (std::is_constructible_v<T, const WCHAR*, const WCHAR*, Args...>) {
             pMember =
                 CallWithinHost([&] { return new (std::nothrow) T(LUM_GINA_APP, LUM_GINA_MTM, args...); });
@@ -82,7 +82,7 @@ CLUMGina::~CLUMGina()
 {
     const CDestructionTrace trace(LUM_GINA_ORIGIN, s_szClass);
     if (m_pLUMPipeThreadObject != nullptr && !m_pLUMPipeThreadObject->m_bRunning) {
-        // Nobody may have served it. Clients should find no pipe rather than wait for ever.
+        // The pipe may never have been served. Clients should find none rather than wait for ever.
         m_pLUMPipeThreadObject->ClosePipe();
     }
     DestroyMember(m_pLUMPipeThreadObject, TEXT("m_pLUMPipeThreadObject"));
@@ -136,7 +136,7 @@ bool CLUMGina::RunUnlessNested(const COperation& op, Body body)
     return CallWithinHost(body);
 }
 
-/// The object belongs to the list once Add has succeeded; there is no entry without an object.
+/// The list owns the object once Add has succeeded.
 template <typename Object>
 void CLUMGina::AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion)
 {
@@ -161,7 +161,7 @@ void CLUMGina::LoadPlugins(const COperation& op, DWORD dwWinlogonVersion)
     }
 }
 
-/// A plugin that cannot be used is left out; those after it are still tried.
+/// A plugin that cannot be used is left out; those behind it are still tried.
 void CLUMGina::LoadPlugin(DWORD dwIndex, DWORD dwWinlogonVersion)
 {
     WCHAR szPlugin[NAME_CAPACITY] = {};
@@ -196,7 +196,7 @@ void CLUMGina::AddConfiguredPassthroughGina(DWORD dwWinlogonVersion)
     WCHAR szGinaDLL[NAME_CAPACITY] = {};
     bool bRead = false;
     try {
-        // Without a configuration the system's own GINA can still let people log on.
+        // Without a configuration, msgina.dll takes the place.
         bRead = m_pLUMRegistry != nullptr && m_pLUMRegistry->GetGinaDLL(szGinaDLL, NAME_CAPACITY, true);
     } catch (CMessage& message) {
         message.WriteIfUnwritten();
@@ -256,16 +256,17 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
             return object.Initialize(m_pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
                                      pWinlogonFunctions, pWlxContext, 0, 0);
         });
-        // Counted before there are other threads that add and remove.
+        // Counted before the service threads run: they may add and remove objects.
         const bool bInitialized = m_pGinaObjectList->m_dwCount != 0;
-        // Later instances, as those of other sessions, leave the service threads to the first.
+        // Only the first instance since the machine started runs the service threads. Later ones, such as
+        // those of other sessions, do not.
         FinishInitialization(op, bInitialized && dwInstanceCount == 1, hWlx);
         return bInitialized;
     };
     return op.Run(Handler(), [&] { return RunUnlessNested(op, initialize); });
 }
 
-/// The GINAs are initialised: whatever fails from here on, people can log on.
+/// The GINAs are initialised, so people can log on whatever fails here: it is only reported.
 void CLUMGina::FinishInitialization(const COperation& op, bool bStartThreads, HANDLE hWlx) noexcept
 {
     try {
@@ -305,7 +306,7 @@ void CLUMGina::InitializeObjects(Initialize initialize)
 {
     try {
         for (GinaNode* pNode = m_pGinaObjectList->m_pHead; pNode != nullptr;) {
-            // A plugin can write to the nodes: what they lead to is read in here.
+            // A plugin may have overwritten the node, so it is read inside the guard of the call.
             GinaNode* pFollowing = nullptr;
             const bool bInitialized = m_gate.Call([&] {
                 pFollowing = pNode->pNext;
@@ -321,8 +322,8 @@ void CLUMGina::InitializeObjects(Initialize initialize)
     }
 }
 
-/// Its object is destroyed outside the lock: the DLL runs once more when it is freed. Stays when
-/// another thread is in a call that does not end; while the system starts there is no other thread.
+/// The object is destroyed without the lock: its DLL runs once more when it is freed. If another thread is in
+/// a call that does not end, the node stays; while the system starts there is no such thread.
 void CLUMGina::RemoveNode(GinaNode* pNode)
 {
     CGinaObjectList& list = *m_pGinaObjectList;
@@ -335,7 +336,7 @@ void CLUMGina::RemoveNode(GinaNode* pNode)
     }
 }
 
-/// Winlogon can do without being told, so nothing is reported.
+/// Winlogon can do without the time limit, so a failure is not reported.
 void CLUMGina::SetWinlogonTimeout(HANDLE hWlx) noexcept
 {
     try {

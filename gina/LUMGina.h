@@ -18,22 +18,23 @@
 
 /// The host: the one object behind the exported entry points. It owns every other long-lived object.
 ///
-/// Created at process attach, destroyed at process detach. Its operations run on Winlogon's thread;
-/// they give their default result for whatever fails, and throw only where that is said.
+/// Created at process attach, destroyed at process detach. Operations run on Winlogon's thread unless they
+/// say otherwise. An operation that fails returns its default result; it throws only where it says so.
 class CLUMGina
 {
 public:
-    /// Creates the members. A member that cannot be created ends that; it and those after it stay null,
-    /// and operations that need one give their default result. Throws CLUMInitializeFailException, and
-    /// nothing else, for a null module handle.
+    /// Creates the members in order. One for which there is no memory stays null. If the constructor of one
+    /// fails, it stays null, and so do all after it. Operations that need a member that is null return their
+    /// default result. Throws nothing but CLUMInitializeFailException, for a null module handle.
     explicit CLUMGina(HINSTANCE hInstance);
     ~CLUMGina();
     CLUMGina(const CLUMGina&) = delete;
     CLUMGina& operator=(const CLUMGina&) = delete;
 
-    /// Builds the GINA object list and tells Winlogon the interface version of the passthrough GINA, at
-    /// most 1.4. Refuses a GINA that passes through to this library, which would have it load that GINA
-    /// again, without end. Throws when "msgina.dll" is the last resort and cannot be loaded either.
+    /// Builds the GINA object list and tells Winlogon the interface version of the passthrough GINA, at most
+    /// 1.4. Refuses a call that comes from a GINA being loaded: that GINA passes through to this library, and
+    /// the two would load each other without end. Throws when "msgina.dll" is the last resort and cannot be
+    /// loaded either.
     BOOL LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion);
 
     /// Initialises every object of the list, first to last; those that refuse are removed. What the last
@@ -71,28 +72,30 @@ public:
     // Changes of the running system, after its initialisation. Any thread; they never throw.
 
     /// Loads and initialises a plugin, adds its name to the configuration and puts it into the list as the
-    /// last plugin. Calls in flight may pass through it or not. When any of that fails, false, and the
-    /// plugin is unloaded; a name that is in the configuration by then stays there.
+    /// last plugin. Calls in flight may go through it or miss it. If any step fails: false, and the plugin is
+    /// unloaded. A name that was added to the configuration before the failure stays there.
     bool LUMAddPluginDynamic(const WCHAR* szPlugin) noexcept;
 
-    /// Takes the first plugin or GINA of that name out of the list, tells it, unloads it and takes the name
-    /// out of the configuration. Waits a bounded time for the calls in flight: false, and nothing changed,
-    /// when they do not end, at once from within one of them. One that fails when it is told stays.
+    /// Tells the first plugin or GINA of that name to go, takes it out of the list, unloads it and takes the
+    /// name out of the configuration. Waits a limited time for the calls in flight first. If they do not end:
+    /// false, and the list and the configuration stay; at once from within one of these calls. A plugin that
+    /// fails when it is told stays.
     bool LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept;
 
     // What the control channel asks for; runs on its thread. These never throw.
 
-    /// Starts or stops the registry monitor. True when it is as wanted, also if it was before.
+    /// Starts or stops the registry monitor. True when it then is as wanted, also if there was nothing to do.
     bool LUMEnableActiveRegistryMonitoring(bool bEnable) noexcept;
 
-    /// Gives the version of this library as one number: the minor version and the build, one over the other,
-    /// in the upper 16 bits, the revision in the lower. False, and nothing given, when it cannot be read.
+    /// Stores the version of this library as one number: in the upper 16 bits the minor version and the
+    /// build, combined with OR, in the lower 16 bits the revision. False, with nothing stored, when it cannot
+    /// be read.
     bool LUMGetLUMGinaVersion(DWORD* pdwVersion) noexcept;
 
     /// Stops the service threads that run. False when one has not finished in time, as when it is inside a
-    /// plugin: the host must not be destroyed then.
+    /// plugin: then do not destroy the host.
     bool StopThreads();
-    /// Keeps those that StopThreads could not stop from ever running on.
+    /// Suspends for good the threads that StopThreads could not stop.
     void SuspendThreads() noexcept;
 
     DWORD m_dwNegotiatedWlxVersion;
@@ -105,9 +108,9 @@ public:
     CLUMPipeThreadObject* m_pLUMPipeThreadObject;
     CLUMRegMonitorThreadObject* m_pLUMRegMonitorThreadObject;
     CWinlogonObject* m_pWinlogonObject;
-    /// Over m_pGinaObjectList.
+    /// Guards m_pGinaObjectList.
     CCallGate m_gate;
-    /// While LUMWlxNegotiate or LUMWlxInitialize runs.
+    /// True while LUMWlxNegotiate or LUMWlxInitialize runs.
     bool m_bStarting = false;
 
 private:

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// True also when it runs. One that has ended by itself is started anew.
+/// True also when it runs already. A thread that has ended by itself is started anew.
 bool Start(CThreadObject& thread)
 {
     return CallLocked(thread.m_OwnersLock, [&] { return thread.IsAlive() || thread.StartThread(); });
@@ -27,8 +27,8 @@ void CLUMGina::StartThreads()
     Start(Needed(m_pLUMRegMonitorThreadObject));
 }
 
-/// The control channel comes first, since it can start the other. A host without one of them can be destroyed
-/// as well.
+/// In the order in which they are stopped: the control channel first, since a request could start the
+/// monitor. Either may be null.
 std::array<CThreadObject*, 2> CLUMGina::GetThreads() const noexcept
 {
     return {m_pLUMPipeThreadObject, m_pLUMRegMonitorThreadObject};
@@ -71,7 +71,7 @@ bool CLUMGina::LUMGetLUMGinaVersion(DWORD* pdwVersion) noexcept
         if (!resources.LoadMenu(1, &pInfo)) {
             return false;
         }
-        // One number of 32 bits, as clients have always read it: the major version does not fit.
+        // Clients have always read one number of 32 bits. The major version does not fit into it.
         Needed(pdwVersion) = pInfo->dwFileVersionMS << 16 | pInfo->dwFileVersionLS;
         return true;
     };

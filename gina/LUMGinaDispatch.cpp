@@ -6,14 +6,14 @@
 
 namespace {
 
-/// An empty list is the export's affair; what goes wrong on the way ends as the default result.
+/// The export handles an empty list. Any other failure ends as the default result.
 using DispatchHandler =
     Handlers<PassOn<CNoGINAorPluginToCallException>,
              Absorb<CUnexpectedEndOfListException, CNullFunctionHandleException, CUnhandledPluginException>>;
 
 } // namespace
 
-/// Calls one operation of the first object of the list; passing the call on is the objects' business.
+/// Calls one operation of the first object of the list. Passing the call on is the objects' business.
 template <typename Result, typename Slot, typename... Args>
 Result CLUMGina::CallFirst(Slot pfnOperation, Args... args)
 {
@@ -25,7 +25,7 @@ Result CLUMGina::CallFirst(Slot pfnOperation, Args... args)
     });
 }
 
-/// Moves the cursor to the head and gives the node there, and the object that it holds.
+/// Moves the cursor to the first node. Returns that node and stores its object in pFirst.
 GinaNode* CLUMGina::FindFirst(CGinaObject*& pFirst)
 {
     return m_gate.Look([&] {

@@ -2,8 +2,8 @@
 #include "LUMGina.h"
 #include "Needed.h"
 
-// Plugins that come and go while the system runs. No lock is held, and the gate is open, while one of them
-// is loaded, initialised, told to go or unloaded.
+// Plugins that come and go while the system runs. No lock is held while one of them is loaded, initialised,
+// told to go or unloaded. The gate is closed only while one is told to go.
 
 namespace {
 
@@ -41,7 +41,7 @@ bool CLUMGina::LoadInto(CGinaObjectList& list, const WCHAR* szPlugin)
         return false;
     }
     m_gate.Look([&] { list.End(); });
-    // The cursor is everybody's, and the registry may take its time.
+    // The cursor is set again: another thread may have moved it while the registry was written.
     const auto insert = [&] {
         list.m_pCursor = list.m_pTail;
         return list.Insert(pGinaObject, 0);
@@ -63,8 +63,9 @@ bool CLUMGina::LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept
     return op.Run(Absorb<>(), body, FailureWarning::Never);
 }
 
-/// It is told while no call is in it and none comes in; unless it takes so long that Winlogon's next call
-/// goes on. Its object is destroyed outside the lock: the DLL runs once more when it is freed.
+/// The plugin is told while no call is in it, and new ones wait. If it takes too long, the next call of
+/// Winlogon's opens the gate and goes on; the removal then waits for that call. The object is destroyed
+/// without the lock: its DLL runs once more when it is freed.
 bool CLUMGina::UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin)
 {
     GinaNode* pNode = nullptr;

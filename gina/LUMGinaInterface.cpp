@@ -4,15 +4,15 @@
 #include "Operation.h"
 #include "guard/FaultGuard.h"
 
-// The entry points that Winlogon calls. Nothing is ever thrown back into Winlogon: whatever goes wrong, a
-// processor fault of the host itself included, ends as the call's default result.
+// The entry points that Winlogon calls. Nothing is ever thrown into Winlogon: any failure, even a processor
+// fault of the host, ends as the call's default result.
 
 namespace {
 
 constexpr WCHAR CLASS_NAME[] = TEXT("LUM_GINA_INT");
 
-/// Forwards one call to the host. Result is the kind of the call's result: bool, SasAction or void. Without a
-/// host there is the default result only.
+/// Hands one call to the host. Result is the kind of the call's result: bool, SasAction or void. Without a
+/// host it returns the default result.
 template <typename Result, typename HostResult, typename... Params, typename... Args>
 Result Export(CTracePoint point, HostResult (CLUMGina::*pfnOperation)(Params...), Args... args) noexcept
 {

@@ -2,8 +2,8 @@
 
 #include "LUMGina.h"
 
-/// The single host, from process attach to process detach; null when there was no memory for it.
-/// Written only there.
+/// The single host, from process attach to process detach, and written only there. Null when there was no
+/// memory for it.
 extern CLUMGina* g_pLUMGina;
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD dwReason, LPVOID pvReserved);

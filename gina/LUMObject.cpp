@@ -76,7 +76,7 @@ bool CLUMObject::LUMIncreasePriority(const CGinaPluginInfo& record) noexcept
         if (!list.MoveTo(record.m_szGinaDLL) || list.m_pCursor == list.m_pTail) {
             return false;
         }
-        // At the head the list itself refuses, without changing anything.
+        // At the head, MoveItemUp refuses without changing anything.
         return list.m_pCursor != list.m_pHead || list.MoveItemUp();
     };
     return Run(TEXT("LUMIncreasePriority"),
@@ -92,9 +92,9 @@ bool CLUMObject::LUMDecreasePriority(const CGinaPluginInfo& record) noexcept
     });
 }
 
-/// Whether the name is that of a plugin which is not the last one. Moves the cursor. Without memory, two
-/// names that are equal seem to differ. So the place counts as well: a plugin that got behind the passthrough
-/// GINA would be called instead of it.
+/// Whether the name is that of a plugin other than the last. Moves the cursor. The last plugin is recognised
+/// by its place as well as by its name: without memory, two equal names compare as different. A plugin that
+/// got behind the passthrough GINA would make every call fail there.
 bool CLUMObject::IsAboveAnotherPlugin(const WCHAR* szPlugin) noexcept
 {
     CGinaObjectList& list = *m_pGinaObjectList;

@@ -6,20 +6,20 @@
 class CLUMRegistry;
 class CRegistryManager;
 
-/// The control operations: what can be asked of, and done to, the running system from outside.
+/// The control operations: what the control channel can ask of the running system, and change in it.
 ///
-/// Operations may be called from any thread, also from within a call of Winlogon. They give false, and
-/// report why, for whatever fails, and never throw. Names are compared without regard to letter case. A
-/// change of the order waits a bounded time for the calls in flight and fails when they do not end: at
-/// once from within such a call. Queries are calls like any other and may last as long.
+/// Any thread may call them, also from within a call of Winlogon's. An operation that fails reports why and
+/// returns false; none throws. Names are compared ignoring case. A change of the order waits a limited time
+/// for the calls in flight and fails if they do not end, at once from within such a call. A query is itself a
+/// call in flight and may last as long as any.
 ///
-/// Plugins are handed the object's address and can do nothing with it: no operation has a slot.
+/// Plugins are handed the object's address but can do nothing with it: it has no virtual table.
 class CLUMObject : public CGlobalObject
 {
 public:
-    /// The arguments are not owned, must outlive the object and must not be null: CBadArgException, for the
-    /// manager first, then the configuration, then the list. pGate: the one over pGinaObjectList; without
-    /// one, whoever else uses the list must not do so at the same time.
+    /// The arguments are not owned and must outlive the object. Throws CBadArgException for a null one;
+    /// checks the manager first, then the configuration, then the list. pGate: the gate of pGinaObjectList.
+    /// If it is null, nobody else may use the list at the same time.
     CLUMObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, CRegistryManager* pRegistryManager,
                CGinaObjectList* pGinaObjectList, CLUMRegistry* pLUMRegistry, CCallGate* pGate = nullptr);
     ~CLUMObject();
@@ -28,8 +28,8 @@ public:
 
     // The chain of GINAs in the registry.
 
-    /// Puts this library at the front of the chain, or takes it out. False when it is there already, or is
-    /// not.
+    /// Puts this library at the front of the chain, or takes it out. False when it is already there, or
+    /// already out.
     bool LUMEnableGina(bool bEnable) noexcept;
     bool LUMRemoveGina(const WCHAR* szGinaDLL) noexcept;
     bool LUMIsGinaInChainingList(const WCHAR* szGinaDLL) noexcept;
@@ -46,19 +46,20 @@ public:
     bool LUMIsGinaInPluginList(const WCHAR* szPlugin) noexcept;
 
     /// Moves the plugin that record names by m_szGinaDLL one place towards the front, or towards the end.
-    /// False for the first, or the last, plugin and for the passthrough GINA. The configuration stays.
+    /// False for the first, or the last, plugin, and for the passthrough GINA. The configuration is not
+    /// changed.
     bool LUMIncreasePriority(const CGinaPluginInfo& record) noexcept;
     bool LUMDecreasePriority(const CGinaPluginInfo& record) noexcept;
 
-    /// Hands pPluginInfo, the caller's, and the three values to the plugin that pTarget names and gives its
+    /// Hands the caller's pPluginInfo and the three values to the plugin that pTarget names, and returns its
     /// answer.
     bool LUMQueryPlugin(CGinaPluginInfo* pPluginInfo, const CGinaPluginInfo* pTarget, DWORD dwQueryParam1,
                         DWORD dwQueryParam2, DWORD dwQueryParam3) noexcept;
 
-    /// Lets the plugin or GINA of that name fill the record, and gives its answer.
+    /// Lets the plugin or GINA of that name fill the record, and returns its answer.
     bool LUMQueryPluginInfo(const WCHAR* szGinaDLL, CGinaPluginInfo& record) noexcept;
 
-    /// Copies what is known of the passthrough GINA.
+    /// Copies the record of the passthrough GINA.
     bool LUMGetPassthroughGina(CGinaPluginInfo& record) noexcept;
 
     CRegistryManager* m_pRegistryManager;

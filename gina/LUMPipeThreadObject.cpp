@@ -38,8 +38,8 @@ CLUMPipeThreadObject::CLUMPipeThreadObject(CLUMObject* pLUMObject, CLUMGina* pLU
     }
 }
 
-/// One instance, so that requests come one at a time. Overlapped, because disconnecting would otherwise wait
-/// for a flush on another thread, which waits for the client.
+/// One instance, so that requests come one at a time. Overlapped, because DisconnectNamedPipe would otherwise
+/// wait for FlushFileBuffers on another thread, which waits for the client.
 void CLUMPipeThreadObject::CreatePipe()
 {
     m_hPipe = CreateNamedPipeW(
@@ -55,7 +55,7 @@ CLUMPipeThreadObject::~CLUMPipeThreadObject()
     {
         const CDestructionTrace trace(*this, s_szClass);
     }
-    // The base would stop it too, but then what the thread function uses is gone.
+    // The thread is stopped here: when the base's destructor runs, what the thread function uses is gone.
     if (m_bRunning) {
         StopThread();
     }
@@ -96,7 +96,7 @@ bool CLUMPipeThreadObject::AwaitStopOnce(DWORD dwMilliseconds) noexcept
     return m_bStopping;
 }
 
-/// Without a client, as most often at the end, flushing and disconnecting fail; that is no harm.
+/// At the end there is mostly no client. Flushing and disconnecting then fail, which does no harm.
 void CLUMPipeThreadObject::ReleasePipe() noexcept
 {
     if (!FlushFileBuffers(m_hPipe)) {

@@ -13,8 +13,8 @@ class CLUMRegistry;
 class CLUMPipeThreadObject : public CThreadObject
 {
 public:
-    /// The pointers are not owned and must outlive the object. Throws CBadArgException for one that is null,
-    /// CLUMPipeThreadObjectInitException when there is no pipe to be had, as when another process serves it.
+    /// The pointers are not owned and must outlive the object. Throws CBadArgException for a null one,
+    /// CLUMPipeThreadObjectInitException when the pipe cannot be created, as when another process serves it.
     CLUMPipeThreadObject(CLUMObject* pLUMObject, CLUMGina* pLUMGina, CLUMRegistry* pLUMRegistry,
                          bool bAutoDelete);
 
@@ -23,7 +23,7 @@ public:
     /// Stops the thread, which closes the pipe at its end.
     ~CLUMPipeThreadObject() override;
 
-    /// For the owner of an object whose thread does not run: closes the pipe, unless that has been done.
+    /// Closes the pipe unless that has been done. For the owner of an object whose thread does not run.
     void ClosePipe() noexcept;
 
     HANDLE m_hPipe;
@@ -39,6 +39,6 @@ private:
     bool AwaitStopOnce(DWORD dwMilliseconds) noexcept;
     void ReleasePipe() noexcept;
 
-    /// The event is signalled once; whoever on the thread has seen it remembers it here.
+    /// StopEvent ends one wait only. Whoever on the thread has seen it remembers it here.
     bool m_bStopping;
 };

@@ -26,7 +26,7 @@ CLUMRegMonitorThreadObject::~CLUMRegMonitorThreadObject()
     {
         const CDestructionTrace trace(*this, s_szClass);
     }
-    // The thread uses this part of the object, and the base would stop it too late.
+    // The thread is stopped here: when the base's destructor runs, what the thread function uses is gone.
     if (m_bRunning) {
         StopThread();
     }

@@ -6,8 +6,8 @@ class CLUMRegistry;
 class CRegistryManager;
 class CWinlogonRegistry;
 
-/// Watches the chain of GINAs in the registry, which other software may change while Winlogon runs: reads it
-/// afresh at a fixed period, and lets the host's manager come to terms with what it finds.
+/// Watches the chain of GINAs in the registry, which other software may change while Winlogon runs. Reads it
+/// once a period, and has the host's manager resynchronise with it.
 class CLUMRegMonitorThreadObject : public CThreadObject
 {
 public:

@@ -49,7 +49,7 @@ void LoadValue(const CGlobalObject& owner, COwned<Value>& pValue, const CValueSe
     }
 }
 
-/// A volatile value, made on the spot when it could not be made before.
+/// A volatile value. If it could not be made before, it is made now.
 CRegistryDword& Made(const CGlobalObject& owner, COwned<CRegistryDword>& pValue,
                      const CValueSettings& settings)
 {
@@ -330,7 +330,7 @@ bool CLUMRegistry::IncreaseInstanceCount()
         try {
             bRead = value.GetRegistryDword(&dwCount, true);
         } catch (CUnableToReadRegistryException& exception) {
-            // A count that cannot be read must not be written either: it would start anew.
+            // A count that cannot be read is not written: it would start anew.
             exception.WriteIfUnwritten();
         }
         if (bRead) {

@@ -23,7 +23,7 @@
 class CLUMRegistry : public CGlobalObject
 {
 public:
-    /// A value object that cannot be made stays null and is warned of; operations that need it say so.
+    /// A value object that cannot be made stays null, with a warning. Operations that need it report that.
     CLUMRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg);
     ~CLUMRegistry();
     CLUMRegistry(const CLUMRegistry&) = delete;
@@ -38,10 +38,10 @@ public:
     /// Copies one entry into a buffer of cchPlugin characters, cut to fit and terminated.
     bool GetPlugin(WCHAR* szPlugin, DWORD cchPlugin, DWORD dwIndex) noexcept;
 
-    /// Whether an entry equals the name; letter case does not count.
+    /// Whether an entry equals the name, ignoring case.
     bool IsPluginListed(const WCHAR* szPlugin) noexcept;
 
-    /// Appends the name unless it is listed. What is longer than 259 characters is cut.
+    /// Appends the name unless it is listed. The list is cut at 259 characters.
     bool AddPlugin(const WCHAR* szPlugin) noexcept;
 
     /// Removes the first entry of that name with one comma; true also when there is none.
@@ -78,7 +78,7 @@ private:
         WCHAR sz[NAME_CAPACITY] = {};
     };
 
-    /// Every operation runs so: the lock is held while its body works on values and the parsed list.
+    /// Runs one operation: its body works on values and the parsed list with the lock held.
     template <typename OnException, typename Body>
     auto RunLocked(CTracePoint point, OnException onException, Body body, FailureWarning warning);
     template <typename Body>

@@ -4,8 +4,8 @@
 #include "Owned.h"
 #include "RegistryClasses.h"
 
-/// Makes the object of a value of HKEY_LOCAL_MACHINE, whose key it opens; every read goes to the registry and
-/// every write is immediate. bCreate: make the key, and on reading the value, when they are missing.
+/// Makes the object of a value below HKEY_LOCAL_MACHINE and opens the value's key. Every read goes to the
+/// registry and every write is immediate. bCreate: make a missing key, and on reading a missing value.
 /// bReadNow: read the value once here. dwOptions: those of RegCreateKeyExW for a key that is made. Throws
 /// what the constructor of Value throws.
 template <typename Value>

@@ -8,8 +8,8 @@ struct CMissingMember : std::exception
     const char* what() const noexcept override { return "the host was left without this member"; }
 };
 
-/// A member that an operation of the host cannot do without. What this throws ends the operation as any
-/// unexpected exception does.
+/// Returns a member that an operation of the host cannot do without. Throws if it is null, which ends the
+/// operation as any unexpected exception does.
 template <typename T>
 T& Needed(T* pMember)
 {

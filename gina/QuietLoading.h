@@ -1,8 +1,8 @@
 #pragma once
 
-/// While one exists, the system shows no message box when a DLL cannot be loaded: while the machine starts
-/// nobody is there to answer it. The mode belongs to the process; it is what it was again when the last
-/// object is gone. Any thread.
+/// While an object of this class exists, Windows shows no message box when a DLL cannot be loaded: while the
+/// machine starts nobody is there to answer it. The error mode belongs to the whole process; it is restored
+/// when the last object is gone. Any thread.
 class CQuietLoading
 {
 public:

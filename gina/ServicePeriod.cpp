@@ -9,7 +9,7 @@ namespace {
 
 constexpr DWORD DEFAULT_SECONDS = 5;
 constexpr DWORD MILLISECONDS_PER_SECOND = 1000;
-// A longer period would not fit, or would mean for ever.
+// A longer period would overflow, or be INFINITE.
 constexpr DWORD LONGEST_SECONDS = (INFINITE - 1) / MILLISECONDS_PER_SECOND;
 
 } // namespace

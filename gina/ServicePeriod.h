@@ -4,8 +4,7 @@
 
 class CLUMRegistry;
 
-/// How long a service thread waits from one look at its work to the next, in milliseconds. pfnGet reads the
-/// setting, in seconds, from the registry if bRefresh says so, and may throw; without one, and for 0, it is
-/// five seconds.
+/// The period of a service thread in milliseconds. pfnGet reads the setting, in seconds, from the registry if
+/// bRefresh is set; it may throw. A missing setting and 0 mean five seconds.
 DWORD GetServicePeriod(CLUMRegistry& registry, bool (CLUMRegistry::*pfnGet)(DWORD*, bool),
                        bool bRefresh) noexcept;

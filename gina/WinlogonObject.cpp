@@ -8,11 +8,12 @@ namespace {
 
 constexpr WCHAR CLASS_NAME[] = TEXT("CWinlogonObject");
 
-// The table of the highest version: those of the lower ones are its beginnings.
+// The table of the highest version. The tables of lower versions are the beginning of it.
 using Table = WLX_DISPATCH_VERSION_1_4;
 
-/// How one callback is kept: since which interface version Winlogon offers it, and from where to where
-/// it is copied. Copy(object, null) clears the member; Copy gives whether it holds something.
+/// One callback: the interface version since which Winlogon offers it, and the function that copies it into
+/// its member. With a null table that function clears the member. It returns whether the member holds
+/// something.
 struct CCallbackRow
 {
     DWORD dwSince;
@@ -28,8 +29,7 @@ constexpr CCallbackRow Entry(DWORD dwSince)
             }};
 }
 
-// In the order in which they are copied: a table may end, and cannot be read, behind the version that it is
-// of.
+// In the order in which they are copied. Memory behind the last entry of a table's version may be unreadable.
 constexpr CCallbackRow CALLBACKS[] = {
     Entry<&CWinlogonObject::m_pWlxAssignShellProtection, &Table::WlxAssignShellProtection>(WLX_VERSION_1_0),
     Entry<&CWinlogonObject::m_pWlxChangePasswordNotify, &Table::WlxChangePasswordNotify>(WLX_VERSION_1_0),
@@ -101,7 +101,7 @@ bool CWinlogonObject::CopyFunctions(PVOID pWinlogonFunctions) noexcept
         m_pWinlogonFunctions = pWinlogonFunctions;
         RequireArgument(*this, pWinlogonFunctions, TEXT("pWinlogonFunctions"));
         RequireArgument(*this, m_dwVersion >= WLX_VERSION_1_0, TEXT("m_dwVersion"));
-        // The table is where the caller says.
+        // The caller's pointer may be bad.
         CallWithinHost([&] {
             for (const CCallbackRow& row : CALLBACKS) {
                 if (row.dwSince <= m_dwVersion &&

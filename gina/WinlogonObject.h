@@ -7,7 +7,7 @@
 
 /// Winlogon's dispatch table, and the interface version agreed with Winlogon.
 ///
-/// The host calls WlxSetTimeout only. GINA objects are handed Winlogon's own table, never the copies.
+/// The host itself calls only WlxSetTimeout. GINA objects are handed Winlogon's own table, never the copies.
 /// Written on Winlogon's thread only. No operation throws.
 class CWinlogonObject : public CGlobalObject
 {
@@ -17,13 +17,13 @@ public:
     CWinlogonObject(const CWinlogonObject&) = delete;
     CWinlogonObject& operator=(const CWinlogonObject&) = delete;
 
-    /// Keeps the table that Winlogon passed to WlxInitialize, which stays Winlogon's, and the agreed
-    /// version, and copies the entries. True even when nothing could be copied, which is traced.
+    /// Keeps the agreed version and a pointer to the table of WlxInitialize, which Winlogon owns, and copies
+    /// the entries. True even if nothing could be copied, which is traced.
     bool SetWinlogonObject(PVOID pWinlogonFunctions, DWORD dwVersion) noexcept;
 
-    /// Copies the entries that the agreed version has; entries that are null are warned of. False for a
-    /// null table or a version below 1.0: then all members are null. False also when the table cannot be
-    /// read: then the members behind that place are null.
+    /// Copies the entries that the agreed version has, and warns of those that are null. False for a null
+    /// table or a version below 1.0: then all members are null. False also when the table cannot be read:
+    /// then the members from that place on are null.
     bool CopyFunctions(PVOID pWinlogonFunctions) noexcept;
 
     /// Winlogon's own table; null, and a warning, before SetWinlogonObject.

@@ -19,7 +19,7 @@ void LoadValue(const CMessageOrigin& origin, COwned<Value>& pValue, const WCHAR*
             throw CUnableToReadRegistryException(origin, szValueName, ERROR_READ_FAULT);
         }
     } catch (...) {
-        // Most machines lack most of the values: their objects stay, and find what is written later.
+        // Most machines lack most of these values. Their objects stay, and read what is written later.
         if (pValue == nullptr || !ReportIf<CUnableToReadRegistryException>() || pValue->Exists()) {
             pValue.Reset();
             CKeyWarning(origin, TXT_KEY_NOT_LOADED, szValueName);
@@ -61,7 +61,7 @@ bool CWinlogonRegistry::SetGinaDLL(const WCHAR* szValue) noexcept
     const COperation op(*this, s_szClass, TEXT("SetGinaDLL"));
     const auto body = [&] {
         if (szValue == nullptr) {
-            // The value refuses it; nothing is made for it either.
+            // No value is made for a null name, and an existing one refuses it below.
             op.Warn(ERR_PUSHING_NULL);
         } else if (m_pGinaDLL == nullptr) {
             MakeGinaDLL();
@@ -71,7 +71,7 @@ bool CWinlogonRegistry::SetGinaDLL(const WCHAR* szValue) noexcept
                 m_pGinaDLL->SetRegistryString(szValue, true);
             }
         } catch (...) {
-            // The value has reported why; a caller that writes a chain goes on all the same.
+            // The value has reported why. A caller that writes a chain goes on all the same.
             Absorb<CMessage>()(op);
         }
         return true;
@@ -83,7 +83,8 @@ void CWinlogonRegistry::MakeGinaDLL()
 {
     try {
         OpenMachineValue<CRegistryString>(*this, WINLOGON_KEY, WINLOGON_GINA_DLL, true, true);
-        // The object that stays must not make the value again when it is read after it has been deleted.
+        // The object that stays is made without bCreate: otherwise a read would make a value again that has
+        // been deleted.
         m_pGinaDLL = OpenMachineValue<CRegistryString>(*this, WINLOGON_KEY, WINLOGON_GINA_DLL, false, true);
     } catch (...) {
         throw CUnableToWriteRegistryException(*this, WINLOGON_GINA_DLL, NO_VALUE_OBJECT);

@@ -57,9 +57,9 @@
 class CWinlogonRegistry : public CGlobalObject
 {
 public:
-    /// Opens the values and reads each once. Nothing is created: a value that is missing keeps an object with
-    /// an empty cache. The object is null, and that is warned of, when the key cannot be opened or the value
-    /// is there and cannot be read.
+    /// Opens the values and reads each once. Nothing is created: the object of a missing value has an empty
+    /// cache. If the key cannot be opened, or a value exists and cannot be read, its object is null, with a
+    /// warning.
     CWinlogonRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg) noexcept;
     ~CWinlogonRegistry();
     CWinlogonRegistry(const CWinlogonRegistry&) = delete;
@@ -69,9 +69,9 @@ public:
     /// characters, cut to fit and terminated. False when there is none or it cannot be read.
     bool GetGinaDLL(WCHAR* szDest, DWORD cchDest, bool bRefresh) noexcept;
 
-    /// Writes the name of the GINA that Winlogon is to load; the key is made when it could not be opened
-    /// before. A failed write is reported and gives true all the same; false when there is nothing to write
-    /// to. A null name is warned of, and nothing is written.
+    /// Writes the name of the GINA that Winlogon is to load. Makes the key and the value first if they could
+    /// not be opened before. A failed write is reported and still returns true; false only when there is
+    /// nothing to write to. A null name is only warned of.
     bool SetGinaDLL(const WCHAR* szValue) noexcept;
 
 #define WINLOGON_MEMBER(NAME, KIND) COwned<KIND> m_p##NAME;
@@ -83,6 +83,6 @@ private:
 
     void MakeGinaDLL();
 
-    /// Over m_pGinaDLL: its cache is shared between reads and writes.
+    /// Guards m_pGinaDLL, whose cache reads and writes share.
     CCriticalSection m_GinaDLLLock;
 };
