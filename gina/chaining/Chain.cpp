@@ -12,8 +12,8 @@ CGinaNames::const_iterator Find(const CGinaNames& ginas, const WCHAR* szGinaDLL)
                         [=](const CGinaName& gina) { return EqualNames(gina.c_str(), szGinaDLL); });
 }
 
-/// What a GINA is to pass through to that does not say it. A record may have an empty default, which is none
-/// that can follow: the chain ends there.
+/// What to write for a GINA whose passthrough value is missing: its default, or msgina.dll if it has none or
+/// the chain has it already. A record may have an empty default: the chain then ends there, incomplete.
 CGinaName ChooseRepair(const CChain& chain, const CChainingRecord& record)
 {
     const CGinaName fallback(record.szDefaultGinaDLL);

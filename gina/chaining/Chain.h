@@ -7,19 +7,19 @@
 
 #include "ChainingRecord.h"
 
-// What becomes of a chain of GINAs, decided over plain values: nothing here reads the registry, changes a
-// list or reports. Null names are in no chain.
+// Decides what becomes of a chain of GINAs, from plain values. Nothing here reads the registry, changes a
+// list or reports. A null name is in no chain.
 
 using CGinaName = std::basic_string<WCHAR>;
 using CGinaNames = std::vector<CGinaName>;
 
-/// What is known of a GINA; nothing when it is unknown.
+/// Looks up what is known of a GINA: nothing for an unknown one.
 using CKnowledge = std::function<std::optional<CChainingRecord>(const WCHAR* szGinaDLL)>;
 
 /// How far a chain can be followed.
 enum class ChainEnd
 {
-    Complete,      ///< to a GINA that ends it; an empty one is complete, too
+    Complete,      ///< to a GINA that ends it; an empty chain is complete too
     Unknown,       ///< to a GINA of which nothing is known
     NoPassthrough, ///< to a GINA that does not say what it passes through to
     Cycle,         ///< to a GINA that passes through to one before it, or to itself
@@ -37,27 +37,28 @@ struct CChain
     CKnowledge know;
 };
 
-/// Where Follow finds its way. know comes first for each GINA.
+/// What Follow asks on its way. It asks know first for each GINA.
 struct CChainSource
 {
     CKnowledge know;
     /// What the GINA passes through to; empty when it does not say.
     std::function<CGinaName(const CChainingRecord& record)> read;
-    /// The same after szPassthrough has been written there; empty when that did not help. None: write
-    /// nothing.
+    /// Writes szPassthrough as the passthrough value and reads it again; empty when that did not help. Not
+    /// set: nothing is written.
     std::function<CGinaName(const WCHAR* szGinaDLL, const WCHAR* szPassthrough)> repair = {};
 };
 
-/// Follows a chain from the GINA that Winlogon loads, an empty name when it names none.
+/// Follows a chain from the GINA that Winlogon loads. The name is empty if Winlogon names none.
 CChain Follow(const CChainSource& source, CGinaName gina);
 
 /// Where a GINA comes in a chain.
 enum class Place
 {
     Nowhere,
-    Only,   ///< into an empty chain
+    Only,   ///< as the only one: the chain is empty
     Before, ///< before the GINA that was asked for
-    /// The same, where that GINA is not in the chain, or would follow a terminator: it cannot be.
+    /// Refused: the GINA to insert before is not in the chain, or the new one is a terminator, behind which
+    /// nothing is loaded.
     NotBefore,
     First,
     Last,
@@ -65,23 +66,24 @@ enum class Place
     InPlaceOfLast,
 };
 
-/// Where to insert a GINA: before szInsertBefore, or when that is null first with bAtFront, or else last,
-/// where a terminator stays the end and gives way to another one. learn: what is known of the new GINA.
+/// Where to insert a GINA: before szInsertBefore if that is given, otherwise first with bAtFront, otherwise
+/// last. A terminator stays last: the new GINA goes before it, or takes its place if it is a terminator too.
+/// learn: looks up what is known of the new GINA.
 Place FindPlace(const CChain& chain, const CKnowledge& learn, const WCHAR* szGinaDLL,
                 const WCHAR* szInsertBefore, bool bAtFront);
 
-/// What a removal leaves: the chain without that GINA, and without an "msgina.dll" that would be left alone.
-/// Nothing when it is refused; a GINA that is not in the chain leaves it as it is.
+/// The chain that a removal leaves: without that GINA, and empty if only "msgina.dll" would be left. Nothing
+/// when the removal is refused. A GINA that is not in the chain leaves the chain as it is.
 std::optional<CGinaNames> PlanRemoval(const CChain& chain, const WCHAR* szGinaDLL);
 
-/// One value of a written chain, in texts of that chain.
+/// One value to write. The texts are those of the chain.
 struct CChainWrite
 {
     const WCHAR* szGinaDLL; ///< whose passthrough value it is; null for Winlogon's GinaDLL
     const WCHAR* szText;    ///< null for a GINA's default; Winlogon's value is deleted then
 };
 
-/// What is written of a chain, first to last. GINAs that end chains or are unknown have no value to be
-/// written. The other way round the machine comes up after each write, if it does before the first and after
-/// the last.
+/// The values to write for a chain, from Winlogon's to that of the last GINA. Terminators and unknown GINAs
+/// have no value: skip theirs. Written in reverse order, the machine comes up after each single write,
+/// provided that it does before the first and after the last.
 std::vector<CChainWrite> ListWrites(const CGinaNames& ginas);

@@ -15,7 +15,7 @@ constexpr WCHAR TXT_CYCLE[] =
     TEXT("Gina chaining list is incomplete due to passthrough values that lead back to the same gina");
 constexpr WCHAR NO_VALUE[] = TEXT("");
 
-/// What a chain is followed with; takes the GINAs into a list on the way.
+/// Answers from the registry what Follow asks, and takes the GINAs into a list on the way.
 class CChainBuilder
 {
 public:
@@ -54,13 +54,13 @@ public:
         m_pInfo->SetOldGinaDLL(szPassthrough);
         const CGinaName passthrough = ReadPassthrough();
         if (passthrough.empty()) {
-            // The GINA's key may be closed to us; to write it again would change nothing.
+            // The host may lack the right to write the GINA's key. Writing again would change nothing.
             CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_NOT_FIXED, szGinaDLL);
         }
         return passthrough;
     }
 
-    /// The name that the last GINA, or Winlogon, passes on to.
+    /// The name read last: Winlogon's GinaDLL, or a passthrough value.
     WCHAR m_szCurrent[NAME_CAPACITY] = {};
 
 private:
@@ -91,7 +91,6 @@ bool BuildChain(CKnownGinaList& knownGinas, CGinaChain& chain, CWinlogonRegistry
     }
     const ChainEnd end = Follow(source, builder.m_szCurrent).end;
     if (end == ChainEnd::Cycle) {
-        // Followed on, it would never end.
         CGinaDLLWarning(LUM_GINA_ORIGIN, TXT_CYCLE, builder.m_szCurrent);
     } else if (end == ChainEnd::Unknown) {
         builder.Take();

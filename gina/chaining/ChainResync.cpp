@@ -18,7 +18,7 @@ struct CSides
     bool HasShrunk() const noexcept { return found.ginas.size() < own.ginas.size(); }
     bool HasHost() const noexcept { return found.Has(HOST_GINA); }
 
-    /// The first position at which they differ, or one of them has ended.
+    /// The first position at which they differ, or at which one of them ends.
     std::size_t FindDifference() const noexcept
     {
         const auto equal = [](const CGinaName& l, const CGinaName& r) { return EqualNames(l, r); };
@@ -38,8 +38,8 @@ bool IsIncompatible(const CSides& sides, const CKnowledge& know)
     return record && record->bIsIncompatible;
 }
 
-/// Whether the registry's chain breaks off at a GINA that lost its passthrough value, which its installer has
-/// taken out. One that is unknown does not belong there.
+/// Whether the registry's chain breaks off at a GINA that has lost its passthrough value, because an
+/// uninstaller has deleted it. An unknown GINA does not count: the chain breaks off there for another reason.
 bool HasLostPassthrough(const CChain& found)
 {
     return !found.IsComplete() && !found.ginas.empty() && !EqualNames(LastOf(found), HOST_GINA) &&
@@ -78,19 +78,19 @@ const struct
     {[](S s) { return !s.own.IsComplete(); }, Just<ResyncAction::Nothing>},
     {[](S s) { return HasLostPassthrough(s.found); }, [](S s) { return RemoveLastOf(s.found, s.own); }},
     {[](S s) { return !s.found.IsComplete(); }, Just<ResyncAction::Write>},
-    // The host comes first also when its chain has it already.
+    // The host goes to the front, even if its own chain has it further back.
     {[](S s) { return s.HasGrown() && !s.HasHost(); }, InsertHost},
     {[](S s) { return s.HasGrown() && IsIncompatible(s, s.own.know); }, Just<ResyncAction::Write>},
     {[](S s) { return s.HasGrown(); }, Just<ResyncAction::TakeOver>},
     {[](S s) { return s.HasShrunk() && s.HasHost(); }, Just<ResyncAction::Nothing>},
-    // What the chain would be with the host tells whether others are gone as well.
+    // The chain as followed from the host's first GINA tells whether others are gone as well.
     {[](S s) { return s.HasShrunk(); }, Just<ResyncAction::FollowAgain>},
     {[](S s) { return !s.HasHost(); }, Just<ResyncAction::Write>},
     {[](S s) { return IsIncompatible(s, s.found.know); }, RemoveDiffering},
     {[](S) { return true; }, Just<ResyncAction::Nothing>},
 };
 
-/// Where the registry's only GINA comes in the host's chain, whose end it is from now on.
+/// Where the registry's only GINA goes in the host's chain, to end it from now on.
 Place PlaceEnd(const CChain& own, const CChainingRecord& end)
 {
     if (!end.bTerminator) {

@@ -2,8 +2,8 @@
 
 #include "Chain.h"
 
-// What the host's chain makes of the chain that the registry has now: it takes that over, or has itself
-// written again. Decided over plain values, as in Chain.h.
+// Decides what happens when the registry's chain differs from the host's: the host takes it over, or has its
+// own written again. Works on plain values, as Chain.h does.
 
 enum class ResyncAction
 {
@@ -13,7 +13,8 @@ enum class ResyncAction
     Remove,   ///< by name from the host's chain, and write it
     RemoveAt, ///< by position from the host's chain, and write it
     TakeOver, ///< the registry's chain becomes the host's; nothing is written
-    /// Let Winlogon load the first GINA of the host's chain, follow the chain again, and ask ResyncCutOut.
+    /// Write the first GINA of the host's chain to Winlogon's GinaDLL, follow the chain again, and ask
+    /// ResyncCutOut.
     FollowAgain,
 };
 
@@ -26,10 +27,10 @@ struct CResync
     std::size_t nAt = 0;              ///< for RemoveAt
 };
 
-/// own: the host's chain, with what the host knows. found: what the registry has now, with what was known
-/// when that was read.
+/// own: the host's chain, with what the host knows. found: the registry's chain, with what was known when it
+/// was read.
 CResync Resync(const CChain& own, const CChain& found);
 
-/// What comes next when the host has been cut out of Winlogon's chain. again: the chain with the first GINA
-/// of the host's in front.
+/// Decides what follows FollowAgain, when the host has been cut out of Winlogon's chain. again: the chain as
+/// followed from the first GINA of the host's.
 CResync ResyncCutOut(const CChain& own, const CChain& found, const CChain& again);

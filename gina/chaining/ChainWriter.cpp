@@ -7,8 +7,8 @@ namespace {
 
 constexpr WCHAR TXT_EMPTY[] = TEXT("Chaining list is empty");
 
-/// Winlogon falls back to its own GINA when there is no such value. It is not read first: one that cannot be
-/// read has to go, too.
+/// Without this value Winlogon loads msgina.dll. The value is not read first: one that cannot be read has to
+/// go too.
 void DeleteGinaDLL() noexcept
 {
     try {

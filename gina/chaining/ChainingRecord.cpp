@@ -26,8 +26,8 @@ Text CutText(Text& rest)
     return EqualNames(field, EMPTY_TEXT) ? field.substr(0, 0) : field;
 }
 
-/// Reads a number as _wtoi does: blanks, a sign, digits, and whatever follows does not count. Whether it is 0
-/// is seen from its digits, however many there are.
+/// Whether a number is not 0. It is read as _wtoi reads one: blanks, a sign, digits; what follows does not
+/// count. A number may have any number of digits, so they are only compared with '0'.
 bool CutFlag(Text& rest)
 {
     Text number = CutField(rest);
@@ -46,7 +46,7 @@ std::optional<CChainingRecord> ParseChainingRecord(Text record) noexcept
     if (std::count(record.begin(), record.end(), SEPARATOR) != SEPARATORS) {
         return std::nullopt;
     }
-    // The fields of a braced list are cut in the order in which they stand.
+    // C++ evaluates a braced list from left to right, so the fields are cut in their order.
     return CChainingRecord{CutText(record), CutText(record), CutText(record), CutFlag(record),
                            CutFlag(record), CutFlag(record), CutFlag(record)};
 }

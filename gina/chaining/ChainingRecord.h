@@ -8,8 +8,8 @@
 /// What is known of a GINA: where it keeps its passthrough value, what it passes through to by default, and
 /// what kind of GINA it is.
 ///
-/// A GINA that the built-in table does not have may be described in the own key, under the name of its DLL:
-/// seven fields, separated by six commas.
+/// A GINA that is not in the built-in table may be described in the host's own key, by a value named like its
+/// DLL: seven fields, separated by six commas.
 ///
 ///     SOFTWARE\Tamsin\Airlink\wpnGina,OldGinaDLL,msgina.dll,0,0,0,0
 ///
@@ -18,7 +18,7 @@ struct CChainingRecord
 {
     using Text = std::basic_string_view<WCHAR>;
 
-    /// Read from the registry, a record always has all three, if empty ones. A row of the table may lack one:
+    /// A record from the registry has all three texts, some perhaps empty. A row of the table may lack one:
     /// its data() is null then.
     Text szSubKey;
     Text szOldGinaDLLKey;
@@ -29,5 +29,5 @@ struct CChainingRecord
     bool bIsIncompatible = false;
 };
 
-/// Reads a record; its texts are parts of the argument. Nothing for a text that is no record.
+/// Reads a record. Its texts are parts of the argument. Returns nothing for a text that is not a record.
 std::optional<CChainingRecord> ParseChainingRecord(CChainingRecord::Text record) noexcept;

@@ -9,7 +9,8 @@ namespace {
 
 using Text = CChainingRecord::Text;
 
-/// A key or value name that must be there; a null and an empty one have names of their own in the log.
+/// The name of a key or value, which must not be missing. szNull and szEmpty: what the log calls a null name
+/// and an empty one.
 Text Required(const CMessageOrigin& origin, const WCHAR* szText, const WCHAR* szNull, const WCHAR* szEmpty)
 {
     RequireArgument(origin, szText, szNull);
@@ -91,7 +92,7 @@ void CGinaChainingInfoObject::Describe(const CChainingRecord& record)
     try {
         m_pOldGinaDLL = OpenMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey, false, true);
     } catch (...) {
-        // Most of the GINAs that are known are not installed.
+        // Most known GINAs are not installed, so a missing key or value is only reported.
         if (!ReportIf<CMessage>()) {
             CWarning(*this, ERR_UNHANDLED_EXCEPTION);
         }
@@ -109,8 +110,9 @@ CChainingRecord CGinaChainingInfoObject::GetRecord() const noexcept
             m_bIsIncompatible};
 }
 
-/// A GINA that has been installed anew has another key than the one that was open. One that still exists is
-/// kept open: a client that asks for the change may have fewer rights than the host had when it opened it.
+/// A GINA that has been installed again has a new key, and the open handle leads to the deleted one. A key
+/// that still exists is kept open: a client that asks for the change may have fewer rights than the host had
+/// when it opened the key.
 void CGinaChainingInfoObject::FindKeyAgain(const COperation& op) noexcept
 {
     try {

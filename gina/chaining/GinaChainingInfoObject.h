@@ -11,10 +11,10 @@
 class CGinaChainingInfoObject final : public CGinaChainingObject
 {
 public:
-    /// szSubKey: the GINA's own key below HKEY_LOCAL_MACHINE, szOldGinaDLLKey: its passthrough value there;
-    /// a terminator needs neither. szDefaultGinaDLL: may be null. A GINA whose key or value does not exist
-    /// has a record all the same. All constructors throw CBadArgException for a name or key that is
-    /// missing, CGinaChainingInfoObjectInitException for any other failure.
+    /// szSubKey: the GINA's own key below HKEY_LOCAL_MACHINE. szOldGinaDLLKey: its passthrough value there. A
+    /// terminator needs neither. szDefaultGinaDLL may be null. The object is made even if the key or the
+    /// value does not exist. All constructors throw CBadArgException for a name or key that is missing,
+    /// CGinaChainingInfoObjectInitException for any other failure.
     CGinaChainingInfoObject(const WCHAR* szAPPArg, const WCHAR* szMTMArg, const WCHAR* szGinaDLL,
                             const WCHAR* szSubKey, const WCHAR* szOldGinaDLLKey,
                             const WCHAR* szDefaultGinaDLL, bool bTerminator, bool bStandalone,
@@ -35,17 +35,17 @@ public:
     /// for a terminator, and when there is no such value.
     bool GetOldGinaDLL(WCHAR* szDest, DWORD cchDest) noexcept;
 
-    /// Writes the passthrough value; the GINA's key and the value are made when they are missing, the value
-    /// empty at first. Nothing is written for a terminator, or for null, of which is warned.
+    /// Writes the passthrough value. If key and value have not existed so far, they are made, the value empty
+    /// at first. Writes nothing for a terminator. Of null it only warns, and makes nothing.
     void SetOldGinaDLL(const WCHAR* szValue) noexcept;
 
-    /// All that is known, in texts of this object.
+    /// All that is known. The texts are those of this object.
     CChainingRecord GetRecord() const noexcept;
 
     /// Null for a row of the table that has none.
     COwnedText m_szSubKey;
     COwnedText m_szOldGinaDLLKey;
-    /// Null when there is none; a record may have an empty one.
+    /// Null if there is none. A record may have an empty one.
     COwnedText m_szDefaultGinaDLL;
     bool m_bTerminator = false;
     bool m_bStandalone = false;

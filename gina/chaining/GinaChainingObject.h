@@ -17,7 +17,7 @@ public:
     CGinaChainingObject(const CGinaChainingObject&) = delete;
     CGinaChainingObject& operator=(const CGinaChainingObject&) = delete;
 
-    /// Whether the names are equal; letter case does not count, and a null name equals nothing.
+    /// Whether the names are equal, ignoring case. A null name equals nothing.
     bool operator==(const WCHAR* szGinaDLL) const noexcept;
     bool operator==(const CGinaChainingObject& other) const noexcept;
 

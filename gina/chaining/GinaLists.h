@@ -9,7 +9,7 @@
 using CKnownGinaList = CListEx<CGinaChainingInfoObject>;
 using CGinaChain = CListEx<CGinaChainingObject>;
 
-/// Gives an item to the list, at its end. Throws CMemAllocException.
+/// Appends an item to the list, which then owns it. Throws CMemAllocException.
 template <typename T>
 T& Append(CListEx<T>& list, COwned<T> pItem)
 {
@@ -22,8 +22,8 @@ T& Append(CListEx<T>& list, COwned<T> pItem)
 /// A new link for the chain. Throws as the constructor of CGinaChainingObject.
 COwned<CGinaChainingObject> MakeLink(const CMessageOrigin& origin, const WCHAR* szGinaDLL);
 
-/// Puts a new link at its place in the chain; szInsertBefore: for a place before that. False for no place, or
-/// when there is no memory; throws as MakeLink.
+/// Inserts a new link at its place in the chain. szInsertBefore: for Place::Before. False for Nowhere and
+/// NotBefore, or when there is no memory. Throws as MakeLink.
 bool InsertLink(CGinaChain& chain, Place place, const WCHAR* szGinaDLL, const WCHAR* szInsertBefore);
 
 /// Removes the link at this position.
@@ -37,6 +37,6 @@ void AddKnownGinas(CKnownGinaList& knownGinas);
 /// What is known of a GINA, null when it is unknown.
 CGinaChainingInfoObject* FindGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL);
 
-/// Looks for a chaining record of that name and appends what it says. Null, and a report why, when there is
-/// no such value, or it cannot be read, or is not a record. Throws when there is no memory.
+/// Reads the chaining record of that name and appends it to the list. Null, after reporting why, when there
+/// is no such value, or it cannot be read, or is not a record. Throws when there is no memory.
 CGinaChainingInfoObject* LearnGina(CKnownGinaList& knownGinas, const WCHAR* szGinaDLL);

@@ -19,13 +19,13 @@ inline constexpr CKnownGina KNOWN_GINAS[] = {
     {TEXT("wpnGina.dll"),      {TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"), TEXT("OldGinaDLL"), SYSTEM_GINA, false, false, false, false}},
     {TEXT("PLinkGina.dll"),    {TEXT("SOFTWARE\\ORX\\PortLink\\PLinkGina"), TEXT("OldGinaDLL"), SYSTEM_GINA, false, false, false, false}},
     {TEXT("BVGina01.DLL"),     {TEXT("SOFTWARE\\Brevik Systems\\Gina"),      TEXT("GinaDLL"),    SYSTEM_GINA, false, false, true,  false}},
-    // The GINA that follows this system in the chain is the one that it passes through to.
+    // The GINA behind this library in the chain is the one that it passes through to.
     {HOST_GINA,                {LUM_GINA_MTM,                             TEXT("GinaDLL"),    SYSTEM_GINA, false, false, false, false}},
     {TEXT("kvs_gina.dll"),     {TEXT("SOFTWARE\\ORX\\KVS\\Gina"),           TEXT("GinaDLL"),    {},          false, false, false, false}},
 };
 // clang-format on
 
-/// What the table says of a GINA; null for one that it does not have.
+/// The table's record of a GINA; null if the table does not have it.
 inline const CChainingRecord* FindInTable(const WCHAR* szGinaDLL) noexcept
 {
     for (const CKnownGina& known : KNOWN_GINAS) {

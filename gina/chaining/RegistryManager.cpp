@@ -15,8 +15,8 @@
 
 namespace {
 
-/// Holds the locks of two managers, always in the same order, so that two threads may do so the other way
-/// round.
+/// Holds the locks of two managers. It always takes them in the order of their addresses, so two threads that
+/// name them the other way round cannot deadlock.
 class CBothLocks
 {
 public:
@@ -167,7 +167,8 @@ bool CRegistryManager::operator==(const CRegistryManager& other) const noexcept
         TEXT("operator=="), [&] { return IsEqual(other); }, FailureWarning::UnlessRaised);
 }
 
-/// To be equal is what is hoped for, and no failure. What cannot be compared is not equal.
+/// False means equal, which is normal and no failure to warn of. Chains that cannot be compared count as
+/// different.
 bool CRegistryManager::operator!=(const CRegistryManager& other) const noexcept
 {
     const COperation op(*this, s_szClass, TEXT("operator!="));
@@ -262,7 +263,7 @@ void CRegistryManager::CarryOut(const CResync& resync, const CRegistryManager& o
     WriteOutListToRegistry();
 }
 
-/// A copy that memory does not suffice for must not take the place of the chain.
+/// If there is no memory for the copy, the chain stays as it is.
 void CRegistryManager::TakeChainOver(const CGinaChain& chain)
 {
     COwned<CGinaChain> pCopy = MakeOwned<CGinaChain>(szAPP, szMTM);

@@ -8,8 +8,8 @@ class CWinlogonRegistry;
 struct CResync;
 
 /// The chain of GINAs that Winlogon loads, as an ordered list: read from the registry, changed, and written
-/// back (see BuildChain, WriteChain). What becomes of it is decided in Chain.h and
-/// ChainResync.h; this object locks, reads, asks, and carries the decision out on its lists.
+/// back (see BuildChain, WriteChain). Chain.h and ChainResync.h decide what becomes of it. This object locks,
+/// reads, asks them, and carries the decision out on its lists.
 ///
 /// Operations never throw, report what fails, and may be called from all threads.
 class CRegistryManager : public CGlobalObject
@@ -25,14 +25,15 @@ public:
     CRegistryManager(const CRegistryManager&) = delete;
     CRegistryManager& operator=(const CRegistryManager&) = delete;
 
-    /// Inserts a GINA and writes the chain: into an empty chain; otherwise before szInsertBefore, or when
-    /// that is null as the first with bAtFront, or else as the last that the terminator allows, which another
-    /// terminator replaces. False, and no change, for a GINA that is in the chain or unknown, a place that
-    /// does not exist or that is before another GINA for a terminator, and while the chain is incomplete.
+    /// Inserts a GINA and writes the chain. The GINA goes into an empty chain; otherwise before
+    /// szInsertBefore if that is given, first with bAtFront, or last. A terminator stays last and is replaced
+    /// only by another one. False, without change, for a GINA that is in the chain or unknown, for a
+    /// szInsertBefore that is not in the chain, for a terminator that is to go before another GINA, and while
+    /// the chain is incomplete.
     bool InsertGinaIntoChainingList(const WCHAR* szGinaDLL, const WCHAR* szInsertBefore,
                                     bool bAtFront) noexcept;
 
-    /// Removes a GINA and writes the chain; an "msgina.dll" that is left alone goes, too. False, and no
+    /// Removes a GINA and writes the chain. If only "msgina.dll" would be left, it goes too. False, without
     /// change, for a GINA that is not in the chain or unknown, and while the chain is incomplete.
     bool RemoveGinaFromChainingList(const WCHAR* szGinaDLL) noexcept;
 
@@ -42,13 +43,13 @@ public:
     /// Writes the chain, unless it is incomplete.
     void WriteOutListToRegistry() noexcept;
 
-    /// Whether both have the same chain; letter case does not count.
+    /// Whether both have the same chain, ignoring case.
     bool operator==(const CRegistryManager& other) const noexcept;
     bool operator!=(const CRegistryManager& other) const noexcept;
 
-    /// Comes to terms with what others have made of the chain: other is what the registry says now, built
-    /// with bNoRepair, and differs (see ChainResync.h). Hold m_lock from before other is built: a change of
-    /// the chain in between would be taken for somebody else's.
+    /// Resynchronises with what others have made of the chain (see ChainResync.h). other: what the registry
+    /// says now, built with bNoRepair, and different. Hold m_lock from before other is built: a change of the
+    /// host's own in between would be taken for somebody else's.
     void ResyncWithRegistry(const CRegistryManager& other) noexcept;
 
     /// The built-in table, then what has been learned from chaining records.
@@ -57,12 +58,12 @@ public:
     COwned<CGinaChain> m_pGinaChainingList;
     CWinlogonRegistry* m_pWinlogonRegistry;
     CLUMRegistry* m_pLUMRegistry;
-    /// The chain could not be followed to its end; it is never changed or written then. Set once, when the
-    /// object is made.
+    /// True if the chain could not be followed to its end: then it is never changed or written. Set once,
+    /// when the object is made.
     bool m_bChainIncomplete;
-    /// Over both lists and their cursors; held for no longer than the registry takes. It comes before the
-    /// locks of the two registries. The registry monitor holds it from before it builds the manager to
-    /// compare with, which no other thread has.
+    /// Guards both lists and their cursors. Held only as long as reading or writing the registry takes, and
+    /// taken before the locks of the two registries. The registry monitor takes it before it builds the
+    /// manager to compare with, which no other thread has.
     mutable CCriticalSection m_lock;
 
 private:

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-/// What one request comes through and goes out by: a client at the other end of a stream of bytes.
+/// The way by which one request comes in and its reply goes out: a client at the other end of a byte stream.
 class CControlChannel
 {
 public:
@@ -12,7 +12,7 @@ public:
     /// Writes all of the buffer, or throws CWriteFileException.
     virtual void Write(const void* pBuffer, DWORD cbBuffer) = 0;
 
-    /// Gives the thread the identity of the client. False, and a warning, when that cannot be done.
+    /// Makes the thread impersonate the client. False, with a warning, when that fails.
     virtual bool Impersonate() noexcept = 0;
 
 protected:

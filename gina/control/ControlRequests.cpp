@@ -10,14 +10,14 @@ using namespace ControlProtocol;
 
 namespace {
 
-/// What an operation has to say beyond whether it succeeded.
+/// What an operation returns besides success.
 struct CAnswer
 {
     CGinaPluginInfo record{LUM_GINA_APP, LUM_GINA_MTM};
     DWORD dwVersion = 0;
 };
 
-/// A record that came in, with the name that came behind it; the empty name stands for none.
+/// A record that came in, with the name that came behind it. An empty name stands for none.
 struct CReceivedRecord : CGinaPluginInfo
 {
     CReceivedRecord(const CRequest& request, int nRecord) : CGinaPluginInfo(LUM_GINA_APP, LUM_GINA_MTM)
@@ -80,7 +80,7 @@ bool CarryOut(const CControlTargets& targets, const CRequest& request, CAnswer& 
     return false;
 }
 
-/// Reads what a request has behind its code, and no byte more.
+/// Reads the fields of a request, and not one byte more.
 CRequest ReadFields(CControlChannel& channel, BYTE byCode)
 {
     BYTE bytes[LONGEST_REQUEST] = {byCode};
@@ -116,7 +116,7 @@ private:
     DWORD m_cbUsed = 0;
 };
 
-/// The strings of the record stay here: their addresses are of no use to anybody else.
+/// Leaves the pointers 0: they mean nothing in another process.
 CWireRecord ToWire(const CGinaPluginInfo& info) noexcept
 {
     CWireRecord record = {};

@@ -5,15 +5,15 @@
 class CLUMGina;
 class CLUMObject;
 
-/// Those that requests are carried out by.
+/// The objects that carry requests out.
 struct CControlTargets
 {
     CLUMObject& object;
     CLUMGina& gina;
 };
 
-/// Reads one request from the channel, carries it out under the identity of the client, and replies. Except
-/// for what anybody may ask, nothing is carried out for a client without one. Throws what the channel throws,
-/// and CMemAllocException for a name that there is no room for; no reply has been written then. The thread
-/// is left with the identity of the client.
+/// Reads one request from the channel, carries it out while impersonating the client, and replies. If
+/// impersonation fails, only requests that anyone may make are carried out. Throws what the channel throws,
+/// and CMemAllocException for a name that is too long; then there has been no reply. The thread still
+/// impersonates the client afterwards.
 void ServeRequest(CControlChannel& channel, const CControlTargets& targets);

@@ -8,8 +8,8 @@ namespace {
 constexpr DWORD POLL_MILLISECONDS = 10;
 constexpr DWORD LAST_WAIT_MILLISECONDS = 1000;
 
-/// Finds out when the client has read all that was written. Only FlushFileBuffers can tell, and that waits
-/// for the client without a limit; so it gets a thread, which DisconnectNamedPipe sets free.
+/// Finds out when the client has read all that was written. Only FlushFileBuffers tells, and it waits for the
+/// client without limit. So it runs on a thread of its own, and DisconnectNamedPipe ends it.
 class CPipeFlush
 {
 public:
@@ -17,7 +17,7 @@ public:
         : m_hThread(CreateThread(nullptr, 0, GetThreadProcedure(), hPipe, 0, nullptr))
     {
     }
-    /// The pipe has been disconnected.
+    /// To be called after DisconnectNamedPipe.
     ~CPipeFlush()
     {
         if (m_hThread != nullptr) {
@@ -28,7 +28,7 @@ public:
     CPipeFlush(const CPipeFlush&) = delete;
     CPipeFlush& operator=(const CPipeFlush&) = delete;
 
-    /// Whether the client has read everything or has gone. Never true when there is no thread to be had.
+    /// Whether the client has read everything or has gone. Never true if the thread could not be made.
     bool HasEnded(DWORD dwMilliseconds) const noexcept
     {
         if (m_hThread == nullptr) {
@@ -39,8 +39,8 @@ public:
     }
 
 private:
-    /// The system's function itself: the thread has none of this library's code to run, should it come to its
-    /// turn only when the library is gone.
+    /// The thread runs the system's function and no code of this library: it may begin only when the library
+    /// is gone.
     static LPTHREAD_START_ROUTINE GetThreadProcedure() noexcept
     {
         return reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void (*)()>(FlushFileBuffers));
@@ -72,7 +72,7 @@ void CPipeConnection::Read(void* pBuffer, DWORD cbBuffer)
     }
 }
 
-/// A read on the pipe cannot be broken off, so it is not begun before there is something to read.
+/// ReadFile on the pipe cannot be cancelled, so it begins only when there is something to read.
 void CPipeConnection::AwaitBytes()
 {
     for (;;) {
@@ -115,7 +115,7 @@ bool CPipeConnection::Impersonate() noexcept
 
 void CPipeConnection::Close() noexcept
 {
-    // Disconnecting takes from the client what it has not read.
+    // Disconnecting discards what the client has not read.
     const CPipeFlush flush(m_hPipe);
     m_dwStart = GetTickCount();
     while (!flush.HasEnded(POLL_MILLISECONDS) && !IsOver(m_Deadlines.dwReplyMilliseconds) && !m_awaitStop(0))

@@ -14,12 +14,11 @@ struct CPipeDeadlines
 
 /// A client at the other end of the pipe, from the moment it is connected until it is disconnected.
 ///
-/// Whoever is at the other end cannot hold up the thread: each wait has an end, and ends at once when the
-/// thread is to stop.
+/// No client can hold up the thread: each wait is limited, and ends at once when the thread is to stop.
 class CPipeConnection : public CControlChannel
 {
 public:
-    /// Waits on behalf of a connection; true when the thread is to stop, and from then on.
+    /// Waits, at most that long. True when the thread is to stop, and from then on.
     using AwaitStop = std::function<bool(DWORD dwMilliseconds)>;
 
     /// The pipe, in blocking mode, and awaitStop must outlive the connection.
@@ -28,15 +27,15 @@ public:
     CPipeConnection(const CPipeConnection&) = delete;
     CPipeConnection& operator=(const CPipeConnection&) = delete;
 
-    /// What does not come in time is a CReadFileException with ERROR_TIMEOUT; with ERROR_OPERATION_ABORTED
-    /// when the thread is to stop.
+    /// Throws CReadFileException: with ERROR_TIMEOUT if the bytes do not come in time, with
+    /// ERROR_OPERATION_ABORTED if the thread is to stop.
     void Read(void* pBuffer, DWORD cbBuffer) override;
     void Write(const void* pBuffer, DWORD cbBuffer) override;
     bool Impersonate() noexcept override;
 
-    /// Gives the client the time to read what was written, and ends the connection.
+    /// Gives the client time to read what was written, and disconnects it.
     void Close() noexcept;
-    /// Gives the thread its own identity back; throws CRevertToSelfException when it cannot.
+    /// Ends the impersonation. Throws CRevertToSelfException when it cannot.
     void Revert();
 
 private:

@@ -29,13 +29,13 @@ void CPipeService::Poll()
     }
     CNoClientTrace(m_Origin, dwStatus);
     if (dwStatus == ERROR_NO_DATA) {
-        // A client that has come and gone would keep the others out.
+        // The client has gone. Until it is disconnected, no other can connect.
         DisconnectNamedPipe(m_hPipe);
         Listen();
     }
 }
 
-/// Never in blocking mode, in which the pipe would wait for a client.
+/// Never calls ConnectNamedPipe in blocking mode, where it would wait for a client.
 DWORD CPipeService::AskPipe() noexcept
 {
     if ((m_bBlocking && !SetBlocking(false)) || !ConnectNamedPipe(m_hPipe, nullptr)) {
@@ -60,7 +60,7 @@ void CPipeService::ServeClient()
 void CPipeService::ServeOneRequest(CPipeConnection& connection) noexcept
 {
     try {
-        // A fault must neither keep the client's identity nor end the service.
+        // After a fault the client must still be disconnected and the impersonation ended.
         CallWithinHost([&] { ServeRequest(connection, m_Targets); });
     } catch (...) {
         if (!ReportIf<CMessage>()) {
@@ -69,8 +69,8 @@ void CPipeService::ServeOneRequest(CPipeConnection& connection) noexcept
     }
 }
 
-/// A disconnected instance takes no client before the pipe is asked for one. Asked only at the next poll, it
-/// would serve one client in two periods.
+/// A disconnected instance takes no client until ConnectNamedPipe is called. Called only at the next poll,
+/// the service would take two periods for each client.
 void CPipeService::Listen() noexcept
 {
     if (!m_bBlocking) {

@@ -12,7 +12,8 @@ public:
                  const CPipeConnection::AwaitStop& awaitStop, const CPipeDeadlines& deadlines) noexcept;
 
     /// Serves the client that is connected, if one is. Whatever goes wrong with it, the next one can connect.
-    /// Throws CRevertToSelfException, after which the thread must not serve anybody else.
+    /// Throws CRevertToSelfException: the thread then still impersonates the client and must not serve
+    /// anybody else.
     void Poll();
 
 private:

@@ -46,7 +46,7 @@ constexpr std::size_t Count(const CRequestForm& form, std::initializer_list<Fiel
     });
 }
 
-/// A request has room for the fields of every form, and whoever reads one for its bytes.
+/// Whether CRequest has room for the fields of the form, and LONGEST_REQUEST for its bytes.
 constexpr bool HasRoom(const CRequestForm& form)
 {
     const std::size_t nCounted = Count(form, {GinaName, PluginName, RecordName});
@@ -126,7 +126,7 @@ private:
         return bTaken;
     }
 
-    /// The length comes from whoever is at the other end.
+    /// The length comes from the client and may be anything.
     bool ReadCountedName(const WCHAR* szVariable) noexcept
     {
         DWORD cchName = 0;

@@ -6,10 +6,10 @@
 
 #include "ControlProtocol.h"
 
-// What the requests of the control channel are made of, and how the bytes of a client become one. Knows no
-// pipe, and nothing of what requests do.
+// What the requests of the control channel consist of, and how the bytes of a client become one. This knows
+// neither the pipe nor what requests do.
 
-/// A field of a request. Names differ in what messages call their buffer.
+/// A field of a request. The kinds of names differ in what messages call the name.
 enum class Field
 {
     None,
@@ -38,7 +38,7 @@ enum class Reply
     Version,
 };
 
-/// What is fixed about a request.
+/// The form of a request.
 struct CRequestForm
 {
     static constexpr std::size_t MOST_FIELDS = 7;
@@ -52,7 +52,7 @@ struct CRequestForm
     Field fields[MOST_FIELDS];
 };
 
-/// Null for a code that is unknown.
+/// Null for an unknown code.
 const CRequestForm* FindRequestForm(BYTE byCode) noexcept;
 
 /// A request with its fields, those of a kind in the order in which they came.
@@ -61,13 +61,13 @@ struct CRequest
     BYTE byCode = 0;
     bool bFlag = false;
     DWORD dwNumbers[3] = {};
-    /// The pointers in it are another process's.
+    /// The pointers in it belong to another process.
     ControlProtocol::CWireRecord records[2] = {};
     /// Each ends with a zero.
     WCHAR szNames[2][NAME_CAPACITY] = {};
 };
 
-/// Why bytes are no request.
+/// Why bytes are not a request.
 struct CRefusal
 {
     enum class Reason
@@ -89,5 +89,5 @@ inline constexpr std::size_t LONGEST_REQUEST = sizeof(BYTE) + 2 * sizeof(Control
                                                3 * sizeof(DWORD) +
                                                2 * (sizeof(DWORD) + LONGEST_NAME * sizeof(WCHAR));
 
-/// The request that the bytes begin with; what follows it is not looked at. Depends on the bytes alone.
+/// The request that the bytes begin with. What follows it is ignored. Depends on the bytes alone.
 std::variant<CRequest, CRefusal> ReadRequest(std::span<const BYTE> bytes) noexcept;
