@@ -24,7 +24,7 @@ ControlStatus ReadReply(CControlConnection& connection)
     return ReadReplyByte(connection, byReply);
 }
 
-/// The record alone, or the failure byte: its first byte is that of a pointer, and 0.
+/// Reads the record alone, or the failure byte. A record begins with the first byte of a pointer, which is 0.
 ControlStatus ReadBareRecord(CControlConnection& connection, CWireRecord& record)
 {
     BYTE bytes[sizeof(CWireRecord)] = {};

@@ -21,7 +21,7 @@ struct CControlQuery
     DWORD dwParam3 = 0;
 };
 
-/// The requests of the control channel, one function each. Every call is a connection of its own, and waits
+/// The requests of the control channel, one function each. Every call opens a connection of its own and waits
 /// for its turn: the server takes one request a period.
 ///
 /// Names are those of DLLs, of at most 259 characters, without a zero. One thread at a time may use a client.

@@ -34,7 +34,8 @@ CControlConnection::~CControlConnection()
 
 ControlStatus CControlConnection::Open() noexcept
 {
-    // The server is to act as this user. It is the library in Winlogon, if the pipe is the right one.
+    // Lets the server impersonate this user. The server is the library in Winlogon, unless somebody else made
+    // the pipe.
     constexpr DWORD FLAGS = SECURITY_SQOS_PRESENT | SECURITY_IMPERSONATION;
     for (;;) {
         m_hPipe = CreateFileW(ControlProtocol::PIPE_NAME, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
@@ -78,7 +79,7 @@ ControlStatus CControlConnection::Receive(void* pBuffer, DWORD cbBuffer) noexcep
     return ControlStatus::Success;
 }
 
-/// A read cannot be broken off, so it is not begun before there is something to read.
+/// ReadFile on the pipe cannot be cancelled, so it begins only when there is something to read.
 ControlStatus CControlConnection::AwaitBytes() noexcept
 {
     for (;;) {

@@ -19,8 +19,8 @@ enum class ControlStatus
     SystemError,  ///< something else failed, see GetSystemError
 };
 
-/// How long to wait for a server, which looks for a client once a period only (5 seconds by default), and
-/// whom to tell meanwhile.
+/// How long to wait for the server, and whom to tell meanwhile. The server looks for a client only once a
+/// period (5 seconds by default).
 struct CControlWait
 {
     /// Called a few times a second with the milliseconds waited so far; false gives up.
@@ -30,11 +30,11 @@ struct CControlWait
     Progress progress = nullptr;
 };
 
-/// A connection for one request. The operations give the status of what ended them.
+/// A connection for one request. Each operation returns how it ended.
 class CControlConnection
 {
 public:
-    /// wait must outlive the connection; its time begins now.
+    /// wait must outlive the connection. Its time begins now.
     explicit CControlConnection(const CControlWait& wait) noexcept;
     ~CControlConnection();
     CControlConnection(const CControlConnection&) = delete;

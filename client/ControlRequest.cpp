@@ -45,7 +45,7 @@ void CControlRequest::Append(const void* pData, std::size_t cbData)
     m_bytes.insert(m_bytes.end(), pBytes, pBytes + cbData);
 }
 
-/// The server takes a name up to its first zero, which would be another one than was meant.
+/// The server cuts a name at its first zero, and would act on another one than was meant.
 void CControlRequest::CheckName(const Text& name) noexcept
 {
     m_bValid = m_bValid && name.size() <= LONGEST_NAME && name.find(WCHAR(0)) == Text::npos;

@@ -20,7 +20,8 @@ public:
     /// The pointers of the record go out as 0.
     CControlRequest& Record(const ControlProtocol::CWireRecord& record);
 
-    /// False when a name is longer than the protocol has room for, or has a zero in it: no request then.
+    /// False when a name is longer than the protocol has room for, or has a zero in it: then there is no
+    /// request.
     bool IsValid() const noexcept { return m_bValid; }
     const std::vector<BYTE>& GetBytes() const noexcept { return m_bytes; }
 
