@@ -24,13 +24,12 @@
 // clang-format on
 //
 // Faults are those of the processor, a breakpoint that no debugger waits for, and exceptions that the host
-// did not throw. Calls nest in any order: a guarded call ends with what goes wrong in the calls inside it.
-// All is per thread. A fault outside of all guarded calls keeps its default effect: the host does not hide
-// its own bugs.
+// did not throw. Calls nest in any order: a fault ends the innermost guarded call, and reaches the one around
+// it as an exception. Guards belong to their thread. A fault outside all guarded calls keeps its default
+// effect: the host does not hide its own bugs.
 //
-// On Windows each module that links this has its own: to one module, the guard of another is a frame like any
-// other. Natively all modules of the process share one, and exceptions of the host cross a DLL's frames by
-// themselves.
+// On Windows each module that links this has its own guards, and ignores those of other modules. On Linux all
+// modules of the process share them, and exceptions of the host cross a DLL's frames by themselves.
 
 /// What a guarded call throws for a fault.
 class CForeignFault : public std::exception
@@ -38,9 +37,9 @@ class CForeignFault : public std::exception
 public:
     explicit CForeignFault(DWORD dwCode) noexcept : m_dwCode(dwCode) {}
 
-    /// The exception code as the platform names it: 0xC0000005 for an access violation, 0xC0000094
-    /// for an integer division by zero, 0xC00000FD for a stack overflow, 0xE06D7363 for a C++
-    /// exception of another compiler, otherwise the code that was raised.
+    /// The exception code of Windows: 0xC0000005 for an access violation, 0xC0000094 for an integer division
+    /// by zero, 0xC00000FD for a stack overflow, 0xE06D7363 for a C++ exception of another compiler,
+    /// otherwise the code that was raised.
     DWORD GetCode() const noexcept { return m_dwCode; }
     const char* what() const noexcept override { return "a loaded DLL faulted"; }
 
@@ -48,8 +47,8 @@ private:
     DWORD m_dwCode;
 };
 
-/// The place that called the function which makes one, or that will go on when it returns. In a function that
-/// was inlined, it is that of the function around it: as good, since both are the host's then.
+/// Who called the function that makes one: its return address. In a function that was inlined, it is that of
+/// the function around it, which will do: both are the host's.
 struct CCaller
 {
     CCaller(const void* pReturnAddressArg = __builtin_return_address(0)) noexcept
@@ -72,9 +71,9 @@ namespace FaultGuard {
 /// The last error after the call is the one that pfnCall left.
 void RunGuarded(void (*pfnCall)(void*), void* pContext);
 
-/// Throws pException out to the caller: as it is when that is this module, otherwise in the form that a DLL's
-/// frames understand. No frame between this call and the caller may hold an object with a destructor. While
-/// the exception travels it belongs to the DLL's frames: one that swallows it releases it.
+/// Throws pException to the caller: as it is when the caller is in this module, otherwise in the form that a
+/// DLL's frames understand. No frame between this call and the caller may hold an object with a destructor.
+/// On its way the exception belongs to the DLL's frames: one that swallows it releases it.
 [[noreturn]] void ThrowToCaller(const CCaller& caller, std::exception_ptr pException);
 
 } // namespace FaultGuard
@@ -103,17 +102,16 @@ auto CallIntoDLL(Call call)
     }
 }
 
-/// Runs code of the host's own in a guard, so that a fault in it lets go what the caller holds, as a lock.
-/// For code that reads what a DLL can write to.
+/// Runs code of the host inside a guard. For code that reads what a DLL can overwrite: a fault becomes an
+/// exception, so the destructors of the caller's frames run and release its locks.
 template <typename Call>
 auto CallWithinHost(Call call)
 {
     return CallIntoDLL(call);
 }
 
-/// Runs an operation that a loaded DLL may have called; caller is where the operation's own function returns
-/// to. What the operation throws goes through ThrowToCaller, so what it captures must have trivial
-/// destructors.
+/// Runs an operation that a loaded DLL may have called. caller: where the operation's own function returns
+/// to. Exceptions leave through ThrowToCaller, so what the operation captures must have trivial destructors.
 template <typename Operation>
 auto CallBackIntoHost(const CCaller& caller, Operation operation) -> std::invoke_result_t<Operation>
 {

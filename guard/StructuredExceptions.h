@@ -17,8 +17,8 @@ namespace StructuredExceptions {
 /// Whether the system has them: Windows does.
 bool AreAvailable() noexcept;
 
-/// Raises one that can be continued, without arguments. Returns when a debugger or handler continued it, and
-/// at once where the system has none.
+/// Raises one that can be continued, without arguments. Returns when a debugger or handler has continued it,
+/// or at once on a system without structured exceptions.
 void Raise(DWORD dwCode);
 
 } // namespace StructuredExceptions

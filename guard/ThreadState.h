@@ -5,15 +5,15 @@
 
 namespace FaultGuard {
 
-/// The C++ runtime's record of what a thread throws and handles. The ABI fixes its layout, and its header
-/// does not show it.
+/// The C++ runtime's record of what a thread throws and handles. The ABI fixes its layout, but the header
+/// hides it.
 struct CExceptionGlobals
 {
     void* pCaught;
     unsigned int nUncaught;
 };
 
-/// What a thread must have again when a fault has ended a guarded call.
+/// The state that a thread must have again after a fault has ended a guarded call.
 class CThreadState
 {
 public:
@@ -33,13 +33,13 @@ private:
 
     void RestoreFloatingPoint() const noexcept
     {
-        // An exception that is pending would be raised by whatever comes next, even by the restoring.
+        // A pending floating-point exception would be raised by the next instruction, even by fesetenv.
         asm volatile("fninit");
         std::fesetenv(&m_Environment);
     }
 
-    // A fault in a catch block leaves it without its end being reached. The runtime would believe for
-    // ever that the thread is still in it, and keep the exception.
+    // A fault in a catch block skips its end. The runtime would believe for ever that the thread is still in
+    // it, and keep the exception.
     void CloseLaterHandlers() const noexcept
     {
         while (GetHandling().pCaught != nullptr && GetHandling().pCaught != m_Handling.pCaught) {

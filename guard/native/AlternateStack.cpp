@@ -8,8 +8,8 @@ namespace {
 // Room for the processor's state, which has grown to some 11 KB, and for a small handler.
 constexpr std::size_t ALTERNATE_STACK_SIZE = 32768;
 
-/// The alternate stack of this thread, which lies in the frame that holds this object: the frames that
-/// overflow the thread's stack come after it.
+/// The thread's alternate stack for signals. It lies in the frame that holds this object. The frames that
+/// overflow the thread's stack come after it, so it is still free.
 class CAlternateStack
 {
 public:
@@ -40,7 +40,7 @@ bool HasAlternateStack() noexcept
     return (stack.ss_flags & SS_DISABLE) == 0;
 }
 
-// Apart, so that only the outermost guard of a thread has the large frame.
+// A function of its own, so that only the outermost guard of a thread has the large frame.
 __attribute__((noinline)) void CallWithOwnStack(void (*pfnCall)(void*), void* pContext)
 {
     const CAlternateStack stack;

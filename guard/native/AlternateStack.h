@@ -2,8 +2,8 @@
 
 namespace FaultGuard {
 
-/// Calls pfnCall(pContext) on a thread that has a stack for its signal handlers, which a stack overflow
-/// needs. A thread that has none is lent one for the time of the call.
+/// Calls pfnCall(pContext) with an alternate stack for signals, without which a stack overflow cannot be
+/// handled. A thread that has none gets one for the time of the call.
 void CallWithAlternateStack(void (*pfnCall)(void*), void* pContext);
 
 } // namespace FaultGuard

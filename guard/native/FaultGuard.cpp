@@ -6,13 +6,13 @@
 #include "FaultSignals.h"
 #include "SignalGuard.h"
 
-// Here all compilers throw alike: exceptions cross a DLL's frames by themselves, the host's and those
-// that a native plugin throws. Only faults need a guard.
+// On Linux all compilers throw alike: exceptions of the host, and those of native plugins, cross a DLL's
+// frames by themselves. Only faults need a guard.
 
 namespace FaultGuard {
 
-/// Stands for the exception of a plugin's compiler. It is thrown in one module and caught in another,
-/// which know the class by its name; so it needs one that is not this file's own.
+/// Stands for an exception of the plugins' compiler. It is thrown in one module and caught in another. They
+/// know the class by its name, so it must not be one of this file alone.
 struct CForeignException
 {
 };

@@ -9,7 +9,7 @@
 namespace FaultGuard {
 namespace {
 
-constexpr DWORD ANY_FAULT = 0xC0000005; // an access violation, which is what odd faults are reported as
+constexpr DWORD ANY_FAULT = 0xC0000005; // an access violation, also reported for a fault without a row
 constexpr DWORD STACK_OVERFLOW = 0xC00000FD;
 
 /// The exception code for a signal; nDetail 0 stands for every detail that has no row.
@@ -71,7 +71,7 @@ void PassOn(int nSignal, siginfo_t* pInfo, void* pMachine) noexcept
     } else if (previous.sa_handler != SIG_DFL && previous.sa_handler != SIG_IGN) {
         previous.sa_handler(nSignal);
     } else {
-        // On return the faulting instruction runs again, and ends the process where it should.
+        // On return the faulting instruction runs again, and the default action ends the process there.
         sigaction(nSignal, &previous, nullptr);
         if (!IsFault(*pInfo)) {
             raise(nSignal);
@@ -106,7 +106,7 @@ CFaultSignals::CFaultSignals()
     }
 }
 
-// A module that is unloaded must not leave handlers that are no longer there.
+// An unloaded module must leave no handlers behind: their code is gone.
 CFaultSignals::~CFaultSignals()
 {
     for (const int nSignal : s_Signals) {

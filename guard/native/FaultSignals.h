@@ -4,8 +4,8 @@
 
 namespace FaultGuard {
 
-/// The signals by which processor faults arrive. While it exists, the innermost guard of the thread
-/// gets them; without one, whoever handled them before.
+/// Handles the signals by which processor faults arrive. While it exists, the innermost guard of the thread
+/// gets them, or the previous handler if the thread has no guard.
 class CFaultSignals
 {
 public:

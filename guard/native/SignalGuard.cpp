@@ -4,7 +4,7 @@
 
 namespace {
 
-// The signal handler reads it, and must not be what makes the thread allocate its variables.
+// The signal handler reads this variable, so its first use must not allocate memory.
 __attribute__((tls_model("initial-exec"))) constinit thread_local FaultGuard::CSignalGuard* t_pInnermost =
     nullptr;
 
@@ -24,14 +24,15 @@ CSignalGuard::~CSignalGuard()
     t_pInnermost = m_pOuter;
 }
 
-// Apart, and without variables, because it returns twice.
+// Not inlined and without variables, because it returns twice.
 __attribute__((noinline)) DWORD CSignalGuard::Run(DWORD (*pfnCall)(void*), void* pContext)
 {
     m_pFirstFrame = __builtin_frame_address(0);
     if (sigsetjmp(m_ReturnPoint, 1) != 0) {
         return m_dwFault;
     }
-    // Not before there is a place to return to: a stack that ends here is the outer guard's.
+    // Only now there is a place to return to. If the stack overflowed before, that is a matter of the outer
+    // guard.
     t_pInnermost = this;
     return pfnCall(pContext);
 }

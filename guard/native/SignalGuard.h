@@ -6,7 +6,8 @@
 
 namespace FaultGuard {
 
-/// The guard of a system that reports faults as signals; the innermost of its thread while it exists.
+/// A guard on a system that reports faults as signals. Once it runs a call, it is the innermost guard of its
+/// thread as long as it exists.
 class CSignalGuard
 {
 public:
@@ -18,13 +19,13 @@ public:
     CSignalGuard(const CSignalGuard&) = delete;
     CSignalGuard& operator=(const CSignalGuard&) = delete;
 
-    /// Gives what pfnCall(pContext) gives, or the code of the fault that ended it.
+    /// Returns what pfnCall(pContext) returns, or the code of the fault that ended it.
     DWORD Run(DWORD (*pfnCall)(void*), void* pContext);
 
     /// Ends the call because of a fault. For the signal handler.
     [[noreturn]] void Abandon(DWORD dwCode) noexcept;
 
-    /// Whether the address lies where the call has its frames. pStackPointer: the end of the last one.
+    /// Whether the address lies in the call's stack frames. pStackPointer: the end of the last one.
     bool IsInFrames(const void* pAddress, const void* pStackPointer) const noexcept;
 
 private:

@@ -6,10 +6,10 @@
 #include "guard/ThreadState.h"
 
 // The C++ runtime's record of what each thread throws and handles, in place of the one that comes with the
-// compiler. That one is a thread-local variable, which the compiler's start-up code releases when the library
-// is about to be unloaded, but before DllMain is told: the next exception would be noted in memory that is no
-// longer there, and the host could neither throw nor let plugins fail while it is being destroyed. The
-// variable would also cost the process one of its few TLS indexes for each time that the library is loaded.
+// compiler. That one is a thread-local variable. When the library is about to be unloaded, the compiler's
+// start-up code releases it before DllMain is called. The next exception would be noted in freed memory: the
+// host could neither throw nor let plugins fail while it is destroyed. The variable would also cost the
+// process one of its few TLS indexes each time that the library is loaded.
 
 namespace {
 
@@ -29,8 +29,8 @@ public:
     CGlobalsOfThreads(const CGlobalsOfThreads&) = delete;
     CGlobalsOfThreads& operator=(const CGlobalsOfThreads&) = delete;
 
-    /// The record of this thread. The last error stays what it is. Like the compiler's own it ends the
-    /// process when there is no memory for one.
+    /// The record of this thread. Keeps the last error. Ends the process if there is no memory for a record,
+    /// as the compiler's own function does.
     CExceptionGlobals* GetOwn() noexcept
     {
         const DWORD dwError = GetLastError();
@@ -81,8 +81,8 @@ void NTAPI OnThread(PVOID, DWORD dwReason, PVOID) noexcept
     }
 }
 
-// The linker makes one table of what is in sections of such names. The system calls it for threads that end,
-// in a program as well as in a library.
+// The linker collects what is in sections of such names into the table of TLS callbacks. The system calls
+// them for threads that end, in a program as well as in a DLL.
 __attribute__((section(".CRT$XLY"), used)) const PIMAGE_TLS_CALLBACK s_pfnOnThread = OnThread;
 
 } // namespace

@@ -18,7 +18,7 @@ struct CCall
     std::exception_ptr pException;
 };
 
-// The host's compiler cannot unwind the guard's frame: its exceptions are carried around it.
+// The host's C++ exceptions cannot unwind the guard's frame, so they are carried around it.
 void Call(void* pContext)
 {
     auto& call = *static_cast<CCall*>(pContext);

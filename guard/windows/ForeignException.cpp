@@ -11,7 +11,7 @@ namespace {
 constexpr DWORD FOREIGN_EXCEPTION = 0xE06D7363;
 constexpr ULONG_PTR FOREIGN_MAGIC = 0x19930520;
 
-// What the other compiler's runtime reads about the class of an exception. The names are ours.
+// What the runtime of the plugins' compiler reads about the class of an exception. The names are ours.
 
 struct CClassName
 {
@@ -53,8 +53,8 @@ constexpr DWORD COPIED_AS_BYTES = 1;
     std::terminate();
 }
 
-// The object that is thrown for the host is the pointer to its exception. Frames of the DLL may destroy
-// it, and copy it to keep the exception.
+// The object that is thrown is the host's std::exception_ptr. Frames of the DLL may destroy it, or copy it to
+// keep the exception.
 
 __attribute__((thiscall)) void DestroyPointer(std::exception_ptr* pThis)
 {
@@ -77,8 +77,8 @@ const CCatchableType s_IntType = {COPIED_AS_BYTES, &s_IntName, 0, -1, 0, sizeof(
 const CCatchableTypes s_IntTypes = {1, &s_IntType};
 const CThrowInfo s_IntThrow = {0, nullptr, nullptr, &s_IntTypes};
 
-/// The entry of the frame that holds the object. A DLL that swallows the exception as a structured one
-/// knows nothing of the object in it.
+/// The exception frame that holds the object. A DLL that swallows the exception as a structured one does not
+/// know of the object, so this frame releases it.
 struct __attribute__((may_alias)) CThrowingFrame : CExceptionFrame
 {
     std::exception_ptr* pObject;
@@ -96,7 +96,7 @@ EXCEPTION_DISPOSITION OnUnwind(EXCEPTION_RECORD* pException, CExceptionFrame* pF
 
 void RaiseHostException(std::exception_ptr pException) noexcept
 {
-    // Taken over, since the caller's is not destroyed.
+    // Moved here, because the argument is never destroyed: Raise skips the frame that would do it.
     std::exception_ptr pObject(std::move(pException));
     CThrowingFrame frame{{nullptr, reinterpret_cast<const void*>(OnUnwind)}, &pObject};
     frame.Push();

@@ -8,8 +8,8 @@
 
 namespace FaultGuard {
 
-/// Raises an exception of the host. It belongs to the frames that it travels through: whoever swallows
-/// it releases it.
+/// Raises an exception of the host. It belongs to the frames that it travels through: one that swallows it
+/// releases it.
 [[noreturn]] void RaiseHostException(std::exception_ptr pException) noexcept;
 
 /// The host's exception, taken out of what RaiseHostException raised; null for anything else.

@@ -12,7 +12,7 @@ struct __attribute__((may_alias)) CGuardEntry : CExceptionFrame
     CFrameGuard* pGuard;
 };
 
-/// What a debugger that is attached is waiting for. Without one, nobody is.
+/// A breakpoint or a single step that an attached debugger waits for.
 bool IsForDebugger(DWORD dwCode) noexcept
 {
     return (dwCode == EXCEPTION_BREAKPOINT || dwCode == EXCEPTION_SINGLE_STEP) &&
@@ -21,9 +21,9 @@ bool IsForDebugger(DWORD dwCode) noexcept
 
 } // namespace
 
-// Assembly, because the entry must be found again when no register is what it was: the unwinding keeps the
-// stack pointer alone. Functions without a prologue of their own, rather than a text beside the functions,
-// which a link-time optimiser does not look into.
+// Assembly, because the entry must be found again although unwinding keeps no register but the stack pointer.
+// The functions are naked, rather than a text outside of all functions, because a link-time optimiser does
+// not look into such a text.
 
 extern "C" {
 
@@ -39,8 +39,8 @@ __attribute__((used)) EXCEPTION_DISPOSITION LumOnException(EXCEPTION_RECORD* pEx
     "popl %ebp\n\t"                                                                                          \
     "ret"
 
-/// Runs pfnCall(pContext) inside an entry for the guard. Gives 0 when the call returned, 1 when
-/// LumEndGuardEntry ended it.
+/// Runs pfnCall(pContext) inside an entry for the guard. Returns 0 when the call has returned, 1 when
+/// LumEndGuardEntry has ended it.
 __attribute__((naked, noipa)) int LumRunGuardEntry(CFrameGuard* /*pGuard*/, void (* /*pfnCall*/)(void*),
                                                    void* /*pContext*/)
 {

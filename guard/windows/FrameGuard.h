@@ -6,7 +6,7 @@
 
 namespace FaultGuard {
 
-/// The guard of a system that looks for the handler of an exception in a list of frames.
+/// A guard on 32-bit Windows, which looks for the handler of an exception in a list of frames.
 class CFrameGuard
 {
 public:
@@ -14,8 +14,8 @@ public:
     CFrameGuard(const CFrameGuard&) = delete;
     CFrameGuard& operator=(const CFrameGuard&) = delete;
 
-    /// Runs pfnCall(pContext). False when an exception ended it; this holds it then. The frames inside have
-    /// been unwound by their own handlers, as far as they have any.
+    /// Runs pfnCall(pContext). False when an exception ended it; the guard then holds the exception. The
+    /// frames inside have been unwound by their own handlers, if they have any.
     bool Run(void (*pfnCall)(void*), void* pContext);
 
     /// The code of the exception that ended the call.
@@ -24,7 +24,7 @@ public:
     /// The exception that ended the call when it was the host's own, otherwise null.
     const std::exception_ptr& GetHostException() const noexcept { return m_pHostException; }
 
-    /// Whether the exception ends the call; it has been taken then. For the exception handler.
+    /// For the exception handler: takes the exception and returns true if it ends the call.
     bool Take(const EXCEPTION_RECORD& exception) noexcept;
 
 private:

@@ -13,7 +13,7 @@ void RestoreStackGuardPage() noexcept
     if (VirtualQuery(pInUse, &region, sizeof(region)) == 0) {
         return;
     }
-    // The lowest page is never used, and the one above it is where an overflow is handled.
+    // The lowest page of a stack is never used. The one above it is where an overflow is handled.
     BYTE* pPage = static_cast<BYTE*>(region.AllocationBase) + 2 * cbPage;
     if (VirtualQuery(pPage, &region, sizeof(region)) != 0 && region.State != MEM_COMMIT) {
         pPage = static_cast<BYTE*>(region.BaseAddress) + region.RegionSize;

@@ -2,8 +2,8 @@
 
 namespace FaultGuard {
 
-/// Puts the guard page back that a stack overflow used up, so that the thread's next one is reported as
-/// well. Without it the next one ends the process without a word. To be called high up on the stack.
+/// Restores the guard page that a stack overflow has used up. Without it, the thread's next overflow ends the
+/// process silently. To be called high up on the stack, after unwinding.
 void RestoreStackGuardPage() noexcept;
 
 } // namespace FaultGuard
