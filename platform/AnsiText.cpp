@@ -79,7 +79,8 @@ WideText ComposeAll(const WideText& text)
     return composed;
 }
 
-/// The text that a caller gave with its length, or with -1 and a terminator, which then belongs to it.
+/// The text that a caller gave: with its length, or with -1 and a terminator, which then counts as part of
+/// it.
 template <typename Char>
 std::basic_string<Char> TakeText(const Char* szText, int cchText)
 {
@@ -89,7 +90,7 @@ std::basic_string<Char> TakeText(const Char* szText, int cchText)
     return {szText, cch};
 }
 
-/// Gives the caller what was converted, or only its length when there is no room at all.
+/// Copies the converted text to the caller. If the caller has no room at all, only returns its length.
 template <typename Char>
 int GiveText(const std::basic_string<Char>& text, Char* szDest, int cchDest)
 {

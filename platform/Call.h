@@ -4,9 +4,9 @@
 
 #include "platform/FaultInjection.h"
 
-// The frame around every call of the layer that can fail. It is the one place where failures are injected,
-// and where what went wrong inside becomes an error code: memory as much as anything else, since no C++
-// exception may reach a caller of Win32.
+// The frame around every call of the layer that can fail. Only here failures are injected. Only here what
+// goes wrong inside becomes an error code, a lack of memory included: no C++ exception may reach a caller of
+// Win32.
 
 namespace Native {
 

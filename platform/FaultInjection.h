@@ -13,7 +13,7 @@
 //
 //     const CFaultInjection fault(PlatformCall::RegSetValueExW, 2, ERROR_ACCESS_DENIED);
 //
-// With ERROR_SUCCESS it fails nothing, and counts.
+// With ERROR_SUCCESS nothing fails, and the uses are only counted.
 
 // clang-format off
 #define PLATFORM_CALLS(CALL) \
@@ -72,7 +72,7 @@ enum class PlatformCall
 
 namespace Native {
 
-/// What a use of a call is about, by which a failure can be restricted to it.
+/// The name that a call is used with. A failure can be restricted to it.
 struct CCallName
 {
     constexpr CCallName(std::nullptr_t) noexcept {}
@@ -117,8 +117,8 @@ enum class FaultRepeat
     FromThenOn,
 };
 
-/// A failure to come, in force as long as the object exists. Several may be in force; the one made first
-/// decides when they coincide, and each counts every use that is its business.
+/// A failure to come, in force as long as the object exists. Several may be in force. Each counts the uses
+/// that it is about; if two are due at once, the one made first decides.
 class CFaultInjection
 {
 public:

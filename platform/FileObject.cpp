@@ -50,7 +50,7 @@ int GetOpenMode(DWORD dwAccess)
     return (bWrite ? bRead ? O_RDWR : O_WRONLY : O_RDONLY) | O_CLOEXEC;
 }
 
-/// Whether what one opener does is what the other one allows.
+/// Whether the share mode of one opener allows the access of the other.
 bool AllowsAccess(DWORD dwShareMode, DWORD dwAccess)
 {
     return ((dwAccess & GENERIC_READ) == 0 || (dwShareMode & FILE_SHARE_READ) != 0) &&
@@ -88,13 +88,13 @@ CFileObject::CFileObject(const COpening& opening)
 {
     Require(opening.dwDisposition - 1 < std::size(DISPOSITIONS), ERROR_INVALID_PARAMETER);
     const CDisposition& disposition = DISPOSITIONS[opening.dwDisposition - 1];
-    // Windows insists: what is cut off is written.
+    // As on Windows, truncating takes the right to write.
     Require(opening.dwDisposition != TRUNCATE_EXISTING || (m_dwAccess & GENERIC_WRITE) != 0,
             ERROR_INVALID_PARAMETER);
     Open(opening);
     try {
         Share();
-        // Not before it is certain that the file may be opened.
+        // Truncated only when it is certain that the file may be opened.
         Require(!m_bExisted || !disposition.bTruncate || truncate(opening.path.c_str(), 0) == 0,
                 FromErrno(errno));
         m_bExisted = m_bExisted && disposition.bCreate;

@@ -71,7 +71,7 @@ HANDLE WINAPI CreateFileW(LPCWSTR szPath, DWORD dwAccess, DWORD dwShareMode, LPS
         const auto pFile =
             std::make_shared<CFileObject>(CFileObject::COpening{path, dwAccess, dwShareMode, dwDisposition});
         const HANDLE hFile = HandleTable::Add(pFile);
-        // This call speaks through the last error when it succeeds, too.
+        // This call sets the last error also when it succeeds.
         SetLastError(pFile->HasExisted() ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
         return hFile;
     });
@@ -91,7 +91,7 @@ DWORD WINAPI SetFilePointer(HANDLE hFile, LONG lDistance, PLONG plDistanceHigh, 
             *plDistanceHigh = static_cast<LONG>(position >> 32);
         }
         if (static_cast<DWORD>(position) == INVALID_SET_FILE_POINTER) {
-            // It looks like a failure and is none.
+            // This position looks like the failure value.
             SetLastError(ERROR_SUCCESS);
         }
         return static_cast<DWORD>(position);

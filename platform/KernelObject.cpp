@@ -39,7 +39,7 @@ std::shared_ptr<CKernelObject> HandleTable::Find(HANDLE hObject) noexcept
 
 bool HandleTable::Close(HANDLE hObject) noexcept
 {
-    // The object may go with its handle, and is not destroyed under the lock.
+    // The object may go with its handle. It is destroyed after the lock is released.
     std::shared_ptr<CKernelObject> pObject;
     const std::lock_guard lock(g_mutex);
     const auto found = GetObjects().find(hObject);
@@ -60,8 +60,7 @@ BOOL WINAPI CloseHandle(HANDLE hObject) noexcept
     const std::shared_ptr<CKernelObject> pObject = HandleTable::Find(hObject);
     const LPCWSTR szName = pObject != nullptr ? pObject->GetName() : nullptr;
     return LastErrorCall(PlatformCall::CloseHandle, szName, FALSE, [&] {
-        // What a failed CreateFileW gives is also the process's handle of itself, which closes without
-        // effect.
+        // INVALID_HANDLE_VALUE is also the handle of the process itself, which closes without effect.
         Require(hObject == INVALID_HANDLE_VALUE || HandleTable::Close(hObject), ERROR_INVALID_HANDLE);
         return TRUE;
     });

@@ -12,7 +12,7 @@ class CKernelObject
 public:
     virtual ~CKernelObject() = default;
 
-    /// By which a failure can be restricted to this object; null when it has no name.
+    /// The name by which an injected failure can be restricted to this object; null if it has none.
     virtual LPCWSTR GetName() const noexcept { return nullptr; }
 };
 

@@ -77,7 +77,7 @@ FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR szName) noexcept
     // Anything below is an ordinal.
     const bool bName = reinterpret_cast<ULONG_PTR>(szName) > 0xFFFF;
     return LastErrorCall<FARPROC>(PlatformCall::GetProcAddress, bName ? szName : nullptr, nullptr, [&] {
-        // A program, which null stands for, exports nothing.
+        // Null stands for the program, which exports nothing.
         Require(bName && hModule != nullptr, ERROR_PROC_NOT_FOUND);
         void* pExport = LoadedModules::FindExport(hModule, szName);
         Require(pExport != nullptr, ERROR_PROC_NOT_FOUND);
@@ -95,7 +95,8 @@ DWORD WINAPI GetModuleFileNameW(HMODULE hModule, LPWSTR szFile, DWORD cchFile) n
             szFile[path.size()] = 0;
             return static_cast<DWORD>(path.size());
         }
-        // What fits is given without a terminator, and the size of the buffer tells that it was too small.
+        // As much as fits is copied, without a terminator. The result, the size of the buffer, tells that it
+        // was too small.
         path.copy(szFile, cchFile);
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return cchFile;

@@ -53,7 +53,7 @@ CModule& GetModule(HMODULE hModule)
     return *module;
 }
 
-/// Null when no DLL of that file name is loaded, or it is being told to go.
+/// Null when no DLL of that file name is loaded, or it is being unloaded.
 CModule* FindNamed(const WideText& name)
 {
     for (CModule& module : GetModules()) {
@@ -74,7 +74,7 @@ bool IsLibrary(const std::string& path)
     return file.read(header, sizeof(header)) && std::memcmp(header, ELFMAG, SELFMAG) == 0;
 }
 
-/// Windows tells these apart, dlopen only in the text that it leaves.
+/// Tells why dlopen failed. Windows has an error code for each reason; dlopen leaves only a text.
 DWORD ExplainFailure(const std::string& path)
 {
     const char* szText = dlerror();
@@ -106,7 +106,7 @@ void* FindOwnSymbol(void* pLibrary, const char* szName)
     return bOwn ? pSymbol : nullptr;
 }
 
-/// What a DllMain answers; TRUE when there is none. A fault or exception in it is an error of the call.
+/// What DllMain returns; TRUE when there is none. A fault or exception in it is an error of the call.
 BOOL CallDllMain(const CModule& module, DWORD dwReason)
 {
     const auto pfnDllMain = reinterpret_cast<DllMainFunction>(FindOwnSymbol(module.pLibrary, "DllMain"));
@@ -125,7 +125,7 @@ BOOL CallDllMain(const CModule& module, DWORD dwReason)
     }
 }
 
-/// Tells a DLL to go, and unloads it.
+/// Calls DllMain for the last time and unloads the DLL.
 void Unload(CModule& module)
 {
     const auto position = FindModule(module.pLibrary);
@@ -144,7 +144,7 @@ HMODULE Attach(CModule& module)
     try {
         Require(CallDllMain(module, DLL_PROCESS_ATTACH) != FALSE, ERROR_DLL_INIT_FAILED);
     } catch (const CCallError&) {
-        // It is also told when it refused to come.
+        // A DLL that has refused to attach is told to detach as well.
         module.dwReferences = 0;
         Unload(module);
         throw;
@@ -163,7 +163,7 @@ std::string GetFullPath(const std::string& path)
 HMODULE LoadedModules::Load(const std::string& path)
 {
     const std::lock_guard lock(g_mutex);
-    // Made before the file is opened, so that want of memory leaves nothing behind.
+    // Made before the file is opened, so that a lack of memory leaves nothing behind.
     std::list<CModule> loading = {{nullptr, GetFullPath(path), 1}};
     CModule& module = loading.front();
     module.pLibrary = dlopen(module.path.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -173,7 +173,7 @@ HMODULE LoadedModules::Load(const std::string& path)
     const auto loaded = FindModule(module.pLibrary);
     if (loaded != GetModules().end()) {
         dlclose(module.pLibrary);
-        // A DLL that is being told to go cannot be held.
+        // A DLL that is being unloaded takes no new references.
         Require(loaded->dwReferences != 0, ERROR_DLL_INIT_FAILED);
         ++loaded->dwReferences;
         return loaded->GetHandle();
@@ -204,7 +204,7 @@ void LoadedModules::Free(HMODULE hModule)
 {
     const std::lock_guard lock(g_mutex);
     CModule& module = GetModule(hModule);
-    // While its DllMain runs, the last reference is already gone.
+    // During the last call of its DllMain there is no reference left.
     Require(module.dwReferences != 0, ERROR_MOD_NOT_FOUND);
     if (--module.dwReferences == 0) {
         Unload(module);

@@ -16,7 +16,7 @@
 namespace Native {
 namespace {
 
-/// The name, for as long as the descriptor is open; a process that died has given it back.
+/// Holds the name as long as the descriptor is open. The system closes it when the process dies.
 CDescriptor TakeName(const std::string& path)
 {
     CDescriptor lock(open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
@@ -111,7 +111,7 @@ void CPipeServer::Flush()
     const int nSocket = RequireClient();
     const DWORD dwDisconnected = m_dwDisconnected;
     while (PipeSocket::HasUnread(nSocket)) {
-        // The system does not tell when this changes.
+        // Polled: the system does not tell when this changes.
         m_changed.wait_for(lock, std::chrono::milliseconds(1));
         Require(m_dwDisconnected == dwDisconnected, ERROR_PIPE_NOT_CONNECTED);
     }

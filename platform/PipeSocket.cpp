@@ -37,7 +37,8 @@ namespace {
 constexpr int BYTE_TIMEOUT = 5000;
 constexpr int CLIENTS_IN_QUEUE = 16;
 
-/// The address of a path. That in the structure is short, so it goes through an open directory.
+/// The socket address of a path. The structure holds short paths only, so the address goes through an open
+/// directory.
 class CSocketAddress
 {
 public:

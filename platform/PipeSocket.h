@@ -29,8 +29,8 @@ private:
     int m_nDescriptor;
 };
 
-/// What both ends of a pipe do with the socket between them. The operations throw CCallError; when the other
-/// end is gone, with ERROR_BROKEN_PIPE, or ERROR_NO_DATA on writing.
+/// What both ends of a pipe do with the socket between them. The operations throw CCallError. If the other
+/// end is gone: with ERROR_BROKEN_PIPE, on writing with ERROR_NO_DATA.
 namespace PipeSocket {
 
 /// What a client that connects is told.
@@ -44,7 +44,7 @@ enum class Answer : char
 CDescriptor Listen(const std::string& path);
 CDescriptor Connect(const std::string& path);
 
-/// One byte, with a bounded wait.
+/// One byte, with a limited wait.
 bool SendByte(int nSocket, char cByte) noexcept;
 bool ReceiveByte(int nSocket, char& cByte) noexcept;
 
@@ -55,7 +55,7 @@ DWORD Write(int nSocket, const void* pBuffer, DWORD cbBuffer);
 DWORD Peek(int nSocket, void* pBuffer, DWORD cbBuffer);
 /// Whether the other end has yet to read something that was written.
 bool HasUnread(int nSocket);
-/// Whether the other end is closed, whatever it has left to be read.
+/// Whether the other end is closed, even if something that it wrote is still unread.
 bool IsPeerGone(int nSocket) noexcept;
 
 } // namespace PipeSocket

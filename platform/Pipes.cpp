@@ -21,7 +21,7 @@ thread_local bool t_bImpersonates;
 template <typename End>
 std::shared_ptr<End> GetEnd(HANDLE hPipe)
 {
-    // Windows tells another kind of handle from none; so must this.
+    // As on Windows, a handle of another kind is another error than no handle.
     const std::shared_ptr<CKernelObject> pObject = HandleTable::Find(hPipe);
     Require(pObject != nullptr, ERROR_INVALID_HANDLE);
     std::shared_ptr<End> pEnd = std::dynamic_pointer_cast<End>(pObject);
@@ -29,7 +29,7 @@ std::shared_ptr<End> GetEnd(HANDLE hPipe)
     return pEnd;
 }
 
-/// A call on a pipe that has nothing to say but whether it succeeded.
+/// A call on a pipe that returns only whether it succeeded.
 template <typename End, typename Body>
 BOOL PipeCall(PlatformCall call, HANDLE hPipe, Body body) noexcept
 {

@@ -11,7 +11,7 @@ namespace {
 
 using Path = std::vector<WideText>;
 
-/// Splits the path of a call; null is the key itself. ERROR_SUCCESS, or why it is no path.
+/// Splits the path of a call. Null stands for the key itself. Returns ERROR_SUCCESS, or why it is not a path.
 LONG TakePath(LPCWSTR szSubKey, Path& path)
 {
     if (szSubKey == nullptr) {

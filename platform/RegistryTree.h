@@ -37,8 +37,8 @@ struct CTreeKey
 
 namespace RegistryTree {
 
-/// Guards the whole tree. No memory of a caller is touched under it: a bad pointer of a DLL ends its call
-/// without unlocking anything.
+/// Guards the whole tree. Touch no memory of a caller while holding it: a bad pointer of a DLL would end the
+/// call without unlocking.
 extern std::mutex g_mutex;
 
 /// The key of HKEY_LOCAL_MACHINE.

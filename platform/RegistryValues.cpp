@@ -92,7 +92,7 @@ LSTATUS WINAPI RegSetValueExW(HKEY hKey, LPCWSTR szValue, DWORD, DWORD dwType, c
         }
         CRegistryData data = {dwType, {pData, pData + cbData}};
         return WithKey(hKey, KEY_SET_VALUE, [&](const std::shared_ptr<CTreeKey>& pKey) {
-            // The name stays as it was created.
+            // A name keeps the case that it was created with.
             pKey->values[name] = std::move(data);
             return ERROR_SUCCESS;
         });

@@ -8,7 +8,7 @@ using namespace Native;
 HRSRC WINAPI FindResourceW(HMODULE hModule, LPCWSTR szName, LPCWSTR szType) noexcept
 {
     return LastErrorCall<HRSRC>(PlatformCall::FindResourceW, nullptr, nullptr, [&] {
-        // A program, which null stands for, has no resources.
+        // Null stands for the program, which has no resources.
         Require(hModule != nullptr, ERROR_RESOURCE_DATA_NOT_FOUND);
         void* pResource = LoadedModules::FindExport(hModule, "NativeVersionResource");
         Require(pResource != nullptr, ERROR_RESOURCE_DATA_NOT_FOUND);

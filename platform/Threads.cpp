@@ -19,7 +19,7 @@ class CThreadHandle : public CWaitable
 public:
     bool IsSignalled() const noexcept override { return m_bFinished; }
 
-    /// A procedure may have another result of 32 bits, as on Windows.
+    /// As on Windows, a procedure may be declared with another result of 32 bits. The sanitizer would object.
     __attribute__((no_sanitize("undefined"))) void Run(LPTHREAD_START_ROUTINE pfnStart, LPVOID pParameter)
     {
         Change([this] { m_dwThreadId = GetCurrentThreadId(); });
@@ -27,7 +27,7 @@ public:
         Change([this] { m_bFinished = true; });
     }
 
-    /// Waits for the thread to say.
+    /// Waits until the thread has told it.
     DWORD GetThreadId() const
     {
         Waits::CLock lock = Waits::Lock();
@@ -72,7 +72,7 @@ HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE
     return LastErrorCall(PlatformCall::CreateThread, nullptr, HANDLE(nullptr), [&] {
         Require(dwCreationFlags == 0, ERROR_INVALID_PARAMETER);
         const auto pThread = std::make_shared<CThreadHandle>();
-        // The handle comes first: what runs cannot be taken back.
+        // The handle is made first: a thread that runs cannot be taken back.
         const HANDLE hThread = HandleTable::Add(pThread);
         try {
             std::thread([=] { pThread->Run(pfnStart, pParameter); }).detach();

@@ -13,7 +13,7 @@ class CWaitable : public CKernelObject
 {
 public:
     virtual bool IsSignalled() const noexcept = 0;
-    /// What a wait that the object has ended does to it.
+    /// What a wait does to the object that has ended it.
     virtual void Consume() noexcept {}
 };
 
@@ -25,10 +25,10 @@ using CLock = std::unique_lock<std::mutex>;
 
 CLock Lock();
 
-/// To be called with the lock held, after anything has become signalled.
+/// To be called with the lock held when anything has become signalled.
 void WakeAll() noexcept;
 
-/// Gives the lock up until it is woken, or until the time is over; false then.
+/// Releases the lock until it is woken. False when the time is over before that.
 bool SleepUntil(CLock& lock, std::chrono::steady_clock::time_point end);
 void Sleep(CLock& lock);
 

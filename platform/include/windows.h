@@ -1,8 +1,8 @@
 #pragma once
 
-// The part of Win32 that this system uses, for a system that has none: Windows' own names, values and
-// error codes. Code that compiles against this compiles on Windows; what is missing here is not used.
-// One header for each group of calls, which tells where the group falls short of Windows.
+// The part of Win32 that this library uses, for a system that has no Win32: with Windows' own names, values
+// and error codes. Code that compiles against this compiles on Windows. There is one header for each group of
+// calls; it says where the group falls short of Windows.
 
 #include "win32/types.h"
 #include "win32/errors.h"

@@ -3,7 +3,7 @@
 #include "windows.h"
 
 // The interface between Winlogon and a GINA, versions 1.0 to 1.4. Structures that only pass through are
-// declared and not defined.
+// declared but not defined.
 
 #define WLX_VERSION_1_0 0x00010000
 #define WLX_VERSION_1_1 0x00010001
@@ -154,8 +154,8 @@ using PWLX_QUERY_TERMINAL_SERVICES_DATA = DWORD(WINAPI*)(HANDLE hWlx, PWLX_TERMI
                                                          WCHAR* UserName, WCHAR* Domain);
 using PWLX_QUERY_CONSOLESWITCH_CREDENTIALS = DWORD(WINAPI*)(PWLX_CONSOLESWITCH_CREDENTIALS_INFO_V1_0 pCred);
 
-// Each version's table begins as the one before. They are not derived from each other, because a table is
-// also filled in as one aggregate.
+// The table of each version begins like that of the version before. The structures are not derived from each
+// other, because a table is also filled in as one aggregate.
 
 #define WLX_DISPATCH_MEMBERS_1_0                                                                             \
     PWLX_USE_CTRL_ALT_DEL WlxUseCtrlAltDel;                                                                  \

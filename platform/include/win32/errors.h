@@ -57,6 +57,6 @@
 #define ERROR_RESOURCE_TYPE_NOT_FOUND 1813
 #define ERROR_RESOURCE_NAME_NOT_FOUND 1814
 
-/// The last error is the thread's own, and only calls that failed set it, save where a call says more.
+/// The last error belongs to the thread. Only calls that fail set it, unless a call says otherwise.
 DWORD WINAPI GetLastError() noexcept;
 void WINAPI SetLastError(DWORD dwError) noexcept;

@@ -15,13 +15,13 @@ HMODULE WINAPI LoadLibraryW(LPCWSTR szFile) noexcept;
 
 #define SEM_FAILCRITICALERRORS 0x0001
 #define SEM_NOOPENFILEERRORBOX 0x8000
-/// The mode is kept and changes nothing: no call shows a message box here.
+/// Keeps the mode and changes nothing: no call shows a message box here.
 UINT WINAPI SetErrorMode(UINT nMode) noexcept;
 
 BOOL WINAPI FreeLibrary(HMODULE hModule) noexcept;
 
-/// A loaded DLL of that file name, without a reference to it. Without a directory; null for the program is
-/// not supported.
+/// The loaded DLL of that file name, without taking a reference. No directory; null for the program is not
+/// supported.
 HMODULE WINAPI GetModuleHandleW(LPCWSTR szFile) noexcept;
 
 /// Names only, no ordinals.

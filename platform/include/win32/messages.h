@@ -37,8 +37,8 @@ using TIMERPROC = void(CALLBACK*)(HWND hWindow, UINT nMessage, UINT_PTR nTimer, 
 BOOL WINAPI PostThreadMessageW(DWORD dwThreadId, UINT nMessage, WPARAM wParam, LPARAM lParam) noexcept;
 /// Any message, without a filter.
 BOOL WINAPI PeekMessageW(LPMSG pMessage, HWND hWindow, UINT nFirst, UINT nLast, UINT nRemove) noexcept;
-/// Calls the procedure that a WM_TIMER carries. Lets an exception of it through.
+/// Calls the procedure that a WM_TIMER carries, and lets an exception of it through.
 LRESULT WINAPI DispatchMessageW(const MSG* pMessage);
-/// For any one of the objects, or for any message that has come since the thread looked last.
+/// Waits for any one of the objects, or for any message that has come since the thread looked last.
 DWORD WINAPI MsgWaitForMultipleObjects(DWORD dwCount, const HANDLE* phObjects, BOOL bWaitAll,
                                        DWORD dwMilliseconds, DWORD dwWakeMask) noexcept;

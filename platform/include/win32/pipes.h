@@ -6,8 +6,8 @@
 // Named pipes between the processes of one user: byte pipes with one instance. A name is a socket in a
 // private directory (see PipeDirectory.h). Default sizes, time-outs and security attributes are ignored.
 //
-// Short of Windows: what the server wrote before it disconnected can still be read, and the client is then
-// told ERROR_BROKEN_PIPE, also where Windows says ERROR_PIPE_NOT_CONNECTED.
+// Unlike on Windows, the client can still read what the server wrote before it disconnected. Then it gets
+// ERROR_BROKEN_PIPE, also where Windows says ERROR_PIPE_NOT_CONNECTED.
 
 #define PIPE_ACCESS_INBOUND 0x00000001
 #define PIPE_ACCESS_OUTBOUND 0x00000002
@@ -27,16 +27,15 @@
 #define SECURITY_IMPERSONATION 0x00020000
 #define SECURITY_SQOS_PRESENT 0x00100000
 
-/// Byte pipes, duplex, with one instance; others fail with ERROR_NOT_SUPPORTED. While a process has the name,
-/// ERROR_PIPE_BUSY. The instance is listening at once. FILE_FLAG_OVERLAPPED has its effect on
-/// FlushFileBuffers alone.
+/// Byte pipes, duplex, with one instance; others fail with ERROR_NOT_SUPPORTED. While a process has the name:
+/// ERROR_PIPE_BUSY. The instance listens at once. FILE_FLAG_OVERLAPPED changes FlushFileBuffers only.
 HANDLE WINAPI CreateNamedPipeW(LPCWSTR szName, DWORD dwOpenMode, DWORD dwPipeMode, DWORD dwMaxInstances,
                                DWORD cbOutBuffer, DWORD cbInBuffer, DWORD dwDefaultTimeout,
                                LPSECURITY_ATTRIBUTES pSecurity) noexcept;
 
-/// Makes a disconnected instance listen. In non-blocking mode that is all, and TRUE; for an instance that was
-/// listening before FALSE with ERROR_PIPE_LISTENING. ERROR_PIPE_CONNECTED with a client, ERROR_NO_DATA when
-/// the client has closed its end.
+/// Makes a disconnected instance listen; in non-blocking mode it then returns TRUE at once. Otherwise FALSE:
+/// with ERROR_PIPE_LISTENING if the instance was listening before, ERROR_PIPE_CONNECTED with a client,
+/// ERROR_NO_DATA when the client has closed its end.
 BOOL WINAPI ConnectNamedPipe(HANDLE hPipe, LPOVERLAPPED pOverlapped) noexcept;
 
 BOOL WINAPI DisconnectNamedPipe(HANDLE hPipe) noexcept;
@@ -48,12 +47,13 @@ BOOL WINAPI SetNamedPipeHandleState(HANDLE hPipe, LPDWORD pdwMode, LPDWORD pcbCo
 BOOL WINAPI PeekNamedPipe(HANDLE hPipe, LPVOID pBuffer, DWORD cbBuffer, LPDWORD pcbRead, LPDWORD pcbAvailable,
                           LPDWORD pcbLeftThisMessage) noexcept;
 
-/// For the server's end: returns when the client has read everything. Where that end was made with
-/// FILE_FLAG_OVERLAPPED, DisconnectNamedPipe on another thread ends it; otherwise that waits for it.
+/// For the server's end: returns when the client has read everything. If that end was made with
+/// FILE_FLAG_OVERLAPPED, DisconnectNamedPipe on another thread ends the wait; otherwise DisconnectNamedPipe
+/// waits too.
 BOOL WINAPI FlushFileBuffers(HANDLE hFile) noexcept;
 
-/// Marks the thread, and nothing else: see OpenThreadToken. ERROR_CANNOT_IMPERSONATE before anything was read
-/// from the client.
+/// Only marks the thread: see OpenThreadToken. ERROR_CANNOT_IMPERSONATE before anything was read from the
+/// client.
 BOOL WINAPI ImpersonateNamedPipeClient(HANDLE hPipe) noexcept;
 BOOL WINAPI RevertToSelf() noexcept;
 

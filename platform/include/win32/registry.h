@@ -2,9 +2,9 @@
 
 #include "win32/types.h"
 
-// A registry of the process's own, with HKEY_LOCAL_MACHINE alone. It starts empty; see
-// platform/MachineRegistry.h for files. Names keep their case and are compared without it, among the
-// letters of Latin-1. Security attributes and classes are ignored. No call sets the last error.
+// A registry of the process's own, with HKEY_LOCAL_MACHINE alone. It starts empty; machine/MachineRegistry.h
+// loads and saves files. Names keep their case and are compared without it, as far as the letters of Latin-1.
+// Security attributes and classes are ignored. No call sets the last error.
 
 using LSTATUS = LONG;
 using REGSAM = DWORD;
@@ -48,8 +48,8 @@ LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR szSubKey) noexcept;
 LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR szValue, LPDWORD pdwReserved, LPDWORD pdwType,
                                 LPBYTE pData, LPDWORD pcbData) noexcept;
 
-/// The data is stored as given, whatever its type. Unlike Windows this does not look behind the data for a
-/// terminator that the caller forgot to count.
+/// The data is stored as given, whatever its type. Windows looks behind the data for a terminator that the
+/// caller forgot to count; this does not.
 LSTATUS WINAPI RegSetValueExW(HKEY hKey, LPCWSTR szValue, DWORD dwReserved, DWORD dwType, const BYTE* pData,
                               DWORD cbData) noexcept;
 LSTATUS WINAPI RegDeleteValueW(HKEY hKey, LPCWSTR szValue) noexcept;

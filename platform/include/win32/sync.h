@@ -27,19 +27,19 @@ DWORD WINAPI GetCurrentThreadId() noexcept;
 /// Without creation flags: the thread runs at once.
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES pSecurity, SIZE_T cbStack, LPTHREAD_START_ROUTINE pfnStart,
                            LPVOID pParameter, DWORD dwCreationFlags, DWORD* pdwThreadId) noexcept;
-/// Fails always: here a thread cannot be stopped from outside.
+/// Always fails: here a thread cannot be stopped from outside.
 DWORD WINAPI SuspendThread(HANDLE hThread) noexcept;
 
 /// What exit does.
 [[noreturn]] void WINAPI ExitProcess(UINT nStatus) noexcept;
 
-/// Without a name.
+/// Events without a name only.
 HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES pSecurity, BOOL bManualReset, BOOL bInitialState,
                            LPCWSTR szName) noexcept;
 BOOL WINAPI SetEvent(HANDLE hEvent) noexcept;
 BOOL WINAPI ResetEvent(HANDLE hEvent) noexcept;
 
-/// For an event, or for a thread to end.
+/// Waits for an event, or for a thread to end.
 DWORD WINAPI WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds) noexcept;
 
 struct SYSTEMTIME
