@@ -5,7 +5,7 @@
 
 #include <windows.h>
 
-/// What a DLL is, found out by reading its file. Nothing of it is loaded, so nothing of it runs.
+/// What a DLL is, found out by reading its file. It is not loaded, so nothing of it runs.
 struct CDllFile
 {
     enum class State
@@ -28,10 +28,10 @@ struct CDllFile
     std::vector<std::string> exports;
 };
 
-/// Looks for the DLL as a program in the system directory would that loads it by this name: a name without a
-/// path in the system directory, the old system directory and the Windows directory, and not along the PATH;
-/// natively where LoadLibraryW looks. szDirectory: look there instead; null or empty for the above. The
-/// extension .dll need not be given. Throws std::bad_alloc only.
+/// Looks for the DLL as a program in the system directory, such as Winlogon, would that loads it by this
+/// name. A name without a path is looked for in the system directory, the 16-bit system directory and the
+/// Windows directory, but not along the PATH; natively where LoadLibraryW looks. szDirectory: look there
+/// instead; null or empty for the above. The extension .dll may be left out. Throws std::bad_alloc only.
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory);
 
 /// Whether there is such a directory to look in.

@@ -8,7 +8,7 @@
 
 #include "platform/RegistryData.h"
 
-// The files that the system's registry editor exports and imports, read and written without that editor. No
+// The files that Windows' registry editor exports and imports, read and written without that editor. No
 // operation touches a registry.
 
 namespace Platform {
@@ -20,7 +20,7 @@ struct CRegFileChange
     std::vector<std::basic_string<WCHAR>> key;
     /// Empty for the default value.
     std::optional<std::basic_string<WCHAR>> value;
-    /// What the value becomes; nothing when key or value is to be deleted, or the key to be there.
+    /// What the value becomes. Nothing when the key or value is deleted, or the key is only to exist.
     std::optional<CRegistryData> data;
     bool bDelete = false;
 };
@@ -42,11 +42,12 @@ class CRegFileWriter
 public:
     CRegFileWriter();
 
-    /// Begins a key, by its path below HKEY_LOCAL_MACHINE; empty for that itself. This and AddValue are false
-    /// when a name has a control character in it, for which the format has no place.
+    /// Begins a key, by its path below HKEY_LOCAL_MACHINE; an empty path stands for HKEY_LOCAL_MACHINE
+    /// itself. This and AddValue return false for a name with a control character, which the format cannot
+    /// hold.
     bool AddKey(const std::basic_string<WCHAR>& path);
 
-    /// Adds a value of the key that was begun last; without data, its deletion.
+    /// Adds a value of the key that was begun last. Without data, adds its deletion.
     bool AddValue(const std::basic_string<WCHAR>& name, const CRegistryData* pData);
 
     /// The file: UTF-16 with its mark.

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The registry file of the command line must be usable: nothing of a machine's state may get lost.
+/// Fails if the registry file cannot be used, so that nothing of the machine's state gets lost.
 void Check(LONG lResult, const char* szVerb, const std::string& path, const std::string& reason = "")
 {
     if (lResult == ERROR_CALL_NOT_IMPLEMENTED) {

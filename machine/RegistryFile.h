@@ -12,7 +12,7 @@ public:
         IsError,
     };
 
-    /// Loads the registry; an empty path stands for none. Throws CSetupError.
+    /// Loads the registry. An empty path means no file. Throws CSetupError.
     CRegistryFile(const std::string& path, Absence absence);
 
     /// Adds the contents of a .reg file to the registry, on Windows to the system's own. Throws CSetupError.

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-/// The simulation cannot run: a DLL, the registry or the system lacks something that it needs.
+/// The tool cannot run: a DLL, the registry or the system lacks something that it needs.
 class CSetupError : public std::runtime_error
 {
 public:

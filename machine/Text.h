@@ -5,8 +5,8 @@
 
 #include <windows.h>
 
-// Text as the tools handle it: narrow, in the system's ANSI code page, inside; wide where it meets the
-// system. So what came from the command line or a file goes to the console as it came.
+// Text as the tools handle it: narrow inside, in the ANSI code page, and wide in calls of the system. So text
+// from the command line or a file reaches the console as it came.
 
 using WideText = std::basic_string<WCHAR>;
 

@@ -6,6 +6,6 @@
 
 std::string ReadWholeFile(const std::string& path);
 
-/// Writes a file and reads it back; what could not be written completely is not left behind. A file that
-/// exists is an error, unless it may be replaced.
+/// Writes a file and reads it back. A file that could not be written completely is not left behind. An
+/// existing file is an error unless bReplace.
 void WriteWholeFile(const std::string& path, const std::string& bytes, bool bReplace);

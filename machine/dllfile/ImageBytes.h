@@ -30,7 +30,7 @@ public:
         return value;
     }
 
-    /// A name up to its terminator. Longer ones than any compiler makes are not names.
+    /// A name up to its terminator. Anything longer than any compiler makes is not a name.
     std::string GetName(std::size_t nOffset) const
     {
         constexpr std::size_t MAX_NAME = 4096;

@@ -15,7 +15,8 @@ std::basic_string<WCHAR> Find(const std::basic_string<WCHAR>& name,
 
 bool IsDirectory(const std::basic_string<WCHAR>& path);
 
-/// Throws CBadImage when the bytes are no DLL of this system, nor natively one of 32-bit Windows.
+/// The exports of a DLL of this system, natively also of one of 32-bit Windows. Throws CBadImage for other
+/// bytes.
 std::vector<std::string> ListExports(const std::string& bytes);
 
 } // namespace TargetDlls

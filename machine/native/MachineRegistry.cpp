@@ -47,7 +47,7 @@ DWORD WriteWholeFile(const std::string& path, const std::string& bytes)
     return std::fclose(pFile) == 0 || dwError != ERROR_SUCCESS ? dwError : FromErrno(errno);
 }
 
-/// Puts the new file in the old one's place at one stroke.
+/// Replaces the old file by the new one in one step, so that there is a complete file at any time.
 DWORD ReplaceFile(const std::string& path, const std::string& bytes)
 {
     const std::string newPath = path + ".new";

@@ -69,6 +69,6 @@ bool TargetDlls::IsDirectory(const std::basic_string<WCHAR>& path)
 
 std::vector<std::string> TargetDlls::ListExports(const std::string& bytes)
 {
-    // A machine's registry is looked at here, too, and then the DLLs are that machine's.
+    // The tools also look at the exported registry of a Windows machine, and then at that machine's DLLs.
     return bytes.starts_with("MZ") ? CPeImage(bytes).ListExports() : CElfImage(bytes).ListExports();
 }

@@ -61,8 +61,8 @@ std::vector<CRegFileLine> SplitLines(const WideText& text)
     return lines;
 }
 
-/// Only bytes go on in the next line. In quotes and brackets a backslash at the end means something else, or
-/// is an error.
+/// Only data in bytes continues on the next line. In quotes and brackets a backslash at the end means
+/// something else, or is an error.
 bool IsContinued(const WideText& text)
 {
     return text.back() == '\\' && text.front() != '[' && text.find(TEXT("hex")) != WideText::npos;

@@ -18,7 +18,7 @@ WideText Directory(UINT(WINAPI* pfnGet)(LPWSTR, UINT), const WCHAR* szSub)
     return cchPath != 0 && cchPath < MAX_PATH ? WideText(szPath) + szSub : WideText();
 }
 
-/// A name with a drive, or from the root of one, is not searched for.
+/// A name with a drive, or one that starts at the root, is not searched for.
 bool IsAbsolute(const WideText& name)
 {
     return name.find(':') != WideText::npos || name.front() == '\\' || name.front() == '/';
