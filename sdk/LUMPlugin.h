@@ -3,8 +3,8 @@
 #include <windows.h>
 #include <winwlx.h>
 
-// Everything that a plugin of the LUM GINA needs. It is the binary interface between the host and
-// plugins, and a class that makes a plugin of a few lines:
+// Everything that a plugin of the LUM GINA needs: the binary interface between the host and plugins, and a
+// class with which a plugin takes a few lines:
 //
 //     #include "LUMPlugin.h"
 //
@@ -20,47 +20,47 @@
 //     static CKioskPlugin s_plugin;
 //     LUM_PLUGIN(s_plugin)
 //
-// A plugin is a 32-bit DLL that exports 24 functions under undecorated names: a .def file lists them. A
-// call that the class does not write goes on to the next object of the list by itself.
+// A plugin is a 32-bit DLL that exports 24 functions under undecorated names; a .def file lists them. A
+// call that the class does not override goes on to the next object of the list by itself.
 //
-// Any compiler will do whose member functions take "this" in ECX and remove their own arguments, which on
-// 32-bit Windows all do. C++98 is enough. plugin-guide.md leads from an empty folder to a loaded plugin.
+// Any C++98 compiler for 32-bit Windows will do: its member functions take "this" in ECX and remove their own
+// arguments. plugin-guide.md leads from an empty folder to a loaded plugin.
 //
 //
-// Fixed tags of the contracts below
+// Tags in the contracts below
 //
 // Thread:
 //   [winlogon]  Winlogon's thread. Calls nest: while one of them has a dialog open, Winlogon may make
 //               another on the same thread.
-//   [control]   the thread that serves the control channel, also while a [winlogon] call is under way.
-//   [host]      Winlogon's thread when the system starts, a thread of the host for a plugin that is added
+//   [control]   The thread that serves the control channel, also while a [winlogon] call is under way.
+//   [host]      Winlogon's thread when the system starts; a thread of the host for a plugin that is added
 //               or removed while the system runs.
 //
 // State:
-//   [loading]   The first call of all. Nothing of the list exists for this plugin yet.
-//   [loaded]    From an accepted Negotiate on, until the DLL is unloaded. Before Initialize too.
-//   [running]   After Initialize. One exception: when the Initialize of an object further up fails with an
-//               exception, the host gives up and calls no other, yet leaves the plugins behind it loaded.
+//   [loading]   The first call of all. The plugin is not in the list yet.
+//   [loaded]    From an accepted Negotiate until the DLL is unloaded, before Initialize too.
+//   [running]   After Initialize. One exception: when an object further up faults or throws in Initialize,
+//               the host gives up. It initialises no object behind that one, yet leaves them loaded.
 //
 // Pointers:
 //   [lent]      The caller's. Valid until the call returns: do not free or keep it.
 //   [kept]      The host's or Winlogon's. Valid as long as the DLL is loaded: do not free it.
-//   [out]       The caller's, to store through, and only with the result that says so. May be null.
-//   [passed]    Of no meaning to a plugin; pass it on as it is.
-//   [secret]    Leads to passwords or tokens: do not log, copy or keep what it leads to.
+//   [out]       The caller's variable. Store through it only together with a result that says so. May be
+//   null. [passed]    Means nothing to a plugin; pass it on as it is. [secret]    Leads to passwords or
+//   tokens: do not log, copy or keep what it leads to.
 //
 // Result:
 //   [bool]      One byte: only the low byte of the result is looked at.
 //   [BOOL]      32 bits: FALSE is no, anything else yes.
 //   [action]    A WLX_SAS_ACTION_ value, which Winlogon acts upon.
 //
-// A call that faults, or that an exception leaves, has failed, and costs no more than itself: the host
-// writes the plugin's name to its trace log and answers Winlogon FALSE or WLX_SAS_ACTION_NONE. The plugin
-// stays in the list and gets the next call. Only Negotiate, Initialize and DynamicUnload say otherwise.
+// A call that faults or throws fails, and nothing else does: the host writes the plugin's name to its trace
+// log and answers Winlogon FALSE or WLX_SAS_ACTION_NONE. The plugin stays in the list and gets the next call.
+// Negotiate, Initialize and DynamicUnload are exceptions, and say so.
 
 namespace lum {
 
-/// The host's control operations. It has no slots, so that a plugin cannot call them.
+/// The host's control operations. It has no virtual table, so a plugin cannot call them.
 class CLUMObject;
 class CGinaObject;
 
@@ -69,11 +69,11 @@ const DWORD PLUGIN_INTERFACE_VERSION = 0x01000000;
 
 /// What is known of one GINA or plugin.
 ///
-/// The record owns its two strings. They are made with LocalAlloc and released with LocalFree, by whoever
-/// fills or clears a record: see ReplaceString. Each is null when there is none.
+/// The record owns its two strings; each may be null. Whoever fills or clears a record makes them with
+/// LocalAlloc and releases them with LocalFree: see ReplaceString.
 struct CGinaPluginInfo
 {
-    const WCHAR* szAPP; ///< of the creator; not to be touched, nor the next
+    const WCHAR* szAPP; ///< tag and key of whoever made the record: leave both alone
     const WCHAR* szMTM;
     DWORD m_dwSpare1; ///< for plugins and their clients; the host only copies it
     WCHAR* m_szFriendlyName;
@@ -83,8 +83,8 @@ struct CGinaPluginInfo
     DWORD m_dwSpare2;     ///< as m_dwSpare1
 };
 
-/// What the host keeps for one loaded DLL. Read only; a plugin finds its own through the node of a call:
-/// pNode->m_pItem->m_pGinaPluginContext. Changes no more once Initialize has been called.
+/// What the host keeps for one loaded DLL. Read only. A plugin finds its own through the node of a call:
+/// pNode->m_pItem->m_pGinaPluginContext. It does not change after the call of Initialize.
 struct CGinaPluginContext
 {
     const WCHAR* szAPP;
@@ -95,8 +95,8 @@ struct CGinaPluginContext
     CGinaPluginInfo m_GinaPluginInfo;
 };
 
-/// One place in the list of objects. Read only. Valid during the call that hands it over, and pNext no longer
-/// either: objects come, go and change places while the system runs.
+/// One place in the list of objects. Read only. The node and its pNext are valid only during the call that
+/// hands the node over: objects come, go and change places while the system runs.
 struct CGinaNode
 {
     const WCHAR* szAPP;
@@ -107,10 +107,11 @@ struct CGinaNode
     CGinaNode* pPrev; ///< null at the head
 };
 
-/// A GINA or plugin as the host drives it: the object of the next node is what a plugin calls.
+/// A loaded GINA or plugin. A plugin passes a call on by calling the object of the next node.
 ///
-/// The forwarded operations take the object's own node, then what the plugin's operation of that name takes.
-/// Their slots are the interface: their order is fixed, and a bool is one byte.
+/// A forwarded operation takes the object's own node, then what the plugin's operation of that name takes.
+/// The slots of the virtual table are the interface between host and plugins: their order is fixed, and a
+/// bool is one byte.
 class CGinaObject
 {
     /// Slot 0 destroys the object, which only the host may do.
@@ -168,20 +169,20 @@ typedef char CGinaObjectHas16Bytes[sizeof(void*) != 4 || sizeof(CGinaObject) == 
 typedef char WCHARHas2Bytes[sizeof(WCHAR) == 2 ? 1 : -1];
 typedef char BoolHas1Byte[sizeof(bool) == 1 ? 1 : -1];
 
-/// The node that a call at pNode is passed on to, which holds the object to call:
+/// The node to pass a call at pNode on to. It holds the object to call:
 ///
 ///     lum::CGinaNode* pNext = lum::NextNode(pNode);
 ///     return pNext->m_pItem->IsLockOk(pNext, pWlxContext);
 ///
 /// Never null in a call to a plugin: the standard GINA is the last. Call this once for each call that you
-/// pass on. The next node changes when a plugin is added to the running system, and an object that is called
-/// with the node of another refuses the call.
+/// pass on. The next node changes when a plugin is added to the running system, and an object refuses a call
+/// that comes with the node of another.
 ///
-/// The object may throw an exception of the host, which a plugin lets pass: on 32-bit Windows, frames of g++
-/// are left without running destructors or handlers then, so hold nothing across the call that needs them.
+/// The object may throw an exception of the host. Let it pass. On 32-bit Windows it skips the frames of g++
+/// without running their destructors or handlers, so hold nothing across the call that needs them.
 inline CGinaNode* NextNode(const CGinaNode* pNode)
 {
-    // A compiler may read an ordinary field again where that saves it a register.
+    // A compiler may read an ordinary field twice, where that saves it a register.
 #if defined(__GNUC__)
     return __atomic_load_n(&pNode->pNext, __ATOMIC_ACQUIRE);
 #else
@@ -189,8 +190,8 @@ inline CGinaNode* NextNode(const CGinaNode* pNode)
 #endif
 }
 
-/// Replaces a string of a record by a copy of szSource, or by none for null. When there is no memory for
-/// the copy, false, and nothing has changed.
+/// Replaces a string of a record by a copy of szSource, or by null for null. If there is no memory for the
+/// copy: false, and nothing has changed.
 inline bool ReplaceString(WCHAR*& szTarget, const WCHAR* szSource)
 {
     WCHAR* szCopy = 0;
@@ -214,20 +215,20 @@ inline bool ReplaceString(WCHAR*& szTarget, const WCHAR* szSource)
     return true;
 }
 
-/// Gives a plugin a name for people to read. For the record that Negotiate or QueryPluginInfo is handed;
-/// results as for ReplaceString.
+/// Gives a plugin a name for people to read. Use it on the record that Negotiate or QueryPluginInfo gets.
+/// Results as for ReplaceString.
 inline bool SetFriendlyName(CGinaPluginInfo* pPluginInfo, const WCHAR* szFriendlyName)
 {
     return ReplaceString(pPluginInfo->m_szFriendlyName, szFriendlyName);
 }
 
-/// A plugin that accepts what it is asked to take part in and passes every call on. Override what is to be
-/// otherwise: each operation is the export of its name with "LUM" in front. To pass a call on from an
-/// override, call the operation of this class.
+/// A plugin that takes part and passes every call on. Override the operations that are to do something else.
+/// Each is the export of its name with "LUM" in front. To pass a call on from an override, call the operation
+/// of this class.
 ///
-/// Make one object of the class, with static storage, and name it in LUM_PLUGIN. It is constructed under
-/// the loader lock, so its constructor does no more than set fields. Where the compiler knows "override",
-/// write it: an operation whose name is misspelt is a call that is passed on.
+/// Make one object of the class, with static storage, and name it in LUM_PLUGIN. It is constructed under the
+/// loader lock, so its constructor must only set fields. Where the compiler knows "override", write it: an
+/// operation with a misspelt name overrides nothing, and its call is passed on.
 class CPlugin
 {
 public:
@@ -239,17 +240,19 @@ public:
 
     // Operations that are not forwarded.
 
-    /// Takes part, or not: true accepts. [host] [loading] [bool]
+    /// Decides whether the plugin takes part: true accepts. [host] [loading] [bool]
     ///
-    /// pPluginInfo [kept]: the plugin's own record, with its DLL name and the versions offered. Either
-    /// version may be replaced by the one that the plugin implements, and the spare words and the friendly
-    /// name may be set. The host refuses a m_dwWlxVersion below WLX_VERSION_1_0 and a m_dwLUMVersion above
-    /// the one offered. The m_dwWlxVersion left here decides which exports the DLL must have: those
-    /// marked "from 1.x" below are neither looked up nor called for a lower one, and a forwarded call to
-    /// such a plugin fails: it does not reach the objects behind it.
+    /// pPluginInfo [kept]: the plugin's own record, with its DLL name and the versions offered. The plugin
+    /// may replace either version by the one that it implements, and may set the spare words and the friendly
+    /// name. The host refuses a m_dwWlxVersion below WLX_VERSION_1_0 and a m_dwLUMVersion above the one
+    /// offered.
     ///
-    /// A plugin that does not accept, faults, throws or lacks an export is left out of the list and
-    /// its DLL unloaded; the rest of the list is loaded as if it were not configured.
+    /// The m_dwWlxVersion left here decides which exports the DLL must have. Those marked "from 1.x" below
+    /// are neither looked up nor called for a lower version. A forwarded call to a plugin with a lower
+    /// version fails, and does not reach the objects behind it.
+    ///
+    /// A plugin that does not accept, faults, throws or lacks an export is left out of the list, and its DLL
+    /// is unloaded. The rest of the list is loaded as if the plugin were not configured.
     virtual bool Negotiate(CGinaPluginInfo* pPluginInfo)
     {
         if (m_szFriendlyName != 0) {
@@ -260,16 +263,16 @@ public:
 
     /// Gets ready: anything but FALSE accepts. Called once. [host] [loaded] [BOOL]
     ///
-    /// pLUMObject [passed]; dwInstanceCount: how often a host was initialised since the machine started,
-    /// this time included; lpWinsta [lent]: the window station's name; hWlx [kept]: Winlogon's handle, for
-    /// the functions of pWinlogonFunctions; pvReserved [passed]; pWinlogonFunctions [kept]: Winlogon's
-    /// dispatch table; pWlxContext [passed]: the standard GINA stores its context there; dwLoadFlag1 and
-    /// dwLoadFlag2: 0 when Winlogon initialises the host, 1 for a plugin that is added to the running
-    /// system, for which lpWinsta, pvReserved and pWlxContext are null.
+    /// pLUMObject [passed]. dwInstanceCount: how often a host was initialised since the machine started, this
+    /// time included. lpWinsta [lent]: the window station's name. hWlx [kept]: Winlogon's handle, for the
+    /// functions of pWinlogonFunctions. pvReserved [passed]. pWinlogonFunctions [kept]: Winlogon's dispatch
+    /// table. pWlxContext [passed]: the standard GINA stores its context there. dwLoadFlag1 and dwLoadFlag2:
+    /// 0 when Winlogon initialises the host, 1 for a plugin that is added to the running system; then
+    /// lpWinsta, pvReserved and pWlxContext are null.
     ///
-    /// A plugin that does not accept is taken out of the list and its DLL unloaded, without
-    /// DynamicUnload. One that faults or throws fails the host's own initialisation: Winlogon is told
-    /// FALSE, and the objects behind the plugin are not initialised.
+    /// A plugin that does not accept is taken out of the list and its DLL is unloaded, without DynamicUnload.
+    /// One that faults or throws makes the host's own initialisation fail: Winlogon is told FALSE, and the
+    /// objects behind the plugin are not initialised.
     virtual BOOL Initialize(CLUMObject* /*pLUMObject*/, DWORD /*dwInstanceCount*/, LPWSTR /*lpWinsta*/,
                             HANDLE /*hWlx*/, PVOID /*pvReserved*/, PVOID /*pWinlogonFunctions*/,
                             PVOID* /*pWlxContext*/, DWORD /*dwLoadFlag1*/, DWORD /*dwLoadFlag2*/)
@@ -277,25 +280,27 @@ public:
         return TRUE;
     }
 
-    /// The plugin is being removed from the running system: its DLL is unloaded next, and no other call is
-    /// under way in it. [host] [loaded]
+    /// The plugin is about to be removed from the running system, and its DLL to be unloaded. It is still in
+    /// the list, but no call is in it, and new ones wait. [host] [loaded]
     ///
-    /// Not called when the system shuts down. Should it fail, the plugin stays.
+    /// Return within a second: after that, calls of Winlogon's come in again, and the removal waits for them.
+    /// The plugin stays if this operation fails, or if such a call does not end. Not called when the system
+    /// shuts down.
     virtual void DynamicUnload() {}
 
-    /// A query whose meaning lies between a client and the plugin, as have the three values. [control]
-    /// [loaded] [bool]
+    /// A query that a client of the control channel sends. Client and plugin agree on its meaning, and on
+    /// that of the three values. [control] [loaded] [bool]
     ///
-    /// pPluginInfo [lent]: the client's record; of the answer the client gets the result only.
+    /// pPluginInfo [lent]: the client's record. The client gets only the result back.
     virtual bool QueryPlugin(CGinaPluginInfo* /*pPluginInfo*/, DWORD /*dwQueryParam1*/,
                              DWORD /*dwQueryParam2*/, DWORD /*dwQueryParam3*/)
     {
         return false;
     }
 
-    /// Fills the caller's record with what the plugin has to say of itself. [control] [loaded] [bool]
+    /// Fills the caller's record with what the plugin says of itself. [control] [loaded] [bool]
     ///
-    /// pPluginInfo [lent]: strings in it are replaced with ReplaceString.
+    /// pPluginInfo [lent]: replace strings in it with ReplaceString.
     virtual bool QueryPluginInfo(CGinaPluginInfo* pPluginInfo)
     {
         pPluginInfo->m_dwWlxVersion = m_dwWlxVersion;
@@ -304,7 +309,7 @@ public:
                ReplaceString(pPluginInfo->m_szGinaDLL, m_szGinaDLL);
     }
 
-    // Forwarded operations: the calls that Winlogon makes to a GINA, after the node of the plugin. All are
+    // Forwarded operations: the calls that Winlogon makes to a GINA, with the plugin's node in front. All are
     // [winlogon] [running]. pNode [lent] is the plugin's own; pWlxContext [passed] the standard GINA's.
 
     /// Nobody is logged on: show how to.
@@ -314,12 +319,12 @@ public:
         pNext->m_pItem->DisplaySASNotice(pNext, pWlxContext);
     }
 
-    /// Nobody is logged on and an event of type dwSasType came: log a user on, or not. [action]
+    /// Nobody is logged on, and an event of type dwSasType has come: log a user on, or not. [action]
     ///
-    /// pLogonSid [lent]: the SID of the logon session. All others are [out], to be stored by the standard
-    /// GINA and with WLX_SAS_ACTION_LOGON only: pAuthenticationId, pdwOptions, phToken [secret],
-    /// pNprNotifyInfo [secret] and pProfile. To refuse a logon, return WLX_SAS_ACTION_NONE without passing
-    /// the call on: what a GINA has stored by the time that it returns is lost when the answer is changed.
+    /// pLogonSid [lent]: the SID of the logon session. All others are [out]. The standard GINA stores them,
+    /// and only with WLX_SAS_ACTION_LOGON: pAuthenticationId, pdwOptions, phToken [secret], pNprNotifyInfo
+    /// [secret] and pProfile. To refuse a logon, return WLX_SAS_ACTION_NONE without passing the call on. If
+    /// you change the answer after the GINA has returned, what it has stored is lost.
     virtual int LoggedOutSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PLUID pAuthenticationId,
                              PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken,
                              PWLX_MPR_NOTIFY_INFO pNprNotifyInfo, PVOID* pProfile)
@@ -331,7 +336,7 @@ public:
 
     /// A user is logged on: start the shell on the desktop. FALSE ends the session. [BOOL]
     ///
-    /// pszDesktopName, pszMprLogonScript [lent], the latter perhaps null. pEnvironment [lent]: the user's
+    /// pszDesktopName, pszMprLogonScript [lent]; the script may be null. pEnvironment [lent]: the user's
     /// environment block.
     virtual BOOL ActivateUserShell(CGinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName,
                                    PWSTR pszMprLogonScript, PVOID pEnvironment)
@@ -341,7 +346,7 @@ public:
                                                  pEnvironment);
     }
 
-    /// A user is logged on and an event came: what Winlogon is to do. pReserved [passed]. [action]
+    /// A user is logged on, and an event has come: what Winlogon is to do. pReserved [passed]. [action]
     virtual int LoggedOnSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved)
     {
         CGinaNode* const pNext = NextNode(pNode);
@@ -362,7 +367,7 @@ public:
         return pNext->m_pItem->IsLockOk(pNext, pWlxContext);
     }
 
-    /// The workstation is locked and an event came: unlock, stay, or end the session. [action]
+    /// The workstation is locked, and an event has come: unlock, stay, or end the session. [action]
     virtual int WkstaLockedSAS(CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType)
     {
         CGinaNode* const pNext = NextNode(pNode);
@@ -376,7 +381,7 @@ public:
         return pNext->m_pItem->IsLogoffOk(pNext, pWlxContext);
     }
 
-    /// The user is logging off; cannot be refused any more.
+    /// The user is logging off. This can no longer be refused.
     virtual void Logoff(CGinaNode* pNode, PVOID pWlxContext)
     {
         CGinaNode* const pNext = NextNode(pNode);
@@ -398,8 +403,8 @@ public:
         return pNext->m_pItem->StartApplication(pNext, pWlxContext, pszDesktopName, pEnvironment, pszCmdLine);
     }
 
-    /// From 1.1. A screen saver is about to start: FALSE forbids it. *pSecure [out], TRUE on entry when
-    /// the screen saver locks the workstation, decides whether it does. [BOOL]
+    /// From 1.1. A screen saver is about to start: FALSE forbids it. *pSecure [out] decides whether the
+    /// screen saver locks the workstation; it is TRUE on entry if it would. [BOOL]
     virtual BOOL ScreenSaverNotify(CGinaNode* pNode, PVOID pWlxContext, BOOL* pSecure)
     {
         CGinaNode* const pNext = NextNode(pNode);
@@ -423,7 +428,7 @@ public:
                                                     pMessage);
     }
 
-    /// From 1.3. Tell the status message that is shown. pdwOptions [out]; pMessage [out] has room for
+    /// From 1.3. Store the status message that is shown. pdwOptions [out]; pMessage [out] has room for
     /// dwBufferSize characters, the terminator included. [BOOL]
     virtual BOOL GetStatusMessage(CGinaNode* pNode, PVOID pWlxContext, DWORD* pdwOptions, PWSTR pMessage,
                                   DWORD dwBufferSize)
@@ -439,8 +444,8 @@ public:
         return pNext->m_pItem->RemoveStatusMessage(pNext, pWlxContext);
     }
 
-    /// From 1.4. Give the credentials of the user, who moves to another session. pCredInfo [out] [secret]:
-    /// a WLX_CONSOLESWITCH_CREDENTIALS_INFO. [BOOL]
+    /// From 1.4. Store the credentials of the user, who moves to another session. pCredInfo [out] [secret]: a
+    /// WLX_CONSOLESWITCH_CREDENTIALS_INFO. [BOOL]
     virtual BOOL GetConsoleSwitchCredentials(CGinaNode* pNode, PVOID pWlxContext, PVOID pCredInfo)
     {
         CGinaNode* const pNext = NextNode(pNode);
@@ -461,7 +466,7 @@ public:
         pNext->m_pItem->DisconnectNotify(pNext, pWlxContext);
     }
 
-    /// For LUM_PLUGIN: negotiates, and remembers what QueryPluginInfo is to tell.
+    /// For LUM_PLUGIN: negotiates, and remembers what QueryPluginInfo will tell.
     bool NegotiateAndRemember(CGinaPluginInfo* pPluginInfo)
     {
         if (!Negotiate(pPluginInfo)) {
@@ -489,9 +494,10 @@ private:
 
 } // namespace lum
 
-// LUM_CALL(STATEMENT) is the body of an export. An exception of g++ cannot leave a DLL: on 32-bit Windows
-// it would end the process, and Winlogon with it. So it becomes one that the host understands. Exceptions
-// of other compilers leave as they are, and those of the host, on their way up, are not seen here.
+// LUM_CALL(STATEMENT) is the body of an export. An exception of g++ must not leave a DLL: on 32-bit Windows
+// it would end the process, and Winlogon with it. So LUM_CALL turns it into one that the host understands.
+// Exceptions of other compilers leave as they are. Those of the host pass by on their way up and are not seen
+// here.
 #if defined(_WIN32) && defined(__GNUC__) && defined(__EXCEPTIONS)
 namespace lum {
 

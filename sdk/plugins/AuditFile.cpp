@@ -19,7 +19,7 @@ public:
     {
         WCHAR szPath[MAX_PATH];
         ReadText(KEY, FILE_VALUE, szPath, MAX_PATH);
-        // Another thread or session is done with its line in no time.
+        // Tried again: another thread or session holds the file for one line only.
         for (int nTries = 50; *szPath != 0 && !IsOpen() && nTries != 0; --nTries) {
             Open(szPath);
         }
@@ -58,7 +58,7 @@ void ToWord(const WCHAR* szName, char (&szWord)[NAME_CAPACITY]) noexcept
         std::strcpy(szWord, "?");
     }
     for (char* pChar = szWord; *pChar != 0; ++pChar) {
-        // Whoever can write the configuration is still not to write lines of the audit.
+        // A name from the configuration must not forge lines of the audit.
         *pChar = static_cast<unsigned char>(*pChar) < ' ' ? '?' : *pChar;
     }
 }
@@ -86,7 +86,7 @@ void CAuditLine::Finish(const char* szResult) noexcept
     if (!file.IsOpen()) {
         return;
     }
-    // The file may be another one by now, after somebody has put the old one away.
+    // Somebody may have put the old file away meanwhile: this may be a new one.
     const bool bWritten = IsWritten(file.GetHandle());
     SetResult(szResult);
     m_lPosition = bWritten ? m_lPosition : NOWHERE;
@@ -100,7 +100,7 @@ void CAuditLine::SetResult(const char* szResult) noexcept
                   RESULT_WIDTH, RESULT_WIDTH, szResult);
 }
 
-/// Writes the line to its place, or behind the last line when it has none.
+/// Writes the line over its earlier version, or behind the last line if there is none.
 void CAuditLine::Write(HANDLE hFile) noexcept
 {
     const bool bNew = m_lPosition == NOWHERE;

@@ -6,14 +6,14 @@
 ///
 ///     2003-05-12 08:46:40.123  LUMIsLockOk -> msgina.dll: TRUE
 ///
-/// The line is there before the call that it tells of runs, and says then that the call did not return. So
-/// whatever becomes of a call (a fault, an exception that skips the plugin's frames, a machine that stops),
-/// one line tells of it. The file is the one that HKEY_LOCAL_MACHINE\SOFTWARE\ORX\LUM\Plugins\Audit names
-/// in the REG_SZ value File; without it nothing is written. Failures are swallowed: nobody is kept from
-/// logging on because a line cannot be written.
+/// The line is written before the call that it tells of runs, and then says that the call did not return. So
+/// one line tells of every call, whatever becomes of it: a fault, an exception that skips the plugin's
+/// frames, a machine that stops. HKEY_LOCAL_MACHINE\SOFTWARE\ORX\LUM\Plugins\Audit names the file in the
+/// REG_SZ value File; without it nothing is written. Failures are ignored: nobody is kept from logging on
+/// because a line cannot be written.
 ///
-/// The file is opened for each line and not shared with writers meanwhile, since other threads and the
-/// Winlogons of other sessions may write to it too.
+/// The file is opened for each line and shared with no other writer meanwhile: other threads, and the
+/// Winlogons of other sessions, may write to it too.
 class CAuditLine
 {
 public:
@@ -22,7 +22,7 @@ public:
     CAuditLine(const CAuditLine&) = delete;
     CAuditLine& operator=(const CAuditLine&) = delete;
 
-    /// The call has returned. szResult has at most RESULT_WIDTH characters.
+    /// Writes the result when the call has returned. szResult has at most RESULT_WIDTH characters.
     void Finish(const char* szResult) noexcept;
 
     static constexpr int RESULT_WIDTH = 26;

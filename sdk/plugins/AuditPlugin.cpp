@@ -1,8 +1,8 @@
-// Records every call as one line of an audit file: what was called, when, where the call went and what
-// came of it. See AuditFile.h for the file and its setting.
+// Records every call as one line of an audit file: what was called, when, where the call went and what came
+// of it. See AuditFile.h for the file and its setting.
 //
-// Nothing that the calls carry is recorded: some of it are passwords and tokens, and a plugin in front of
-// this one may have put anything into the rest.
+// Nothing that the calls carry is recorded: some of it is passwords and tokens, and a plugin in front of this
+// one may have put anything into the rest.
 
 #include "AuditFile.h"
 #include "LUMPlugin.h"
@@ -51,7 +51,7 @@ void Finish(CAuditLine& line, int nAction)
     line.Finish(szResult);
 }
 
-/// Makes a call with its line around it. Nothing here needs a destructor: see lum::NextNode.
+/// Makes a call and writes its line before and after. Nothing here needs a destructor: see lum::NextNode.
 template <typename Call>
 auto Record(const char* szCall, const WCHAR* szCalled, Call call)
 {

@@ -1,4 +1,4 @@
-// The least that is a plugin: it takes part and passes every call on.
+// The smallest plugin: it takes part and passes every call on.
 
 #include "LUMPlugin.h"
 

@@ -7,7 +7,7 @@
 //
 // Asked through the control channel with 1, 2 or 3, it says whether it refuses the first, second or third.
 //
-// A veto that is not asked for in just this form is none: a mistake in the registry locks nobody out.
+// A value of any other form refuses nothing: a mistake in the registry locks nobody out.
 
 #include <iterator>
 
@@ -35,7 +35,7 @@ public:
                      PSID pLogonSid, PDWORD pdwOptions, PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo,
                      PVOID* pProfile) override
     {
-        // Before anybody is asked for a password, and before there is a token that would be lost.
+        // Refused before anybody is asked for a password, and before there is a token that would be lost.
         if (IsRefused(REFUSE_LOGON)) {
             return WLX_SAS_ACTION_NONE;
         }
@@ -43,7 +43,8 @@ public:
                                      phToken, pNprNotifyInfo, pProfile);
     }
 
-    /// The user has asked the standard GINA's own dialog, which does not ask IsLockOk or IsLogoffOk.
+    /// A lock or logoff from the standard GINA's own dialog comes this way, and not through IsLockOk or
+    /// IsLogoffOk.
     int LoggedOnSAS(lum::CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
     {
         const int nAction = CPlugin::LoggedOnSAS(pNode, pWlxContext, dwSasType, pReserved);
@@ -62,7 +63,7 @@ public:
         return IsRefused(REFUSE_LOGOFF) ? FALSE : CPlugin::IsLogoffOk(pNode, pWlxContext);
     }
 
-    /// An administrator asks whether it refuses: 1 logon, 2 lock, 3 logoff.
+    /// Answers an administrator who asks what it refuses: 1 logon, 2 lock, 3 logoff.
     bool QueryPlugin(lum::CGinaPluginInfo*, DWORD dwWhat, DWORD, DWORD) override
     {
         const WCHAR* const refusals[] = {REFUSE_LOGON, REFUSE_LOCK, REFUSE_LOGOFF};

@@ -6,8 +6,9 @@
 #include "CriticalSection.h"
 #include "Failures.h"
 
-/// What a DLL that stands in for a real one does in each of its calls, and what it received: Record is what a
-/// program sees of a call, Stored what is kept of it. Any thread may use it at any time.
+/// For a DLL that stands in for a real one: holds what each of its calls is to do, and records what each
+/// received. Record is what the driving program sees of a call, Stored what is kept of it. Any thread may use
+/// it at any time.
 template <typename Call, typename Record, typename Stored, DWORD CALLS>
 class CCallRecorder
 {
@@ -85,7 +86,7 @@ protected:
         m_records.clear();
     }
 
-    // Calls may nest, and one that fails does not come back: never held while a hook runs or a call fails.
+    // Never held while a hook runs or a call fails: calls may nest, and one that fails does not come back.
     CCriticalSection m_lock;
 
 private:
@@ -105,7 +106,7 @@ private:
     std::deque<Stored> m_records;
 };
 
-/// An operation of the DLL's only recorder as a function of the interface that the DLL exports.
+/// Makes an operation of the DLL's only recorder a function of the interface that the DLL exports.
 template <auto& Recorder, auto Operation>
 struct Exposed;
 template <auto& Recorder, typename Result, typename Owner, typename... Arguments,

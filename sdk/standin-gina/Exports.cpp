@@ -1,4 +1,4 @@
-// The 21 entry points and the one more through which a program drives them.
+// The 21 entry points, and the one more through which a program drives the GINA.
 
 #include <windows.h>
 
@@ -11,15 +11,16 @@ extern "C" {
 
 namespace {
 
-/// A GINA that says no leaves nothing behind. Except for the version: a caller that is refused may want to
-/// know what would have been accepted.
+/// A GINA that refuses stores nothing through its out-pointers. The version is an exception: a caller that is
+/// refused may want to know which version would have been accepted.
 bool LeavesValues(const StandinRecord& record)
 {
     const LONG nNo = record.call == StandinCall::WlxLoggedOutSAS ? WLX_SAS_ACTION_NONE : FALSE;
     return record.call == StandinCall::WlxNegotiate || record.nResult != nNo;
 }
 
-/// Serves one call: records what arrived, does what it was told to, leaves values behind the out-pointers.
+/// Serves one call: records what arrived, does what it was told to do, and stores values through the
+/// out-pointers.
 template <typename Result, typename... Arguments>
 Result Serve(StandinCall call, Arguments... arguments)
 {

@@ -4,8 +4,8 @@
 
 namespace {
 
-// The values are volatile so that no compiler may conclude that the faults cannot happen, and the
-// undefined-behaviour sanitizer is kept out so that the processor is the one that objects.
+// The values are volatile, so that no compiler may conclude that the faults cannot happen. The
+// undefined-behaviour sanitizer is kept out, so that the fault is the processor's.
 
 __attribute__((no_sanitize("undefined"), noinline)) void ReadNull()
 {

@@ -5,5 +5,5 @@
 /// Whether this system knows that kind of failure.
 bool CanFail(StandinFailure failure);
 
-/// Fails like that; returns for None only. dwCode is the code of a structured exception.
+/// Fails in that way; returns only for None. dwCode is the code of a structured exception.
 void Fail(StandinFailure failure, DWORD dwCode);

@@ -6,17 +6,17 @@
 
 // The stand-in standard GINA, as the program that drives it sees it.
 //
-// It is a real GINA DLL. Its 21 entry points negotiate what they are told to, answer what they are told
-// to, fail where they are told to, and record what they received. A test or simulator loads it by the
-// name under which the library is going to load it, configures it, and reads the records afterwards:
+// It is a real GINA DLL. Its 21 entry points negotiate, answer and fail as they are told to, and record what
+// they received. A test or simulator loads it by the name under which the library will load it, configures
+// it, and reads the records afterwards:
 //
 //     HMODULE hStandin = LoadLibraryW(TEXT("msgina.dll"));
 //     auto pfnStandinGina = reinterpret_cast<PFN_STANDIN_GINA>(GetProcAddress(hStandin, "StandinGina"));
 //     const StandinInterface& standin = *pfnStandinGina();
 //     standin.SetResult(StandinCall::WlxIsLockOk, FALSE);
 //
-// Settings and records belong to the loaded image: each file name (msgina.dll, standin_gina.dll, ...)
-// has its own, and they are lost when the last reference to the DLL is freed.
+// Settings and records belong to the loaded image: each file name (msgina.dll, standin_gina.dll, ...) has its
+// own. They are lost when the last reference to the DLL is freed.
 //
 // Threads: every operation may be used on any thread, also while a call is inside the GINA.
 
@@ -56,8 +56,8 @@ enum class StandinCall : DWORD
 inline constexpr DWORD STANDIN_CALL_COUNT = 21;
 inline constexpr DWORD STANDIN_MAX_ARGUMENTS = 8;
 
-/// What goes wrong inside a call that is told to fail: after it was recorded, before anything is left
-/// behind an out-pointer.
+/// What goes wrong inside a call that is told to fail: after it was recorded, and before it stores anything
+/// through an out-pointer.
 enum class StandinFailure : DWORD
 {
     None,
@@ -77,13 +77,13 @@ struct StandinRecord
     DWORD dwArguments;
     /// Each argument as it came, pointers included.
     ULONG_PTR argument[STANDIN_MAX_ARGUMENTS];
-    /// A copy of the text, for arguments that are texts, and for the text left behind an out-pointer: the
-    /// status message, and DOMAIN\user of a WLX_MPR_NOTIFY_INFO. Null otherwise, and for a null argument.
+    /// A copy of the text: for arguments that are texts, and for the text stored through an out-pointer (the
+    /// status message, and DOMAIN\user of a WLX_MPR_NOTIFY_INFO). Null otherwise, and for a null argument.
     LPCWSTR szText[STANDIN_MAX_ARGUMENTS];
-    /// What the GINA left behind an out-pointer: the DWORD, BOOL or pointer stored there, a LUID with its
-    /// high part in the high half, the pszUserName of a WLX_MPR_NOTIFY_INFO. 0 otherwise.
+    /// What the GINA stored through an out-pointer: the DWORD, BOOL or pointer; a LUID with its high part in
+    /// the high half; the pszUserName of a WLX_MPR_NOTIFY_INFO. 0 otherwise.
     std::uint64_t written[STANDIN_MAX_ARGUMENTS];
-    /// FALSE until the call returns; for ever if it fails.
+    /// FALSE until the call returns. It stays FALSE if the call fails.
     BOOL bReturned;
     /// The BOOL or SAS action code that it returned, 0 for entry points without a result.
     LONG nResult;
@@ -93,16 +93,17 @@ struct StandinRecord
 /// library again or call Winlogon's dispatch table.
 using StandinHook = void(WINAPI*)(void* pContext, const StandinRecord* pRecord);
 
-/// The value that a call leaves behind the out-pointer that is its argument at dwIndex (0-based): handles,
-/// context, option words and the low part of the authentication id (its high part is 1). Nothing is left
-/// where the answer is FALSE or, in WlxLoggedOutSAS, WLX_SAS_ACTION_NONE; only the version always is.
+/// The value that a call stores through the out-pointer that is its argument at dwIndex (0-based): handles,
+/// context, option words and the low part of the authentication id (its high part is 1). Nothing is stored if
+/// the answer is FALSE or, in WlxLoggedOutSAS, WLX_SAS_ACTION_NONE; only the version always is.
 constexpr DWORD StandinValue(StandinCall call, DWORD dwIndex)
 {
     return 0x5A000000 | static_cast<DWORD>(call) << 8 | dwIndex;
 }
 
-/// Left elsewhere. The strings of a WLX_MPR_NOTIFY_INFO and the WLX_PROFILE_V1_0 are made with LocalAlloc
-/// and belong to the caller, as with every GINA. *pSecure is inverted. Null out-pointers are left alone.
+/// What is stored elsewhere. The strings of a WLX_MPR_NOTIFY_INFO and the WLX_PROFILE_V1_0 are made with
+/// LocalAlloc and belong to the caller, as with every GINA. *pSecure is inverted. Null out-pointers are left
+/// alone.
 inline constexpr WCHAR STANDIN_STATUS_TEXT[] = TEXT("The stand-in GINA is at work");
 inline constexpr WCHAR STANDIN_USER[] = TEXT("standin");
 inline constexpr WCHAR STANDIN_DOMAIN[] = TEXT("LUM");
@@ -111,7 +112,7 @@ inline constexpr WCHAR STANDIN_PROFILE[] = TEXT("\\\\server\\profiles\\standin")
 
 struct StandinInterface
 {
-    /// Of this structure. A caller built with another header finds another size.
+    /// The size of this structure. A caller that was built with another header finds another size.
     DWORD dwSize;
 
     /// Forgets all records and all settings. Not while a call is inside the GINA.
@@ -138,8 +139,8 @@ struct StandinInterface
     /// The number of calls received since the last Reset, those still running included.
     DWORD(WINAPI* GetRecordCount)();
 
-    /// The records, oldest first; null when there is no such one. They belong to the GINA and stay valid
-    /// until Reset.
+    /// The records, oldest first; null for an index that there is no record for. They belong to the GINA and
+    /// stay valid until Reset.
     const StandinRecord*(WINAPI* GetRecord)(DWORD dwIndex);
 };
 
