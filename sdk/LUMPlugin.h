@@ -283,9 +283,9 @@ public:
     /// The plugin is about to be removed from the running system, and its DLL to be unloaded. It is still in
     /// the list, but no call is in it, and new ones wait. [host] [loaded]
     ///
-    /// Return within a second: after that, calls of Winlogon's come in again, and the removal waits for them.
-    /// The plugin stays if this operation fails, or if such a call does not end. Not called when the system
-    /// shuts down.
+    /// Return soon: a call of Winlogon's waits at most a second and then comes in all the same. The removal
+    /// waits up to a second for such a call to end. The plugin stays if that call does not end, or if this
+    /// operation fails. Not called when the system shuts down.
     virtual void DynamicUnload() {}
 
     /// A query that a client of the control channel sends. Client and plugin agree on its meaning, and on

@@ -36,7 +36,8 @@ public:
     bool GetOldGinaDLL(WCHAR* szDest, DWORD cchDest) noexcept;
 
     /// Writes the passthrough value. If key and value have not existed so far, they are made, the value empty
-    /// at first. Writes nothing for a terminator. Of null it only warns, and makes nothing.
+    /// at first. A key that existed and is gone stays gone. Writes nothing for a terminator. Of null it only
+    /// warns, and makes nothing.
     void SetOldGinaDLL(const WCHAR* szValue) noexcept;
 
     /// All that is known. The texts are those of this object.
