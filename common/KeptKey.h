@@ -4,12 +4,12 @@
 
 #include <windows.h>
 
-/// A key under HKEY_LOCAL_MACHINE that is queried again and again, and stays open meanwhile: to open it costs
-/// twice as much as to query it.
+/// A key under HKEY_LOCAL_MACHINE that is queried again and again, and stays open meanwhile: opening it costs
+/// twice as much as a query.
 ///
-/// Any thread. A thread takes the handle out while it uses it, so that nobody closes it there; another one
-/// that comes then opens the key for itself. What a client may read, on a thread that impersonates one, is
-/// asked at an opening only.
+/// Any thread. A thread takes the handle out while it uses it, so that no other thread closes it. Another
+/// thread that comes meanwhile opens the key for itself. Windows checks what a client may read, on a thread
+/// that impersonates it, only when the key is opened.
 class CKeptKey
 {
 public:
@@ -19,8 +19,8 @@ public:
     CKeptKey(const CKeptKey&) = delete;
     CKeptKey& operator=(const CKeptKey&) = delete;
 
-    /// Reads a value, whatever its type. A key that was deleted, and perhaps made again, is opened anew.
-    /// False when that fails.
+    /// Reads a value, whatever its type; false when that fails. A key that was deleted, and perhaps made
+    /// again, is opened anew.
     bool Query(const WCHAR* szValue, void* pData, DWORD* pcbData) noexcept;
 
 private:

@@ -51,7 +51,7 @@ constexpr bool LabelsFit()
 // So no label is ever cut.
 static_assert(LabelsFit());
 
-// What every statement asks. They are closed when the library is unloaded, after its DllMain.
+// The keys that every statement reads. They are closed when the library is unloaded, after its DllMain.
 constinit CKeptKey s_DebugKey(DEBUG_KEY);
 constinit CKeptKey s_OwnKey(LUM_GINA_MTM);
 

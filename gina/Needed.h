@@ -2,7 +2,7 @@
 
 #include <exception>
 
-/// The host was left without a member.
+/// Thrown when the host was left without a member that an operation needs.
 struct CMissingMember : std::exception
 {
     const char* what() const noexcept override { return "the host was left without this member"; }

@@ -1,8 +1,11 @@
-// What the compiler's runtime would bring along for its error messages is more than the rest of the library:
-// its handler for what nobody catches prints names, and its standard exceptions own their texts, for which it
-// needs strings, locales and formatted output. Here is the same without them. All is defined that the library
-// uses of either file of the runtime: with one function missing the runtime's own file is linked as well, and
-// the linker refuses the names that are there twice. For the Windows target's DLL alone.
+// The compiler's runtime would bring along more code for its error messages than the rest of the library has:
+// its handler for uncaught exceptions prints names, and its standard exceptions own their texts, for which it
+// needs strings, locales and formatted output. This file does the same without them, for the DLL of the
+// Windows target only.
+//
+// It must define everything that the library uses of the two files of the runtime that it replaces. If one
+// function is missing, the linker adds the runtime's own file as well, and refuses the names that are then
+// defined twice.
 
 #include <cstdlib>
 #include <exception>
@@ -26,7 +29,7 @@ private:
 
 namespace __gnu_cxx {
 
-/// What the runtime calls for an exception that nobody catches.
+/// The runtime calls this for an exception that nobody catches.
 void __verbose_terminate_handler()
 {
     std::abort();
