@@ -12,7 +12,7 @@ struct CControlQuery
 {
     /// The plugin that answers.
     std::basic_string<WCHAR> target;
-    /// The record that it is handed; its pointers go out as 0.
+    /// The record that it is handed. Its pointers are sent as 0.
     ControlProtocol::CWireRecord record = {};
     /// The DLL name of that record; may be empty.
     std::basic_string<WCHAR> name;
@@ -34,11 +34,11 @@ public:
 
     /// Whether a server is there.
     ControlStatus Verify();
-    /// The version of the library: its minor or build number in the high 16 bits, its revision in the low
+    /// The version of the library: its minor version or build in the high 16 bits, its revision in the low
     /// ones; 0 when the server cannot tell.
     ControlStatus GetVersion(DWORD& dwVersion);
 
-    /// Questions about names: Success is yes, Refused is no, or that it could not be found out.
+    /// Questions about names: Success is yes. Refused is no, or that the server could not find out.
     ControlStatus IsGinaInChainingList(const Text& ginaDLL);
     /// Loaded plugins, and the passthrough GINA.
     ControlStatus IsGinaInPluginList(const Text& plugin);
@@ -47,7 +47,7 @@ public:
     /// their names.
     ControlStatus GetPassthroughGina(ControlProtocol::CWireRecord& record);
     ControlStatus QueryPluginInfo(const Text& ginaDLL, ControlProtocol::CWireRecord& record);
-    /// Success or Refused is the plugin's answer; Refused also when it is not loaded.
+    /// Success or Refused is the plugin's answer. Refused also means that it is not loaded.
     ControlStatus QueryPlugin(const CControlQuery& query);
 
     /// Moves a loaded plugin one place towards the front, or the end, of the calling order, until the next
@@ -55,7 +55,7 @@ public:
     ControlStatus IncreasePriority(const Text& plugin);
     ControlStatus DecreasePriority(const Text& plugin);
 
-    /// Changes the configuration; with bDynamic, what is loaded as well, and at once.
+    /// Changes the configuration. With bDynamic, loads or unloads the plugin at once as well.
     ControlStatus AddPlugin(const Text& plugin, bool bDynamic);
     ControlStatus RemovePlugin(const Text& plugin, bool bDynamic);
 
@@ -65,7 +65,7 @@ public:
     /// Starts or stops the registry monitor.
     ControlStatus EnableActiveRegistryMonitoring(bool bEnable);
 
-    /// The error code of the platform behind the last status, ERROR_SUCCESS if there was none.
+    /// The Windows error code behind the last status, ERROR_SUCCESS if there was none.
     DWORD GetSystemError() const noexcept { return m_dwError; }
 
 private:

@@ -45,7 +45,7 @@ public:
     /// Fills the buffer.
     ControlStatus Receive(void* pBuffer, DWORD cbBuffer) noexcept;
 
-    /// The error code of the platform behind the last status, ERROR_SUCCESS if there was none.
+    /// The Windows error code behind the last status, ERROR_SUCCESS if there was none.
     DWORD GetSystemError() const noexcept { return m_dwError; }
 
 private:

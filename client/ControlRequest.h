@@ -17,7 +17,7 @@ public:
     CControlRequest& Number(DWORD dwValue);
     CControlRequest& CountedName(const Text& name);
     CControlRequest& FixedName(const Text& name);
-    /// The pointers of the record go out as 0.
+    /// The pointers of the record are sent as 0.
     CControlRequest& Record(const ControlProtocol::CWireRecord& record);
 
     /// False when a name is longer than the protocol has room for, or has a zero in it: then there is no

@@ -62,7 +62,7 @@ public:
         CClosing(const CClosing&) = delete;
         CClosing& operator=(const CClosing&) = delete;
 
-        /// False when the calls in flight did not end, or another change has the gate.
+        /// False when the calls in flight did not end, or another change has closed the gate.
         bool IsClosed() const noexcept { return m_bClosed; }
 
         /// Closes the gate again if the call of another thread has opened it. False as for IsClosed.

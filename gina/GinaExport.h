@@ -11,7 +11,7 @@ enum class Missing
 
 class CGinaExportBase;
 
-/// The exports of one DLL, in the order in which they are resolved. Owns none of them.
+/// The exports of one DLL, in the order in which they are looked up. Owns none of them.
 class CExportTable
 {
 public:

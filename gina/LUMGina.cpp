@@ -19,7 +19,7 @@ constexpr WCHAR TXT_NO_PLUGIN_OBJECT[] = TEXT("Unable to create gina plugin");
 constexpr WCHAR TXT_NESTED[] =
     TEXT("The call came from a GINA that is being started: it passes through to this library and is refused");
 
-/// True for a scope.
+/// Sets a flag to true for the length of a scope.
 class CFlag
 {
 public:
@@ -49,7 +49,6 @@ void CreateMember(T*& pMember, const WCHAR* szMember, Args... args)
     }
 }
 
-/// Destroys one member of the host.
 template <typename T>
 void DestroyMember(T*& pMember, const WCHAR* szMember) noexcept
 {

@@ -107,7 +107,7 @@ bool CLUMObject::IsAboveAnotherPlugin(const WCHAR* szPlugin) noexcept
     return list.m_pCursor != pFound && !(*pFound->m_pItem == *list.m_pCursor->m_pItem);
 }
 
-/// Calls an object of the list. find() moves the cursor to it, or gives false.
+/// Calls an object of the list. find() moves the cursor to it, or returns false.
 template <typename Find, typename Query>
 bool CLUMObject::CallObject(Find find, Query query)
 {

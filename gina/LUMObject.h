@@ -34,7 +34,7 @@ public:
     bool LUMRemoveGina(const WCHAR* szGinaDLL) noexcept;
     bool LUMIsGinaInChainingList(const WCHAR* szGinaDLL) noexcept;
 
-    // The plugins in the configuration; what is loaded stays as it is.
+    // The plugins in the configuration. What is loaded does not change.
 
     /// True also for one that is configured already.
     bool LUMAddPlugin(const WCHAR* szPlugin) noexcept;

@@ -134,7 +134,6 @@ auto CLUMRegistry::RunLocked(CTracePoint point, OnException onException, Body bo
         onException, [&] { return CallLocked(m_lock, body); }, warning);
 }
 
-/// One operation on the list of plugins.
 template <typename Body>
 bool CLUMRegistry::RunListOperation(CTracePoint point, Body body) noexcept
 {
@@ -177,7 +176,6 @@ bool CLUMRegistry::ReadPlugins(CPluginsText& plugins)
     return value.GetRegistryString(plugins.sz, NAME_CAPACITY, true);
 }
 
-/// Writes what build() makes.
 template <typename Build>
 void CLUMRegistry::WritePlugins(Build build)
 {
@@ -268,7 +266,6 @@ bool CLUMRegistry::Remove(const WCHAR* szPlugin)
     return true;
 }
 
-/// One operation that reads a value.
 template <typename Body>
 bool CLUMRegistry::RunRead(CTracePoint point, Body body)
 {
@@ -276,7 +273,6 @@ bool CLUMRegistry::RunRead(CTracePoint point, Body body)
                      body, FailureWarning::UnlessRaised);
 }
 
-/// One operation that writes a value.
 template <typename Body>
 bool CLUMRegistry::RunWrite(CTracePoint point, Body body)
 {

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// Exceptions that are not the host's, for stand-in DLLs that must fail as other software does.
+// Exceptions that are not the host's, for stand-in DLLs that must fail as software of other compilers does.
 
 namespace FaultGuard {
 

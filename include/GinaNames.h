@@ -8,8 +8,8 @@
 inline constexpr DWORD NAME_CAPACITY = 260;
 inline constexpr DWORD LONGEST_NAME = NAME_CAPACITY - 1;
 
-/// This library: its DLL, the tag of its messages, and its own key below HKEY_LOCAL_MACHINE, which holds their
-/// level mask.
+/// This library: its DLL, the tag of its messages, and its own key below HKEY_LOCAL_MACHINE, which holds
+/// their level mask.
 inline constexpr WCHAR HOST_GINA[] = TEXT("lum_gina.dll");
 inline constexpr WCHAR LUM_GINA_APP[] = TEXT("LUM_GINA");
 inline constexpr WCHAR LUM_GINA_MTM[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina");

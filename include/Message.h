@@ -16,8 +16,8 @@
 // its text and writes it to the trace log, so an exception has been logged before anybody catches it. No
 // constructor, destructor or Write of these messages throws.
 
-/// Who reports: the application tag, which selects the log file, and the registry key (relative to
-/// HKEY_LOCAL_MACHINE) that holds the level mask. The strings are not owned and must outlive the user.
+/// Who reports: the application tag, which selects the log file, and the registry key (below
+/// HKEY_LOCAL_MACHINE) that holds the level mask. The strings are not owned and must outlive every use.
 struct CMessageOrigin
 {
     const WCHAR* szAPP;

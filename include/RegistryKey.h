@@ -10,9 +10,9 @@
 class CRegistryKey : public CGlobalObject
 {
 public:
-    /// bCreate: make the key when it is missing (for a value: the value too). bOpenNow: open the key
-    /// here. dwOptions: those of RegCreateKeyExW for a key that is made. Throws CBadArgException for a
-    /// null szSubKey, what OpenKey throws, and CRegistryKeyInitException for any other failure.
+    /// bCreate: make a missing key (for a value: a missing value too). bOpenNow: open the key here.
+    /// dwOptions: those of RegCreateKeyExW for a key that is made. Throws CBadArgException for a null
+    /// szSubKey, what OpenKey throws, and CRegistryKeyInitException for any other failure.
     CRegistryKey(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot, const WCHAR* szSubKey,
                  REGSAM samDesired, bool bCreate, bool bOpenNow, DWORD dwOptions);
     ~CRegistryKey();

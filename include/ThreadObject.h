@@ -56,7 +56,8 @@ public:
 
     DWORD m_dwThreadId;
     HANDLE m_hThread;
-    /// From StartThread until StopThread has succeeded, also when the thread function has returned by itself.
+    /// True from StartThread until StopThread has succeeded, even if the thread function has returned by
+    /// itself.
     bool m_bRunning;
     COwnedText m_szThreadName;
     HANDLE FinishEvent;
@@ -102,6 +103,6 @@ private:
     std::atomic<bool> m_bStarting;
     std::atomic<bool> m_bBegun;
 
-    /// StopThread has set StopEvent, and the thread has not been let go since.
+    /// True from the moment that StopThread sets StopEvent until the thread's handle is closed.
     bool m_bAskedToStop;
 };

@@ -26,7 +26,7 @@ inline constexpr DWORD LEVEL_DESTRUCTION_EXIT = 0x800;
 /// The mask where none is configured: warnings, exceptions, critical messages and errors.
 inline constexpr DWORD DEFAULT_TRACE_MASK = 0xF0;
 
-/// The label that a line of that level carries; "HEADER" for anything that is not one level.
+/// The label of a line of that level; "HEADER" for anything but one level.
 const WCHAR* GetLevelLabel(DWORD dwLevel) noexcept;
 
 /// Whether all bits of dwLevel are set in the mask: value "Debug" of HKEY_LOCAL_MACHINE\szMTM,

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// The compiler's header declares the entry points as C++ functions; what Winlogon looks up has plain names.
+// The compiler's header declares the entry points as C++ functions; Winlogon looks up plain names.
 extern "C" {
 #include <winwlx.h>
 }

@@ -19,7 +19,7 @@ constexpr WCHAR UPPER_CONTROLS[] = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
 
-/// The letters that the code page has with an accent, and what they are together.
+/// The letters that take an accent in the code page, and the characters that they make with it.
 struct CAccent
 {
     WCHAR chAccent;

@@ -10,7 +10,7 @@
 
 namespace Native {
 
-/// What ends a call that reports through the last error.
+/// Ends a call that reports through the last error.
 struct CCallError
 {
     DWORD dwError;

@@ -6,7 +6,7 @@
 
 namespace {
 
-// In the structure itself, as on Windows, so that making one cannot fail for want of memory.
+// The mutex lies in the structure itself, as on Windows, so making one cannot fail for lack of memory.
 static_assert(sizeof(pthread_mutex_t) <= sizeof(CRITICAL_SECTION));
 static_assert(alignof(pthread_mutex_t) <= alignof(CRITICAL_SECTION));
 

@@ -57,7 +57,7 @@ bool AllowsAccess(DWORD dwShareMode, DWORD dwAccess)
            (!Writes(dwAccess) || (dwShareMode & FILE_SHARE_WRITE) != 0);
 }
 
-/// A missing file and a missing directory are one error here and two on Windows.
+/// Linux has one error for a missing file and a missing directory, Windows two.
 [[noreturn]] void ThrowOpenError(const std::string& path, int nErrno)
 {
     const std::size_t nSeparator = path.find_last_of('/');

@@ -16,8 +16,8 @@ public:
     virtual LPCWSTR GetName() const noexcept { return nullptr; }
 };
 
-/// The handles of the process, of all kinds of objects. A value is never given out twice, so that the use
-/// of a closed handle is always noticed. Any thread may use it.
+/// The handles of the process, for objects of all kinds. No value is given out twice, so the use of a closed
+/// handle is always noticed. Any thread may use it.
 namespace HandleTable {
 
 HANDLE Add(std::shared_ptr<CKernelObject> pObject);

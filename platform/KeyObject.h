@@ -22,8 +22,8 @@ private:
     REGSAM m_samGranted;
 };
 
-/// Runs body(key) on the key behind a handle, with the tree locked, and returns its error code; or the error
-/// that the handle earns.
+/// Runs body(key) on the key behind a handle, with the tree locked. Returns the error code of body, or that
+/// of a bad handle.
 template <typename Body>
 LONG WithKey(HKEY hKey, REGSAM samNeeded, Body body)
 {

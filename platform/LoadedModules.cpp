@@ -66,7 +66,7 @@ CModule* FindNamed(const WideText& name)
     return nullptr;
 }
 
-/// Whether the file is meant for this system at all.
+/// Whether the file is one of this system at all.
 bool IsLibrary(const std::string& path)
 {
     char header[SELFMAG] = {};

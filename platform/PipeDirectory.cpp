@@ -32,7 +32,7 @@ std::string GetPrivateDirectory()
 {
     const std::string path = GetParentDirectory() + "/lum-pipes-" + std::to_string(getuid());
     Require(mkdir(path.c_str(), 0700) == 0 || errno == EEXIST, FromErrno(errno));
-    // Somebody else may have made it first, to listen to what this user's programs say to each other.
+    // Somebody else may have made it first, to listen to this user's programs.
     struct stat status = {};
     Require(lstat(path.c_str(), &status) == 0, FromErrno(errno));
     Require(S_ISDIR(status.st_mode) && status.st_uid == getuid() && (status.st_mode & 077) == 0,

@@ -9,8 +9,8 @@
 
 namespace Native {
 
-/// The server's end of a pipe with one instance. A thread of its own answers the clients that come, since on
-/// Windows a client connects without the server doing anything.
+/// The server's end of a pipe with one instance. A thread of its own answers the clients, since on Windows a
+/// client connects without the server doing anything.
 class CPipeServer : public CPipeEnd
 {
 public:
@@ -20,7 +20,8 @@ public:
     LPCWSTR GetName() const noexcept override { return m_name.c_str(); }
 
     void Connect();
-    /// Ends a Flush of another thread. As on Windows, it waits for that where the end is not overlapped.
+    /// Ends a Flush of another thread. If this end is not overlapped, waits for that Flush instead, as on
+    /// Windows.
     void Disconnect();
     /// Waits until the client has read what was written to it.
     void Flush();

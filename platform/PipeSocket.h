@@ -51,7 +51,7 @@ bool ReceiveByte(int nSocket, char& cByte) noexcept;
 /// ERROR_NO_DATA when there is nothing to read and bWait is false.
 DWORD Read(int nSocket, void* pBuffer, DWORD cbBuffer, bool bWait);
 DWORD Write(int nSocket, const void* pBuffer, DWORD cbBuffer);
-/// Copies at most cbBuffer bytes, and gives how many could be read.
+/// Copies at most cbBuffer bytes, and returns how many could be read.
 DWORD Peek(int nSocket, void* pBuffer, DWORD cbBuffer);
 /// Whether the other end has yet to read something that was written.
 bool HasUnread(int nSocket);

@@ -8,7 +8,7 @@ namespace Platform {
 
 using WideText = std::basic_string<WCHAR>;
 
-/// Without regard to the case of the letters of ASCII and Latin-1: below, at or above 0.
+/// Compares ignoring the case of the letters of ASCII and Latin-1. The result is below, at or above 0.
 int CompareNoCase(const WideText& left, const WideText& right) noexcept;
 int CompareNoCase(LPCWSTR szLeft, LPCWSTR szRight) noexcept;
 

@@ -40,7 +40,7 @@ LONG MakeKeys(std::shared_ptr<CTreeKey> pKey, const Path& path, bool bVolatile,
     return ERROR_SUCCESS;
 }
 
-/// Adds a handle for the key that find(key, result) finds below hKey.
+/// Opens a handle for the key that find(key, result) finds below hKey.
 template <typename Find>
 LONG OpenHandle(HKEY hKey, LPCWSTR szSubKey, REGSAM samDesired, PHKEY phResult, Find find)
 {

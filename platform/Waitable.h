@@ -17,8 +17,8 @@ public:
     virtual void Consume() noexcept {}
 };
 
-/// All waiting of the process: one lock over the state of everything that can be waited for, so that a wait
-/// for several things at once sees them all as of one moment.
+/// All waiting of the process. One lock guards the state of everything that can be waited for, so a wait for
+/// several things sees them all at one moment.
 namespace Waits {
 
 using CLock = std::unique_lock<std::mutex>;

@@ -30,7 +30,7 @@ struct CSides
     const CChain& found;
 };
 
-/// Whether the GINA that the registry has where the chains differ is recorded as incompatible.
+/// Whether the GINA in the registry's chain at the first difference is recorded as incompatible.
 bool IsIncompatible(const CSides& sides, const CKnowledge& know)
 {
     const std::size_t nAt = sides.FindDifference();

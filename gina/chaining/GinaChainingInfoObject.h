@@ -7,7 +7,7 @@
 /// What is known of one GINA: where it keeps the name of the GINA that it passes through to, whether it ends
 /// a chain, and what it passes through to by default.
 ///
-/// Not for use by several threads at once; the owner of the list of records has the lock.
+/// Has no lock: the owner of the list of records has one.
 class CGinaChainingInfoObject final : public CGinaChainingObject
 {
 public:

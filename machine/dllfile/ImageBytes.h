@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string>
 
-/// The bytes of a file are no DLL, or not one of this system.
+/// The bytes of a file are not a DLL, or not one of this system.
 struct CBadImage
 {
 };

@@ -5,7 +5,7 @@
 
 #include <windows.h>
 
-// What differs between the targets in looking at DLLs.
+// What differs between the targets when they look at DLLs.
 
 namespace TargetDlls {
 

@@ -19,7 +19,7 @@ namespace {
 constexpr DWORD POLL_MILLISECONDS = 5;
 constexpr DWORD BY_SIGNAL = 128;
 
-/// What the child writes, as this process reads it.
+/// The pipe through which this process reads what the child writes.
 class COutput
 {
 public:

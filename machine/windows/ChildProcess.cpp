@@ -4,7 +4,6 @@ namespace {
 
 constexpr DWORD POLL_MILLISECONDS = 20;
 
-/// Closes what it holds.
 class CHandle
 {
 public:
@@ -55,7 +54,7 @@ bool Start(const std::vector<std::basic_string<WCHAR>>& words, HANDLE hOutput, H
     return true;
 }
 
-/// Takes what is in the pipe by now; a read of more would wait.
+/// Takes what is in the pipe by now. Reading more would wait.
 void Drain(HANDLE hPipe, std::string& output)
 {
     char buffer[4096];

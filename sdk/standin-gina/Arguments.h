@@ -3,9 +3,9 @@
 #include "Standin.h"
 #include <winwlx.h>
 
-// What the GINA does with an argument, by its type: Receive records it as it arrives, Leave stores what
-// the GINA gives back through it. An argument whose type does not tell what it is for is wrapped in one of
-// the structures below.
+// What the GINA does with an argument, by its type: Receive records it as it arrives, and Leave stores what
+// the GINA gives back through it. If the type does not tell what an argument is for, one of the structures
+// below wraps it.
 
 /// Where WlxNegotiate stores the version.
 struct CVersionOut

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// The compiler's header declares the entry points as C++ functions; what is exported has plain names.
+// The compiler's header declares the entry points as C++ functions; exports need plain names.
 extern "C" {
 #include <winwlx.h>
 }

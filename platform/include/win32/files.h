@@ -2,8 +2,8 @@
 
 #include "win32/types.h"
 
-// Plain files and directories. A path may have either separator; otherwise it is the system's own, UTF-8
-// on disk, and its case counts. There are no drive letters.
+// Plain files and directories. A path may have either separator. Otherwise it is a path of this system: UTF-8
+// on disk, case-sensitive, without drive letters.
 
 #define GENERIC_READ 0x80000000u
 #define GENERIC_WRITE 0x40000000u
@@ -40,10 +40,9 @@ using LPOVERLAPPED = OVERLAPPED*;
 /// Security attributes are ignored.
 BOOL WINAPI CreateDirectoryW(LPCWSTR szPath, LPSECURITY_ATTRIBUTES pSecurity) noexcept;
 
-/// A name of \\.\pipe\ opens a pipe (see pipes.h), any other one a file.
-/// dwAccess: GENERIC_READ, GENERIC_WRITE or both; or FILE_APPEND_DATA alone, and each write goes to the end,
-/// wherever the file pointer is. Sharing is kept among the handles of this process;
-/// attributes and flags are ignored.
+/// A name of \\.\pipe\ opens a pipe (see pipes.h), any other name a file. dwAccess: GENERIC_READ,
+/// GENERIC_WRITE or both, or FILE_APPEND_DATA alone. With that each write goes to the end, wherever the file
+/// pointer is. Sharing is kept among the handles of this process. Attributes and flags are ignored.
 HANDLE WINAPI CreateFileW(LPCWSTR szPath, DWORD dwAccess, DWORD dwShareMode, LPSECURITY_ATTRIBUTES pSecurity,
                           DWORD dwDisposition, DWORD dwFlags, HANDLE hTemplate) noexcept;
 DWORD WINAPI SetFilePointer(HANDLE hFile, LONG lDistance, PLONG plDistanceHigh, DWORD dwMethod) noexcept;

@@ -9,8 +9,8 @@
 #define DLL_THREAD_ATTACH 2
 #define DLL_THREAD_DETACH 3
 
-/// A name without a directory is that of a loaded DLL, or is searched for, in any case of its letters, in
-/// the program's directory and the current directory.
+/// A name without a directory is that of a loaded DLL. Otherwise it is searched for, ignoring case, in the
+/// program's directory and the current directory.
 HMODULE WINAPI LoadLibraryW(LPCWSTR szFile) noexcept;
 
 #define SEM_FAILCRITICALERRORS 0x0001

@@ -33,7 +33,7 @@ using LPMSG = MSG*;
 
 using TIMERPROC = void(CALLBACK*)(HWND hWindow, UINT nMessage, UINT_PTR nTimer, DWORD dwTime);
 
-/// A thread can be posted to once it has looked for messages itself, or waited for any.
+/// A thread can get messages once it has looked for one itself, or waited for one.
 BOOL WINAPI PostThreadMessageW(DWORD dwThreadId, UINT nMessage, WPARAM wParam, LPARAM lParam) noexcept;
 /// Any message, without a filter.
 BOOL WINAPI PeekMessageW(LPMSG pMessage, HWND hWindow, UINT nFirst, UINT nLast, UINT nRemove) noexcept;

@@ -61,5 +61,5 @@ BOOL WINAPI RevertToSelf() noexcept;
 
 /// This thread, for OpenThreadToken.
 HANDLE WINAPI GetCurrentThread() noexcept;
-/// A handle without a use when the thread impersonates; ERROR_NO_TOKEN when it does not.
+/// A handle without further use if the thread impersonates a client; ERROR_NO_TOKEN if it does not.
 BOOL WINAPI OpenThreadToken(HANDLE hThread, DWORD dwAccess, BOOL bOpenAsSelf, PHANDLE phToken) noexcept;

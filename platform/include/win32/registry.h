@@ -42,7 +42,7 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY hKey, LPCWSTR szSubKey, DWORD dwReserved, LP
                                REGSAM samDesired, SECURITY_ATTRIBUTES* pSecurity, PHKEY phResult,
                                LPDWORD pdwDisposition) noexcept;
 LSTATUS WINAPI RegCloseKey(HKEY hKey) noexcept;
-/// The key itself, which the empty path stands for, is not deleted: ERROR_CALL_NOT_IMPLEMENTED.
+/// The empty path stands for the key itself, which is not deleted: ERROR_CALL_NOT_IMPLEMENTED.
 LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR szSubKey) noexcept;
 
 LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR szValue, LPDWORD pdwReserved, LPDWORD pdwType,

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
-// What 32-bit code knows by size keeps that size on 64 bits: DWORD and LONG have 32 bits, WCHAR has 16.
-// Constants have no suffix L for the same reason, long being wider here than LONG.
+// Types keep the size that 32-bit code expects: DWORD and LONG have 32 bits, WCHAR has 16. Constants have no
+// suffix L for the same reason: long is wider here than LONG.
 
 #define VOID void
 #define CONST const
