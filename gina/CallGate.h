@@ -106,11 +106,20 @@ public:
             return false;
         }
         prepare();
-        if (!closing.Renew(CHANGE_MILLISECONDS)) {
-            ReportBusy();
-            return false;
+        bool bClosed = false;
+        bool bChanged = false;
+        while (!bClosed) {
+            if (!closing.Renew(CHANGE_MILLISECONDS)) {
+                ReportBusy();
+                return false;
+            }
+            // A call that opens the gate after this has to wait for the list.
+            Look([&] {
+                bClosed = IsClosedByThisThread();
+                bChanged = bClosed && change();
+            });
         }
-        return Look(change);
+        return bChanged;
     }
 
     /// The same for a change that no DLL is told of.

@@ -55,6 +55,7 @@ public:
     {
         pGinaObject->DeletingDestructor(1);
     }
+    // For an object whose constructor throws.
     static void operator delete(void* pMemory) noexcept { ::operator delete(pMemory); }
     static void* operator new(std::size_t cbObject) { return ::operator new(cbObject); }
 
@@ -111,8 +112,7 @@ public:
     /// The tag and key that the object was made with, even if a plugin has overwritten the fields.
     operator CMessageOrigin() const noexcept { return m_origin; }
 
-    /// Public for delete only, which goes through the first slot. This destructor does not destroy derived
-    /// classes.
+    /// Public for delete alone. Destroy an object through its first slot.
     ~CGinaObject();
     CGinaObject(const CGinaObject&) = delete;
     CGinaObject& operator=(const CGinaObject&) = delete;

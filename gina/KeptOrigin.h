@@ -13,11 +13,9 @@ public:
     ~CKeptOrigin()
     {
         try {
-            CallWithinHost([this] {
-                if (m_pObject != nullptr) {
-                    PutBack(*m_pObject, m_origin);
-                }
-            });
+            if (m_pObject != nullptr) {
+                CallWithinHost([this] { PutBack(*m_pObject, m_origin); });
+            }
         } catch (...) {
             // The plugin has freed the record: there is nothing left to restore.
             return;
@@ -44,9 +42,8 @@ public:
 private:
     static CMessageOrigin Read(const CGlobalObject* pObject)
     {
-        return CallWithinHost([=] {
-            return pObject != nullptr ? CMessageOrigin(*pObject) : CMessageOrigin{nullptr, nullptr};
-        });
+        return pObject != nullptr ? CallWithinHost([=] { return CMessageOrigin(*pObject); })
+                                  : CMessageOrigin{};
     }
 
     CGlobalObject* m_pObject;

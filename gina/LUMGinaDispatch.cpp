@@ -144,6 +144,7 @@ void CLUMGina::LUMWlxShutdown(PVOID pWlxContext, DWORD dwShutdownType)
         Needed(m_pLUMRegistry).SetEnabled(0);
         CallFirst<void>(&CGinaObject::Shutdown, pWlxContext, dwShutdownType);
         StopThreads();
+        // One that is missing fails the call, now that the other has been stopped.
         Needed(m_pLUMPipeThreadObject);
         Needed(m_pLUMRegMonitorThreadObject);
     });

@@ -58,7 +58,11 @@ bool CLUMGina::LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept
     const COperation op(LUM_GINA_ORIGIN, s_szClass, TEXT("LUMRemovePluginDynamic"));
     const auto body = [&] {
         CLUMRegistry& registry = Needed(m_pLUMRegistry);
-        return UnloadFrom(Needed(m_pGinaObjectList), szPlugin) && registry.RemovePlugin(szPlugin);
+        bool bTold = false;
+        const bool bUnloaded = UnloadFrom(Needed(m_pGinaObjectList), szPlugin, bTold);
+        // One that was told to go and has to stay, as calls do not leave it, is not loaded again.
+        const bool bForgotten = bTold && registry.RemovePlugin(szPlugin);
+        return bUnloaded && bForgotten;
     };
     return op.Run(Absorb<>(), body, FailureWarning::Never);
 }
@@ -66,7 +70,7 @@ bool CLUMGina::LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept
 /// The plugin is told while no call is in it, and new ones wait. If it takes too long, the next call of
 /// Winlogon's opens the gate and goes on; the removal then waits for that call. The object is destroyed
 /// without the lock: its DLL runs once more when it is freed.
-bool CLUMGina::UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin)
+bool CLUMGina::UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin, bool& bTold)
 {
     GinaNode* pNode = nullptr;
     const auto find = [&] {
@@ -74,10 +78,18 @@ bool CLUMGina::UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin)
         pNode = list.m_pCursor;
         return bFound;
     };
-    const auto tell = [&] { CallWithinHost([=] { pNode->m_pItem->DynamicUnload(); }); };
+    const auto tell = [&] {
+        CallWithinHost([=] { pNode->m_pItem->DynamicUnload(); });
+        bTold = true;
+    };
     const auto remove = [&] {
-        list.m_pCursor = pNode;
-        return list.Remove(pNode);
+        // Somebody else may have removed it while it was told.
+        GinaNode* pStill = list.m_pHead;
+        while (pStill != nullptr && pStill != pNode) {
+            pStill = pStill->pNext;
+        }
+        list.m_pCursor = pStill;
+        return pStill != nullptr && list.Remove(pNode);
     };
     if (!m_gate.Change(find, tell, remove)) {
         return false;

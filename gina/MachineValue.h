@@ -16,6 +16,15 @@ COwned<Value> OpenMachineValue(const CMessageOrigin& origin, const WCHAR* szSubK
                             KEY_ALL_ACCESS, bCreate, true, true, true, bReadNow, dwOptions);
 }
 
+/// Makes a value that is missing, and its key, and opens it. The object does not make them again when it is
+/// used after they have been deleted. Throws what the constructor of Value throws.
+template <typename Value>
+COwned<Value> MakeMachineValue(const CMessageOrigin& origin, const WCHAR* szSubKey, const WCHAR* szValueName)
+{
+    OpenMachineValue<Value>(origin, szSubKey, szValueName, true, true);
+    return OpenMachineValue<Value>(origin, szSubKey, szValueName, false, true);
+}
+
 /// The error code of a value whose object does not exist.
 inline constexpr DWORD NO_VALUE_OBJECT = 0xFFFFFFFF;
 

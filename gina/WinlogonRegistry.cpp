@@ -82,10 +82,7 @@ bool CWinlogonRegistry::SetGinaDLL(const WCHAR* szValue) noexcept
 void CWinlogonRegistry::MakeGinaDLL()
 {
     try {
-        OpenMachineValue<CRegistryString>(*this, WINLOGON_KEY, WINLOGON_GINA_DLL, true, true);
-        // The object that stays is made without bCreate: otherwise a read would make a value again that has
-        // been deleted.
-        m_pGinaDLL = OpenMachineValue<CRegistryString>(*this, WINLOGON_KEY, WINLOGON_GINA_DLL, false, true);
+        m_pGinaDLL = MakeMachineValue<CRegistryString>(*this, WINLOGON_KEY, WINLOGON_GINA_DLL);
     } catch (...) {
         throw CUnableToWriteRegistryException(*this, WINLOGON_GINA_DLL, NO_VALUE_OBJECT);
     }

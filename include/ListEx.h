@@ -181,14 +181,17 @@ public:
     {
         return Run(TEXT("Flush"), [this] {
             m_pCursor = nullptr;
-            // A plugin may have overwritten the nodes: follow the forward links only, and write to no node.
+            // A plugin may have overwritten the nodes: follow the forward links only, and write to no
+            // neighbour.
             while (m_pHead != nullptr) {
                 Node* pTempCursor = m_pHead;
                 m_pHead = pTempCursor->pNext;
-                m_pTail = m_pHead != nullptr ? m_pTail : nullptr;
+                pTempCursor->pNext = nullptr;
+                pTempCursor->pPrev = nullptr;
                 --m_dwCount;
                 Destroy(pTempCursor, TEXT("pTempCursor"));
             }
+            m_pTail = nullptr;
             return true;
         });
     }

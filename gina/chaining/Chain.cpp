@@ -69,7 +69,7 @@ Place FindPlace(const CChain& chain, const CKnowledge& learn, const WCHAR* szGin
         return Place::Nowhere;
     }
     if (szInsertBefore != nullptr) {
-        return chain.Has(szInsertBefore) && !record->bTerminator ? Place::Before : Place::NotBefore;
+        return chain.Has(szInsertBefore) && !record->bTerminator ? Place::Before : Place::Refused;
     }
     if (bAtFront) {
         return Place::First;

@@ -7,8 +7,8 @@
 
 #include "ChainingRecord.h"
 
-// Decides what becomes of a chain of GINAs, from plain values. Nothing here reads the registry, changes a
-// list or reports. A null name is in no chain.
+// Decides what becomes of a chain of GINAs, from plain values. Nothing here knows a registry, a list, a lock
+// or a log: what is known of a GINA is asked of the caller. A null name is in no chain.
 
 using CGinaName = std::basic_string<WCHAR>;
 using CGinaNames = std::vector<CGinaName>;
@@ -59,7 +59,7 @@ enum class Place
     Before, ///< before the GINA that was asked for
     /// Refused: the GINA to insert before is not in the chain, or the new one is a terminator, behind which
     /// nothing is loaded.
-    NotBefore,
+    Refused,
     First,
     Last,
     BeforeLast,
@@ -84,6 +84,6 @@ struct CChainWrite
 };
 
 /// The values to write for a chain, from Winlogon's to that of the last GINA. Terminators and unknown GINAs
-/// have no value: skip theirs. Written in reverse order, the machine comes up after each single write,
-/// provided that it does before the first and after the last.
+/// have no value: skip theirs. Write them last to first, and the machine can start after each write, if it
+/// can before the first and after the last.
 std::vector<CChainWrite> ListWrites(const CGinaNames& ginas);

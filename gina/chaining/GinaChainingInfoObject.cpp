@@ -113,7 +113,7 @@ CChainingRecord CGinaChainingInfoObject::GetRecord() const noexcept
 /// A GINA that has been installed again has a new key, and the open handle leads to the deleted one. A key
 /// that still exists is kept open: a client that asks for the change may have fewer rights than the host had
 /// when it opened the key.
-void CGinaChainingInfoObject::FindKeyAgain(const COperation& op) noexcept
+void CGinaChainingInfoObject::ReopenDeletedKey(const COperation& op) noexcept
 {
     try {
         if (!m_pOldGinaDLL->IsUsable()) {
@@ -155,10 +155,9 @@ void CGinaChainingInfoObject::SetOldGinaDLL(const WCHAR* szValue) noexcept
             return;
         }
         if (m_pOldGinaDLL != nullptr) {
-            FindKeyAgain(op);
+            ReopenDeletedKey(op);
         } else if (szValue != nullptr) {
-            m_pOldGinaDLL =
-                OpenMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey, true, true);
+            m_pOldGinaDLL = MakeMachineValue<CRegistryString>(*this, m_szSubKey, m_szOldGinaDLLKey);
         } else {
             return;
         }

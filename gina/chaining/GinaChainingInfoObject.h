@@ -59,5 +59,5 @@ private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaChainingInfoObject");
 
     void Describe(const CChainingRecord& record);
-    void FindKeyAgain(const COperation& op) noexcept;
+    void ReopenDeletedKey(const COperation& op) noexcept;
 };

@@ -17,8 +17,8 @@ bool InsertLink(CGinaChain& chain, Place place, const WCHAR* szGinaDLL, const WC
     case Place::Only:
         break;
     case Place::Before:
-    case Place::NotBefore:
-        if (!chain.MoveTo(szInsertBefore) || place == Place::NotBefore) {
+    case Place::Refused:
+        if (!chain.MoveTo(szInsertBefore) || place == Place::Refused) {
             return false;
         }
         break;

@@ -29,6 +29,8 @@ __attribute__((noinline)) DWORD CSignalGuard::Run(DWORD (*pfnCall)(void*), void*
 {
     m_pFirstFrame = __builtin_frame_address(0);
     if (sigsetjmp(m_ReturnPoint, 1) != 0) {
+        // What comes next may fault as well, and this frame is left by then.
+        t_pInnermost = m_pOuter;
         return m_dwFault;
     }
     // Only now there is a place to return to. If the stack overflowed before, that is a matter of the outer
