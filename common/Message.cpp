@@ -67,11 +67,12 @@ void CMessageArgList::Compose(const WCHAR* szFormat,
 {
     try {
         // A text may come from a plugin, and its pointer may be bad.
-        m_bFormatted = CallWithinHost([&] {
-            const std::size_t cchMessage = std::char_traits<WCHAR>::length(szFormat) + MESSAGE_ROOM;
-            m_szMessage.Reset(new WCHAR[cchMessage]);
-            return FormatText(m_szMessage, cchMessage, szFormat, arguments);
-        });
+        m_bFormatted = szFormat != nullptr && CallWithinHost([&] {
+                           const std::size_t cchMessage =
+                               std::char_traits<WCHAR>::length(szFormat) + MESSAGE_ROOM;
+                           m_szMessage.Reset(new WCHAR[cchMessage]);
+                           return FormatText(m_szMessage, cchMessage, szFormat, arguments);
+                       });
         if (!m_bFormatted) {
             LogInternalWarning(ERR_BAD_FORMAT);
         }

@@ -111,11 +111,10 @@ TEST_F(Contract, DiagnosticsMessages)
     EXPECT_FALSE(CMessageArgList(LEVEL_ERROR, TAG, KEY, true, TEXT("%s"), reinterpret_cast<WCHAR*>(0x40))
                      .m_bFormatted);
     EXPECT_FALSE(LogMessage(TAG, TEXT("WARNING"), nullptr, 7, PATH));
-    EXPECT_EQ((std::vector<std::string>(2, "[WARNING] An unhandled exception occurred")), [this] {
-        std::vector<std::string> lines = InternalLog();
-        lines.erase(lines.begin());
-        return lines;
-    }());
+    EXPECT_EQ((std::vector<std::string>{"[EXCEPTION] Null source file",
+                                        "[WARNING] Improperly formed format message",
+                                        "[WARNING] An unhandled exception occurred"}),
+              InternalLog());
 }
 
 TEST_F(Contract, DiagnosticsOwnMessagesAndCopies)
