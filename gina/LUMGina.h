@@ -79,8 +79,8 @@ public:
     /// Tells the first plugin or GINA of that name to go, takes it out of the list, unloads it and takes the
     /// name out of the configuration. Waits a limited time for the calls in flight first. If they do not end:
     /// false, and the list and the configuration stay; at once from within one of these calls. A plugin that
-    /// fails when it is told stays. One that was told, and that calls come into meanwhile and do not leave,
-    /// stays in the list only.
+    /// fails when it is told stays. One that has been told stays in the list if a call has come into it
+    /// meanwhile and does not end; its name then leaves the configuration all the same.
     bool LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept;
 
     // What the control channel asks for; runs on its thread. These never throw.

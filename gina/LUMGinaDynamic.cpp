@@ -60,7 +60,8 @@ bool CLUMGina::LUMRemovePluginDynamic(const WCHAR* szPlugin) noexcept
         CLUMRegistry& registry = Needed(m_pLUMRegistry);
         bool bTold = false;
         const bool bUnloaded = UnloadFrom(Needed(m_pGinaObjectList), szPlugin, bTold);
-        // One that was told to go and has to stay, as calls do not leave it, is not loaded again.
+        // A plugin that was told to go is not loaded at the next start, even if a call keeps it in the list
+        // now.
         const bool bForgotten = bTold && registry.RemovePlugin(szPlugin);
         return bUnloaded && bForgotten;
     };
@@ -83,7 +84,7 @@ bool CLUMGina::UnloadFrom(CGinaObjectList& list, const WCHAR* szPlugin, bool& bT
         bTold = true;
     };
     const auto remove = [&] {
-        // Somebody else may have removed it while it was told.
+        // Another removal may have taken it out while it was told.
         GinaNode* pStill = list.m_pHead;
         while (pStill != nullptr && pStill != pNode) {
             pStill = pStill->pNext;

@@ -284,8 +284,8 @@ public:
     /// the list, but no call is in it, and new ones wait. [host] [loaded]
     ///
     /// Return soon: a call of Winlogon's waits at most a second and then comes in all the same. The removal
-    /// waits up to a second for such a call to end. The plugin stays if that call does not end, or if this
-    /// operation fails. Not called when the system shuts down.
+    /// waits up to a second for such a call to end; if it does not, the plugin stays in the list until the
+    /// next start. It also stays if this operation fails. Not called when the system shuts down.
     virtual void DynamicUnload() {}
 
     /// A query that a client of the control channel sends. Client and plugin agree on its meaning, and on
