@@ -197,6 +197,12 @@ TEST_F(ListEx, CopiesAreDeep)
     list.Flush();
     EXPECT_EQ("a* b ", Contents(copy));
     EXPECT_FALSE(copy.CopyList(list)) << "an empty one";
+    // Nodes without an item are like each other only.
+    list.Add(nullptr, 0);
+    copy.Flush();
+    Fill(copy, {TEXT("a")});
+    EXPECT_FALSE(list == copy || copy == list);
+    EXPECT_TRUE(copy.CopyList(list) && list == copy);
     EXPECT_EQ(0, CItem::s_nAlive);
 }
 

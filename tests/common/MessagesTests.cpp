@@ -1,7 +1,12 @@
-#include "Exceptions.h"
+#include <type_traits>
+
+#include "GlobalObject.h"
+#include "Messages.h"
 #include "TestMachine.h"
 
 namespace {
+
+constexpr WCHAR PATH[] = TEXT("common\\File.cpp");
 
 class Messages : public CTestMachine
 {
@@ -42,9 +47,13 @@ TEST_F(Messages, AreCutAtTheBound)
     EXPECT_EQ(std::string(3 + 1086, 'x'), Narrow(message.m_szMessage));
 }
 
-TEST_F(Messages, MalformedFormatsAreNotWritten)
+TEST_F(Messages, WithoutAReadableFormatAreNotWritten)
 {
-    for (const WCHAR* szFormat : {TEXT("%s"), TEXT("%q"), TEXT("%d %d"), TEXT("trailing %")}) {
+    constexpr char BAD[] = "[WARNING] Improperly formed format message";
+    const std::pair<const WCHAR*, const char*> rows[] = {
+        {TEXT("%s"), BAD},         {TEXT("%q"), BAD},    {TEXT("%d %d"), BAD},
+        {TEXT("trailing %"), BAD}, {nullptr, UNHANDLED}, {reinterpret_cast<const WCHAR*>(0x40), UNHANDLED}};
+    for (const auto& [szFormat, szFirst] : rows) {
         ClearLog();
         CMessageArgList message(LEVEL_ERROR, LUM_GINA_APP, LUM_GINA_MTM, true, szFormat, 1);
         EXPECT_FALSE(message.m_bFormatted);
@@ -52,9 +61,9 @@ TEST_F(Messages, MalformedFormatsAreNotWritten)
         message.Write();
         EXPECT_TRUE(message.m_bWritten);
         EXPECT_TRUE(Log().empty());
-        const Lines twice(2, "[WARNING] Improperly formed format message");
-        EXPECT_EQ(twice, InternalLog());
+        EXPECT_EQ((Lines{szFirst, BAD}), InternalLog());
     }
+    EXPECT_FALSE(LogMessage(LUM_GINA_APP, TEXT("WARNING"), nullptr, 7, PATH));
 }
 
 TEST_F(Messages, TagAndKeyDecideWhereTheyGo)
@@ -84,19 +93,95 @@ TEST_F(Messages, TagAndKeyDecideWhereTheyGo)
     }
 }
 
-TEST_F(Messages, AreWrittenOnceAndCaughtByTheirBases)
+/// The text of an exception made with these details, as a handler for CMessage finds it.
+template <typename E, typename... Details>
+std::string TextOf(Details... details)
 {
     try {
-        throw CBadArgException(LUM_GINA_ORIGIN, TEXT("szPlugin"));
+        throw E(LUM_GINA_APP, LUM_GINA_MTM, TEXT("Text"), details..., 7, PATH);
     } catch (CMessage& message) {
         EXPECT_TRUE(message.m_bWritten);
         message.WriteIfUnwritten();
+        return Narrow(message.m_szMessage);
     }
-    EXPECT_EQ(Lines{"[EXCEPTION] A bad argument was provided, Argument: szPlugin"}, Log());
+}
+
+template <typename Base, typename... E, typename... Details>
+void ExpectText(const std::string& expected, Details... details)
+{
+    static_assert((std::is_base_of_v<Base, E> && ...));
+    for (const std::string& text : {TextOf<E>(details...)...}) {
+        EXPECT_EQ("Text" + expected + ", ( 7 ) File.cpp", text);
+    }
+}
+
+TEST_F(Messages, OfExceptionsTellTheirDetails)
+{
+    ExpectText<CDetailedMessage, CUnhandledExceptionException, CWcscpyException, CLUMInitializeFailException,
+               CNoGINAorPluginToCallException, CUnableToLoadPassthroughGinaException, CNoPluginsNotification,
+               CRegistryKeyInitException, CRegistryValueInitException, CRegistryStringInitException,
+               CRegistryDwordInitException, CGinaChainingObjectInitException,
+               CGinaChainingInfoObjectInitException, CRegistryManagerInitException,
+               CCantInsertUnknownGinaException, CThreadObjectInitException,
+               CLUMPipeThreadObjectInitException>("");
+    ExpectText<CDetailedMessageWithError, CFailedGinaNegotiationsException, CFreeGinaDLLFailException,
+               CCreateEventException, CResetEventException, CSetEventException, CCreateNamedPipeException,
+               CReadFileException, CWriteFileException, CFlushFileBuffersException,
+               CDisconnectNamedPipeException, CLoadResourceException, CLockResourceException>(", Error: 0xab",
+                                                                                              0xAB);
+    ExpectText<CMessage, CBadArgException>(", Argument: x", TEXT("x"));
+    ExpectText<CMessage, CMemAllocException>(", Variable: x", TEXT("x"));
+    ExpectText<CMessage, CNullFunctionHandleException, CUnexpectedEndOfListException,
+               CUnexpectedGinaException, CUnhandledPluginException>(", Plugin: x", TEXT("x"));
+    ExpectText<CMessage, CUnableToLoadDLLException>(", Filename: x, Error: 0xab", TEXT("x"), 0xAB);
+    ExpectText<CMessage, CUnableToLoadDLLFunctionException>(", Function: x, Error: 0xab", TEXT("x"), 0xAB);
+    ExpectText<CMessage, CUnableToReadRegistryException, CUnableToWriteRegistryException,
+               CUnableToDeleteRegistryValueException>(", Registry Value: x, Error: 0xab", TEXT("x"), 0xAB);
+    ExpectText<CMessage, CUnableToOpenRegistryKeyException, CUnableToCreateRegistryKeyException,
+               CUnableToCloseRegistryKeyException>(", Registry Key: x, Error: 0xab", TEXT("x"), 0xAB);
+    ExpectText<CMessage, CUnableToFreeResourceDLLException>(", File: x, Error: 0xab", TEXT("x"), 0xAB);
+    ExpectText<CMessage, CUnableToCreateThreadException>(", Thread: x, Error: 171", TEXT("x"), 0xAB);
+    ExpectText<CMessage, CUnableToFindResourceException>(", Resource ID: 1, Error: 0xab", 1, 0xAB);
+    EXPECT_EQ(3, Count("[EXCEPTION] Text, Registry Key: x, Error: 0xab")) << "written once";
+    EXPECT_EQ(1, Count("[CRITICAL] Text")) << "the exception of a host without a module handle";
+    EXPECT_EQ(0, Count("[NOTIFICATION] Text")) << "masked by default";
+    const CDetailedMessageWithError error(LEVEL_ERROR, LUM_GINA_APP, LUM_GINA_MTM, TEXT("Text"), 5, 7, PATH,
+                                          true);
+    EXPECT_EQ(5u, error.m_dwError);
+    EXPECT_EQ(1, Count("[ERROR] Text, Error: 0x5"));
+    CBadArgException{LUM_GINA_ORIGIN, TEXT("szPlugin")};
+    EXPECT_EQ("[EXCEPTION] A bad argument was provided, Argument: szPlugin", Log().back());
     EXPECT_NE(std::string::npos, RawLog().find(") MessagesTests.cpp")) << "where it was made";
-    EXPECT_THROW(throw CNoPluginsNotification(LUM_GINA_ORIGIN), CMessage);
-    EXPECT_THROW(throw CWcscpyException(LUM_GINA_ORIGIN), CDetailedMessage);
-    EXPECT_THROW(throw CFreeGinaDLLFailException(LUM_GINA_ORIGIN, 1), CDetailedMessageWithError);
+    EXPECT_EQ("c.cpp", Narrow(GetFileName(TEXT("c.cpp"))));
+    EXPECT_EQ(nullptr, GetFileName(nullptr));
+}
+
+TEST_F(Messages, MayFailToBeWrittenAndAreCopied)
+{
+    struct COwnMessage : CMessage
+    {
+        using CMessage::CMessage;
+        void Write() override { throw 1; }
+    } own(LEVEL_ERROR, LUM_GINA_APP, LUM_GINA_MTM);
+    own.WriteIfUnwritten();
+    EXPECT_EQ(Lines{UNHANDLED}, InternalLog());
+    const CBadArgException exception(LUM_GINA_ORIGIN, TEXT("x"));
+    const CBadArgException copy = exception;
+    EXPECT_EQ(Narrow(exception.m_szMessage), Narrow(copy.m_szMessage));
+    EXPECT_NE(copy.m_szMessage, exception.m_szMessage);
+}
+
+TEST_F(Messages, OfAnObjectHaveItsTagAndKey)
+{
+    const CGlobalObject object(LUM_GINA_APP, LUM_GINA_MTM);
+    EXPECT_TRUE(object.szAPP == LUM_GINA_APP && object.szMTM == LUM_GINA_MTM);
+    const CGlobalObject nameless(nullptr, LUM_GINA_MTM);
+    EXPECT_EQ("MESSAGE_APP", Narrow(nameless.szAPP));
+    const CGlobalObject keyless(LUM_GINA_APP, nullptr);
+    EXPECT_TRUE(keyless.szAPP == nullptr && keyless.szMTM == nullptr);
+    EXPECT_EQ((Lines{"[EXCEPTION] A bad argument was provided, Argument: szAPP",
+                     "[EXCEPTION] A bad argument was provided, Argument: szMTM"}),
+              InternalLog());
 }
 
 } // namespace

@@ -52,13 +52,14 @@ TEST_F(WinlogonObject, CopiesWhatTheVersionHas)
         int nEntries;
     } const rows[] = {{0x0000FFFF, 0},  {0x00010000, 13}, {0x00010001, 17}, {0x00010002, 18},
                       {0x00010003, 25}, {0x00010004, 27}, {0x00020000, 27}};
+    EXPECT_FALSE(object.CopyFunctions(m_pTable)) << "no version yet";
     for (const auto& row : rows) {
         EXPECT_TRUE(object.SetWinlogonObject(m_pTable, row.dwVersion));
         EXPECT_EQ(FirstOf(row.nEntries), Members()) << row.dwVersion;
         EXPECT_EQ(m_pTable, object.GetWinlogonFunctions());
         EXPECT_EQ(row.nEntries != 0, object.CopyFunctions(m_pTable));
     }
-    EXPECT_EQ(2, Count("[EXCEPTION] A bad argument was provided, Argument: m_dwVersion"));
+    EXPECT_EQ(3, Count("[EXCEPTION] A bad argument was provided, Argument: m_dwVersion"));
 }
 
 TEST_F(WinlogonObject, RefusesNoTableAndWarnsOfGaps)
