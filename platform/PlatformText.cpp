@@ -51,7 +51,7 @@ void AppendUtf8(std::string& bytes, char32_t ch)
         return;
     }
     const int nFollowing = ch < 0x800 ? 1 : ch < 0x10000 ? 2 : 3;
-    bytes += static_cast<char>((0xF00 >> nFollowing & 0xFF) | ch >> 6 * nFollowing);
+    bytes += static_cast<char>((0xF00 >> (nFollowing + 1) & 0xFF) | ch >> 6 * nFollowing);
     for (int i = nFollowing - 1; i >= 0; --i) {
         bytes += static_cast<char>(0x80 | (ch >> 6 * i & 0x3F));
     }
