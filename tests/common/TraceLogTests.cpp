@@ -1,4 +1,5 @@
 #include <atomic>
+#include <ctime>
 #include <regex>
 
 #include "GlobalObject.h"
@@ -105,6 +106,16 @@ TEST_F(TraceLog, LineHasTimeTagLabelAndLineEnd)
         "TraceLogTests.cpp\r\n"
         ".{24} LUM_GINA: \\[EXIT \\] CTraced::Do, Return: 0x1, \\( \\d+ \\) TraceLogTests.cpp\r\n");
     EXPECT_TRUE(std::regex_match(RawLog(), pattern)) << RawLog();
+    const std::time_t now = std::time(nullptr);
+    char szDay[12];
+    std::strftime(szDay, sizeof(szDay), "%a %b %d ", std::localtime(&now));
+    EXPECT_EQ(szDay, RawLog().substr(0, 11));
+}
+
+TEST_F(TraceLog, IsInTheCodePageOfTheSystem)
+{
+    EXPECT_TRUE(WriteLogLine(LUM_GINA_APP, TEXT("ERROR"), TEXT("\u00E9\u20AC\u4E2De\u0301U\u0308s\u030C")));
+    EXPECT_EQ(Lines{"[ERROR] \xE9\x80?\xE9\xDC\x9A"}, Log());
 }
 
 TEST_F(TraceLog, LevelOutsideTheTableIsAHeader)

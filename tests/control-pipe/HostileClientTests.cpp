@@ -26,6 +26,15 @@ TEST_F(HostileClients, MayGoAtAnyByteOrSendTooMuch)
     ExpectService("all that");
 }
 
+TEST_F(HostileClients, MayGoBeforeTheyAreServed)
+{
+    SetTraceMask(LEVEL_DEBUG);
+    CRawClient().Close();
+    StartServer();
+    ExpectLine("[DEBUG] Could not connect to pipe, error 0xe8");
+    ExpectService("one that has gone");
+}
+
 TEST_F(HostileClients, MayStallAtAnyByte)
 {
     SetTraceMask(LEVEL_EXCEPTION);
