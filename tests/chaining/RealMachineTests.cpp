@@ -8,73 +8,52 @@
 
 namespace {
 
-class RealMachine : public CChainMachine
+/// The whole registry, as the system's editor would export it.
+std::multiset<std::string> Export()
 {
-protected:
-    RealMachine()
-    {
-        std::string reason;
-        EXPECT_EQ(ERROR_SUCCESS, MachineRegistry::Load(REAL_MACHINE_REG, &reason)) << reason;
-        StartHost();
-        ClearLog();
+    EXPECT_EQ(ERROR_SUCCESS, MachineRegistry::Save(TEXT("export.reg")));
+    std::ifstream file("export.reg", std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    std::erase_if(bytes, [](char ch) { return ch == 0 || ch == '\r'; });
+    std::istringstream text(bytes);
+    std::multiset<std::string> lines;
+    for (std::string line; std::getline(text, line);) {
+        lines.insert(line);
     }
-    ~RealMachine() override { MachineRegistry::Clear(); }
-
-    using Lines = std::multiset<std::string>;
-
-    /// The whole registry, as the system's editor would export it.
-    static Lines Export()
-    {
-        EXPECT_EQ(ERROR_SUCCESS, MachineRegistry::Save(TEXT("export.reg")));
-        std::ifstream file("export.reg", std::ios::binary);
-        std::string bytes((std::istreambuf_iterator<char>(file)), {});
-        std::erase_if(bytes, [](char ch) { return ch == 0 || ch == '\r'; });
-        std::istringstream text(bytes);
-        Lines lines;
-        for (std::string line; std::getline(text, line);) {
-            lines.insert(line);
-        }
-        return lines;
-    }
-
-    /// What an operation has changed: the lines gone, then "->", then the lines that are new.
-    template <typename Change>
-    static std::string Difference(Change change)
-    {
-        const Lines before = Export();
-        change();
-        const Lines after = Export();
-        std::vector<std::string> lines;
-        std::set_difference(before.begin(), before.end(), after.begin(), after.end(),
-                            std::back_inserter(lines));
-        lines.push_back("->");
-        std::set_difference(after.begin(), after.end(), before.begin(), before.end(),
-                            std::back_inserter(lines));
-        std::string difference;
-        for (const std::string& line : lines) {
-            difference += line + " ";
-        }
-        return difference;
-    }
-};
-
-TEST_F(RealMachine, IsReadWithoutBeingChanged)
-{
-    EXPECT_EQ("-> ", Difference([this] {
-                  EXPECT_EQ("wpnGina.dll PLinkGina.dll msgina.dll", ChainOf(*Build()));
-                  StartHost();
-              }));
-    WCHAR szText[260] = {};
-    EXPECT_TRUE(m_pWinlogon->m_pUIHost->GetRegistryString(szText, 260, false));
-    EXPECT_EQ("logonui.exe", Narrow(szText));
-    DWORD dwQuota = 0;
-    EXPECT_TRUE(m_pWinlogon->m_pSFCQuota->GetRegistryDword(&dwQuota, false));
-    EXPECT_EQ(0xFFFFFFFFu, dwQuota);
+    return lines;
 }
+
+/// What an operation has changed: the lines gone, then "->", then the lines that are new.
+template <typename Change>
+std::string Difference(Change change)
+{
+    const auto before = Export();
+    change();
+    const auto after = Export();
+    Lines lines;
+    std::set_difference(before.begin(), before.end(), after.begin(), after.end(), std::back_inserter(lines));
+    lines.push_back("->");
+    std::set_difference(after.begin(), after.end(), before.begin(), before.end(), std::back_inserter(lines));
+    std::string difference;
+    for (const std::string& line : lines) {
+        difference += line + " ";
+    }
+    return difference;
+}
+
+using RealMachine = CChainMachine;
 
 TEST_F(RealMachine, IsChangedInNothingButTheChain)
 {
-    const auto manager = Build();
+    ASSERT_EQ(ERROR_SUCCESS, MachineRegistry::Load(REAL_MACHINE_REG));
+    std::unique_ptr<CRegistryManager> manager;
+    const auto start = [&] {
+        StartHost();
+        manager = Build();
+    };
+    start();
+    EXPECT_EQ("-> ", Difference(start));
+    EXPECT_EQ("wpnGina.dll PLinkGina.dll msgina.dll", ChainOf(*manager));
     const auto enable = [&] {
         EXPECT_TRUE(manager->InsertGinaIntoChainingList(TEXT("lum_gina.dll"), nullptr, true));
     };
@@ -89,6 +68,7 @@ TEST_F(RealMachine, IsChangedInNothingButTheChain)
     SetString(WINLOGON_KEY, WINLOGON_GINA_DLL, TEXT("BVGina01.DLL"));
     EXPECT_EQ("-> ", Difference([&] { manager->ResyncWithRegistry(*Build(true)); }));
     EXPECT_EQ("BVGina01.DLL lum_gina.dll wpnGina.dll PLinkGina.dll msgina.dll", ChainOf(*manager));
+    MachineRegistry::Clear();
 }
 
 } // namespace

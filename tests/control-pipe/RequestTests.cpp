@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <functional>
 #include <map>
 
 #include "PipeMachine.h"
@@ -69,88 +68,33 @@ TEST_F(Requests, ThatAreUnknownFail)
     }
 }
 
-TEST_F(Requests, ReachTheHostThroughTheClientLibrary)
-{
-    using ControlProtocol::CWireRecord;
-    using Text = CControlClient::Text;
-    CControlClient client({60000, nullptr});
-    CWireRecord record = {};
-    DWORD dwVersion = 0;
-    CControlQuery query;
-    query.target = TEXT("TEST_PLUGIN_A.DLL");
-    query.record.dwSpare2 = 7;
-    query.name = TEXT("about.dll");
-    query.dwParam1 = 11;
-    query.dwParam2 = 12;
-    query.dwParam3 = 13;
-    const Text a = TEXT("test_plugin_a.dll");
-    const Text b = TEXT("test_plugin_b.dll");
-    const Text c = TEXT("test_plugin_c.dll");
-    const Text standin = TEXT("standin_gina.dll");
-    constexpr auto DONE = ControlStatus::Success;
-    constexpr auto REFUSED = ControlStatus::Refused;
-    const struct
-    {
-        const char* szWhat;
-        std::function<ControlStatus()> ask;
-        ControlStatus expected;
-        const char* szPlugins;
-    } rows[] = {
-        {"nothing", [&] { return client.Verify(); }, DONE, "abc"},
-        {"up", [&] { return client.IncreasePriority(b); }, DONE, "bac"},
-        {"up from the top", [&] { return client.IncreasePriority(b); }, REFUSED, "bac"},
-        {"down", [&] { return client.DecreasePriority(b); }, DONE, "abc"},
-        {"down from the end", [&] { return client.DecreasePriority(c); }, REFUSED, "abc"},
-        {"no name", [&] { return client.DecreasePriority({}); }, REFUSED, "abc"},
-        {"unload", [&] { return client.RemovePlugin(b, true); }, DONE, "ac"},
-        {"forget", [&] { return client.RemovePlugin(c, false); }, DONE, "ac"},
-        {"load", [&] { return client.AddPlugin(b, true); }, DONE, "acb"},
-        {"remember", [&] { return client.AddPlugin(c, false); }, DONE, "acb"},
-        {"ask", [&] { return client.QueryPlugin(query); }, DONE, "acb"},
-        {"loaded", [&] { return client.IsGinaInPluginList(standin); }, DONE, "acb"},
-        {"not", [&] { return client.IsGinaInPluginList(a + a); }, REFUSED, "acb"},
-        {"no info", [&] { return client.QueryPluginInfo(a + a, record); }, REFUSED, "acb"},
-        {"info", [&] { return client.QueryPluginInfo(a, record); }, DONE, "acb"},
-        {"gina", [&] { return client.GetPassthroughGina(record); }, DONE, "acb"},
-        {"chain", [&] { return client.IsGinaInChainingList(a); }, REFUSED, "acb"},
-        {"monitor off", [&] { return client.EnableActiveRegistryMonitoring(false); }, DONE, "acb"},
-        {"version", [&] { return client.GetVersion(dwVersion); }, DONE, "acb"},
-        {"out of the chain", [&] { return client.RemoveGina(standin); }, REFUSED, "acb"},
-        {"the host, too", [&] { return client.EnableGina(false); }, REFUSED, "acb"},
-        {"long name", [&] { return client.RemoveGina(Text(260, 'x')); }, ControlStatus::BadName, "acb"},
-        {"a zero in it", [&] { return client.RemoveGina(Text(1, 0)); }, ControlStatus::BadName, "acb"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.ask(), row.expected) << row.szWhat;
-        Lines chain;
-        for (const char* pPlugin = row.szPlugins; *pPlugin != 0; ++pPlugin) {
-            chain.push_back(std::string("test_plugin_") + *pPlugin + ".dll");
-        }
-        chain.push_back("standin_gina.dll");
-        EXPECT_EQ(Chain(), chain) << row.szWhat;
-    }
-    EXPECT_EQ(GetValue(OWN_KEY, TEXT("Plugins")),
-              "\"test_plugin_a.dll,test_plugin_b.dll,test_plugin_c.dll\"");
-    EXPECT_EQ(record.dwWlxVersion, DWORD(WLX_VERSION_1_4));
-    EXPECT_EQ(record.szGinaDLL, 0u) << "an address of the host";
-}
-
 TEST_F(Requests, HandPluginsRecordsOfTheHostsOwn)
 {
     CSeenQuery seen;
     plugins[0]->SetHook(PluginCall::QueryPlugin, NoteQuery, &seen);
+    const auto expectQuery = [&](const char* szName, DWORD dwSpare2) {
+        EXPECT_EQ(Narrow(seen.info.m_szGinaDLL), szName);
+        EXPECT_EQ(seen.info.m_szFriendlyName, nullptr);
+        EXPECT_EQ((std::vector<DWORD>{1, 0x00010003, 0x01000000, dwSpare2}),
+                  (std::vector<DWORD>{seen.info.m_dwSpare1, seen.info.m_dwWlxVersion,
+                                      seen.info.m_dwLUMVersion, seen.info.m_dwSpare2}));
+        EXPECT_EQ((std::vector<ULONG_PTR>{0xffffffff, 2, 3}),
+                  std::vector<ULONG_PTR>(seen.params, seen.params + 3));
+    };
     const std::string params = Number(0xffffffff) + Number(2) + Number(3);
     EXPECT_EQ(
         Exchange("\x69" + Record() + Record() + params + Counted("about.dll") + Counted("test_plugin_a.dll")),
         "00");
-    EXPECT_EQ(Narrow(seen.info.m_szGinaDLL), "about.dll");
-    EXPECT_EQ(seen.info.m_szFriendlyName, nullptr);
-    EXPECT_EQ(seen.info.m_dwSpare1, 1u);
-    EXPECT_EQ(seen.info.m_dwWlxVersion, 0x00010003u);
-    EXPECT_EQ(seen.info.m_dwLUMVersion, 0x01000000u);
-    EXPECT_EQ(seen.info.m_dwSpare2, 2u);
-    EXPECT_EQ(static_cast<DWORD>(seen.params[0]), 0xffffffffu);
-    EXPECT_EQ(static_cast<DWORD>(seen.params[2]), 3u);
+    expectQuery("about.dll", 2);
+    // The same through the client library, which refuses what the host would.
+    CControlClient client({60000, nullptr});
+    CControlQuery query = {TEXT("TEST_PLUGIN_A.DLL"), {}, TEXT("another.dll"), 0xffffffff, 2, 3};
+    query.record = {0, 0, 1, 0, 0, 0x00010003, 0x01000000, 7};
+    EXPECT_EQ(client.QueryPlugin(query), ControlStatus::Success);
+    expectQuery("another.dll", 7);
+    for (const CControlClient::Text& name : {CControlClient::Text(260, 'x'), CControlClient::Text(1, 0)}) {
+        EXPECT_EQ(client.RemoveGina(name), ControlStatus::BadName);
+    }
 }
 
 TEST_F(Requests, AreCarriedOutUnderTheClientsIdentity)
