@@ -101,16 +101,16 @@ TEST_F(MachineRegistryFile, ReadsEveryEncoding)
 {
     const std::string body = KEY_LINE + "\"v\"=\"";
     for (const std::string& bytes : {
-             ToUtf16(Widen(HEADING + body) + TEXT("\u00E9\"")),
-             HEADING + body + "\xC3\xA9\"",
-             "\xEF\xBB\xBF" + HEADING + body + "\xC3\xA9\"",
-             "REGEDIT4\n\n" + body + "\xE9\"",
-             "REGEDIT4\n" + KEY_LINE + "\"v\"=hex(1):e9,00",
+             ToUtf16(Widen(HEADING + body) + TEXT("\u00E9\u20AC\"")),
+             HEADING + body + "\xC3\xA9\xE2\x82\xAC\"",
+             "\xEF\xBB\xBF" + HEADING + body + "\xC3\xA9\xE2\x82\xAC\"",
+             "REGEDIT4\n\n" + body + "\xE9\x80\"",
+             "REGEDIT4\n" + KEY_LINE + "\"v\"=hex(1):e9,80,00",
          })
     {
         MachineRegistry::Clear();
         EXPECT_EQ(Load(bytes), ERROR_SUCCESS) << bytes;
-        EXPECT_EQ(Saved(), "\"v\"=\"\xC3\xA9\"\r\n") << bytes;
+        EXPECT_EQ(Saved(), "\"v\"=\"\xC3\xA9\xE2\x82\xAC\"\r\n") << bytes;
     }
 }
 
