@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 
@@ -12,8 +11,7 @@ namespace {
 std::multiset<std::string> Export()
 {
     EXPECT_EQ(ERROR_SUCCESS, MachineRegistry::Save(TEXT("export.reg")));
-    std::ifstream file("export.reg", std::ios::binary);
-    std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    std::string bytes = ReadBytes("export.reg");
     std::erase_if(bytes, [](char ch) { return ch == 0 || ch == '\r'; });
     std::istringstream text(bytes);
     std::multiset<std::string> lines;

@@ -68,6 +68,7 @@ TEST_F(LUMObject, AndTheThreadsNeedWhatTheyServe)
         {"pLUMRegistry", [&] { makeMonitor(pManager, nullptr, pWinlogon); }},
         {"pWinlogonRegistry", [&] { makeMonitor(pManager, pRegistry, nullptr); }},
         {"hInst", [] { CResourceObject(LUM_GINA_APP, LUM_GINA_MTM, nullptr, 0, 0); }},
+        {"hInstance", [] { CGinaContext(LUM_GINA_APP, LUM_GINA_MTM, nullptr); }},
     };
     for (const auto& row : rows) {
         ClearLog();

@@ -1,9 +1,7 @@
 #include <cstring>
 #include <fstream>
-#include <iterator>
 
-#include <gtest/gtest.h>
-
+#include "TestMachine.h"
 #include "machine/DllFile.h"
 
 namespace {
@@ -13,12 +11,6 @@ using State = CDllFile::State;
 // Tests run in a folder of their own beside the one of programs and DLLs.
 constexpr WCHAR BUILD_FOLDER[] = TEXT("../../../bin");
 constexpr char SAMPLE[] = "../../../bin/pass_plugin.dll";
-
-std::string ReadSample()
-{
-    std::ifstream file(SAMPLE, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(file)), {});
-}
 
 CDllFile InspectBytes(const std::string& bytes)
 {
@@ -86,7 +78,7 @@ TEST(DllFile, OfWindowsIsReadOnBothTargets)
 
 TEST(DllFile, DamageIsNoDllAndNoCrash)
 {
-    const std::string sample = ReadSample();
+    const std::string sample = ReadBytes(SAMPLE);
     ASSERT_GT(sample.size(), 4096u);
     EXPECT_EQ(State::Unusable, InspectBytes("").state);
     EXPECT_EQ(State::Unusable, InspectBytes("MZ").state);

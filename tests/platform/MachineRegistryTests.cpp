@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 
 #include "TestMachine.h"
 #include "platform/Text.h"
@@ -34,16 +33,11 @@ protected:
         std::ofstream(NARROW_FILE, std::ios::binary) << bytes;
         return MachineRegistry::Load(FILE_NAME, pReason);
     }
-    static std::string ReadBack()
-    {
-        std::ifstream file(NARROW_FILE, std::ios::binary);
-        return std::string((std::istreambuf_iterator<char>(file)), {});
-    }
     /// What is written below the key, in UTF-8.
     static std::string Saved()
     {
         EXPECT_EQ(MachineRegistry::Save(FILE_NAME), ERROR_SUCCESS);
-        const std::string bytes = ReadBack();
+        const std::string bytes = ReadBytes(NARROW_FILE);
         const std::string text =
             Native::ToUtf8({reinterpret_cast<const WCHAR*>(bytes.data()) + 1, bytes.size() / 2 - 1});
         return text.substr(std::min(text.find(KEY_LINE), text.size() - KEY_LINE.size()) + KEY_LINE.size());
@@ -88,11 +82,11 @@ TEST_F(MachineRegistryFile, ReadsEveryFormOfAValueAndWritesOne)
     SetBytes(KEY, TEXT("half a character"), REG_SZ, TEXT("\xD800"), 4);
     SetBytes(KEY, TEXT("several lines"), REG_BINARY, std::string(100, '\1').data(), 100);
     EXPECT_EQ(MachineRegistry::Save(FILE_NAME), ERROR_SUCCESS);
-    const std::string saved = ReadBack();
+    const std::string saved = ReadBytes(NARROW_FILE);
     MachineRegistry::Clear();
     EXPECT_EQ(MachineRegistry::Load(FILE_NAME), ERROR_SUCCESS);
     EXPECT_EQ(MachineRegistry::Save(FILE_NAME), ERROR_SUCCESS);
-    EXPECT_EQ(ReadBack(), saved);
+    EXPECT_EQ(ReadBytes(NARROW_FILE), saved);
     EXPECT_EQ(Load(HEADING + KEY_LINE + "\"v\"=hex(1):61,00\n\"n\"=dword:102"), ERROR_SUCCESS);
     EXPECT_EQ(GetValue(KEY, TEXT("v")) + GetValue(KEY, TEXT("n")), "\"a\"258");
 }
@@ -165,10 +159,10 @@ TEST_F(MachineRegistryFile, RefusesAMalformedFileAsAWhole)
 TEST_F(MachineRegistryFile, KeepsTheOldFileWhenItCannotWriteANewOne)
 {
     EXPECT_EQ(MachineRegistry::Save(FILE_NAME), ERROR_SUCCESS);
-    const std::string saved = ReadBack();
+    const std::string saved = ReadBytes(NARROW_FILE);
     SetString(KEY, TEXT("two\nlines"), TEXT("1"));
     EXPECT_EQ(MachineRegistry::Save(FILE_NAME), ERROR_INVALID_NAME);
-    EXPECT_EQ(ReadBack(), saved);
+    EXPECT_EQ(ReadBytes(NARROW_FILE), saved);
     MachineRegistry::Clear();
     EXPECT_EQ(MachineRegistry::Save(TEXT("no\\such\\machine.reg")), ERROR_FILE_NOT_FOUND);
 }

@@ -4,8 +4,6 @@
 #include "Machine.h"
 
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 
 #include <winwlx.h>
 
@@ -21,14 +19,8 @@ constexpr char DAY[] = "Attach\nWlxNegotiate\nWlxInitialize\n";
 /// A saved registry, in UTF-16, as plain text.
 std::string ReadSaved()
 {
-    std::ostringstream bytes;
-    bytes << std::ifstream(FILE_NAME, std::ios::binary).rdbuf();
-    std::string text;
-    for (const char ch : bytes.str()) {
-        if (ch > 0 && ch != '\r') {
-            text += ch;
-        }
-    }
+    std::string text = ReadBytes(FILE_NAME);
+    std::erase_if(text, [](char ch) { return ch <= 0 || ch == '\r'; });
     return text;
 }
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <regex>
 #include <sstream>
 
@@ -29,20 +30,12 @@ void DeleteUsedKeys()
     }
 }
 
-std::string ReadFile(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
 std::vector<std::string> ReadLines(const std::string& path)
 {
     // Time and tag in front, place of the statement behind.
     static const std::regex pattern("^.{24} \\w+: (\\[.*\\] .*?)(,? \\( \\d+ \\) \\w+\\.\\w+)?$");
     std::vector<std::string> lines;
-    std::istringstream text(ReadFile(path));
+    std::istringstream text(ReadBytes(path));
     for (std::string line; std::getline(text, line);) {
         line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
         std::smatch match;
@@ -52,6 +45,12 @@ std::vector<std::string> ReadLines(const std::string& path)
 }
 
 } // namespace
+
+std::string ReadBytes(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(file)), {});
+}
 
 std::string GetLogFolder()
 {
@@ -140,7 +139,7 @@ std::vector<std::string> CTestMachine::InternalLog() const
 
 std::string CTestMachine::RawLog() const
 {
-    return ReadFile(m_szLog);
+    return ReadBytes(m_szLog);
 }
 
 void CTestMachine::ClearLog()

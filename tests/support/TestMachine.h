@@ -58,6 +58,9 @@ inline constexpr WCHAR DEBUG_KEY[] = TEXT("Software\\ORX\\Security\\Debug");
 /// on.
 std::string GetLogFolder();
 
+/// Every byte of a file; none when there is no such file.
+std::string ReadBytes(const std::string& path);
+
 /// Plain ASCII in and out.
 std::string Narrow(const WCHAR* szText);
 std::basic_string<WCHAR> Widen(const std::string& text);

@@ -7,7 +7,6 @@
 #include "LUMRegMonitorThreadObject.h"
 #include "TestMachine.h"
 #include "TestThread.h"
-#include "guard/StructuredExceptions.h"
 #include "platform/FaultInjection.h"
 
 namespace {
@@ -118,23 +117,6 @@ TEST_F(FailingThread, IsStoppedAlsoWhenNobodyCanWaitOrHearOfIt)
         EXPECT_EQ(row.log, Log());
         EXPECT_EQ(WAIT_FAILED, WaitForSingleObject(hThread, 0)) << "its handle is closed";
     }
-}
-
-// Windows itself deals with what a window procedure throws.
-void CALLBACK OnFailingMessage(HWND, UINT, UINT_PTR, DWORD)
-{
-    FaultGuard::RaiseForeignException();
-}
-
-TEST_F(FailingThread, ReportsAMessageThatFails)
-{
-    MSG message;
-    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
-    CTestThread thread;
-    thread.StartThread();
-    PostThreadMessageW(GetCurrentThreadId(), WM_TIMER, 0, reinterpret_cast<LPARAM>(OnFailingMessage));
-    EXPECT_TRUE(thread.StopThread());
-    EXPECT_EQ((Lines{UNHANDLED}), Log());
 }
 
 TEST_F(FailingThread, ClosesTheOtherEventsWhenOneCannotBeClosed)

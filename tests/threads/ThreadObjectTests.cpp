@@ -131,6 +131,11 @@ TEST_F(ThreadObject, DispatchesTheMessagesOfItsOwnerWhileItIsStopped)
         Post(dwOwner, OnMessage);
         EXPECT_TRUE(thread.StopThread());
         EXPECT_EQ(row.nDispatched, g_nDispatched) << row.szName;
+#ifndef _WIN32
+        // Windows itself deals with what a window procedure throws.
+        EXPECT_EQ(Lines{UNHANDLED}, Log());
+#endif
+        ClearLog();
     }
 }
 
@@ -217,19 +222,6 @@ TEST_F(ThreadObject, IsStartedAgainAfterAStopThatWasGivenUp)
         EXPECT_TRUE(thread.StopThread());
         EXPECT_EQ(row.nRuns, thread.m_nRuns);
     }
-}
-
-TEST_F(ThreadObject, IsStoppedWhenItIsDestroyed)
-{
-    bool bStopped = false;
-    {
-        CTestThread thread([&](CTestThread& self) {
-            bStopped = self.AwaitStop(10000);
-            self.SignalFinish();
-        });
-        thread.StartThread();
-    }
-    EXPECT_TRUE(bStopped);
 }
 
 TEST_F(ThreadObject, DeletesItself)
