@@ -89,7 +89,7 @@ TEST_F(GinaStandardObject, NegotiatedVersionDecidesWhatIsCalled)
 
 TEST_F(GinaStandardObject, OptionalExportsMayBeMissing)
 {
-    const ObjectPtr object = MakeObject(TEXT("standin_gina_no_optional.dll"));
+    ObjectPtr object = MakeObject(TEXT("standin_gina_no_optional.dll"));
     for (const char* szName :
          {"WlxStartApplication", "WlxScreenSaverNotify", "WlxReconnectNotify", "WlxDisconnectNotify"})
     {
@@ -106,6 +106,8 @@ TEST_F(GinaStandardObject, OptionalExportsMayBeMissing)
     standin->Reset();
     EXPECT_THROW(whole->IsLockOk(&node, CONTEXT), CUnexpectedGinaException);
     EXPECT_EQ(0u, standin->GetRecordCount());
+    object.reset();
+    EXPECT_EQ(nullptr, GetModuleHandleW(TEXT("standin_gina_no_optional.dll")));
 }
 
 } // namespace
