@@ -176,12 +176,16 @@ TEST_F(GinaPluginObject, ResultsComeBackInTheWidthThatTheyHave)
     EXPECT_EQ(Lines{"WlxIsLogoffOk"}, gina.Calls());
 }
 
-TEST_F(GinaPluginObject, FindsWinlogonsHandleInItsContextWhenItIsInitialised)
+TEST_F(GinaPluginObject, InitializeHandsOverEverythingAndKeepsWinlogonsHandle)
 {
     CContextReader reader{AddPlugin(a.GetName()), nullptr};
     a->SetHook(PluginCall::Initialize, CContextReader::Read, &reader);
-    EXPECT_TRUE(First().Initialize(nullptr, 1, nullptr, CONTEXT, nullptr, nullptr, nullptr, 0, 0));
-    EXPECT_EQ(CONTEXT, reader.hWlx);
+    const auto place = [](ULONG_PTR n) { return reinterpret_cast<PVOID>(n); };
+    PVOID pContext = nullptr;
+    EXPECT_TRUE(First().Initialize(nullptr, 7, nullptr, place(3), place(4), place(5), &pContext, 8, 9));
+    const ULONG_PTR expected[] = {0, 7, 0, 3, 4, 5, reinterpret_cast<ULONG_PTR>(&pContext), 8, 9};
+    EXPECT_EQ(0, std::memcmp(expected, a.LastRecord().argument, sizeof(expected)));
+    EXPECT_EQ(place(3), reader.hWlx) << "the plugin may look for it in its context already";
 }
 
 TEST_F(GinaPluginObject, FailuresCostOneCall)
