@@ -52,6 +52,9 @@ TEST_F(WinlogonRegistry, WithoutTheKeyEachValueIsMissedInOrder)
     EXPECT_TRUE(registry.SetGinaDLL(TEXT("lum_gina.dll")));
     EXPECT_EQ("\"lum_gina.dll\"", GetValue(WINLOGON_KEY, WINLOGON_GINA_DLL));
     EXPECT_EQ("lum_gina.dll", Get(registry));
+    EXPECT_TRUE(registry.m_pGinaDLL->DeleteRegistryValue());
+    EXPECT_EQ("(failed)", Get(registry));
+    EXPECT_EQ("(none)", GetValue(WINLOGON_KEY, WINLOGON_GINA_DLL)) << "an empty one would keep Winlogon down";
 }
 
 TEST_F(WinlogonRegistry, MissingValuesStayMissingAndUnreadableOnesAreDoneWithout)
