@@ -51,8 +51,8 @@ TEST_F(Messages, WithoutAReadableFormatAreNotWritten)
 {
     constexpr char BAD[] = "[WARNING] Improperly formed format message";
     const std::pair<const WCHAR*, const char*> rows[] = {
-        {TEXT("%s"), BAD},         {TEXT("%q"), BAD},    {TEXT("%d %d"), BAD},
-        {TEXT("trailing %"), BAD}, {nullptr, UNHANDLED}, {reinterpret_cast<const WCHAR*>(0x40), UNHANDLED}};
+        {TEXT("%s"), BAD},         {TEXT("%q"), BAD}, {TEXT("%d %d"), BAD},
+        {TEXT("trailing %"), BAD}, {nullptr, BAD},    {reinterpret_cast<const WCHAR*>(0x40), UNHANDLED}};
     for (const auto& [szFormat, szFirst] : rows) {
         ClearLog();
         CMessageArgList message(LEVEL_ERROR, LUM_GINA_APP, LUM_GINA_MTM, true, szFormat, 1);
@@ -63,6 +63,7 @@ TEST_F(Messages, WithoutAReadableFormatAreNotWritten)
         EXPECT_TRUE(Log().empty());
         EXPECT_EQ((Lines{szFirst, BAD}), InternalLog());
     }
+    EXPECT_FALSE(Make(TEXT("%s"), reinterpret_cast<const WCHAR*>(0x40)).m_bFormatted);
     EXPECT_FALSE(LogMessage(LUM_GINA_APP, TEXT("WARNING"), nullptr, 7, PATH));
 }
 
@@ -154,6 +155,7 @@ TEST_F(Messages, OfExceptionsTellTheirDetails)
     EXPECT_NE(std::string::npos, RawLog().find(") MessagesTests.cpp")) << "where it was made";
     EXPECT_EQ("c.cpp", Narrow(GetFileName(TEXT("c.cpp"))));
     EXPECT_EQ(nullptr, GetFileName(nullptr));
+    EXPECT_EQ(Lines{"[EXCEPTION] Null source file"}, InternalLog());
 }
 
 TEST_F(Messages, MayFailToBeWrittenAndAreCopied)
