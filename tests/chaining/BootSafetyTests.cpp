@@ -52,10 +52,10 @@ TEST_F(BootSafety, OfReadingTheChain)
         });
     };
     EXPECT_EQ(Moments(), repair("lum_gina.dll"));
-    EXPECT_EQ(Moments(), repair("lum_gina.dll wpnGina.dll"));
-    // Such a machine does not come up in the first place.
-    EXPECT_EQ((Moments{"1: wpnGina.dll loads nothing", "2: wpnGina.dll loads nothing"}),
-              repair("wpnGina.dll"));
+    // Such machines do not come up in the first place.
+    const Moments broken = {"1: wpnGina.dll loads nothing", "2: wpnGina.dll loads nothing"};
+    EXPECT_EQ(broken, repair("lum_gina.dll wpnGina.dll"));
+    EXPECT_EQ(broken, repair("wpnGina.dll"));
 }
 
 } // namespace

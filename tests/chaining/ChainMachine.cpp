@@ -28,8 +28,6 @@ struct CPassthrough
 };
 
 const std::set<std::string> TERMINATORS = {"msgina.dll", "qslogon.dll", "term.dll", "incterm.dll"};
-const std::set<std::string> OTHERS = {"wpnGina.dll", "PLinkGina.dll", "BVGina01.DLL", "kvs_gina.dll",
-                                      "rec.dll",     "inc.dll",       "turned.dll"};
 
 // Bottom up, since a key with subkeys cannot be deleted.
 const WCHAR* const GINA_KEYS[] = {
@@ -168,12 +166,11 @@ std::string CChainMachine::Boot(const Values& values, const std::set<std::string
     std::string from = "Winlogon";
     std::string next = values.count(from) != 0 ? values.at(from) : "msgina.dll";
     while (TERMINATORS.count(next) == 0 || missing.count(next) != 0) {
-        if (next == "lum_gina.dll") {
-            const auto own = values.find(next);
-            return own != values.end() && own->second == next ? "lum_gina.dll loads itself" : "";
+        if (missing.count(next) != 0 || FindPassthrough(next) == nullptr) {
+            return from == "lum_gina.dll" ? "" : from + " loads " + (next.empty() ? "nothing" : next);
         }
-        if (missing.count(next) != 0 || OTHERS.count(next) == 0 || !loaded.insert(next).second) {
-            return from + " loads " + (next.empty() ? "nothing" : next);
+        if (!loaded.insert(next).second) {
+            return from + " loads " + next;
         }
         from = next;
         next = values.count(from) != 0 ? values.at(from) : "";

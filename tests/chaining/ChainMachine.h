@@ -33,8 +33,8 @@ protected:
     /// "msgina.dll,0,0,0,0".
     static void SetRecord(const char* szGinaDLL, const char* szDefaultAndFlags);
 
-    /// What keeps the machine from coming up with these values, empty when it comes up. The host comes up
-    /// whatever follows it, unless that is itself: it falls back to msgina.dll. missing: GINAs without a DLL.
+    /// What keeps the machine from coming up with these values, empty when it comes up. The host makes do
+    /// with msgina.dll when it cannot load what follows it. missing: GINAs without a DLL.
     static std::string Boot(const Values& values, const std::set<std::string>& missing);
 
     /// Uninstalls all GINAs but the host.

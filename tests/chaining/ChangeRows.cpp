@@ -17,7 +17,7 @@ const std::vector<CChangeMachine::CRow> CChangeMachine::ROWS = {
     {"lum_gina.dll msgina.dll", "insert wpnGina.dll before PLinkGina.dll", nullptr},
     {"lum_gina.dll msgina.dll", "insert qslogon.dll before msgina.dll", nullptr},
     // Last: a terminator keeps the end to itself.
-    {"lum_gina.dll msgina.dll", "insert PLinkGina.dll", "lum_gina.dll PLinkGina.dll msgina.dll"},
+    {"lum_gina.dll msgina.dll", "insert PLinkGina.dll", "lum_gina.dll PLinkGina.dll msgina.dll", nullptr, {"2: PLinkGina.dll loads nothing", "3: PLinkGina.dll loads nothing", "4: PLinkGina.dll loads nothing"}},
     {"wpnGina.dll msgina.dll", "insert qslogon.dll", "wpnGina.dll qslogon.dll"},
     {"msgina.dll", "insert term.dll", "term.dll"},
     {"", "insert wpnGina.dll, insert kvs_gina.dll", "wpnGina.dll kvs_gina.dll", "wpnGina.dll kvs_gina.dll...", {"2: kvs_gina.dll loads nothing"}},
@@ -56,17 +56,17 @@ const std::vector<CChangeMachine::CRow> CChangeMachine::ROWS = {
     {"x.dll", "resync Winlogon=msgina.dll", "x.dll...", "msgina.dll"},
     {"", "resync Winlogon=x.dll", ""},
     {"lum_gina.dll msgina.dll", "resync Winlogon=x.dll", "lum_gina.dll msgina.dll"},
-    {"lum_gina.dll wpnGina.dll msgina.dll", "resync wpnGina.dll=", "lum_gina.dll msgina.dll"},
+    {"lum_gina.dll wpnGina.dll msgina.dll", "resync wpnGina.dll=", "lum_gina.dll msgina.dll", nullptr, {"1: wpnGina.dll loads nothing"}},
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync lum_gina.dll=", "lum_gina.dll wpnGina.dll msgina.dll"},
-    {"lum_gina.dll wpnGina.dll msgina.dll", "resync wpnGina.dll=lum_gina.dll", "lum_gina.dll msgina.dll"},
+    {"lum_gina.dll wpnGina.dll msgina.dll", "resync wpnGina.dll=lum_gina.dll", "lum_gina.dll msgina.dll", nullptr, {"1: wpnGina.dll loads lum_gina.dll"}},
     {"lum_gina.dll msgina.dll", "resync Winlogon=PLinkGina.dll PLinkGina.dll=", "lum_gina.dll msgina.dll"},
     {"lum_gina.dll rec.dll msgina.dll", "record rec.dll=none, resync", "lum_gina.dll rec.dll msgina.dll", "lum_gina.dll rec.dll..."},
 
     // It has grown: by what passes by the host, by something incompatible, by what the host stays behind.
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync Winlogon=PLinkGina.dll PLinkGina.dll=wpnGina.dll", "lum_gina.dll wpnGina.dll msgina.dll"},
     {"msgina.dll", "resync Winlogon=wpnGina.dll wpnGina.dll=msgina.dll", "lum_gina.dll msgina.dll"},
-    {"lum_gina.dll msgina.dll", "resync Winlogon=wpnGina.dll wpnGina.dll=PLinkGina.dll PLinkGina.dll=msgina.dll", "lum_gina.dll lum_gina.dll msgina.dll", "lum_gina.dll msgina.dll", {"2: lum_gina.dll loads itself"}},
-    {"wpnGina.dll lum_gina.dll msgina.dll", "resync Winlogon=PLinkGina.dll PLinkGina.dll=kvs_gina.dll kvs_gina.dll=rec.dll rec.dll=msgina.dll wpnGina.dll=", "lum_gina.dll wpnGina.dll lum_gina.dll msgina.dll", "lum_gina.dll msgina.dll"},
+    {"lum_gina.dll msgina.dll", "resync Winlogon=wpnGina.dll wpnGina.dll=PLinkGina.dll PLinkGina.dll=msgina.dll", "lum_gina.dll lum_gina.dll msgina.dll", "lum_gina.dll msgina.dll", {"2: lum_gina.dll loads lum_gina.dll"}},
+    {"wpnGina.dll lum_gina.dll msgina.dll", "resync Winlogon=PLinkGina.dll PLinkGina.dll=kvs_gina.dll kvs_gina.dll=rec.dll rec.dll=msgina.dll wpnGina.dll=", "lum_gina.dll wpnGina.dll lum_gina.dll msgina.dll", "lum_gina.dll msgina.dll", {"2: wpnGina.dll loads nothing", "3: wpnGina.dll loads lum_gina.dll"}},
     {"lum_gina.dll msgina.dll", "resync Winlogon=inc.dll inc.dll=lum_gina.dll", "lum_gina.dll msgina.dll"},
     {"lum_gina.dll msgina.dll", "resync Winlogon=wpnGina.dll wpnGina.dll=lum_gina.dll", "wpnGina.dll lum_gina.dll msgina.dll"},
     {"lum_gina.dll msgina.dll", "resync Winlogon=LUM_GINA.DLL lum_gina.dll=wpnGina.dll wpnGina.dll=msgina.dll", "LUM_GINA.DLL wpnGina.dll msgina.dll"},
@@ -77,7 +77,7 @@ const std::vector<CChangeMachine::CRow> CChangeMachine::ROWS = {
     // It has shrunk with the host in it, or been cut off before the host.
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync lum_gina.dll=msgina.dll", "lum_gina.dll wpnGina.dll msgina.dll", "lum_gina.dll msgina.dll"},
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync Winlogon=wpnGina.dll", "lum_gina.dll wpnGina.dll msgina.dll"},
-    {"lum_gina.dll wpnGina.dll msgina.dll", "resync Winlogon=msgina.dll wpnGina.dll=", "lum_gina.dll msgina.dll"},
+    {"lum_gina.dll wpnGina.dll msgina.dll", "resync Winlogon=msgina.dll wpnGina.dll=", "lum_gina.dll msgina.dll", nullptr, {"1: wpnGina.dll loads nothing", "2: wpnGina.dll loads nothing"}},
     {"wpnGina.dll lum_gina.dll msgina.dll", "resync Winlogon=msgina.dll wpnGina.dll=", "lum_gina.dll msgina.dll", nullptr, {"1: Winlogon loads wpnGina.dll"}, {"wpnGina.dll"}},
     {"wpnGina.dll msgina.dll", "resync Winlogon=msgina.dll wpnGina.dll=", "msgina.dll", nullptr, {"1: Winlogon loads wpnGina.dll"}, {"wpnGina.dll"}},
     {"wpnGina.dll lum_gina.dll msgina.dll", "resync Winlogon=msgina.dll", "wpnGina.dll lum_gina.dll msgina.dll", nullptr, {"1: Winlogon loads wpnGina.dll", "2: Winlogon loads wpnGina.dll", "3: Winlogon loads wpnGina.dll", "4: Winlogon loads wpnGina.dll"}, {"wpnGina.dll"}},
@@ -85,7 +85,7 @@ const std::vector<CChangeMachine::CRow> CChangeMachine::ROWS = {
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync Winlogon=qslogon.dll", "lum_gina.dll wpnGina.dll qslogon.dll"},
     {"lum_gina.dll wpnGina.dll msgina.dll", "remove msgina.dll, resync Winlogon=qslogon.dll", "lum_gina.dll wpnGina.dll qslogon.dll"},
     {"lum_gina.dll msgina.dll", "resync Winlogon=incterm.dll", "lum_gina.dll msgina.dll"},
-    {"lum_gina.dll turned.dll msgina.dll", "record turned.dll=msgina.dll,1,0,0,0, resync Winlogon=turned.dll", "lum_gina.dll turned.dll turned.dll msgina.dll", "lum_gina.dll turned.dll"},
+    {"lum_gina.dll turned.dll msgina.dll", "record turned.dll=msgina.dll,1,0,0,0, resync Winlogon=turned.dll", "lum_gina.dll turned.dll turned.dll msgina.dll", "lum_gina.dll turned.dll", {"4: turned.dll loads turned.dll"}},
     // As many records as the host has learned, though another one.
     {"rec.dll lum_gina.dll msgina.dll", "resync Winlogon=term.dll", "rec.dll lum_gina.dll msgina.dll"},
     {"rec.dll lum_gina.dll msgina.dll", "resync Winlogon=lum_gina.dll lum_gina.dll=wpnGina.dll wpnGina.dll=PLinkGina.dll PLinkGina.dll=term.dll, resync Winlogon=qslogon.dll", "lum_gina.dll wpnGina.dll PLinkGina.dll qslogon.dll"},

@@ -65,14 +65,10 @@ TEST_F(ChainCommands, ChangeTheChainOrSayWhyNot)
     const char* const WITHOUT_HOST = "msgina.dll";
     const char* const WITHOUT_OTHERS = "msgina.dll lum_gina.dll=lum_gina.dll";
     const char* const ENABLED =
-        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon\n"
-        "  GinaDLL: \"wpnGina.dll\" -> \"lum_gina.dll\"\n"
         "HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina\n"
         "  GinaDLL: (none) -> \"wpnGina.dll\"\n"
-        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tamsin\\Airlink\\wpnGina\n"
-        "  OldGinaDLL: \"PLinkGina.dll\" (stays)\n"
-        "HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\PortLink\\PLinkGina\n"
-        "  OldGinaDLL: \"msgina.dll\" (stays)\n";
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon\n"
+        "  GinaDLL: \"wpnGina.dll\" -> \"lum_gina.dll\"\nWritten";
     // clang-format off
     const struct
     {

@@ -52,10 +52,22 @@ protected:
                 }
                 ExpectDoneOrPutBackOrSaid(run, before, after, repeat == FaultRepeat::FromThenOn);
             }
-            start();
-            const CFaultInjection stop = CFaultInjection::StopMachine(dwWrite);
-            Run(szCommand);
-            EXPECT_EQ("", Boot(GetValues(), {}));
+        }
+        ExpectBootsAtEachMoment(before, szCommand);
+    }
+
+    /// Has the machine stop after each write of a command.
+    static void ExpectBootsAtEachMoment(const Values& before, const std::string& command)
+    {
+        bool bStopped = true;
+        for (DWORD dwWrites = 1; bStopped; ++dwWrites) {
+            SetValues(before);
+            {
+                const CFaultInjection stop = CFaultInjection::StopMachine(dwWrites + 1);
+                Run(command);
+                bStopped = stop.HasFired();
+            }
+            EXPECT_EQ("", Boot(GetValues(), {})) << command << " from " << testing::PrintToString(before);
         }
     }
 };
@@ -73,6 +85,36 @@ TEST_F(FailingWrites, LeaveAMachineThatComesUpAndAreTakenBackOrTold)
         ASSERT_EQ(STATUS_DONE, Run("chain backup --force saved.reg").status);
         for (const char* szCurrent : CHAINS) {
             TryEachWrite(szCurrent, "chain restore saved.reg");
+        }
+    }
+}
+
+// Whatever other installers left behind.
+TEST_F(FailingWrites, LeaveAMachineThatComesUpFromEverySetOfValues)
+{
+    const std::vector<std::string> names = {"", "msgina.dll", "lum_gina.dll", "wpnGina.dll", "kvs_gina.dll"};
+    SetDlls("lum_gina.dll msgina.dll wpnGina.dll kvs_gina.dll");
+    for (const char* szSaved :
+         {"lum_gina.dll wpnGina.dll msgina.dll", "kvs_gina.dll lum_gina.dll msgina.dll"}) {
+        SetValues(ValuesOf(szSaved));
+        ASSERT_EQ(STATUS_DONE, Run(std::string("chain backup --force ") + szSaved[0] + ".reg").status);
+    }
+    for (std::size_t nSet = 0; nSet < 5 * 5 * 5 * 5; ++nSet) {
+        Values before;
+        std::size_t nRest = nSet;
+        for (const char* szGina : {"Winlogon", "lum_gina.dll", "wpnGina.dll", "kvs_gina.dll"}) {
+            if (nRest % names.size() != 0) {
+                before[szGina] = names[nRest % names.size()];
+            }
+            nRest /= names.size();
+        }
+        if (!Boot(before, {}).empty()) {
+            continue;
+        }
+        for (const char* szCommand : {"enable", "disable", "remove wpnGina.dll", "remove kvs_gina.dll",
+                                      "restore l.reg", "restore k.reg"})
+        {
+            ExpectBootsAtEachMoment(before, std::string("chain ") + szCommand);
         }
     }
 }

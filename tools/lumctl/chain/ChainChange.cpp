@@ -15,22 +15,16 @@ const CValueData& DataOf(const CChainValues& values, const CValuePlace& place)
     return pValue != nullptr ? pValue->data : none;
 }
 
-bool Differs(const CChainChange& change, const CValuePlace& place)
-{
-    return DataOf(change.before, place) != DataOf(change.after, place);
-}
-
-void PrintWrites(const CChainChange& change, std::string& output)
+void PrintWrites(const CChainChange& change, const std::vector<CValuePlace>& places, std::string& output)
 {
     std::string key;
-    for (const CValuePlace& place : change.places) {
+    for (const CValuePlace& place : places) {
         if (DescribeKey(place) != key) {
             key = DescribeKey(place);
             output += key + "\n";
         }
-        output += "  " + ToNarrow(place.name.c_str()) + ": " + Describe(DataOf(change.before, place));
-        output +=
-            Differs(change, place) ? " -> " + Describe(DataOf(change.after, place)) + "\n" : " (stays)\n";
+        output += "  " + ToNarrow(place.name.c_str()) + ": " + Describe(DataOf(change.before, place)) +
+                  " -> " + Describe(DataOf(change.after, place)) + "\n";
     }
 }
 
@@ -98,9 +92,10 @@ std::string Try(const std::function<std::string()>& action)
 
 void TakeBack(COfflineChain& chain, const CChainChange& change, const std::string& trouble)
 {
+    const std::vector<CValuePlace> places = SafeOrder(chain, change.after, change.before);
     const std::string again = Try([&] {
-        WriteValues(change.before, SafeOrder(chain, change.after, change.before));
-        return FindUnwritten(change.before, change.places);
+        WriteValues(change.before, places);
+        return FindUnwritten(change.before, places);
     });
     if (!again.empty()) {
         throw CCommandError(change.command + " is HALF DONE: " + trouble +
@@ -121,7 +116,8 @@ ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CA
         return CheckChain(FollowChain(chain, values, system), system, moment);
     };
     const std::vector<CFinding> findings = find(change.after, Moment::AfterChange);
-    PrintWrites(change, output);
+    const std::vector<CValuePlace> places = SafeOrder(chain, change.before, change.after);
+    PrintWrites(change, places, output);
     PrintFindings(findings, output, Moment::AfterChange);
     // A machine that does not come up anyway is mended step by step.
     if (!arguments.bForce && !HasSeverity(find(change.before, Moment::Now), Severity::Danger)) {
@@ -136,8 +132,8 @@ ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CA
         return status;
     }
     const std::string trouble = Try([&] {
-        WriteValues(change.after, change.places);
-        return FindUnwritten(change.after, change.places);
+        WriteValues(change.after, places);
+        return FindUnwritten(change.after, places);
     });
     if (!trouble.empty()) {
         TakeBack(chain, change, trouble);

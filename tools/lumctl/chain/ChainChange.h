@@ -3,24 +3,23 @@
 #include "ChainFindings.h"
 #include "Command.h"
 
-/// Values of a chain that are to be written, together and in this order.
+/// Values of a chain that are to be written, together.
 struct CChainChange
 {
     CChainValues before;
-    /// All values as they are to be.
+    /// All values as they are to be. Those that differ are written.
     CChainValues after;
-    /// Those that are written, whether they differ or not.
-    std::vector<CValuePlace> places;
     /// What was asked for, as in "chain enable".
     std::string command;
     /// The same for a host in service, as in "gina enable"; empty when there is no such command.
     std::string onlineCommand;
 };
 
-/// Prints and makes a change, and reads it back. A change after which a machine does not come up that does
-/// now is refused unless it is forced, and any while a host is in service unless the arguments say that it is
-/// known. When something cannot be written, what was there before is put back. STATUS_BAD when the machine
-/// will not come up all the same. Throws CCommandError.
+/// Prints and makes a change, in an order in which the machine comes up after each write, and reads it back.
+/// A change after which a machine does not come up that does now is refused unless it is forced, and any
+/// while a host is in service unless the arguments say that it is known. When something cannot be written,
+/// what was there before is put back. STATUS_BAD when the machine will not come up all the same. Throws
+/// CCommandError.
 ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
                       std::string& output);
 

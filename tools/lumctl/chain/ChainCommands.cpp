@@ -78,13 +78,12 @@ ExitStatus Check(const CArguments& arguments, std::string& output)
 /// What a chain of these GINAs would be written as.
 CChainChange PlanWrite(CMachine& machine, const CGinaNames& ginas, const std::string& command)
 {
-    CChainChange change{machine.values, machine.values, {}, "chain " + command, "gina " + command};
+    CChainChange change{machine.values, machine.values, "chain " + command, "gina " + command};
     for (const CChainWrite& write : ListWrites(ginas)) {
         const std::optional<CValuePlace> place = machine.chain.PlaceOf(write);
         const CValueData data = machine.chain.DataOf(write);
         if (place && (data || write.szGinaDLL == nullptr)) {
             change.after.Set(*place, data);
-            change.places.push_back(*place);
         }
     }
     return change;
@@ -110,17 +109,16 @@ ExitStatus Enable(const CArguments& arguments, std::string& output)
 /// back to it.
 CChainChange PlanCut(CMachine& machine, const CChainView& view, std::size_t nLink, const std::string& command)
 {
-    CChainChange change{machine.values, machine.values, {}, "chain " + command, std::string()};
+    CChainChange change{machine.values, machine.values, "chain " + command, std::string()};
     const bool bLast = nLink + 1 == view.links.size();
     const WideText next = bLast ? WideText(SYSTEM_GINA) : view.links[nLink + 1].gina;
     const bool bBySystem = nLink == 0 && EqualNames(next.c_str(), SYSTEM_GINA);
     const CLinkView& last = view.links.back();
     if (!bLast && EqualNames(TextOf(last.passthrough).c_str(), view.links[nLink].gina.c_str())) {
-        change.places.push_back(*last.place);
         change.after.Set(*last.place, MakeText(SYSTEM_GINA));
     }
-    change.places.push_back(nLink == 0 ? WinlogonPlace() : *view.links[nLink - 1].place);
-    change.after.Set(change.places.back(), bBySystem ? std::nullopt : MakeText(next.c_str()));
+    change.after.Set(nLink == 0 ? WinlogonPlace() : *view.links[nLink - 1].place,
+                     bBySystem ? std::nullopt : MakeText(next.c_str()));
     return change;
 }
 
@@ -202,9 +200,8 @@ ExitStatus Restore(const CArguments& arguments, std::string& output)
     for (const CChainValue& value : restored) {
         change.after.Set(value.place, value.data);
     }
-    change.places = SafeOrder(machine.chain, change.before, change.after);
     change.command = "chain restore";
-    if (change.places.empty()) {
+    if (SafeOrder(machine.chain, change.before, change.after).empty()) {
         output += "The chain is as it was backed up; nothing to do.\n";
         return STATUS_DONE;
     }
