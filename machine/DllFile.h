@@ -12,8 +12,8 @@ struct CDllFile
     {
         Missing,    ///< there is no such file
         Unreadable, ///< the file cannot be read; dwError says why
-        Unusable,   ///< it is no DLL that a program of this system could load; natively it may be one of
-                    ///< Windows
+        Unusable,   ///< it is no whole DLL that a program of this system could load, or one that it imports
+                    ///< from is not there; natively it may be one of Windows, whose imports count as there
         Usable,
     };
 
@@ -26,6 +26,8 @@ struct CDllFile
     /// The names that a usable one exports, in the order of their bytes. What it exports without a name is
     /// not among them.
     std::vector<std::string> exports;
+    /// The DLL that an unusable one imports from and that is not there; empty when that is not the reason.
+    std::string missingImport;
 };
 
 /// Looks for the DLL as a program in the system directory, such as Winlogon, would that loads it by this

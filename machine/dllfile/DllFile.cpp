@@ -49,15 +49,22 @@ DWORD ReadWholeFile(const WideText& path, std::string& bytes)
     return dwError;
 }
 
-void ReadExports(CDllFile& file, const std::string& bytes)
+void ReadNames(CDllFile& file, const std::string& bytes, const WideText& directory)
 {
+    file.state = CDllFile::State::Unusable;
     try {
-        file.exports = TargetDlls::ListExports(bytes);
+        TargetDlls::CNames names = TargetDlls::ListNames(bytes);
+        for (const std::string& import : names.imports) {
+            const WideText name(import.begin(), import.end());
+            if (TargetDlls::Find(name, directory).empty() && TargetDlls::Find(name, WideText()).empty()) {
+                file.missingImport = import;
+                return;
+            }
+        }
+        file.exports = std::move(names.exports);
         std::sort(file.exports.begin(), file.exports.end());
         file.state = CDllFile::State::Usable;
     } catch (const CBadImage&) {
-        file.exports.clear();
-        file.state = CDllFile::State::Unusable;
     }
 }
 
@@ -79,7 +86,8 @@ CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory)
     if (*szName == 0) {
         return file;
     }
-    file.path = TargetDlls::Find(CompleteName(szName), szDirectory != nullptr ? szDirectory : TEXT(""));
+    const WideText directory = szDirectory != nullptr ? szDirectory : TEXT("");
+    file.path = TargetDlls::Find(CompleteName(szName), directory);
     if (file.path.empty()) {
         return file;
     }
@@ -89,6 +97,6 @@ CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory)
         file.state = CDllFile::State::Unreadable;
         return file;
     }
-    ReadExports(file, bytes);
+    ReadNames(file, bytes, directory);
     return file;
 }

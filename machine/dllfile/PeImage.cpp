@@ -14,17 +14,23 @@ CPeImage::CPeImage(const std::string& bytes) : m_bytes(bytes)
                          m_headers.OptionalHeader.Magic == IMAGE_NT_OPTIONAL_HDR32_MAGIC);
     m_nSections =
         nHeaders + offsetof(IMAGE_NT_HEADERS32, OptionalHeader) + m_headers.FileHeader.SizeOfOptionalHeader;
+    // The headers of a file that was copied in part tell of bytes that are not there.
+    for (WORD wSection = 0; wSection < m_headers.FileHeader.NumberOfSections; ++wSection) {
+        const IMAGE_SECTION_HEADER section = GetSection(wSection);
+        CImageBytes::Require(section.SizeOfRawData == 0 || section.PointerToRawData == 0 ||
+                             (section.PointerToRawData <= m_bytes.GetSize() &&
+                              section.SizeOfRawData <= m_bytes.GetSize() - section.PointerToRawData));
+    }
 }
 
 std::vector<std::string> CPeImage::ListExports() const
 {
-    const IMAGE_DATA_DIRECTORY& directory =
-        m_headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
     std::vector<std::string> names;
-    if (m_headers.OptionalHeader.NumberOfRvaAndSizes == 0 || directory.VirtualAddress == 0) {
+    const std::optional<std::size_t> nDirectory = FindDirectory(IMAGE_DIRECTORY_ENTRY_EXPORT);
+    if (!nDirectory) {
         return names;
     }
-    const auto exports = m_bytes.Get<IMAGE_EXPORT_DIRECTORY>(OffsetOf(directory.VirtualAddress));
+    const auto exports = m_bytes.Get<IMAGE_EXPORT_DIRECTORY>(*nDirectory);
     CImageBytes::Require(exports.NumberOfNames <= m_bytes.GetSize() / sizeof(DWORD));
     for (DWORD dwName = 0; dwName < exports.NumberOfNames; ++dwName) {
         const DWORD dwPointer = exports.AddressOfNames + dwName * DWORD(sizeof(DWORD));
@@ -33,12 +39,38 @@ std::vector<std::string> CPeImage::ListExports() const
     return names;
 }
 
+std::vector<std::string> CPeImage::ListImports() const
+{
+    std::vector<std::string> names;
+    if (std::optional<std::size_t> nNext = FindDirectory(IMAGE_DIRECTORY_ENTRY_IMPORT); nNext) {
+        IMAGE_IMPORT_DESCRIPTOR import;
+        while (import = m_bytes.Get<IMAGE_IMPORT_DESCRIPTOR>(*nNext), import.Name != 0) {
+            names.push_back(m_bytes.GetName(OffsetOf(import.Name)));
+            *nNext += sizeof(import);
+        }
+    }
+    return names;
+}
+
+std::optional<std::size_t> CPeImage::FindDirectory(DWORD dwDirectory) const
+{
+    const IMAGE_DATA_DIRECTORY& directory = m_headers.OptionalHeader.DataDirectory[dwDirectory];
+    if (m_headers.OptionalHeader.NumberOfRvaAndSizes <= dwDirectory || directory.VirtualAddress == 0) {
+        return std::nullopt;
+    }
+    return OffsetOf(directory.VirtualAddress);
+}
+
+IMAGE_SECTION_HEADER CPeImage::GetSection(WORD wSection) const
+{
+    return m_bytes.Get<IMAGE_SECTION_HEADER>(m_nSections + wSection * sizeof(IMAGE_SECTION_HEADER));
+}
+
 /// Where in the file an address of the loaded image lies.
 std::size_t CPeImage::OffsetOf(DWORD dwAddress) const
 {
     for (WORD wSection = 0; wSection < m_headers.FileHeader.NumberOfSections; ++wSection) {
-        const auto section =
-            m_bytes.Get<IMAGE_SECTION_HEADER>(m_nSections + wSection * sizeof(IMAGE_SECTION_HEADER));
+        const IMAGE_SECTION_HEADER section = GetSection(wSection);
         if (dwAddress >= section.VirtualAddress && dwAddress - section.VirtualAddress < section.SizeOfRawData)
         {
             return std::size_t(section.PointerToRawData) + (dwAddress - section.VirtualAddress);

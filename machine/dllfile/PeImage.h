@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,7 +8,7 @@
 
 #include "ImageBytes.h"
 
-/// The headers of a 32-bit Windows DLL and where its sections lie, as far as the exports need them.
+/// The headers of a 32-bit Windows DLL and where its sections lie, as far as exports and imports need them.
 class CPeImage
 {
 public:
@@ -17,7 +18,13 @@ public:
     /// The names of what it exports. Throws CBadImage.
     std::vector<std::string> ListExports() const;
 
+    /// The names of the DLLs from which it imports. Throws CBadImage.
+    std::vector<std::string> ListImports() const;
+
 private:
+    /// Where in the file a directory lies; nothing when the image has none.
+    std::optional<std::size_t> FindDirectory(DWORD dwDirectory) const;
+    IMAGE_SECTION_HEADER GetSection(WORD wSection) const;
     std::size_t OffsetOf(DWORD dwAddress) const;
 
     CImageBytes m_bytes;

@@ -15,8 +15,14 @@ std::basic_string<WCHAR> Find(const std::basic_string<WCHAR>& name,
 
 bool IsDirectory(const std::basic_string<WCHAR>& path);
 
-/// The exports of a DLL of this system, natively also of one of 32-bit Windows. Throws CBadImage for other
-/// bytes.
-std::vector<std::string> ListExports(const std::string& bytes);
+/// What a DLL exports, and the DLLs from which it imports and which must be there.
+struct CNames
+{
+    std::vector<std::string> exports;
+    std::vector<std::string> imports;
+};
+
+/// Throws CBadImage when the bytes are no whole DLL of this system, nor natively one of 32-bit Windows.
+CNames ListNames(const std::string& bytes);
 
 } // namespace TargetDlls

@@ -67,8 +67,14 @@ bool TargetDlls::IsDirectory(const std::basic_string<WCHAR>& path)
     return stat(Native::ToPath(path.c_str()).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-std::vector<std::string> TargetDlls::ListExports(const std::string& bytes)
+TargetDlls::CNames TargetDlls::ListNames(const std::string& bytes)
 {
-    // The tools also look at the exported registry of a Windows machine, and then at that machine's DLLs.
-    return bytes.starts_with("MZ") ? CPeImage(bytes).ListExports() : CElfImage(bytes).ListExports();
+    if (!bytes.starts_with("MZ")) {
+        return {CElfImage(bytes).ListExports(), {}};
+    }
+    // A machine's registry is looked at here, too, and then the DLLs are that machine's, whose system is not
+    // here to import from.
+    const CPeImage image(bytes);
+    image.ListImports();
+    return {image.ListExports(), {}};
 }

@@ -50,7 +50,8 @@ bool TargetDlls::IsDirectory(const WideText& path)
     return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-std::vector<std::string> TargetDlls::ListExports(const std::string& bytes)
+TargetDlls::CNames TargetDlls::ListNames(const std::string& bytes)
 {
-    return CPeImage(bytes).ListExports();
+    const CPeImage image(bytes);
+    return {image.ListExports(), image.ListImports()};
 }

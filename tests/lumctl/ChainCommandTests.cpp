@@ -138,7 +138,7 @@ TEST_F(ChainCommands, CheckSaysWhetherTheMachineComesUp)
         {"msgina.dll=",
          {},
          STATUS_BAD,
-         "danger: Winlogon loads msgina.dll, and ginas/msgina.dll is no DLL of this system\n"},
+         "danger: Winlogon loads msgina.dll, and ginas/msgina.dll is no whole DLL of this system\n"},
         {"msgina.dll wpnGina.dll=standin_gina_no_negotiate.dll", ValuesOf("wpnGina.dll msgina.dll"),
          STATUS_BAD,
          "danger: Winlogon loads wpnGina.dll, and ginas/wpnGina.dll is no GINA: it lacks WlxNegotiate\n"},

@@ -43,8 +43,8 @@ TEST(DllFile, IsFoundByName)
     EXPECT_NE(State::Usable, InspectDll(TEXT("../../../bin."), nullptr).state) << "a folder";
 }
 
-/// A 32-bit Windows DLL with one section, in which it exports one name.
-std::string MakePeFile(const std::string& name)
+/// A 32-bit Windows DLL with one section, in which it exports one name and imports from one DLL.
+std::string MakePeFile(const std::string& name, const std::string& import = "kernel32.dll")
 {
     std::string bytes(0x400, '\0');
     const auto put = [&](std::size_t nOffset, DWORD dwValue) { std::memcpy(&bytes[nOffset], &dwValue, 4); };
@@ -56,6 +56,9 @@ std::string MakePeFile(const std::string& name)
     put(0x58, 0x10B);        // 32 bits
     put(0x58 + 92, 16);      // data directories
     put(0x58 + 96, 0x1000);  // that of the exports
+    put(0x58 + 104, 0x1100); // and that of the imports
+    put(0x300 + 12, 0x1150);
+    bytes.replace(0x350, import.size(), import);
     put(0x138 + 12, 0x1000); // where the section is loaded,
     put(0x138 + 16, 0x200);  // its size,
     put(0x138 + 20, 0x200);  // and where it lies
@@ -74,6 +77,18 @@ TEST(DllFile, OfWindowsIsReadOnBothTargets)
     std::string elsewhere = MakePeFile("WlxNegotiate");
     elsewhere[0x44] = 0x64;
     EXPECT_EQ(State::Unusable, InspectBytes(elsewhere).state) << "of another processor";
+    // One that was copied in part, wherever it ends.
+    const std::string whole = MakePeFile("WlxNegotiate");
+    for (std::size_t cb = 0; cb < whole.size(); cb += 0x1F) {
+        EXPECT_EQ(State::Unusable, InspectBytes(whole.substr(0, cb)).state) << cb;
+    }
+    const CDllFile orphan = InspectBytes(MakePeFile("WlxNegotiate", "no_such_dll.dll"));
+#ifdef _WIN32
+    EXPECT_EQ(State::Unusable, orphan.state);
+    EXPECT_EQ("no_such_dll.dll", orphan.missingImport);
+#else
+    EXPECT_EQ(State::Usable, orphan.state);
+#endif
 }
 
 TEST(DllFile, DamageIsNoDllAndNoCrash)

@@ -2,7 +2,7 @@
 
 #include "win32/types.h"
 
-// The layout of the files that Windows loads, as far as a reader of exports needs it.
+// The layout of the files that Windows loads, as far as a reader of exports and imports needs it.
 
 #define IMAGE_DOS_SIGNATURE 0x5A4D
 #define IMAGE_NT_SIGNATURE 0x00004550
@@ -10,6 +10,7 @@
 #define IMAGE_FILE_DLL 0x2000
 #define IMAGE_NT_OPTIONAL_HDR32_MAGIC 0x010B
 #define IMAGE_DIRECTORY_ENTRY_EXPORT 0
+#define IMAGE_DIRECTORY_ENTRY_IMPORT 1
 
 struct IMAGE_DOS_HEADER
 {
@@ -69,6 +70,14 @@ struct IMAGE_EXPORT_DIRECTORY
     DWORD AddressOfNameOrdinals;
 };
 
+struct IMAGE_IMPORT_DESCRIPTOR
+{
+    DWORD Unused[3];
+    DWORD Name;
+    DWORD FirstThunk;
+};
+
 static_assert(sizeof(IMAGE_DOS_HEADER) == 64 && sizeof(IMAGE_OPTIONAL_HEADER32) == 224 &&
-                  sizeof(IMAGE_SECTION_HEADER) == 40 && sizeof(IMAGE_EXPORT_DIRECTORY) == 40,
+                  sizeof(IMAGE_SECTION_HEADER) == 40 && sizeof(IMAGE_EXPORT_DIRECTORY) == 40 &&
+                  sizeof(IMAGE_IMPORT_DESCRIPTOR) == 20,
               "as Windows has them");

@@ -96,7 +96,10 @@ private:
             return Format("%s, and %s cannot be read (error %u, see net helpmsg)", Name(nLink).c_str(),
                           path.c_str(), static_cast<unsigned>(link.dll.dwError));
         case CDllFile::State::Unusable:
-            return Name(nLink) + ", and " + path + " is no DLL of this system";
+            return Name(nLink) + ", and " + path +
+                   (link.dll.missingImport.empty()
+                        ? " is no whole DLL of this system"
+                        : " needs " + link.dll.missingImport + ", and there is no such DLL");
         default:
             return link.missing.empty()
                        ? std::string()
