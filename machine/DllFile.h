@@ -36,5 +36,9 @@ struct CDllFile
 /// instead; null or empty for the above. The extension .dll may be left out. Throws std::bad_alloc only.
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory);
 
+/// What the file is called that is loaded by this name: without a directory, with the extension that the
+/// system adds, and without the blanks and dots at the end that it takes away. Nothing but blanks stays.
+std::basic_string<WCHAR> LoadedName(const std::basic_string<WCHAR>& name);
+
 /// Whether there is such a directory to look in.
 bool IsDllDirectory(const WCHAR* szDirectory);

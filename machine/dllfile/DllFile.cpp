@@ -12,14 +12,12 @@ using WideText = std::basic_string<WCHAR>;
 /// A name without an extension means a .dll; one that ends in a dot means no extension at all.
 WideText CompleteName(WideText name)
 {
+    name.erase(name.find_last_not_of(' ') + 1);
     const std::size_t nDot = name.find_last_of(TEXT(".\\/:"));
     if (nDot == WideText::npos || name[nDot] != '.') {
         return name + TEXT(".dll");
     }
-    if (nDot + 1 == name.size()) {
-        name.pop_back();
-    }
-    return name;
+    return name.erase(name.find_last_not_of(TEXT(" .")) + 1);
 }
 
 /// ERROR_SUCCESS, or why the file cannot be read.
@@ -75,6 +73,12 @@ bool CDllFile::HasExport(const std::string& name) const
     return std::binary_search(exports.begin(), exports.end(), name);
 }
 
+WideText LoadedName(const WideText& name)
+{
+    const WideText file = name.substr(name.find_last_of(TEXT("\\/:")) + 1);
+    return file.find_first_not_of(TEXT(" .")) != WideText::npos ? CompleteName(file) : name;
+}
+
 bool IsDllDirectory(const WCHAR* szDirectory)
 {
     return TargetDlls::IsDirectory(szDirectory);
@@ -83,7 +87,7 @@ bool IsDllDirectory(const WCHAR* szDirectory)
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory)
 {
     CDllFile file;
-    if (*szName == 0) {
+    if (WideText(szName).find_first_not_of(TEXT(" .")) == WideText::npos) {
         return file;
     }
     const WideText directory = szDirectory != nullptr ? szDirectory : TEXT("");

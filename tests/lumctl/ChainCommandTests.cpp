@@ -98,6 +98,12 @@ TEST_F(ChainCommands, ChangeTheChainOrSayWhyNot)
         {ALL_DLLS, "x.dll", "enable --force", STATUS_REFUSED, nullptr, "cannot be followed to its end"},
         {"x.dll msgina.dll", "x.dll", "remove x.dll", STATUS_REFUSED, nullptr, "cannot be followed to its end"},
         {"x.dll msgina.dll", "x.dll", "remove x.dll --force", STATUS_DONE, ""},
+        // Names are what is loaded by them, and stay as they are spelled.
+        {ALL_DLLS, "wpnGina.dll LUM_Gina", "enable", STATUS_DONE, nullptr, "nothing to do"},
+        {ALL_DLLS, "lum_gina", "disable", STATUS_DONE, ""},
+        {ALL_DLLS, "C:\\winnt\\lum_gina.dll.", "disable", STATUS_DONE, ""},
+        {ALL_DLLS, "lum_gina.dll wpnGina.dll ../ginas/qslogon", "remove WPNGINA", STATUS_DONE, "lum_gina.dll ../ginas/qslogon..."},
+        {"x.dll msgina.dll", "x.dll", "disable", STATUS_UNCERTAIN, nullptr, "whether lum_gina.dll is in it cannot be told"},
         // What keeps the machine from coming up is done when it must be.
         {WITHOUT_HOST, "msgina.dll", "enable", STATUS_REFUSED, nullptr, "lum_gina.dll, and there is no such DLL"},
         {WITHOUT_HOST, "msgina.dll", "enable --force", STATUS_BAD, "lum_gina.dll msgina.dll"},

@@ -29,9 +29,12 @@ TEST(DllFile, IsFoundByName)
         {TEXT("pass_plugin.dll"), BUILD_FOLDER, State::Usable},
         {TEXT("Pass_PLUGIN"), BUILD_FOLDER, State::Usable},
         {TEXT("../../../bin/pass_plugin.dll"), TEXT("."), State::Usable},
+        {TEXT("pass_plugin "), BUILD_FOLDER, State::Usable},
+        {TEXT("pass_plugin.dll. "), BUILD_FOLDER, State::Usable},
         {TEXT("pass_plugin.dll"), TEXT("."), State::Missing},
         {TEXT("pass_plugin."), BUILD_FOLDER, State::Missing},
         {TEXT(""), BUILD_FOLDER, State::Missing},
+        {TEXT(" "), BUILD_FOLDER, State::Missing},
         {TEXT("no_such_dll.dll"), nullptr, State::Missing},
     };
     for (const auto& row : rows) {

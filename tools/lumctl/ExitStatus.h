@@ -14,6 +14,6 @@ enum ExitStatus
     STATUS_REFUSED = 4,
     /// It failed on the way and could not be taken back.
     STATUS_HALF_DONE = 5,
-    /// Nothing bad was found, and not everything could be seen.
+    /// Nothing bad was found, and not everything could be seen; nothing has changed.
     STATUS_UNCERTAIN = 6,
 };

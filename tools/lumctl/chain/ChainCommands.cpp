@@ -82,7 +82,9 @@ CChainChange PlanWrite(CMachine& machine, const CGinaNames& ginas, const std::st
     for (const CChainWrite& write : ListWrites(ginas)) {
         const std::optional<CValuePlace> place = machine.chain.PlaceOf(write);
         const CValueData data = machine.chain.DataOf(write);
-        if (place && (data || write.szGinaDLL == nullptr)) {
+        // One that says so already keeps its type.
+        if (place && (data || write.szGinaDLL == nullptr) &&
+            TextOf(data) != TextOf(Read(machine.values, *place))) {
             change.after.Set(*place, data);
         }
     }
@@ -114,11 +116,11 @@ CChainChange PlanCut(CMachine& machine, const CChainView& view, std::size_t nLin
     const WideText next = bLast ? WideText(SYSTEM_GINA) : view.links[nLink + 1].gina;
     const bool bBySystem = nLink == 0 && EqualNames(next.c_str(), SYSTEM_GINA);
     const CLinkView& last = view.links.back();
-    if (!bLast && EqualNames(TextOf(last.passthrough).c_str(), view.links[nLink].gina.c_str())) {
+    if (!bLast && EqualNames(LoadedName(TextOf(last.passthrough)).c_str(), view.links[nLink].gina.c_str())) {
         change.after.Set(*last.place, MakeText(SYSTEM_GINA));
     }
     change.after.Set(nLink == 0 ? WinlogonPlace() : *view.links[nLink - 1].place,
-                     bBySystem ? std::nullopt : MakeText(next.c_str()));
+                     machine.chain.DataOf({nullptr, bBySystem ? nullptr : next.c_str()}));
     return change;
 }
 
@@ -158,10 +160,24 @@ ExitStatus RemoveFromChain(CMachine& machine, const WideText& gina, const std::s
     return machine.Make(change, output);
 }
 
+/// Refuses where that cannot be seen.
+bool IsInChain(CMachine& machine, const WideText& gina, const std::string& command, std::string& output)
+{
+    const CChainView view = machine.Follow();
+    const bool bFound = view.HasGina(gina.c_str());
+    if (!bFound && view.end == ChainEnd::Unknown) {
+        PrintFindings(CheckChain(view, machine.system), output);
+        throw CCommandError("chain " + command + ": the chain cannot be followed to its end, so whether " +
+                                ToNarrow(gina.c_str()) + " is in it cannot be told; nothing was written",
+                            STATUS_UNCERTAIN);
+    }
+    return bFound && !view.IsSystemGinaImplied();
+}
+
 ExitStatus Disable(const CArguments& arguments, std::string& output)
 {
     CMachine machine(arguments);
-    if (!machine.Follow().HasGina(HOST_GINA)) {
+    if (!IsInChain(machine, HOST_GINA, "disable", output)) {
         output += "lum_gina.dll is not in the chain; nothing to do.\n";
         return STATUS_DONE;
     }
@@ -172,8 +188,8 @@ ExitStatus Remove(const CArguments& arguments, std::string& output)
 {
     CMachine machine(arguments);
     const std::string command = "remove " + arguments.words[0];
-    const WideText gina = ToWide(arguments.words[0]);
-    if (machine.Follow().IsSystemGinaImplied() || !machine.Follow().HasGina(gina.c_str())) {
+    const WideText gina = LoadedName(ToWide(arguments.words[0]));
+    if (!IsInChain(machine, gina, command, output)) {
         throw CCommandError("chain " + command +
                                 ": there is no such GINA in the chain (see lumctl chain show)",
                             STATUS_REFUSED);

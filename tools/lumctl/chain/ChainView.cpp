@@ -38,7 +38,7 @@ CLinkView LookAt(COfflineChain& chain, const CChainValues& values, const WideTex
         link.place = PassthroughPlace(*record);
         link.passthrough = link.place ? Read(values, *link.place) : std::nullopt;
     }
-    link.dll = InspectDll(gina.c_str(), system.c_str());
+    link.dll = InspectDll(chain.SpellingOf(gina).c_str(), system.c_str());
     if (link.dll.state == CDllFile::State::Usable) {
         link.missing = FindMissingExports(link.dll, link.IsHost());
     }

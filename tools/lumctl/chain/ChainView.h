@@ -15,7 +15,7 @@ enum class Knowledge
 /// One GINA of a chain.
 struct CLinkView
 {
-    WideText gina;
+    WideText gina; ///< the name of the file that is loaded
     Knowledge knowledge = Knowledge::Unknown;
     bool bTerminator = false;
     bool bMustBeFirst = false;

@@ -1,9 +1,12 @@
 #include "OfflineChain.h"
 
+#include <algorithm>
+
 #include "CommandError.h"
 #include "GinaNames.h"
 #include "Message.h"
 #include "chaining/KnownGinas.h"
+#include "machine/DllFile.h"
 
 COfflineChain::COfflineChain()
 {
@@ -35,6 +38,9 @@ std::optional<CChainingRecord> COfflineChain::Know(const WCHAR* szGinaDLL)
 {
     if (Find(szGinaDLL) == nullptr) {
         Learn(szGinaDLL, TextOf(ReadValue(RecordPlace(szGinaDLL))));
+    }
+    if (Find(szGinaDLL) == nullptr) {
+        Learn(szGinaDLL, TextOf(ReadValue(RecordPlace(SpellingOf(szGinaDLL)))));
     }
     const CChainingRecord* pRecord = Find(szGinaDLL);
     return pRecord != nullptr ? std::optional(*pRecord) : std::nullopt;
@@ -76,13 +82,28 @@ CChainValues COfflineChain::ReadValues()
 
 CChain COfflineChain::Follow(const CChainValues& values)
 {
+    const auto load = [this](const WideText& name) {
+        const WideText file = LoadedName(name);
+        if (file != name) {
+            m_spellings.push_back(name);
+        }
+        return file;
+    };
     const auto read = [&](const CChainingRecord& record) {
         const std::optional<CValuePlace> place = PassthroughPlace(record);
-        return place ? TextOf(Read(values, *place)) : CGinaName();
+        return place ? load(TextOf(Read(values, *place))) : CGinaName();
     };
     const WideText first = TextOf(values.Find(WinlogonPlace())->data);
     return ::Follow({[this](const WCHAR* szGinaDLL) { return Know(szGinaDLL); }, read},
-                    first.empty() ? SYSTEM_GINA : first);
+                    first.empty() ? SYSTEM_GINA : load(first));
+}
+
+WideText COfflineChain::SpellingOf(const WideText& gina) const
+{
+    const auto found = std::find_if(m_spellings.begin(), m_spellings.end(), [&](const WideText& spelling) {
+        return EqualNames(LoadedName(spelling).c_str(), gina.c_str());
+    });
+    return found != m_spellings.end() ? *found : gina;
 }
 
 std::optional<CValuePlace> COfflineChain::PlaceOf(const CChainWrite& write)
@@ -97,7 +118,7 @@ std::optional<CValuePlace> COfflineChain::PlaceOf(const CChainWrite& write)
 CValueData COfflineChain::DataOf(const CChainWrite& write)
 {
     if (write.szText != nullptr || write.szGinaDLL == nullptr) {
-        return write.szText != nullptr ? MakeText(write.szText) : std::nullopt;
+        return write.szText != nullptr ? MakeText(SpellingOf(write.szText).c_str()) : std::nullopt;
     }
     const std::optional<CChainingRecord> record = Know(write.szGinaDLL);
     return record && record->szDefaultGinaDLL.data() != nullptr

@@ -24,13 +24,19 @@ public:
     /// registry has them now. Throws CCommandError when one cannot be read.
     CChainValues ReadValues();
 
-    /// The chain that the values make; when Winlogon names no GINA, the system's own. A GINA that has only
-    /// been learned of on the way has its value in the registry alone.
+    /// The chain that the values make, of the names of the files that are loaded; when Winlogon names no
+    /// GINA, the system's own. A GINA that has only been learned of on the way has its value in the registry
+    /// alone.
     CChain Follow(const CChainValues& values);
+
+    /// How the values of the chain that was followed first name a file that is loaded, such as with its
+    /// directory; the file's name when none does.
+    WideText SpellingOf(const WideText& gina) const;
 
     /// Where a value of a written chain lies; nothing for a GINA that has none.
     std::optional<CValuePlace> PlaceOf(const CChainWrite& write);
-    /// What is written there; nothing where a GINA has no default, and Winlogon is left without a GINA.
+    /// What is written there, with names as they were spelled; nothing where a GINA has no default, and
+    /// Winlogon is left without a GINA.
     CValueData DataOf(const CChainWrite& write);
 
     /// Whether a host is in service, which takes changes that are not its own back.
@@ -47,6 +53,8 @@ private:
     };
     /// Grows at its end only, so that texts stay where they are.
     std::deque<CLearned> m_learned;
+    /// Names that are not those of files.
+    std::vector<WideText> m_spellings;
 };
 
 /// Where Winlogon's GinaDLL lies.
