@@ -1,87 +1,61 @@
 #include "machine/WholeFile.h"
 
-#include <cstdio>
-
 #include "machine/SetupError.h"
 #include "machine/Text.h"
 
 namespace {
 
-/// A file of the system, closed at the end.
-class CFile
+DWORD ReadOpenFile(HANDLE hFile, std::string& bytes)
 {
-public:
-    CFile(const std::string& path, DWORD dwAccess, DWORD dwDisposition)
-        : m_hFile(CreateFileW(ToWide(path).c_str(), dwAccess, FILE_SHARE_READ, nullptr, dwDisposition,
-                              FILE_ATTRIBUTE_NORMAL, nullptr))
-    {
-    }
-    ~CFile()
-    {
-        if (IsOpen()) {
-            CloseHandle(m_hFile);
+    char buffer[65536];
+    DWORD cbRead = 0;
+    do {
+        if (!ReadFile(hFile, buffer, sizeof(buffer), &cbRead, nullptr)) {
+            return GetLastError();
         }
-    }
-    CFile(const CFile&) = delete;
-    CFile& operator=(const CFile&) = delete;
+        bytes.append(buffer, cbRead);
+    } while (cbRead != 0);
+    return ERROR_SUCCESS;
+}
 
-    bool IsOpen() const { return m_hFile != INVALID_HANDLE_VALUE; }
-
-    /// Appends what is left of it.
-    bool Read(std::string& bytes) const
-    {
-        char buffer[4096];
-        DWORD cbRead = 0;
-        bool bRead = false;
-        while ((bRead = ReadFile(m_hFile, buffer, sizeof(buffer), &cbRead, nullptr) != FALSE) && cbRead != 0)
-        {
-            bytes.append(buffer, cbRead);
-        }
-        return bRead;
-    }
-
-    bool Write(const std::string& bytes) const
-    {
-        DWORD cbWritten = 0;
-        return WriteFile(m_hFile, bytes.data(), static_cast<DWORD>(bytes.size()), &cbWritten, nullptr) &&
-               cbWritten == bytes.size();
-    }
-
-private:
-    const HANDLE m_hFile;
-};
-
-[[noreturn]] void Fail(const char* szVerb, const std::string& path, DWORD dwError)
+void Check(DWORD dwError, const char* szVerb, const std::string& path)
 {
-    throw CSetupError(dwError == ERROR_FILE_EXISTS ? path + " exists already (--force replaces it)"
-                                                   : Format("cannot %s %s: error %u", szVerb, path.c_str(),
-                                                            static_cast<unsigned>(dwError)));
+    switch (dwError) {
+    case ERROR_SUCCESS:
+        return;
+    case ERROR_FILE_EXISTS:
+        throw CSetupError(path + " exists already (--force replaces it)");
+    case ERROR_NOT_SUPPORTED:
+        throw CSetupError(path + " is no file");
+    default:
+        throw CSetupError(
+            Format("cannot %s %s: error %u", szVerb, path.c_str(), static_cast<unsigned>(dwError)));
+    }
 }
 
 } // namespace
 
+DWORD LoadFile(const WideText& path, std::string& bytes)
+{
+    const HANDLE hFile =
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (hFile == INVALID_HANDLE_VALUE) {
+        return GetLastError();
+    }
+    const DWORD dwError = ReadOpenFile(hFile, bytes);
+    CloseHandle(hFile);
+    return dwError;
+}
+
 std::string ReadWholeFile(const std::string& path)
 {
-    const CFile file(path, GENERIC_READ, OPEN_EXISTING);
     std::string bytes;
-    if (!file.IsOpen() || !file.Read(bytes)) {
-        Fail("read", path, GetLastError());
-    }
+    Check(LoadFile(ToWide(path), bytes), "read", path);
     return bytes;
 }
 
 void WriteWholeFile(const std::string& path, const std::string& bytes, bool bReplace)
 {
-    DWORD dwError = ERROR_SUCCESS;
-    {
-        const CFile file(path, GENERIC_WRITE, bReplace ? CREATE_ALWAYS : CREATE_NEW);
-        if (!file.IsOpen()) {
-            Fail("write", path, GetLastError());
-        }
-        dwError = file.Write(bytes) ? ERROR_SUCCESS : GetLastError();
-    }
-    if (dwError != ERROR_SUCCESS || ReadWholeFile(path) != bytes) {
-        std::remove(path.c_str());
-        Fail("write", path, dwError);
-    }
+    Check(StoreFile(ToWide(path), bytes, bReplace), "write", path);
 }

@@ -4,6 +4,7 @@
 
 #include "ImageBytes.h"
 #include "TargetDlls.h"
+#include "machine/WholeFile.h"
 
 namespace {
 
@@ -18,33 +19,6 @@ WideText CompleteName(WideText name)
         return name + TEXT(".dll");
     }
     return name.erase(name.find_last_not_of(TEXT(" .")) + 1);
-}
-
-/// ERROR_SUCCESS, or why the file cannot be read.
-DWORD ReadOpenFile(HANDLE hFile, std::string& bytes)
-{
-    char buffer[65536];
-    DWORD cbRead = 0;
-    do {
-        if (!ReadFile(hFile, buffer, sizeof(buffer), &cbRead, nullptr)) {
-            return GetLastError();
-        }
-        bytes.append(buffer, cbRead);
-    } while (cbRead != 0);
-    return ERROR_SUCCESS;
-}
-
-DWORD ReadWholeFile(const WideText& path, std::string& bytes)
-{
-    const HANDLE hFile =
-        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (hFile == INVALID_HANDLE_VALUE) {
-        return GetLastError();
-    }
-    const DWORD dwError = ReadOpenFile(hFile, bytes);
-    CloseHandle(hFile);
-    return dwError;
 }
 
 void ReadNames(CDllFile& file, const std::string& bytes, const WideText& directory)
@@ -96,7 +70,7 @@ CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory)
         return file;
     }
     std::string bytes;
-    file.dwError = ReadWholeFile(file.path, bytes);
+    file.dwError = LoadFile(file.path, bytes);
     if (file.dwError != ERROR_SUCCESS) {
         file.state = CDllFile::State::Unreadable;
         return file;

@@ -1,65 +1,14 @@
 #include "machine/MachineRegistry.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
 #include <memory>
 
-#include <unistd.h>
-
 #include "machine/RegFile.h"
+#include "machine/WholeFile.h"
 #include "platform/RegistryTree.h"
-#include "platform/SystemError.h"
 
 namespace Native {
 namespace {
-
-struct CFileCloser
-{
-    void operator()(std::FILE* pFile) const { std::fclose(pFile); }
-};
-using File = std::unique_ptr<std::FILE, CFileCloser>;
-
-/// ERROR_SUCCESS, or why the file could not be read.
-DWORD ReadWholeFile(const std::string& path, std::string& bytes)
-{
-    const File pFile(std::fopen(path.c_str(), "rbe"));
-    if (pFile == nullptr) {
-        return FromErrno(errno);
-    }
-    char buffer[4096];
-    for (std::size_t cb = 0; (cb = std::fread(buffer, 1, sizeof(buffer), pFile.get())) != 0;) {
-        bytes.append(buffer, cb);
-    }
-    return std::ferror(pFile.get()) != 0 ? FromErrno(errno) : ERROR_SUCCESS;
-}
-
-/// ERROR_SUCCESS, or why a complete file could not be written.
-DWORD WriteWholeFile(const std::string& path, const std::string& bytes)
-{
-    std::FILE* pFile = std::fopen(path.c_str(), "wbe");
-    if (pFile == nullptr) {
-        return FromErrno(errno);
-    }
-    bool bWritten = std::fwrite(bytes.data(), 1, bytes.size(), pFile) == bytes.size();
-    bWritten = std::fflush(pFile) == 0 && fsync(fileno(pFile)) == 0 && bWritten;
-    const DWORD dwError = bWritten ? ERROR_SUCCESS : FromErrno(errno);
-    return std::fclose(pFile) == 0 || dwError != ERROR_SUCCESS ? dwError : FromErrno(errno);
-}
-
-/// Replaces the old file by the new one in one step, so that there is a complete file at any time.
-DWORD ReplaceFile(const std::string& path, const std::string& bytes)
-{
-    const std::string newPath = path + ".new";
-    DWORD dwError = WriteWholeFile(newPath, bytes);
-    if (dwError == ERROR_SUCCESS && std::rename(newPath.c_str(), path.c_str()) != 0) {
-        dwError = FromErrno(errno);
-    }
-    if (dwError != ERROR_SUCCESS) {
-        std::remove(newPath.c_str());
-    }
-    return dwError;
-}
 
 void DeleteKey(std::vector<WideText> path)
 {
@@ -114,7 +63,7 @@ using namespace Native;
 LONG MachineRegistry::Load(const WCHAR* szFile, std::string* pReason)
 {
     std::string bytes;
-    const DWORD dwError = ReadWholeFile(ToPath(szFile), bytes);
+    const DWORD dwError = LoadFile(szFile, bytes);
     if (dwError != ERROR_SUCCESS) {
         return static_cast<LONG>(dwError);
     }
@@ -147,7 +96,7 @@ LONG MachineRegistry::Save(const WCHAR* szFile)
             return ERROR_INVALID_NAME;
         }
     }
-    return static_cast<LONG>(ReplaceFile(ToPath(szFile), file.GetBytes()));
+    return static_cast<LONG>(StoreFile(szFile, file.GetBytes(), true));
 }
 
 LONG MachineRegistry::Clear()

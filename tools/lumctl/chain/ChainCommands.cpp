@@ -7,6 +7,7 @@
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "GinaNames.h"
+#include "machine/MachineLock.h"
 #include "machine/RegistryFile.h"
 #include "machine/WholeFile.h"
 
@@ -16,7 +17,7 @@ namespace {
 struct CMachine
 {
     explicit CMachine(const CArguments& given)
-        : arguments(given), system(ToWide(given.system)),
+        : arguments(given), system(ToWide(given.system)), lock(given.registry),
           file(given.registry, CRegistryFile::Absence::IsError)
     {
         if (!system.empty() && !IsDllDirectory(system.c_str())) {
@@ -38,6 +39,7 @@ struct CMachine
 
     const CArguments& arguments;
     const WideText system;
+    const CMachineLock lock;
     const CRegistryFile file;
     COfflineChain chain;
     const CChainValues values = chain.ReadValues();

@@ -1,0 +1,51 @@
+#include "machine/MachineLock.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "machine/Text.h"
+#include "platform/SystemError.h"
+#include "platform/Text.h"
+
+namespace {
+
+/// Whether the name still stands for the file, which others replace.
+bool IsStill(int nFile, const std::string& path)
+{
+    struct stat locked;
+    struct stat named;
+    return fstat(nFile, &locked) == 0 && stat(path.c_str(), &named) == 0 && locked.st_ino == named.st_ino &&
+           locked.st_dev == named.st_dev;
+}
+
+} // namespace
+
+CMachineLock::~CMachineLock()
+{
+    if (m_nLock >= 0) {
+        close(static_cast<int>(m_nLock));
+    }
+}
+
+DWORD CMachineLock::Take(const std::string& registry)
+{
+    if (registry.empty()) {
+        return ERROR_SUCCESS;
+    }
+    const std::string path = Native::ToPath(ToWide(registry).c_str());
+    const int nFile = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (nFile < 0) {
+        // Whoever reads it says what is wrong.
+        return errno == ENOENT ? ERROR_SUCCESS : Native::FromErrno(errno);
+    }
+    if (flock(nFile, LOCK_EX | LOCK_NB) != 0 || !IsStill(nFile, path)) {
+        close(nFile);
+        return ERROR_SHARING_VIOLATION;
+    }
+    m_nLock = nFile;
+    return ERROR_SUCCESS;
+}
