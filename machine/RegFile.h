@@ -50,6 +50,9 @@ public:
     /// Adds a value of the key that was begun last. Without data, adds its deletion.
     bool AddValue(const std::basic_string<WCHAR>& name, const CRegistryData* pData);
 
+    /// Adds a line that says nothing to who imports it.
+    void AddComment(const std::basic_string<WCHAR>& text);
+
     /// The file: UTF-16 with its mark.
     std::string GetBytes() const;
 

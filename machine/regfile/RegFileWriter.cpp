@@ -99,6 +99,11 @@ bool CRegFileWriter::AddValue(const WideText& name, const CRegistryData* pData)
     return !HasControls(name);
 }
 
+void CRegFileWriter::AddComment(const WideText& text)
+{
+    m_text += TEXT("\r\n; ") + text + TEXT("\r\n");
+}
+
 std::string CRegFileWriter::GetBytes() const
 {
     std::string bytes = "\xFF\xFE";

@@ -285,10 +285,14 @@ TEST_F(ChainCommands, RestoreRefusesWhatIsNoBackup)
     const std::string winlogon =
         "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon]\r\n";
     const std::string good = winlogon + "\"GinaDLL\"=\"msgina.dll\"\r\n";
+    const std::string own = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina]\r\n";
+    const std::string recorded = winlogon + "\"GinaDLL\"=\"r.dll\"\r\n";
+    const std::string end = "; This backup is whole.";
     const struct
     {
         std::string text;
         const char* szError;
+        bool bCutShort = false;
     } rows[] = {
         {"", "does not say which GINA Winlogon loads"},
         {winlogon, "does not say which GINA Winlogon loads"},
@@ -303,11 +307,29 @@ TEST_F(ChainCommands, RestoreRefusesWhatIsNoBackup)
         {good + "[HKEY_CURRENT_USER\\Software]\r\n", "line 5: only keys of HKEY_LOCAL_MACHINE"},
         {good + "nonsense\r\n", "line 5: neither a key nor a value"},
         {winlogon + "\"GinaDLL\"=\"x.dll\"\r\n", "the machine would not come up"},
+        {good + end.substr(0, end.size() - 1), "the file is no whole backup", true},
+        {good + good, "Winlogon, GinaDLL is there twice"},
+        // A chaining record leads to no other values.
+        {recorded + "\"Userinit\"=\"msgina.dll\"\r\n" + own +
+             "\"r.dll\"=\"SOFTWARE\\\\Microsoft\\\\Windows "
+             "NT\\\\CurrentVersion\\\\Winlogon,Userinit,,0,0,0,0\"\r\n",
+         "Winlogon, Userinit is no value of a chain"},
+        {recorded + own +
+             "\"Plugins\"=\"msgina.dll\"\r\n\"r.dll\"=\"SOFTWARE\\\\ORX\\\\LUM\\\\Gina,Plugins,,0,0,0,"
+             "0\"\r\n",
+         "Gina, Plugins is no value of a chain"},
+        {recorded + own +
+             "\"r.dll\"=\"SOFTWARE\\\\Run,r,,0,0,0,0\"\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Run]\r\n\"r\"=\"x."
+             "exe\"\r\n",
+         "SOFTWARE\\Run holds nothing of a chain"},
+        {good + own + "\"r.dll\"=\"SOFTWARE\\\\Run,r,,0,0,0,0\"\r\n", "Gina, r.dll is no value of a chain"},
     };
     SetValues(ValuesOf("wpnGina.dll msgina.dll"));
     const Values before = GetValues();
     for (const auto& row : rows) {
-        WriteFile("bad.reg", "Windows Registry Editor Version 5.00\r\n\r\n" + row.text);
+        WriteFile("bad.reg", "Windows Registry Editor Version 5.00\r\n\r\n" + row.text +
+                                 (row.bCutShort ? "" : "\r\n" + end));
+        EXPECT_NE(STATUS_DONE, Run("chain restore bad.reg --dry-run").status);
         const CRun run = Run("chain restore bad.reg");
         EXPECT_NE(STATUS_DONE, run.status);
         EXPECT_TRUE(Has(run.error, row.szError)) << run.error;
@@ -344,7 +366,8 @@ TEST_F(ChainCommands, ABackupIsWhatTheSystemsEditorImports)
               "[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\PortLink\\PLinkGina]\r\n\"OldGinaDLL\"=-\r\n\r\n"
               "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Brevik Systems\\Gina]\r\n\"GinaDLL\"=-\r\n\r\n"
               "[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina]\r\n\"GinaDLL\"=-\r\n\r\n"
-              "[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\KVS\\Gina]\r\n\"GinaDLL\"=-\r\n",
+              "[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\KVS\\Gina]\r\n\"GinaDLL\"=-\r\n\r\n"
+              "; This backup is whole.\r\n",
               bytes.substr(2));
 }
 

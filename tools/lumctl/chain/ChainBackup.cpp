@@ -5,10 +5,13 @@
 #include "CommandError.h"
 #include "GinaNames.h"
 #include "Message.h"
+#include "chaining/KnownGinas.h"
 
 namespace {
 
 using Platform::CRegFileChange;
+
+constexpr char LAST_LINE[] = "This backup is whole.";
 
 WideText PathOf(const CRegFileChange& change)
 {
@@ -19,10 +22,23 @@ WideText PathOf(const CRegFileChange& change)
     return path;
 }
 
+/// In whatever encoding: the last line is plain.
+bool IsWhole(std::string bytes)
+{
+    std::erase(bytes, '\0');
+    bytes.erase(bytes.find_last_not_of("\r\n \t") + 1);
+    return bytes.ends_with(std::string("; ") + LAST_LINE);
+}
+
 std::vector<CRegFileChange> Parse(const std::string& bytes)
 {
     try {
-        return Platform::ParseRegFile(bytes);
+        std::vector<CRegFileChange> changes = Platform::ParseRegFile(bytes);
+        if (!IsWhole(bytes)) {
+            throw CCommandError(
+                Format("the file is no whole backup of a chain: it does not end with \"; %s\"", LAST_LINE));
+        }
+        return changes;
     } catch (const Platform::CRegFileError& error) {
         throw CCommandError("the file cannot be read: " + error.text);
     }
@@ -45,14 +61,55 @@ void LearnRecords(COfflineChain& chain, const std::vector<CRegFileChange>& chang
                         (place.name.empty() ? DescribeKey(place) : Describe(place)) + " " + szWhy);
 }
 
-void CheckKey(const CChainValues& values, const CRegFileChange& change)
+/// Whether a record that only the file has may say where a value lies: never in Winlogon's key or the host's
+/// own, and no other text than the name of a GINA that is known.
+bool IsHarmless(COfflineChain& chain, const CGinaNames& ginas, std::size_t nGina, const CValuePlace& place)
+{
+    const bool bLeadsOn = nGina + 1 < ginas.size() && chain.Know(ginas[nGina + 1].c_str());
+    return bLeadsOn && !EqualNames(place.key.c_str(), WINLOGON_KEY) &&
+           !EqualNames(place.key.substr(0, WideText(LUM_GINA_MTM).size()).c_str(), LUM_GINA_MTM);
+}
+
+/// The places of which a chain with these values, and one of the GINAs in the built-in table, consists.
+std::vector<CValuePlace> ListPlaces(COfflineChain& chain, const CChainValues& values)
+{
+    std::vector<CValuePlace> places = {WinlogonPlace()};
+    const auto add = [&](const std::optional<CValuePlace>& place) {
+        if (place) {
+            places.push_back(*place);
+        }
+    };
+    for (const CKnownGina& known : KNOWN_GINAS) {
+        add(PassthroughPlace(known.record));
+    }
+    const CGinaNames ginas = chain.Follow(values).ginas;
+    for (std::size_t nGina = 0; nGina < ginas.size(); ++nGina) {
+        const std::optional<CChainingRecord> record = chain.Know(ginas[nGina].c_str());
+        // The host's own values have no extension.
+        if (!record || FindInTable(ginas[nGina].c_str()) != nullptr ||
+            ginas[nGina].find('.') == WideText::npos) {
+            continue;
+        }
+        const CValuePlace recordPlace = RecordPlace(ginas[nGina]);
+        const std::optional<CValuePlace> place = PassthroughPlace(*record);
+        add(recordPlace);
+        if (place &&
+            (ReadValue(recordPlace) == Read(values, recordPlace) || IsHarmless(chain, ginas, nGina, *place)))
+        {
+            add(place);
+        }
+    }
+    return places;
+}
+
+void CheckKey(const std::vector<CValuePlace>& places, const CRegFileChange& change)
 {
     const WideText path = PathOf(change);
     if (change.bDelete) {
         Refuse({path, WideText()}, "is to be deleted");
     }
-    const bool bUsed = std::any_of(values.begin(), values.end(), [&](const CChainValue& value) {
-        return EqualNames(value.place.key.c_str(), path.c_str());
+    const bool bUsed = std::any_of(places.begin(), places.end(), [&](const CValuePlace& place) {
+        return EqualNames(place.key.c_str(), path.c_str());
     });
     if (!bUsed) {
         Refuse({path, WideText()}, "holds nothing of a chain");
@@ -78,6 +135,7 @@ std::string WriteBackup(const CChainValues& values, const std::vector<CValuePlac
         throw CCommandError(
             "a name in the chain has a control character, for which .reg files have no place");
     }
+    file.AddComment(ToWide(LAST_LINE));
     return file.GetBytes();
 }
 
@@ -85,21 +143,29 @@ CChainValues ReadBackup(COfflineChain& chain, const std::string& bytes)
 {
     const std::vector<CRegFileChange> changes = Parse(bytes);
     LearnRecords(chain, changes);
-    const CChainValues known = chain.ReadValues();
     CChainValues values;
     for (const CRegFileChange& change : changes) {
-        if (!change.value) {
-            CheckKey(known, change);
-            continue;
+        const CValuePlace place = {PathOf(change), change.value ? *change.value : WideText()};
+        if (change.value && values.Find(place) != nullptr) {
+            Refuse(place, "is there twice");
         }
-        const CValuePlace place = {PathOf(change), *change.value};
-        if (known.Find(place) == nullptr) {
-            Refuse(place, "is no value of a chain");
+        if (change.value) {
+            values.Set(place, change.data);
         }
-        values.Set(place, change.data);
     }
     if (values.Find(WinlogonPlace()) == nullptr) {
         throw CCommandError("the file is no backup of a chain: it does not say which GINA Winlogon loads");
+    }
+    const std::vector<CValuePlace> places = ListPlaces(chain, values);
+    for (const CRegFileChange& change : changes) {
+        if (!change.value) {
+            CheckKey(places, change);
+        }
+    }
+    for (const CChainValue& value : values) {
+        if (std::find(places.begin(), places.end(), value.place) == places.end()) {
+            Refuse(value.place, "is no value of a chain");
+        }
     }
     return values;
 }

@@ -39,9 +39,6 @@ std::optional<CChainingRecord> COfflineChain::Know(const WCHAR* szGinaDLL)
     if (Find(szGinaDLL) == nullptr) {
         Learn(szGinaDLL, TextOf(ReadValue(RecordPlace(szGinaDLL))));
     }
-    if (Find(szGinaDLL) == nullptr) {
-        Learn(szGinaDLL, TextOf(ReadValue(RecordPlace(SpellingOf(szGinaDLL)))));
-    }
     const CChainingRecord* pRecord = Find(szGinaDLL);
     return pRecord != nullptr ? std::optional(*pRecord) : std::nullopt;
 }
@@ -83,11 +80,12 @@ CChainValues COfflineChain::ReadValues()
 CChain COfflineChain::Follow(const CChainValues& values)
 {
     const auto load = [this](const WideText& name) {
-        const WideText file = LoadedName(name);
-        if (file != name) {
+        // A chaining record is found by the name as it stands.
+        if (const WideText file = LoadedName(name); file != name && !Know(name.c_str())) {
             m_spellings.push_back(name);
+            return file;
         }
-        return file;
+        return name;
     };
     const auto read = [&](const CChainingRecord& record) {
         const std::optional<CValuePlace> place = PassthroughPlace(record);
