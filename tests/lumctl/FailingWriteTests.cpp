@@ -1,3 +1,5 @@
+#include <regex>
+
 #include "LumctlMachine.h"
 #include "platform/FaultInjection.h"
 
@@ -14,11 +16,25 @@ protected:
             EXPECT_EQ(after, now);
         } else if (run.status == STATUS_FAILED) {
             EXPECT_EQ(before, now);
-            EXPECT_NE(std::string::npos, run.error.find("has been put back")) << run.error;
+            EXPECT_TRUE(std::regex_search(run.error, std::regex("has been put back|Nothing has changed")));
         } else {
             EXPECT_EQ(STATUS_HALF_DONE, run.status);
             EXPECT_TRUE(bForGood);
-            EXPECT_NE(std::string::npos, run.error.find("HALF DONE")) << run.error;
+            // Each value that is not what it was is named, and there is one.
+            Values left = before;
+            std::erase_if(left, [&](const auto& value) {
+                return now.count(value.first) && now.at(value.first) == value.second;
+            });
+            for (const auto& [name, text] : now) {
+                if (before.count(name) == 0) {
+                    left[name] = text;
+                }
+            }
+            EXPECT_FALSE(left.empty());
+            static const std::regex named("HKEY_LOCAL_MACHINE[^;]* is [^;]* and not ");
+            const std::string::const_iterator begin = run.error.begin();
+            EXPECT_EQ(left.size(), std::distance(std::sregex_iterator(begin, run.error.end(), named), {}))
+                << run.error;
         }
     }
 

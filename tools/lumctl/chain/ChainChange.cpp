@@ -52,58 +52,66 @@ void RefuseDanger(const CChainChange& change, const std::vector<CFinding>& findi
     }
 }
 
-void WriteValues(const CChainValues& values, const std::vector<CValuePlace>& places)
-{
-    for (const CValuePlace& place : places) {
-        try {
-            WriteValue(place, DataOf(values, place));
-        } catch (const CCommandError&) {
-            // One that says already what it is to say need not be written.
-            if (ReadValue(place) != DataOf(values, place)) {
-                throw;
-            }
-        }
-    }
-}
-
-/// Empty when the registry has the values as they are to be.
-std::string FindUnwritten(const CChainValues& values, const std::vector<CValuePlace>& places)
-{
-    std::string text;
-    for (const CValuePlace& place : places) {
-        const CValueData data = ReadValue(place);
-        if (data != DataOf(values, place)) {
-            text += (text.empty() ? "" : "; ") + Describe(place) + " is " + Describe(data) + " and not " +
-                    Describe(DataOf(values, place));
-        }
-    }
-    return text;
-}
-
 /// Does what may fail, and gives why it did.
-std::string Try(const std::function<std::string()>& action)
+std::string Try(const std::function<void()>& action)
 {
     try {
-        return action();
+        action();
+        return std::string();
     } catch (const std::exception& error) {
         return error.what();
     }
 }
 
-void TakeBack(COfflineChain& chain, const CChainChange& change, const std::string& trouble)
+/// Writes values in turn until one cannot be written, and gives why that is. Those written are added to
+/// written.
+std::string WriteValues(const CChainValues& values, const std::vector<CValuePlace>& places,
+                        std::vector<CValuePlace>& written)
 {
-    const std::vector<CValuePlace> places = SafeOrder(chain, change.after, change.before);
-    const std::string again = Try([&] {
-        WriteValues(change.before, places);
-        return FindUnwritten(change.before, places);
+    return Try([&] {
+        for (const CValuePlace& place : places) {
+            WriteValue(place, DataOf(values, place));
+            written.push_back(place);
+        }
     });
-    if (!again.empty()) {
-        throw CCommandError(change.command + " is HALF DONE: " + trouble +
-                                ". What was there before could not be put back: " + again +
-                                ". See lumctl chain check",
-                            STATUS_HALF_DONE);
+}
+
+/// Names each value that is not as it is to be; empty when all are.
+std::string FindUnwritten(const CChainValues& values, const std::vector<CValuePlace>& places)
+{
+    std::string text;
+    for (const CValuePlace& place : places) {
+        const std::string trouble = Try([&] {
+            if (const CValueData data = ReadValue(place); data != DataOf(values, place)) {
+                throw CCommandError(Describe(place) + " is " + Describe(data) + " and not " +
+                                    Describe(DataOf(values, place)));
+            }
+        });
+        text += (text.empty() || trouble.empty() ? "" : "; ") + trouble;
     }
-    throw CCommandError(change.command + ": " + trouble + ". What was there before has been put back");
+    return text;
+}
+
+/// written: what of the change had been made.
+[[noreturn]] void TakeBack(COfflineChain& chain, const CChainChange& change,
+                           const std::vector<CValuePlace>& written, const std::string& trouble)
+{
+    std::vector<CValuePlace> places = SafeOrder(chain, change.after, change.before);
+    std::erase_if(places, [&](const CValuePlace& place) {
+        return std::find(written.begin(), written.end(), place) == written.end();
+    });
+    std::vector<CValuePlace> back;
+    const std::string again = WriteValues(change.before, places, back);
+    const std::string unwritten = FindUnwritten(change.before, places);
+    if (!unwritten.empty()) {
+        throw CCommandError(
+            change.command + " is HALF DONE: " + trouble + ". What was there before could not be put back" +
+                (again.empty() ? again : " (" + again + ")") + ": " + unwritten + ". See lumctl chain check",
+            STATUS_HALF_DONE);
+    }
+    throw CCommandError(
+        change.command + ": " + trouble + ". " +
+        (written.empty() ? "Nothing has changed" : "What was there before has been put back"));
 }
 
 } // namespace
@@ -131,12 +139,13 @@ ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CA
         output += "Nothing was written (--dry-run).\n";
         return status;
     }
-    const std::string trouble = Try([&] {
-        WriteValues(change.after, places);
-        return FindUnwritten(change.after, places);
-    });
+    std::vector<CValuePlace> written;
+    std::string trouble = WriteValues(change.after, places, written);
+    if (trouble.empty()) {
+        trouble = FindUnwritten(change.after, places);
+    }
     if (!trouble.empty()) {
-        TakeBack(chain, change, trouble);
+        TakeBack(chain, change, written, trouble);
     }
     return status;
 }
