@@ -351,6 +351,17 @@ TEST_F(ChainCommands, AValueThatIsNoTextIsNamedAndKept)
     EXPECT_EQ(findings, Run("chain check").output);
 }
 
+TEST_F(ChainCommands, ANameThatIsTooLongIsShownAndRefused)
+{
+    const std::string name(300, 'x');
+    SetValues({{"Winlogon", name}});
+    EXPECT_TRUE(Has(Run("chain show").output, "GinaDLL = \"" + name + '"'));
+    const CRun check = Run("chain check");
+    EXPECT_EQ(STATUS_BAD, check.status);
+    EXPECT_TRUE(Has(check.output, "GinaDLL is a name of more than 259 characters")) << check.output;
+    EXPECT_EQ(STATUS_REFUSED, Run("chain enable").status);
+}
+
 TEST_F(ChainCommands, ABackupIsWhatTheSystemsEditorImports)
 {
     SetValues(ValuesOf("wpnGina.dll msgina.dll"));

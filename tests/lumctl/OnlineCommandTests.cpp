@@ -143,6 +143,13 @@ TEST_F(OnlineCommands, ChangeTheHost)
                    row.bDone ? "" : NOT_DONE});
         EXPECT_EQ(Describe(), row.szState) << row.szCommandLine;
     }
+    // The host cannot read or write a list that is longer.
+    const char* const TOO_LONG =
+        "the list of plugins is, or would be, longer than 259 characters, which the host "
+        "cannot read; nothing has changed";
+    ExpectRun({"plugins add " + std::string(206, 'x'), STATUS_FAILED, "", TOO_LONG});
+    SetString(OWN_KEY, TEXT("Plugins"), Widen(std::string(260, 'x')).c_str());
+    ExpectRun({"plugins remove test_plugin_a.dll", STATUS_FAILED, "", TOO_LONG});
 }
 
 TEST_F(OnlineCommands, SayThatTheHostDoesNotAnswer)

@@ -31,12 +31,12 @@ public:
         // What the host loads when it cannot load the GINA behind it.
         m_bFallback = InspectDll(SYSTEM_GINA, system.c_str()).state == CDllFile::State::Usable;
         CheckWinlogon();
-        CheckType(WinlogonPlace(), m_view.winlogon);
+        CheckValue(WinlogonPlace(), m_view.winlogon);
         for (std::size_t nLink = 0; nLink < view.links.size(); ++nLink) {
             CheckDll(nLink);
             CheckFlags(nLink);
             if (view.links[nLink].place) {
-                CheckType(*view.links[nLink].place, view.links[nLink].passthrough);
+                CheckValue(*view.links[nLink].place, view.links[nLink].passthrough);
             }
         }
         CheckEnd();
@@ -76,8 +76,13 @@ private:
     }
 
     /// The library takes any bytes for a text; what Winlogon and other GINAs do is not known.
-    void CheckType(const CValuePlace& place, const CValueData& data)
+    void CheckValue(const CValuePlace& place, const CValueData& data)
     {
+        if (TextOf(data).size() > LONGEST_NAME) {
+            Add(Severity::Danger,
+                Describe(place) + " is a name of more than 259 characters, which nobody loads",
+                "set it to the name of a GINA, such as msgina.dll");
+        }
         if (data && !IsText(data)) {
             Add(Severity::Doubt, Describe(place) + " is " + Describe(data),
                 "delete this value, and write it as a text (REG_SZ)");

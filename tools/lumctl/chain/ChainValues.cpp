@@ -105,12 +105,7 @@ void CChainValues::Set(const CValuePlace& place, const CValueData& data)
 
 WideText TextOf(const CValueData& data)
 {
-    // The library cannot read longer ones.
-    constexpr std::size_t READABLE_BYTES = (NAME_CAPACITY) * sizeof(WCHAR);
-    if (!data || data->bytes.size() > READABLE_BYTES) {
-        return WideText();
-    }
-    WideText text(std::min<std::size_t>(data->bytes.size() / sizeof(WCHAR), LONGEST_NAME), 0);
+    WideText text(data ? data->bytes.size() / sizeof(WCHAR) : 0, 0);
     if (!text.empty()) {
         std::memcpy(text.data(), data->bytes.data(), text.size() * sizeof(WCHAR));
     }

@@ -42,7 +42,8 @@ private:
     std::vector<CChainValue> m_values;
 };
 
-/// The text as the library reads it, whatever the type; empty when there is none.
+/// The text as the library reads it, whatever the type; empty when there is none. The library reads no longer
+/// one than LONGEST_NAME.
 WideText TextOf(const CValueData& data);
 CValueData MakeText(const WCHAR* szText);
 /// Whether it exists and has the type of a text.

@@ -62,13 +62,18 @@ void AskAboutPlugins(COnlineHost& host, CPluginsView& view)
 {
     view.bAnswers = host.IsThere();
     view.bConfigured = HasConfiguration();
-    view.plugins = SplitPlugins(ReadText(TEXT("Plugins")));
+    view.plugins = SplitPlugins(ReadPluginList());
     for (CConfiguredDll& plugin : view.plugins) {
         plugin.bLoaded = view.bAnswers && host.Ask(host.Client().IsGinaInPluginList(plugin.name));
     }
 }
 
 } // namespace
+
+WideText ReadPluginList()
+{
+    return ReadText(TEXT("Plugins"));
+}
 
 CPluginsView LookAtPlugins(COnlineHost& host)
 {

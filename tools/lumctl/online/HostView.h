@@ -35,6 +35,10 @@ struct CHostView : CPluginsView
     bool bInChain = false;
 };
 
+/// The list of plugins as the registry has it. The host neither reads nor writes one that is longer than
+/// LONGEST_NAME.
+WideText ReadPluginList();
+
 /// Reads the configuration, and asks the host if there is one.
 CHostView LookAtHost(COnlineHost& host);
 /// The plugins alone.

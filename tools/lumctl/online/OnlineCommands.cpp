@@ -4,6 +4,7 @@
 
 #include "CommandError.h"
 #include "CommandLine.h"
+#include "GinaNames.h"
 #include "HostView.h"
 #include "JsonWriter.h"
 #include "machine/RegistryFile.h"
@@ -52,13 +53,24 @@ ExitStatus Question(Arguments arguments, std::string& output)
     return bYes ? STATUS_DONE : STATUS_BAD;
 }
 
+/// The host would leave out what is beyond that, and say that it has done it.
+void RequireRoom(std::size_t cchMore)
+{
+    if (ReadPluginList().size() + cchMore > LONGEST_NAME) {
+        throw CCommandError("the list of plugins is, or would be, longer than 259 characters, which the host "
+                            "cannot read; nothing has changed");
+    }
+}
+
 ControlStatus AddPlugin(CControlClient& client, Arguments arguments)
 {
+    RequireRoom(FirstName(arguments).size() + 1);
     return client.AddPlugin(FirstName(arguments), arguments.bNow);
 }
 
 ControlStatus RemovePlugin(CControlClient& client, Arguments arguments)
 {
+    RequireRoom(0);
     return client.RemovePlugin(FirstName(arguments), arguments.bNow);
 }
 
