@@ -16,8 +16,9 @@ CLumctlRun RunLumctl(std::vector<std::string> words)
         argv.push_back(word.c_str());
     }
     CLumctlRun run = {STATUS_DONE, "", ""};
+    bool bIsChange = false;
     try {
-        run.status = RunCommandLine(static_cast<int>(argv.size()), argv.data(), run.output);
+        run.status = RunCommandLine(static_cast<int>(argv.size()), argv.data(), run.output, bIsChange);
     } catch (const CCommandError& error) {
         run.status = error.status;
         run.error = error.what();

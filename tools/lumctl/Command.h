@@ -16,6 +16,9 @@ inline constexpr unsigned OPTION_NOW = 0x20;
 inline constexpr unsigned OPTION_TIMEOUT = 0x40;
 inline constexpr unsigned OPTION_IN_SERVICE = 0x80;
 
+/// Beside them: what counts of the command is what it changes, and not what it has to say.
+inline constexpr unsigned IS_CHANGE = 0x100;
+
 /// What a command is given.
 struct CArguments
 {
@@ -44,7 +47,7 @@ struct CCommand
     /// Names of what follows, as the help shows them; one in brackets may be left out.
     const char* szArguments;
     const char* szHelp;
-    unsigned options;
+    unsigned options; ///< and IS_CHANGE
     CommandFunction* pfnRun;
 };
 

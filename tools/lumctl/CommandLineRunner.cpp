@@ -90,7 +90,7 @@ struct CGiven
 
 } // namespace
 
-ExitStatus RunCommandLine(int argc, const char* const* argv, std::string& output)
+ExitStatus RunCommandLine(int argc, const char* const* argv, std::string& output, bool& bIsChange)
 {
     CGiven given;
     std::vector<std::string> words =
@@ -112,5 +112,6 @@ ExitStatus RunCommandLine(int argc, const char* const* argv, std::string& output
     CheckWords(command, words);
     CheckOptions(command, given.options);
     given.arguments.words = words;
+    bIsChange = (command.options & IS_CHANGE) != 0 && !given.arguments.bDryRun;
     return command.pfnRun(given.arguments, output);
 }

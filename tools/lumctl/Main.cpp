@@ -24,11 +24,13 @@ bool Print(const std::string& output)
 int main(int argc, char** argv)
 {
     std::string output;
+    bool bIsChange = false;
     try {
-        const ExitStatus status = RunCommandLine(argc, argv, output);
-        return Print(output)
-                   ? status
-                   : Fail(STATUS_FAILED, "what it did is done, but what it has to say could not be printed");
+        const ExitStatus status = RunCommandLine(argc, argv, output, bIsChange);
+        return Print(output) ? status
+                             : Fail(bIsChange ? status : STATUS_FAILED,
+                                    bIsChange ? "it is done, and what it has to say could not be printed"
+                                              : "what it has to say could not be printed");
     } catch (const CUsageError& error) {
         return Fail(STATUS_USAGE, error.what(), " (see lumctl --help)");
     } catch (const CCommandError& error) {

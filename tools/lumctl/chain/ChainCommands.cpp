@@ -227,7 +227,7 @@ ExitStatus Restore(const CArguments& arguments, std::string& output)
 }
 
 constexpr unsigned LOOKS = OPTION_SYSTEM | OPTION_REGISTRY;
-constexpr unsigned CHANGES = LOOKS | OPTION_DRY_RUN | OPTION_FORCE | OPTION_IN_SERVICE;
+constexpr unsigned CHANGES = IS_CHANGE | LOOKS | OPTION_DRY_RUN | OPTION_FORCE | OPTION_IN_SERVICE;
 
 constexpr CCommand COMMANDS[] = {
     {"chain show", "", "show the chain of GINAs as it will run", LOOKS | OPTION_JSON, Show},
@@ -237,7 +237,7 @@ constexpr CCommand COMMANDS[] = {
     {"chain disable", "", "take lum_gina.dll out of the chain", CHANGES, Disable},
     {"chain remove", "NAME", "take another GINA out of the chain", CHANGES, Remove},
     {"chain backup", "FILE", "write what the chain consists of into a .reg file",
-     OPTION_REGISTRY | OPTION_FORCE, Backup},
+     IS_CHANGE | OPTION_REGISTRY | OPTION_FORCE, Backup},
     {"chain restore", "FILE", "make the chain what it was when the file was written", CHANGES, Restore},
 };
 

@@ -215,27 +215,30 @@ ExitStatus Status(Arguments arguments, std::string& output)
 
 constexpr unsigned ASKS = OPTION_TIMEOUT | OPTION_JSON;
 constexpr unsigned LOOKS = ASKS | OPTION_REGISTRY;
+constexpr unsigned CHANGES = ASKS | IS_CHANGE;
 
 constexpr CCommand COMMANDS[] = {
     {"status", "", "show whether a host is in service, and what is known of it", LOOKS, Status},
     {"ping", "", "say whether a host is in service", ASKS, Ping},
     {"version", "", "show the version of the host in service", ASKS, Version},
     {"plugins list", "", "show the configured plugins, and whether they are loaded", LOOKS, ListPlugins},
-    {"plugins add", "NAME", "configure a plugin as the last one", ASKS | OPTION_NOW, Change<AddPlugin>},
-    {"plugins remove", "NAME", "take a plugin out of the configuration", ASKS | OPTION_NOW,
+    {"plugins add", "NAME", "configure a plugin as the last one", CHANGES | OPTION_NOW, Change<AddPlugin>},
+    {"plugins remove", "NAME", "take a plugin out of the configuration", CHANGES | OPTION_NOW,
      Change<RemovePlugin>},
-    {"plugins up", "NAME", "call a loaded plugin earlier, until the next start", ASKS, Change<MoveUp>},
-    {"plugins down", "NAME", "call a loaded plugin later, until the next start", ASKS, Change<MoveDown>},
+    {"plugins up", "NAME", "call a loaded plugin earlier, until the next start", CHANGES, Change<MoveUp>},
+    {"plugins down", "NAME", "call a loaded plugin later, until the next start", CHANGES, Change<MoveDown>},
     {"plugins query", "NAME [P1] [P2] [P3]", "ask a loaded plugin, with up to three numbers", ASKS,
      Question<QueryPlugin>},
     {"plugins info", "NAME", "show the interface versions of a loaded plugin or GINA", ASKS, Info},
-    {"gina enable", "", "let the host put lum_gina.dll first into the chain", ASKS, Change<EnableGina<true>>},
-    {"gina disable", "", "let the host take lum_gina.dll out of the chain", ASKS, Change<EnableGina<false>>},
-    {"gina remove", "NAME", "let the host take another GINA out of the chain", ASKS, Change<RemoveGina>},
+    {"gina enable", "", "let the host put lum_gina.dll first into the chain", CHANGES,
+     Change<EnableGina<true>>},
+    {"gina disable", "", "let the host take lum_gina.dll out of the chain", CHANGES,
+     Change<EnableGina<false>>},
+    {"gina remove", "NAME", "let the host take another GINA out of the chain", CHANGES, Change<RemoveGina>},
     {"gina in-chain", "NAME", "ask whether a GINA is in the chain", ASKS, Question<IsInChain>},
     {"gina passthrough", "", "show the interface versions of the passthrough GINA", ASKS, Passthrough},
-    {"monitor on", "", "let the host watch the chain for changes by others", ASKS, Change<Monitor<true>>},
-    {"monitor off", "", "stop that", ASKS, Change<Monitor<false>>},
+    {"monitor on", "", "let the host watch the chain for changes by others", CHANGES, Change<Monitor<true>>},
+    {"monitor off", "", "stop that", CHANGES, Change<Monitor<false>>},
 };
 
 } // namespace
