@@ -18,6 +18,9 @@ public:
     CMachineLock(const CMachineLock&) = delete;
     CMachineLock& operator=(const CMachineLock&) = delete;
 
+    /// Whether it is on this file.
+    bool IsOn(const std::string& path) const;
+
 private:
     /// ERROR_SUCCESS, ERROR_SHARING_VIOLATION when another one has it, or why it cannot be had.
     DWORD Take(const std::string& registry);

@@ -24,6 +24,16 @@ std::string ToNarrow(const WCHAR* szText)
     return text;
 }
 
+std::string Shown(const WideText& text)
+{
+    WideText shown;
+    for (const WCHAR ch : text) {
+        const bool bControl = ch < ' ' || (ch >= 0x7F && ch < 0xA0);
+        shown += bControl ? ToWide(Format("\\x%02x", static_cast<unsigned>(ch))) : WideText(1, ch);
+    }
+    return ToNarrow(shown.c_str());
+}
+
 std::string Format(const char* szFormat, ...)
 {
     va_list arguments;

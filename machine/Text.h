@@ -15,6 +15,9 @@ WideText ToWide(const std::string& text);
 /// Null gives the empty text.
 std::string ToNarrow(const WCHAR* szText);
 
+/// For people's eyes: control characters, which a terminal would obey, as \x1b.
+std::string Shown(const WideText& text);
+
 /// printf into a string.
 __attribute__((format(printf, 1, 2))) std::string Format(const char* szFormat, ...);
 

@@ -16,9 +16,14 @@ std::vector<std::string> ParseCommandLine(int argc, const char* const* argv,
                                           const std::vector<COption>& options)
 {
     std::vector<std::string> others;
+    bool bOptions = true;
     for (int nArgument = 1; nArgument < argc; ++nArgument) {
         const std::string argument = argv[nArgument];
-        if (argument.empty() || argument[0] != '-') {
+        if (bOptions && argument == "--") {
+            bOptions = false;
+            continue;
+        }
+        if (!bOptions || argument.empty() || argument[0] != '-') {
             others.push_back(argument);
             continue;
         }

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-// The command line of a tool: options that begin with '-', wherever they stand, and everything else.
+// The command line of a tool: options that begin with '-', wherever they stand before a "--", and everything
+// else.
 
 /// A command line that cannot be followed; the text says why.
 class CUsageError : public std::runtime_error

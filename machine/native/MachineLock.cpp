@@ -13,8 +13,8 @@
 
 namespace {
 
-/// Whether the name still stands for the file, which others replace.
-bool IsStill(int nFile, const std::string& path)
+/// Whether the name stands for the file, which others replace.
+bool IsNamed(int nFile, const std::string& path)
 {
     struct stat locked;
     struct stat named;
@@ -31,6 +31,11 @@ CMachineLock::~CMachineLock()
     }
 }
 
+bool CMachineLock::IsOn(const std::string& path) const
+{
+    return m_nLock >= 0 && IsNamed(static_cast<int>(m_nLock), Native::ToPath(ToWide(path).c_str()));
+}
+
 DWORD CMachineLock::Take(const std::string& registry)
 {
     if (registry.empty()) {
@@ -42,7 +47,7 @@ DWORD CMachineLock::Take(const std::string& registry)
         // Whoever reads it says what is wrong.
         return errno == ENOENT ? ERROR_SUCCESS : Native::FromErrno(errno);
     }
-    if (flock(nFile, LOCK_EX | LOCK_NB) != 0 || !IsStill(nFile, path)) {
+    if (flock(nFile, LOCK_EX | LOCK_NB) != 0 || !IsNamed(nFile, path)) {
         close(nFile);
         return ERROR_SHARING_VIOLATION;
     }

@@ -16,6 +16,11 @@ CMachineLock::~CMachineLock()
     }
 }
 
+bool CMachineLock::IsOn(const std::string&) const
+{
+    return false;
+}
+
 DWORD CMachineLock::Take(const std::string&)
 {
     const HANDLE hMutex = CreateMutexW(nullptr, FALSE, NAME);

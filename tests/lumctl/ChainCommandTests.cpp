@@ -354,8 +354,8 @@ TEST_F(ChainCommands, AValueThatIsNoTextIsNamedAndKept)
 TEST_F(ChainCommands, ANameThatIsTooLongIsShownAndRefused)
 {
     const std::string name(300, 'x');
-    SetValues({{"Winlogon", name}});
-    EXPECT_TRUE(Has(Run("chain show").output, "GinaDLL = \"" + name + '"'));
+    SetValues({{"Winlogon", "\x1B" + name}});
+    EXPECT_TRUE(Has(Run("chain show").output, "GinaDLL = \"\\x1b" + name + '"'));
     const CRun check = Run("chain check");
     EXPECT_EQ(STATUS_BAD, check.status);
     EXPECT_TRUE(Has(check.output, "GinaDLL is a name of more than 259 characters")) << check.output;
@@ -424,6 +424,7 @@ TEST_F(ChainCommands, SayWhatIsWrongWithACommandLine)
         {"chain show wpnGina.dll", "chain show takes no wpnGina.dll"},
         {"chain show --dry-run", "chain show has no option --dry-run"},
         {"chain show --loud", "unknown option --loud"},
+        {"chain show -- --dry-run", "chain show takes no --dry-run"},
         {"chain show --system nowhere", "--system: there is no directory nowhere"},
     };
     for (const auto& row : rows) {

@@ -1,43 +1,63 @@
+#include <algorithm>
 #include <cstdio>
 
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "CommandLineRunner.h"
+#include "JsonWriter.h"
 #include "machine/SetupError.h"
 
 namespace {
 
-ExitStatus Fail(ExitStatus status, const char* szReason, const char* szHint = "")
-{
-    std::fprintf(stderr, "lumctl: %s%s\n", szReason, szHint);
-    return status;
-}
-
-/// What was printed so far comes before why it ended. False when it did not get out.
+/// False when it did not get out.
 bool Print(const std::string& output)
 {
     return std::fwrite(output.data(), 1, output.size(), stdout) == output.size() && std::fflush(stdout) == 0;
+}
+
+bool WantsJson(int argc, const char* const* argv)
+{
+    return std::find(argv + 1, argv + argc, std::string("--json")) != argv + argc;
+}
+
+ExitStatus Tell(ExitStatus status, const std::string& reason)
+{
+    std::fprintf(stderr, "lumctl: %s\n", reason.c_str());
+    return status;
+}
+
+/// What was printed so far comes before why it ended. A reader of JSON gets one text, with the reason.
+ExitStatus Fail(bool bJson, std::string output, ExitStatus status, const std::string& reason)
+{
+    if (bJson) {
+        output.clear();
+        CJsonWriter json(output);
+        json.BeginObject();
+        json.Text("error", reason);
+        json.Number("status", status);
+        json.EndObject();
+    }
+    Print(output);
+    return Tell(status, reason);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
+    const bool bJson = WantsJson(argc, argv);
     std::string output;
     bool bIsChange = false;
     try {
         const ExitStatus status = RunCommandLine(argc, argv, output, bIsChange);
         return Print(output) ? status
-                             : Fail(bIsChange ? status : STATUS_FAILED,
-                                    bIsChange ? "it is done, and what it has to say could not be printed"
-                                              : "what it has to say could not be printed");
+               : bIsChange   ? Tell(status, "it is done, and what it has to say could not be printed")
+                             : Tell(STATUS_FAILED, "what it has to say could not be printed");
     } catch (const CUsageError& error) {
-        return Fail(STATUS_USAGE, error.what(), " (see lumctl --help)");
+        return Fail(bJson, "", STATUS_USAGE, std::string(error.what()) + " (see lumctl --help)");
     } catch (const CCommandError& error) {
-        Print(output);
-        return Fail(error.status, error.what());
+        return Fail(bJson, output, error.status, error.what());
     } catch (const std::exception& error) {
-        Print(output);
-        return Fail(STATUS_FAILED, error.what());
+        return Fail(bJson, output, STATUS_FAILED, error.what());
     }
 }

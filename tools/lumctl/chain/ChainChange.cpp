@@ -23,8 +23,8 @@ void PrintWrites(const CChainChange& change, const std::vector<CValuePlace>& pla
             key = DescribeKey(place);
             output += key + "\n";
         }
-        output += "  " + ToNarrow(place.name.c_str()) + ": " + Describe(DataOf(change.before, place)) +
-                  " -> " + Describe(DataOf(change.after, place)) + "\n";
+        output += "  " + Shown(place.name) + ": " + Describe(DataOf(change.before, place)) + " -> " +
+                  Describe(DataOf(change.after, place)) + "\n";
     }
 }
 

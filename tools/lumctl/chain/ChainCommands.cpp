@@ -170,7 +170,7 @@ bool IsInChain(CMachine& machine, const WideText& gina, const std::string& comma
     if (!bFound && view.end == ChainEnd::Unknown) {
         PrintFindings(CheckChain(view, machine.system), output);
         throw CCommandError("chain " + command + ": the chain cannot be followed to its end, so whether " +
-                                ToNarrow(gina.c_str()) + " is in it cannot be told; nothing was written",
+                                Shown(gina) + " is in it cannot be told; nothing was written",
                             STATUS_UNCERTAIN);
     }
     return bFound && !view.IsSystemGinaImplied();
@@ -202,6 +202,10 @@ ExitStatus Remove(const CArguments& arguments, std::string& output)
 ExitStatus Backup(const CArguments& arguments, std::string& output)
 {
     CMachine machine(arguments);
+    if (machine.lock.IsOn(arguments.words[0])) {
+        throw CCommandError("chain backup: " + arguments.words[0] + " is the registry itself",
+                            STATUS_REFUSED);
+    }
     WriteWholeFile(arguments.words[0], WriteBackup(machine.values, SafeOrder(machine.chain, machine.values)),
                    arguments.bForce);
     output += "The chain has been backed up into " + arguments.words[0] + ".\n";

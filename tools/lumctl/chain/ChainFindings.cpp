@@ -62,7 +62,7 @@ private:
                (m_view.bInService ? "lumctl gina " : "lumctl chain ") + command;
     }
 
-    std::string Name(std::size_t nLink) const { return ToNarrow(m_view.links[nLink].gina.c_str()); }
+    std::string Name(std::size_t nLink) const { return Shown(m_view.links[nLink].gina); }
 
     /// The one that loads this GINA.
     std::string Loader(std::size_t nLink) const { return nLink == 0 ? "Winlogon" : Name(nLink - 1); }
@@ -93,7 +93,7 @@ private:
     std::string TroubleWithDll(std::size_t nLink) const
     {
         const CLinkView& link = m_view.links[nLink];
-        const std::string path = ToNarrow(link.dll.path.c_str());
+        const std::string path = Shown(link.dll.path);
         switch (link.dll.state) {
         case CDllFile::State::Missing:
             return Name(nLink) + ", and there is no such DLL";
@@ -104,7 +104,7 @@ private:
             return Name(nLink) + ", and " + path +
                    (link.dll.missingImport.empty()
                         ? " is no whole DLL of this system"
-                        : " needs " + link.dll.missingImport + ", and there is no such DLL");
+                        : " needs " + Shown(ToWide(link.dll.missingImport)) + ", and there is no such DLL");
         default:
             return link.missing.empty()
                        ? std::string()
@@ -151,7 +151,7 @@ private:
     void CheckEnd()
     {
         const CLinkView& last = m_view.links.back();
-        const std::string name = ToNarrow(last.gina.c_str());
+        const std::string name = Shown(last.gina);
         if (m_view.end == ChainEnd::Unknown) {
             CheckUnknown(last, name);
         } else if (m_view.end == ChainEnd::NoPassthrough) {
@@ -161,8 +161,7 @@ private:
                 RemedyForPassthrough(last));
         } else if (m_view.end == ChainEnd::Cycle) {
             Add(Severity::Danger,
-                name + " passes through to " + ToNarrow(TextOf(last.passthrough).c_str()) +
-                    ", which comes before it",
+                name + " passes through to " + Shown(TextOf(last.passthrough)) + ", which comes before it",
                 RemedyForPassthrough(last));
         }
     }

@@ -35,7 +35,7 @@ std::string DescribePassthrough(const CLinkView& link)
 
 std::string DescribeEnd(const CChainView& view)
 {
-    const std::string last = ToNarrow(view.links.back().gina.c_str());
+    const std::string last = Shown(view.links.back().gina);
     switch (view.end) {
     case ChainEnd::Unknown:
         return "The chain cannot be followed behind " + last + ", which is unknown.";
@@ -109,13 +109,13 @@ void PrintChain(const CChainView& view, std::string& output)
               (view.IsSystemGinaImplied() ? ", so it loads its own GINA\n" : "\n");
     std::size_t cchName = 0;
     for (const CLinkView& link : view.links) {
-        cchName = std::max(cchName, link.gina.size());
+        cchName = std::max(cchName, Shown(link.gina).size());
     }
     int nLink = 0;
     for (const CLinkView& link : view.links) {
         output += Format("%2d  %-*s  %-7s  DLL %-10s  %s\n", ++nLink, static_cast<int>(cchName),
-                         ToNarrow(link.gina.c_str()).c_str(), NameOf(link.knowledge),
-                         DescribeDll(link).c_str(), DescribePassthrough(link).c_str());
+                         Shown(link.gina).c_str(), NameOf(link.knowledge), DescribeDll(link).c_str(),
+                         DescribePassthrough(link).c_str());
     }
     output += DescribeEnd(view) + "\n";
     if (view.bInService) {

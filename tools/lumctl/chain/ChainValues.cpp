@@ -121,12 +121,12 @@ CValueData MakeText(const WCHAR* szText)
 
 std::string DescribeKey(const CValuePlace& place)
 {
-    return "HKEY_LOCAL_MACHINE\\" + ToNarrow(place.key.c_str());
+    return "HKEY_LOCAL_MACHINE\\" + Shown(place.key);
 }
 
 std::string Describe(const CValuePlace& place)
 {
-    return DescribeKey(place) + ", " + ToNarrow(place.name.c_str());
+    return DescribeKey(place) + ", " + Shown(place.name);
 }
 
 bool IsText(const CValueData& data)
@@ -143,7 +143,7 @@ std::string Describe(const CValueData& data)
         return Format("(no text: %u bytes of type %u)", static_cast<unsigned>(data->bytes.size()),
                       static_cast<unsigned>(data->dwType));
     }
-    const std::string text = '"' + ToNarrow(TextOf(data).c_str()) + '"';
+    const std::string text = '"' + Shown(TextOf(data)) + '"';
     return data->dwType == REG_SZ ? text : text + " (REG_EXPAND_SZ)";
 }
 

@@ -5,7 +5,7 @@ namespace {
 
 std::string Name(const WideText& text)
 {
-    return ToNarrow(text.c_str());
+    return Shown(text);
 }
 
 std::string DescribeService(const CHostView& view)
