@@ -7,9 +7,11 @@
 
 #include <winwlx.h>
 
+#include "GinaNames.h"
 #include "Runner.h"
 #include "TestMachine.h"
 #include "machine/MachineRegistry.h"
+#include "machine/SetupError.h"
 
 namespace {
 
@@ -75,6 +77,16 @@ TEST_F(Machine, ARestartForgetsTheStatus)
     EXPECT_EQ("(none) (none)", GetStatus());
     Live(DAY);
     EXPECT_EQ("1 1", GetStatus());
+}
+
+TEST_F(Machine, OfSomebodyIsLeftAlone)
+{
+    EXPECT_NO_THROW(CMachine::RequireUnused());
+    SetDword(VOLATILE_KEY, TEXT("Enabled"), 1);
+    EXPECT_THROW(CMachine::RequireUnused(), CSetupError);
+    MachineRegistry::Clear();
+    SetString(WINLOGON_KEY, WINLOGON_GINA_DLL, TEXT("wpnGina.dll"));
+    EXPECT_THROW(CMachine::RequireUnused(), CSetupError);
 }
 
 TEST_F(Machine, OfTheSimulatorForgetsTheStatusAndKeepsTheRest)

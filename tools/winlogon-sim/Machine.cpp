@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "GinaNames.h"
 #include "RegistryValues.h"
+#include "machine/SetupError.h"
 
 namespace {
 
@@ -11,6 +13,8 @@ constexpr WCHAR LOG_VALUE[] = TEXT("LUM_GINA");
 constexpr WCHAR OWN_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina");
 constexpr WCHAR MASK_VALUE[] = TEXT("Debug");
 constexpr WCHAR PASSTHROUGH_VALUE[] = TEXT("GinaDLL");
+constexpr WCHAR STATUS_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile");
+constexpr WCHAR ENABLED_VALUE[] = TEXT("Enabled");
 constexpr WCHAR PLUGINS_VALUE[] = TEXT("Plugins");
 
 } // namespace
@@ -32,6 +36,15 @@ CMachine::CMachine(const COptions& options)
     }
     const std::string passthrough = ReadText(OWN_KEY, PASSTHROUGH_VALUE).value_or("");
     m_standin = passthrough.empty() ? "msgina.dll" : passthrough;
+}
+
+void CMachine::RequireUnused()
+{
+    if (HasValue(WINLOGON_KEY, WINLOGON_GINA_DLL) || ReadNumber(STATUS_KEY, ENABLED_VALUE) != 0) {
+        throw CSetupError(
+            "Winlogon has a GinaDLL on this machine, or lum_gina.dll is in service: a day would "
+            "change what the next boot needs (--on-this-machine lives it all the same)");
+    }
 }
 
 std::vector<std::string> CMachine::GetPlugins()

@@ -13,6 +13,10 @@ public:
     /// options ask for. Throws CSetupError.
     explicit CMachine(const COptions& options);
 
+    /// Throws CSetupError on a machine that has a chain of GINAs of its own or a host in service, which a day
+    /// would change. To be asked before there is a CMachine.
+    static void RequireUnused();
+
     /// The plugins that the library's configuration names now, in their order.
     static std::vector<std::string> GetPlugins();
 

@@ -19,6 +19,9 @@ enum ExitCode
 ExitCode LiveDay(const COptions& options)
 {
     const std::vector<CStep> steps = ReadDayFile(options.day);
+    if (!options.bOnThisMachine) {
+        CMachine::RequireUnused();
+    }
     const CMachine machine(options);
     CReport report;
     report.PrintHeading(options.day, options.gina);

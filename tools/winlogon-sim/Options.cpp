@@ -22,6 +22,8 @@ the GINA and what came back, and where the two differ without a plugin's doing.
   --registry FILE     load the machine's registry from this .reg file first, when it is there,
                       and save it there afterwards, without its volatile keys; not on Windows,
                       where the system's own registry is used
+  --on-this-machine   live the day also where Winlogon has a GinaDLL already or lum_gina.dll is in
+                      service; not needed where the registry is a file
   --steps             list the steps that a day can hold, with their arguments
   --help              show this text
 
@@ -61,6 +63,7 @@ COptions ParseOptions(int argc, const char* const* argv)
                           TextOption("--setup", options.setup),
                           CodeOption("--version", options.dwVersion, VERSIONS),
                           CodeOption("--trace-mask", options.dwTraceMask, NUMBERS),
+                          FlagOption("--on-this-machine", options.bOnThisMachine),
                           FlagOption("--help", options.bHelp),
                           FlagOption("--steps", options.bSteps),
                           {"--no-trace-log", false, [&](const std::string&) { options.traceLog.clear(); }}});

@@ -22,6 +22,8 @@ struct COptions
     std::string setup;
     /// Empty for a machine that is forgotten afterwards.
     std::string registry;
+    /// Also on a machine on which that would change something.
+    bool bOnThisMachine = false;
     bool bHelp = false;
     bool bSteps = false;
 };

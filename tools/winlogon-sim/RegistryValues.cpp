@@ -36,20 +36,36 @@ void WriteValue(const WideText& key, const WideText& value, DWORD dwType, const 
     });
 }
 
+LONG Query(const WideText& key, const WideText& value, void* pData, DWORD cbData)
+{
+    HKEY hKey = nullptr;
+    LONG lResult = RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_READ, &hKey);
+    if (lResult == ERROR_SUCCESS) {
+        lResult = RegQueryValueExW(hKey, value.c_str(), nullptr, nullptr, static_cast<BYTE*>(pData), &cbData);
+        RegCloseKey(hKey);
+    }
+    return lResult;
+}
+
 } // namespace
+
+bool HasValue(const WideText& key, const WideText& value)
+{
+    return Query(key, value, nullptr, 0) == ERROR_SUCCESS;
+}
+
+DWORD ReadNumber(const WideText& key, const WideText& value)
+{
+    DWORD dwNumber = 0;
+    return Query(key, value, &dwNumber, sizeof(dwNumber)) == ERROR_SUCCESS ? dwNumber : 0;
+}
 
 std::optional<std::string> ReadText(const WideText& key, const WideText& value)
 {
-    HKEY hKey = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
-        return std::nullopt;
-    }
     WCHAR szText[NAME_CAPACITY + 1] = {};
-    DWORD cbText = NAME_CAPACITY * sizeof(WCHAR);
-    const LONG lResult =
-        RegQueryValueExW(hKey, value.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(szText), &cbText);
-    RegCloseKey(hKey);
-    return lResult == ERROR_SUCCESS ? std::optional(ToNarrow(szText)) : std::nullopt;
+    return Query(key, value, szText, NAME_CAPACITY * sizeof(WCHAR)) == ERROR_SUCCESS
+               ? std::optional(ToNarrow(szText))
+               : std::nullopt;
 }
 
 void WriteText(const WideText& key, const WideText& value, const std::string& text)
