@@ -15,9 +15,8 @@ namespace MachineRegistry {
 /// or UTF-8, or with the heading "REGEDIT4". Keys and values that the file deletes are deleted. New keys
 /// are not volatile, except below volatile ones.
 ///
-/// Either the whole file is loaded or nothing: ERROR_BADDB when it is not such a file or has keys outside
-/// HKEY_LOCAL_MACHINE, otherwise the error of reading it. *pReason, if wanted, then tells what is wrong and
-/// in which line.
+/// Either all of the file is done or nothing: ERROR_BADDB when it is not such a file, otherwise why it could
+/// not be read. *pReason, if wanted, then tells what is wrong and in which line.
 LONG Load(const WCHAR* szFile, std::string* pReason = nullptr);
 
 /// Adds the contents of a .reg file to the registry that programs see. Natively this is Load. On Windows the
@@ -25,9 +24,9 @@ LONG Load(const WCHAR* szFile, std::string* pReason = nullptr);
 /// when it says that it failed.
 LONG Import(const WCHAR* szFile, std::string* pReason = nullptr);
 
-/// Writes everything that is not volatile, as the system's own editor exports it. An existing file is
-/// replaced only by a complete new one. ERROR_INVALID_NAME, and no file, for a name with a control character,
-/// which the format cannot hold.
+/// Writes everything that is not volatile, what was loaded of other roots included, as the system's own
+/// editor exports it. An existing file is replaced only by a complete new one. ERROR_INVALID_NAME, and no
+/// file, when a name contains a control character, for which the format has no place.
 LONG Save(const WCHAR* szFile);
 
 /// Deletes everything. Handles that are open stay open on deleted keys.

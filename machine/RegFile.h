@@ -13,10 +13,14 @@
 
 namespace Platform {
 
+inline constexpr WCHAR MACHINE_ROOT[] = TEXT("HKEY_LOCAL_MACHINE");
+
 /// One thing that a .reg file says. Without a value's name it is about the key itself.
 struct CRegFileChange
 {
-    /// The names on the way from HKEY_LOCAL_MACHINE.
+    /// MACHINE_ROOT, or another root of the registry, such as "HKEY_USERS".
+    std::basic_string<WCHAR> root;
+    /// The names on the way from there.
     std::vector<std::basic_string<WCHAR>> key;
     /// Empty for the default value.
     std::optional<std::basic_string<WCHAR>> value;
@@ -32,8 +36,7 @@ struct CRegFileError
 };
 
 /// The changes that the bytes of a .reg file stand for, in its order. The heading is "Windows Registry Editor
-/// Version 5.00", in UTF-16 or UTF-8, or "REGEDIT4". Throws CRegFileError, also for keys outside
-/// HKEY_LOCAL_MACHINE.
+/// Version 5.00", in UTF-16 or UTF-8, or "REGEDIT4". Throws CRegFileError.
 std::vector<CRegFileChange> ParseRegFile(const std::string& bytes);
 
 /// Writes a .reg file of version 5.00, as the system's editor does.
@@ -42,10 +45,9 @@ class CRegFileWriter
 public:
     CRegFileWriter();
 
-    /// Begins a key, by its path below HKEY_LOCAL_MACHINE; an empty path stands for HKEY_LOCAL_MACHINE
-    /// itself. This and AddValue return false for a name with a control character, which the format cannot
-    /// hold.
-    bool AddKey(const std::basic_string<WCHAR>& path);
+    /// Begins a key, by its path below a root; empty for that itself. This and AddValue are false
+    /// when a name has a control character in it, for which the format has no place.
+    bool AddKey(const std::basic_string<WCHAR>& path, const std::basic_string<WCHAR>& root = MACHINE_ROOT);
 
     /// Adds a value of the key that was begun last. Without data, adds its deletion.
     bool AddValue(const std::basic_string<WCHAR>& name, const CRegistryData* pData);

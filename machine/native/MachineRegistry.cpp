@@ -10,19 +10,27 @@
 namespace Native {
 namespace {
 
-void DeleteKey(std::vector<WideText> path)
+/// What is below the other roots: nobody here uses it, and it is written back.
+CTreeKey g_others;
+
+std::shared_ptr<CTreeKey> GetRootNamed(const WideText& root)
+{
+    return root == MACHINE_ROOT ? RegistryTree::GetRoot() : g_others.Make(root, false);
+}
+
+void DeleteKey(const WideText& root, std::vector<WideText> path)
 {
     const WideText name = path.back();
     path.pop_back();
-    const std::shared_ptr<CTreeKey> pParent = CTreeKey::Find(RegistryTree::GetRoot(), path);
+    const std::shared_ptr<CTreeKey> pParent = CTreeKey::Find(GetRootNamed(root), path);
     if (pParent != nullptr && pParent->keys.count(name) != 0) {
         pParent->Remove(pParent->keys.find(name));
     }
 }
 
-std::shared_ptr<CTreeKey> MakeKey(const std::vector<WideText>& path)
+std::shared_ptr<CTreeKey> MakeKey(const WideText& root, const std::vector<WideText>& path)
 {
-    std::shared_ptr<CTreeKey> pKey = RegistryTree::GetRoot();
+    std::shared_ptr<CTreeKey> pKey = GetRootNamed(root);
     for (const WideText& name : path) {
         pKey = pKey->Make(name, pKey->bVolatile);
     }
@@ -32,10 +40,10 @@ std::shared_ptr<CTreeKey> MakeKey(const std::vector<WideText>& path)
 void Apply(const CRegFileChange& change)
 {
     if (!change.value && change.bDelete) {
-        DeleteKey(change.key);
+        DeleteKey(change.root, change.key);
         return;
     }
-    const std::shared_ptr<CTreeKey> pKey = MakeKey(change.key);
+    const std::shared_ptr<CTreeKey> pKey = MakeKey(change.root, change.key);
     if (change.value && change.bDelete) {
         pKey->values.erase(*change.value);
     } else if (change.value) {
@@ -43,15 +51,15 @@ void Apply(const CRegFileChange& change)
     }
 }
 
-bool WriteKey(const CTreeKey& key, const WideText& path, CRegFileWriter& file)
+bool WriteKey(const CTreeKey& key, const WideText& root, const WideText& path, CRegFileWriter& file)
 {
-    bool bWritten = file.AddKey(path);
+    bool bWritten = file.AddKey(path, root);
     for (const auto& [name, data] : key.values) {
         bWritten = file.AddValue(name, &data) && bWritten;
     }
     const WideText start = path.empty() ? path : path + TEXT("\\");
     return bWritten && std::all_of(key.keys.begin(), key.keys.end(), [&](const auto& child) {
-               return child.second->bVolatile || WriteKey(*child.second, start + child.first, file);
+               return child.second->bVolatile || WriteKey(*child.second, root, start + child.first, file);
            });
 }
 
@@ -92,7 +100,11 @@ LONG MachineRegistry::Save(const WCHAR* szFile)
     CRegFileWriter file;
     {
         const std::lock_guard lock(RegistryTree::g_mutex);
-        if (!WriteKey(*RegistryTree::GetRoot(), WideText(), file)) {
+        bool bWritten = WriteKey(*RegistryTree::GetRoot(), MACHINE_ROOT, WideText(), file);
+        for (const auto& [root, pKey] : g_others.keys) {
+            bWritten = WriteKey(*pKey, root, WideText(), file) && bWritten;
+        }
+        if (!bWritten) {
             return ERROR_INVALID_NAME;
         }
     }
@@ -103,6 +115,7 @@ LONG MachineRegistry::Clear()
 {
     const std::lock_guard lock(RegistryTree::g_mutex);
     RegistryTree::GetRoot()->RemoveAll();
+    g_others.RemoveAll();
     return ERROR_SUCCESS;
 }
 

@@ -49,20 +49,33 @@ WideText Trim(const WideText& text)
                                     : text.substr(nBegin, text.find_last_not_of(BLANKS) + 1 - nBegin);
 }
 
+/// The lines as they stand, with their numbers.
 std::vector<CRegFileLine> SplitLines(const WideText& text)
 {
     std::vector<CRegFileLine> lines;
     std::size_t nBegin = 0;
     while (nBegin < text.size()) {
         const std::size_t nEnd = std::min(text.find('\n', nBegin), text.size());
-        lines.push_back({lines.size() + 1, Trim(text.substr(nBegin, nEnd - nBegin))});
+        lines.push_back({lines.size() + 1, text.substr(nBegin, nEnd - nBegin)});
         nBegin = nEnd + 1;
     }
     return lines;
 }
 
-/// Only data in bytes continues on the next line. In quotes and brackets a backslash at the end means
-/// something else, or is an error.
+/// A text in quotes goes on in the next line, of which every character counts.
+bool EndsInText(const WideText& line, bool bInText)
+{
+    for (std::size_t n = 0; n < line.size(); ++n) {
+        if (bInText && line[n] == '\\') {
+            ++n;
+        } else if (line[n] == '"') {
+            bInText = !bInText;
+        }
+    }
+    return bInText;
+}
+
+/// So do bytes. In quotes and brackets a backslash at the end means something else, or is an error.
 bool IsContinued(const WideText& text)
 {
     return text.back() == '\\' && text.front() != '[' && text.find(TEXT("hex")) != WideText::npos;
@@ -71,16 +84,24 @@ bool IsContinued(const WideText& text)
 std::vector<CRegFileLine> JoinLines(const std::vector<CRegFileLine>& lines)
 {
     std::vector<CRegFileLine> joined;
-    bool bContinued = false;
-    for (const CRegFileLine& line : lines) {
-        const bool bSaysNothing = line.text.empty() || line.text.front() == ';';
-        if (bContinued) {
-            joined.back().text.pop_back();
-            joined.back().text += line.text;
-        } else if (!bSaysNothing) {
-            joined.push_back(line);
+    for (auto line = lines.begin(); line != lines.end(); ++line) {
+        CRegFileLine whole = {line->nNumber, Trim(line->text)};
+        if (whole.text.empty() || whole.text.front() == ';') {
+            continue;
         }
-        bContinued = !joined.empty() && IsContinued(joined.back().text);
+        const bool bValue = whole.text.front() == '"' || whole.text.front() == '@';
+        if (bool bInText = bValue && EndsInText(whole.text, false); bInText) {
+            whole.text = line->text.substr(line->text.find(whole.text.front()));
+            for (; bInText && line + 1 != lines.end(); bInText = EndsInText(line->text, true)) {
+                whole.text += TEXT("\n") + (++line)->text;
+            }
+            whole.text = Trim(whole.text);
+        }
+        while (IsContinued(whole.text) && line + 1 != lines.end()) {
+            whole.text.pop_back();
+            whole.text += Trim((++line)->text);
+        }
+        joined.push_back(std::move(whole));
     }
     return joined;
 }

@@ -7,7 +7,8 @@
 
 namespace Platform {
 
-/// A line that says something: continued lines are joined, and blanks around them are gone.
+/// A line that says something: continued lines are joined, and blanks around them are gone, but for those in a
+/// text.
 struct CRegFileLine
 {
     std::size_t nNumber; ///< in the file, from 1; of the first one of joined lines

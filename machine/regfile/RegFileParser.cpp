@@ -1,12 +1,17 @@
 #include "machine/RegFile.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "RegFileLineReader.h"
 #include "platform/RegistryPath.h"
 
 namespace Platform {
 namespace {
 
-constexpr WCHAR ROOT[] = TEXT("HKEY_LOCAL_MACHINE");
+const WCHAR* const ROOTS[] = {MACHINE_ROOT, TEXT("HKEY_USERS"), TEXT("HKEY_CURRENT_USER"),
+                              TEXT("HKEY_CLASSES_ROOT"), TEXT("HKEY_CURRENT_CONFIG")};
+constexpr char NO_ROOT[] = "a key must begin with HKEY_LOCAL_MACHINE or another root of the registry";
 
 std::vector<BYTE> CopyBytes(const void* pData, std::size_t cbData)
 {
@@ -68,14 +73,19 @@ private:
     {
         CRegFileChange change;
         change.bDelete = reader.Take(TEXT("-"));
-        reader.Expect(ROOT, "only keys of HKEY_LOCAL_MACHINE can be used");
+        const auto root = std::find_if(std::begin(ROOTS), std::end(ROOTS),
+                                       [&](const WCHAR* szRoot) { return reader.Take(szRoot); });
+        if (root == std::end(ROOTS)) {
+            reader.Fail(NO_ROOT);
+        }
+        m_root = change.root = *root;
         WideText path = reader.TakeRest();
         if (path.empty() || path.back() != ']') {
             reader.Fail("a key without its closing bracket");
         }
         path.pop_back();
         if (!path.empty() && path.front() != '\\') {
-            reader.Fail("only keys of HKEY_LOCAL_MACHINE can be used");
+            reader.Fail(NO_ROOT);
         }
         change.key = SplitPath(path);
         CheckKey(reader, change);
@@ -86,7 +96,7 @@ private:
     static void CheckKey(const CRegFileLineReader& reader, const CRegFileChange& change)
     {
         if (change.bDelete && change.key.empty()) {
-            reader.Fail("HKEY_LOCAL_MACHINE itself cannot be deleted");
+            reader.Fail("a root of the registry cannot be deleted");
         }
         for (const WideText& name : change.key) {
             if (name.size() > MAX_KEY_NAME) {
@@ -109,6 +119,7 @@ private:
         if (change.value->size() > MAX_VALUE_NAME) {
             reader.Fail("the name of a value is too long");
         }
+        change.root = m_root;
         change.key = *m_pKey;
         reader.SkipBlanks();
         reader.Expect(TEXT("="), "an equals sign is missing behind the name");
@@ -147,6 +158,7 @@ private:
     }
 
     bool m_bOldFormat;
+    WideText m_root;
     std::optional<std::vector<WideText>> m_pKey;
 };
 

@@ -85,9 +85,9 @@ WideText WriteData(const CRegistryData& data)
 
 CRegFileWriter::CRegFileWriter() : m_text(TEXT("Windows Registry Editor Version 5.00\r\n")) {}
 
-bool CRegFileWriter::AddKey(const WideText& path)
+bool CRegFileWriter::AddKey(const WideText& path, const WideText& root)
 {
-    m_text += TEXT("\r\n[HKEY_LOCAL_MACHINE");
+    m_text += TEXT("\r\n[") + root;
     m_text += (path.empty() ? WideText() : TEXT("\\") + path) + TEXT("]\r\n");
     return !HasControls(path);
 }

@@ -304,7 +304,7 @@ TEST_F(ChainCommands, RestoreRefusesWhatIsNoBackup)
          "Gina, y.dll is no value of a chain"},
         {good + "[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina]\r\n\"Plugins\"=\"a.dll\"\r\n",
          "Gina, Plugins is no value of a chain"},
-        {good + "[HKEY_CURRENT_USER\\Software]\r\n", "line 5: only keys of HKEY_LOCAL_MACHINE"},
+        {good + "[HKEY_CURRENT_USER\\Software]\r\n", "it has keys of HKEY_CURRENT_USER"},
         {good + "nonsense\r\n", "line 5: neither a key nor a value"},
         {winlogon + "\"GinaDLL\"=\"x.dll\"\r\n", "the machine would not come up"},
         {good + end.substr(0, end.size() - 1), "the file is no whole backup", true},

@@ -67,6 +67,7 @@ TEST_F(MachineRegistryFile, ReadsEveryFormOfAValueAndWritesOne)
         {"\"no end\"=hex(1):61,00"},
         {"\"empty\"=hex(1):"},
         {"\"two lines\"=hex(1):0a,00,00,00"},
+        {"\"lines\"=\"a \r\n [b] \\\" \r\n; c\""},
         {"\"odd number\"=hex(4):01,02"},
         {"\"type\"=hex(abc):01", "\"type\"=hex(00000abc):01"},
         {"\"highest\"=hex(ffffffff):01"},
@@ -88,6 +89,10 @@ TEST_F(MachineRegistryFile, ReadsEveryFormOfAValueAndWritesOne)
     EXPECT_EQ(GetValue(KEY, TEXT("half a character")), std::string("\"\0\"", 3));
     EXPECT_EQ(Load(HEADING + KEY_LINE + "\"v\"=hex(1):61,00\n\"n\"=dword:102"), ERROR_SUCCESS);
     EXPECT_EQ(GetValue(KEY, TEXT("v")) + GetValue(KEY, TEXT("n")), "\"a\"258");
+    // Of other roots nobody knows more than that they must not get lost.
+    const std::string other = "[HKEY_USERS\\.DEFAULT\\x]\r\n\"u\"=dword:00000001\r\n";
+    EXPECT_EQ(Load(HEADING + KEY_LINE + "\r\n" + other), ERROR_SUCCESS);
+    EXPECT_NE(Saved().find(other), std::string::npos);
 }
 
 TEST_F(MachineRegistryFile, ReadsEveryEncoding)
@@ -136,9 +141,9 @@ TEST_F(MachineRegistryFile, RefusesAMalformedFileAsAWhole)
         {line + "\"v\"=hex(1:1", "line 5: a parenthesis is missing behind the type"},
         {line + "\"v\"=hex(1)1", "line 5: a colon is missing before the bytes"},
         {line + "[HKEY_LOCAL_MACHINE\\Open", "line 5: a key without its closing bracket"},
-        {line + "[HKEY_CURRENT_USER\\x]", "line 5: only keys of HKEY_LOCAL_MACHINE can be used"},
-        {line + "[HKEY_LOCAL_MACHINES]", "line 5: only keys of HKEY_LOCAL_MACHINE can be used"},
-        {line + "[-HKEY_LOCAL_MACHINE]", "line 5: HKEY_LOCAL_MACHINE itself cannot be deleted"},
+        {line + "[HKEY_LOCAL_MACHINES]",
+         "line 5: a key must begin with HKEY_LOCAL_MACHINE or another root of the registry"},
+        {line + "[-HKEY_LOCAL_MACHINE]", "line 5: a root of the registry cannot be deleted"},
         {line + "[-HKEY_LOCAL_MACHINE\\x]\n\"v\"=\"1\"", "line 6: a value outside a key"},
         {"", "line 1: the heading of a registry file is missing"},
         {"REGEDIT5\n", "line 1: the heading of a registry file is missing"},

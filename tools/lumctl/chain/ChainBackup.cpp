@@ -34,6 +34,11 @@ std::vector<CRegFileChange> Parse(const std::string& bytes)
 {
     try {
         std::vector<CRegFileChange> changes = Platform::ParseRegFile(bytes);
+        for (const CRegFileChange& change : changes) {
+            if (change.root != Platform::MACHINE_ROOT) {
+                throw CCommandError("the file is no backup of a chain: it has keys of " + Shown(change.root));
+            }
+        }
         if (!IsWhole(bytes)) {
             throw CCommandError(
                 Format("the file is no whole backup of a chain: it does not end with \"; %s\"", LAST_LINE));
