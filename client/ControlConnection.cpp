@@ -1,10 +1,21 @@
 #include "ControlConnection.h"
 
+#include <random>
+
 #include "ControlProtocol.h"
 
 namespace {
 
 constexpr DWORD PAUSE_MILLISECONDS = 20;
+constexpr DWORD LONGEST_PAUSE_MILLISECONDS = 250;
+
+/// How long one who waits for its turn keeps still. The server takes who asks first after a period: whoever
+/// has waited longer asks more often, and at random, so that nobody falls into step with it and is always
+/// first.
+DWORD ChoosePause(std::minstd_rand& random, DWORD dwWaited)
+{
+    return 1 + static_cast<DWORD>(random()) % (LONGEST_PAUSE_MILLISECONDS * 1000 / (1000 + dwWaited) + 1);
+}
 
 struct CErrorStatus
 {
@@ -37,6 +48,7 @@ ControlStatus CControlConnection::Open() noexcept
     // Lets the server impersonate this user. The server is the library in Winlogon, unless somebody else made
     // the pipe.
     constexpr DWORD FLAGS = SECURITY_SQOS_PRESENT | SECURITY_IMPERSONATION;
+    std::minstd_rand random(m_dwStart ^ GetCurrentThreadId());
     for (;;) {
         m_hPipe = CreateFileW(ControlProtocol::PIPE_NAME, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                               OPEN_EXISTING, FLAGS, nullptr);
@@ -46,7 +58,7 @@ ControlStatus CControlConnection::Open() noexcept
         if (GetLastError() != ERROR_PIPE_BUSY) {
             return Fail(GetLastError());
         }
-        const ControlStatus status = Pause();
+        const ControlStatus status = Pause(ChoosePause(random, GetTickCount() - m_dwStart));
         if (status != ControlStatus::Success) {
             return status;
         }
@@ -90,14 +102,14 @@ ControlStatus CControlConnection::AwaitBytes() noexcept
         if (cbAvailable != 0) {
             return ControlStatus::Success;
         }
-        const ControlStatus status = Pause();
+        const ControlStatus status = Pause(PAUSE_MILLISECONDS);
         if (status != ControlStatus::Success) {
             return status;
         }
     }
 }
 
-ControlStatus CControlConnection::Pause() noexcept
+ControlStatus CControlConnection::Pause(DWORD dwMilliseconds) noexcept
 {
     const DWORD dwWaited = GetTickCount() - m_dwStart;
     if (dwWaited >= m_Wait.dwTimeoutMilliseconds) {
@@ -106,7 +118,7 @@ ControlStatus CControlConnection::Pause() noexcept
     if (m_Wait.progress != nullptr && !m_Wait.progress(dwWaited)) {
         return ControlStatus::Cancelled;
     }
-    Sleep(PAUSE_MILLISECONDS);
+    Sleep(dwMilliseconds);
     return ControlStatus::Success;
 }
 

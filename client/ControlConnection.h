@@ -50,7 +50,7 @@ public:
 
 private:
     ControlStatus AwaitBytes() noexcept;
-    ControlStatus Pause() noexcept;
+    ControlStatus Pause(DWORD dwMilliseconds) noexcept;
     ControlStatus Fail(DWORD dwError) noexcept;
 
     const CControlWait& m_Wait;
