@@ -3,6 +3,7 @@
 #include <random>
 
 #include "ControlProtocol.h"
+#include "PipeOwner.h"
 
 namespace {
 
@@ -53,7 +54,7 @@ ControlStatus CControlConnection::Open() noexcept
         m_hPipe = CreateFileW(ControlProtocol::PIPE_NAME, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                               OPEN_EXISTING, FLAGS, nullptr);
         if (m_hPipe != INVALID_HANDLE_VALUE) {
-            return ControlStatus::Success;
+            return IsPipeOfTrustedOwner(m_hPipe) ? ControlStatus::Success : ControlStatus::ForeignServer;
         }
         if (GetLastError() != ERROR_PIPE_BUSY) {
             return Fail(GetLastError());

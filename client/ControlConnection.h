@@ -7,16 +7,17 @@
 /// How a request ended.
 enum class ControlStatus
 {
-    Success,      ///< the server did it; for a question: yes
-    Refused,      ///< the server answered that it failed; for a question: no
-    BadName,      ///< a name that the protocol has no room for; nothing was sent
-    NoServer,     ///< nobody serves the pipe
-    AccessDenied, ///< the pipe is not for this user
-    TimedOut,     ///< the server was busy, or did not answer, all the time allowed
-    Cancelled,    ///< the progress function asked to give up
-    NoAnswer,     ///< the server disconnected without a reply: it stops, or could not read the request
-    BadAnswer,    ///< what came is not a reply of this protocol
-    SystemError,  ///< something else failed, see GetSystemError
+    Success,       ///< the server did it; for a question: yes
+    Refused,       ///< the server answered that it failed; for a question: no
+    BadName,       ///< a name that the protocol has no room for; nothing was sent
+    NoServer,      ///< nobody serves the pipe
+    AccessDenied,  ///< the pipe is not for this user
+    ForeignServer, ///< the pipe is neither the system's, an administrator's nor the user's; nothing was sent
+    TimedOut,      ///< the server was busy, or did not answer, all the time allowed
+    Cancelled,     ///< the progress function asked to give up
+    NoAnswer,      ///< the server disconnected without a reply: it stops, or could not read the request
+    BadAnswer,     ///< what came is not a reply of this protocol
+    SystemError,   ///< something else failed, see GetSystemError
 };
 
 /// How long to wait for the server, and whom to tell meanwhile. The server looks for a client only once a

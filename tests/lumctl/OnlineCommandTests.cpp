@@ -235,4 +235,28 @@ TEST_F(CommandsAtAFalseServer, TellWhatItsAnswerMeans)
     }
 }
 
+#ifdef _WIN32
+TEST(CommandsAtASquatter, SendNothing)
+{
+    const DWORD users[] = {0x00000201, 0x05000000, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_USERS};
+    SECURITY_DESCRIPTOR descriptor;
+    InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
+    SetSecurityDescriptorOwner(&descriptor, const_cast<DWORD*>(users), FALSE);
+    SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
+    SECURITY_ATTRIBUTES attributes = {sizeof(attributes), &descriptor, FALSE};
+    const HANDLE hPipe = CreateNamedPipeW(ControlProtocol::PIPE_NAME, PIPE_ACCESS_DUPLEX, PIPE_NOWAIT, 1,
+                                          4096, 4096, 10, &attributes);
+    ConnectNamedPipe(hPipe, nullptr);
+    ExpectRun(
+        {"plugins add x.dll --timeout 1", STATUS_FAILED, "",
+         "the pipe belongs to neither the system nor an administrator: it is not the host's; nothing was "
+         "sent"});
+    char chSent = 0;
+    DWORD cbSent = 0;
+    ReadFile(hPipe, &chSent, 1, &cbSent, nullptr);
+    EXPECT_EQ(0u, cbSent);
+    CloseHandle(hPipe);
+}
+#endif
+
 } // namespace

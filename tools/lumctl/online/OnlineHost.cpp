@@ -24,6 +24,8 @@ constexpr CFailure FAILURES[] = {
     {ControlStatus::BadName, STATUS_USAGE, "the name is longer than 259 characters"},
     {ControlStatus::NoServer, STATUS_FAILED, "no host is in service on this machine"},
     {ControlStatus::AccessDenied, STATUS_FAILED, "only administrators may talk to the host"},
+    {ControlStatus::ForeignServer, STATUS_FAILED,
+     "the pipe belongs to neither the system nor an administrator: it is not the host's; nothing was sent"},
     {ControlStatus::TimedOut, STATUS_UNCERTAIN, "the host did not answer in time; it may still do it"},
     {ControlStatus::Cancelled, STATUS_UNCERTAIN, "given up; the host may still do it"},
     {ControlStatus::NoAnswer, STATUS_UNCERTAIN, "the host ended the connection without an answer"},
