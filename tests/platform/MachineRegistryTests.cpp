@@ -67,7 +67,7 @@ TEST_F(MachineRegistryFile, ReadsEveryFormOfAValueAndWritesOne)
         {"\"no end\"=hex(1):61,00"},
         {"\"empty\"=hex(1):"},
         {"\"two lines\"=hex(1):0a,00,00,00"},
-        {"\"lines\"=\"a \r\n [b] \\\" \r\n; c\""},
+        {"\"lines\"=\"\r\n [b]\"", "\"lines\"=hex(1):0d,00,0a,00,20,00,5b,00,62,00,5d,00,00,00"},
         {"\"odd number\"=hex(4):01,02"},
         {"\"type\"=hex(abc):01", "\"type\"=hex(00000abc):01"},
         {"\"highest\"=hex(ffffffff):01"},
