@@ -11,8 +11,11 @@ namespace {
 HINSTANCE const HOST = reinterpret_cast<HINSTANCE>(0x1000);
 PVOID const CONTEXT = reinterpret_cast<PVOID>(0x2000);
 
-// Deleted through the base, whose first slot destroys.
-using ObjectPtr = std::unique_ptr<CGinaObject>;
+struct CDestroyObject
+{
+    void operator()(CGinaObject* pObject) const { DestroyListItem(pObject); }
+};
+using ObjectPtr = std::unique_ptr<CGinaObject, CDestroyObject>;
 
 ObjectPtr MakeObject(const WCHAR* szDLL, DWORD dwLUMVersion = LUM_INTERFACE_VERSION,
                      DWORD dwWlxVersion = WLX_VERSION_1_4)
