@@ -98,4 +98,29 @@ TEST_F(CallGate, ACallWaitsForNoPreparationThatDoesNotEnd)
     EXPECT_TRUE(gate.Change(succeed, prepare, [&] { return bOver; })) << "waits for the call that went on";
 }
 
+TEST_F(CallGate, NoCallIsInFlightDuringAChangeThatWaitsForTheList)
+{
+    std::atomic<int> nInFlight = 0;
+    std::unique_ptr<CThread> threads[2];
+    const auto prepare = [&] {
+        threads[0] = std::make_unique<CThread>([&] {
+            const CCallGate::CCall call(gate);
+            ++nInFlight;
+            gate.Look([] { return true; });
+            --nInFlight;
+        });
+        Sleep(CCallGate::CHANGE_MILLISECONDS * 9 / 10);
+        // The call loses its patience while the change waits for this one.
+        CHappening held;
+        threads[1] = std::make_unique<CThread>([&] {
+            gate.Look([&] {
+                held.Happen();
+                Sleep(CCallGate::CHANGE_MILLISECONDS / 2);
+            });
+        });
+        held.Wait();
+    };
+    EXPECT_TRUE(gate.Change([] { return true; }, prepare, [&] { return nInFlight == 0; }));
+}
+
 } // namespace
