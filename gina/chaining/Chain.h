@@ -23,6 +23,7 @@ enum class ChainEnd
     Unknown,       ///< to a GINA of which nothing is known
     NoPassthrough, ///< to a GINA that does not say what it passes through to
     Cycle,         ///< to a GINA that passes through to one before it, or to itself
+    Incomplete,    ///< one of the last three; which one was reported when the chain was read
 };
 
 /// A chain: Winlogon loads the first GINA, each GINA the one after it.

@@ -111,7 +111,8 @@ CChain CRegistryManager::GetChain() const
         const CGinaChainingInfoObject* pInfo = FindGina(*m_pKnownGinaList, szGinaDLL);
         return pInfo != nullptr ? std::optional(pInfo->GetRecord()) : std::nullopt;
     };
-    return {NamesOf(*m_pGinaChainingList), m_bChainIncomplete ? ChainEnd::Unknown : ChainEnd::Complete, know};
+    return {NamesOf(*m_pGinaChainingList), m_bChainIncomplete ? ChainEnd::Incomplete : ChainEnd::Complete,
+            know};
 }
 
 CGinaChainingInfoObject& CRegistryManager::NeedKnown(const WCHAR* szGinaDLL)
