@@ -1,7 +1,6 @@
 #include "TraceLog.h"
 
 #include <iterator>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -55,13 +54,12 @@ static_assert(LabelsFit());
 constinit CKeptKey s_DebugKey(DEBUG_KEY);
 constinit CKeptKey s_OwnKey(LUM_GINA_MTM);
 
-/// The mask that a key holds; nothing when it has none.
-std::optional<DWORD> QueryMask(CKeptKey& key) noexcept
+/// The mask that a key holds; the default when it has none.
+DWORD QueryMask(CKeptKey& key) noexcept
 {
     DWORD dwMask = 0;
     DWORD cbMask = sizeof(dwMask);
-    return key.Query(MASK_VALUE, &dwMask, &cbMask) && cbMask == sizeof(dwMask) ? std::optional(dwMask)
-                                                                               : std::nullopt;
+    return key.Query(MASK_VALUE, &dwMask, &cbMask) && cbMask == sizeof(dwMask) ? dwMask : DEFAULT_TRACE_MASK;
 }
 
 /// The path of the log file configured for a tag; empty when there is none.
@@ -156,12 +154,11 @@ const WCHAR* GetLevelLabel(DWORD dwLevel) noexcept
 
 bool IsTraceEnabled(DWORD dwLevel, const WCHAR* szMTM) noexcept
 {
-    std::optional<DWORD> mask;
+    DWORD dwMask = DEFAULT_TRACE_MASK;
     if (szMTM != nullptr && *szMTM != 0) {
         CKeptKey other(szMTM);
-        mask = QueryMask(std::basic_string_view(szMTM) == LUM_GINA_MTM ? s_OwnKey : other);
+        dwMask = QueryMask(std::basic_string_view(szMTM) == LUM_GINA_MTM ? s_OwnKey : other);
     }
-    const DWORD dwMask = mask.value_or(DEFAULT_TRACE_MASK);
     return (dwLevel & dwMask) == dwLevel;
 }
 

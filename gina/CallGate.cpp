@@ -169,7 +169,10 @@ bool CCallGate::IsClosedByThisThread() noexcept
     return m_dwClosedBy == GetCurrentThreadId();
 }
 
-void CCallGate::ReportBusy() noexcept
+bool CCallGate::RenewOrReport(CClosing& closing) noexcept
 {
-    CWarning(LUM_GINA_ORIGIN, TXT_BUSY);
+    if (!closing.Renew(CHANGE_MILLISECONDS)) {
+        CWarning(LUM_GINA_ORIGIN, TXT_BUSY);
+    }
+    return closing.IsClosed();
 }

@@ -93,24 +93,17 @@ public:
     bool Change(Allowed allowed, Prepare prepare, Body change)
     {
         CClosing closing(*this, 0);
-        if (!closing.IsClosed()) {
-            if (!Look(allowed)) {
-                return false;
-            }
-            if (!closing.Renew(CHANGE_MILLISECONDS)) {
-                ReportBusy();
-                return false;
-            }
+        if (!closing.IsClosed() && !Look(allowed)) {
+            return false;
         }
-        if (!Look(allowed)) {
+        if (!RenewOrReport(closing) || !Look(allowed)) {
             return false;
         }
         prepare();
         bool bClosed = false;
         bool bChanged = false;
         while (!bClosed) {
-            if (!closing.Renew(CHANGE_MILLISECONDS)) {
-                ReportBusy();
+            if (!RenewOrReport(closing)) {
                 return false;
             }
             // A call that opens the gate after this has to wait for the list.
@@ -178,7 +171,7 @@ private:
     bool IsWaitedFor() noexcept;
     bool IsIdle() noexcept;
     std::vector<CThreadCalls>::iterator FindThread(DWORD dwThreadId) noexcept;
-    static void ReportBusy() noexcept;
+    static bool RenewOrReport(CClosing& closing) noexcept;
 
     CCriticalSection m_listLock;
     /// Guards what follows.

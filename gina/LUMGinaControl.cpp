@@ -1,5 +1,5 @@
-#include "LUMGina.h"
 #include "CallLocked.h"
+#include "LUMGina.h"
 #include "Needed.h"
 #include "ResourceObject.h"
 

@@ -4,7 +4,6 @@
 #include <new>
 
 #include "CallLocked.h"
-#include "LUMRegistry.h"
 #include "WinlogonRegistry.h"
 #include "ChainBuilder.h"
 #include "ChainResync.h"

@@ -5,7 +5,6 @@
 
 #include "CommandError.h"
 #include "GinaNames.h"
-#include "RegistryString.h"
 
 namespace {
 
