@@ -2,11 +2,12 @@
 
 #include "OfflineChain.h"
 
-/// The bytes of a .reg file that says in this order what these values are, and of which there is none that it
-/// is deleted. Its last line, a comment, says that it is whole.
+/// Returns the bytes of a .reg file that restores these values, in this order. A value that does not exist is
+/// deleted by it. The last line, a comment, says that the file is whole.
 std::string WriteBackup(const CChainValues& values, const std::vector<CValuePlace>& order);
 
-/// The values that a .reg file says. Chaining records in it are added to what is known. Throws CCommandError
-/// when it is no .reg file or was cut short, says anything that is no value of the chain in it or of a GINA
-/// in the built-in table, says it twice, or does not say what Winlogon loads.
+/// Returns the values in such a file, and adds the chaining records in it to what the chain knows. Throws
+/// CCommandError when the bytes are no .reg file or were cut short; when a value is there twice, or belongs
+/// neither to the file's own chain nor to a GINA of the built-in table; and when Winlogon's GinaDLL is
+/// missing.
 CChainValues ReadBackup(COfflineChain& chain, const std::string& bytes);

@@ -15,17 +15,18 @@ struct CChainChange
     std::string onlineCommand;
 };
 
-/// Prints and makes a change, in an order in which the machine comes up after each write, and reads it back.
-/// A change after which a machine does not come up that does now is refused unless it is forced, and any
-/// while a host is in service unless the arguments say that it is known. When something cannot be written,
-/// what was there before is put back. STATUS_BAD when the machine will not come up all the same. Throws
-/// CCommandError.
+/// Prints a change, writes it and reads it back. The machine can start after each single write.
+///
+/// Refuses a change that would keep a working machine from starting, unless it is forced. Refuses every
+/// change while a host is in service, unless the arguments say that the caller knows of it. If a write fails,
+/// the values from before are restored. Returns STATUS_BAD when the machine will not be able to start after
+/// the change. Throws CCommandError.
 ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
                       std::string& output);
 
-/// The places of values that differ, in an order in which the machine comes up after each write if it does
-/// with both chains: the new chain from its end to Winlogon, then what is in neither.
+/// The places of the values that differ, in the order to write them: the new chain from its end to Winlogon,
+/// then the rest. The machine can start after each write, if it can with both chains.
 std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& before,
                                    const CChainValues& after);
-/// All places of the values, in such an order.
+/// The places of all values, in the same order.
 std::vector<CValuePlace> SafeOrder(COfflineChain& chain, const CChainValues& values);

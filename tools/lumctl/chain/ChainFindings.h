@@ -21,17 +21,17 @@ struct CFinding
 enum class Moment
 {
     Now,
-    /// As a change would leave it: remedies that are changes of the chain as it is now are left out.
+    /// As a change would leave it. Remedies that change the present chain are left out.
     AfterChange,
 };
 
-/// What is wrong with a chain. system: where DLLs are looked for, see InspectDll. What a remedy says of
-/// lumctl is accepted by it, on the machine as it is.
+/// Finds what is wrong with a chain. system: where DLLs are looked for, see InspectDll. A remedy that names a
+/// lumctl command names one that lumctl carries out on this machine.
 std::vector<CFinding> CheckChain(const CChainView& view, const WideText& system, Moment moment = Moment::Now);
 
 bool HasSeverity(const std::vector<CFinding>& findings, Severity severity);
 
-/// Prints each finding with its remedy. Those of a change are said to be so.
+/// Prints each finding with its remedy. Marks those that a change would cause.
 void PrintFindings(const std::vector<CFinding>& findings, std::string& output, Moment moment = Moment::Now);
 /// The same, and whether the next boot is safe: null when that cannot be told.
 void PrintFindingsJson(const std::vector<CFinding>& findings, std::string& output);

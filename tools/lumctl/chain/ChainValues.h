@@ -55,6 +55,6 @@ std::string DescribeKey(const CValuePlace& place);
 std::string Describe(const CValuePlace& place);
 std::string Describe(const CValueData& data);
 
-/// These throw CCommandError. To write nothing is to delete the value; a key is made for a text only.
+/// These throw CCommandError. Writing no data deletes the value. A missing key is made only for a text.
 CValueData ReadValue(const CValuePlace& place);
 void WriteValue(const CValuePlace& place, const CValueData& data);

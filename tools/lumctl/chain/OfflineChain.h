@@ -5,41 +5,41 @@
 #include "ChainValues.h"
 #include "chaining/Chain.h"
 
-/// What is known of the GINAs of a machine on which no host looks after the chain, and the values of which
-/// the chain consists. Writes nothing.
+/// Reads the chain of a machine on which no host looks after it, and what is known of its GINAs. Writes
+/// nothing.
 class COfflineChain
 {
 public:
     /// Throws CCommandError when the registry is not that of a machine, or closed to the user.
     COfflineChain();
 
-    /// What the built-in table says of a GINA, or a chaining record: one that was learned, or that the
-    /// registry has, which is learned then. The texts live as long as this object.
+    /// What is known of a GINA, from the built-in table or from a chaining record. A record that the registry
+    /// has is learned by that. The texts live as long as this object.
     std::optional<CChainingRecord> Know(const WCHAR* szGinaDLL);
 
     /// Adds what a chaining record says to what is known, unless the GINA is known or it is no record.
     void Learn(const WideText& gina, const WideText& record);
 
-    /// All values of which the chain consists, and of which one of GINAs that are known could consist, as the
-    /// registry has them now. Throws CCommandError when one cannot be read.
+    /// Reads all values of the chain, and those of every known GINA that is not in it. Throws CCommandError
+    /// when one cannot be read.
     CChainValues ReadValues();
 
-    /// The chain that the values make, of the names of the files that are loaded; when Winlogon names no
-    /// GINA, the system's own. A GINA that has only been learned of on the way has its value in the registry
-    /// alone.
+    /// Follows the chain that the values make. Its names are those of the files that are loaded. Without a
+    /// GinaDLL in Winlogon's key it is the system's own GINA. The value of a GINA that is learned on the way
+    /// is read from the registry.
     CChain Follow(const CChainValues& values);
 
-    /// How the values of the chain that was followed first name a file that is loaded, such as with its
-    /// directory; the file's name when none does.
+    /// How a value spells the name of a loaded file, for example with its directory, in the first chain that
+    /// was followed. The file's own name when no value spells it in another way.
     WideText SpellingOf(const WideText& gina) const;
 
     /// Where a value of a written chain lies; nothing for a GINA that has none.
     std::optional<CValuePlace> PlaceOf(const CChainWrite& write);
-    /// What is written there, with names as they were spelled; nothing where a GINA has no default, and
-    /// Winlogon is left without a GINA.
+    /// The data to write there, with names spelled as before. Nothing: delete the value, since the GINA has
+    /// no default, or Winlogon names no GINA.
     CValueData DataOf(const CChainWrite& write);
 
-    /// Whether a host is in service, which takes changes that are not its own back.
+    /// Whether a host is in service. It would take back a change that it has not made itself.
     static bool IsHostInService();
 
 private:
