@@ -16,6 +16,8 @@ namespace {
 constexpr DWORD HIGHEST_WLX_VERSION = WLX_VERSION_1_4;
 constexpr DWORD DEFAULT_TIMEOUT_SECONDS = 120;
 constexpr WCHAR TXT_NO_PLUGIN_OBJECT[] = TEXT("Unable to create gina plugin");
+constexpr WCHAR TXT_WITHOUT_PLUGINS[] = TEXT("No plugin is loaded: NoPlugins is set");
+constexpr WCHAR TXT_LEFT_OUT[] = TEXT("Left out, since earlier starts of the machine ended in it");
 constexpr WCHAR TXT_NESTED[] =
     TEXT("The call came from a GINA that is being started: it passes through to this library and is refused");
 
@@ -117,7 +119,9 @@ BOOL CLUMGina::LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion)
     const auto passOn = [](const COperation&) { throw; };
     return op.Run(passOn, [&] {
         return RunUnlessNested(op, [&] {
+            m_safeStart.Begin();
             LoadPlugins(op, dwWinlogonVersion);
+            m_safeStart.Leave();
             LoadPassthroughGina(op, dwWinlogonVersion);
             return TellVersion(op, pdwDllVersion);
         });
@@ -150,6 +154,10 @@ void CLUMGina::AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion)
 
 void CLUMGina::LoadPlugins(const COperation& op, DWORD dwWinlogonVersion)
 {
+    if (m_safeStart.IsWithoutPlugins()) {
+        op.Warn(TXT_WITHOUT_PLUGINS);
+        return;
+    }
     try {
         const DWORD dwPlugins = Needed(m_pLUMRegistry).GetNumPlugins(false);
         for (DWORD dwIndex = 0; dwIndex < dwPlugins; ++dwIndex) {
@@ -168,6 +176,11 @@ void CLUMGina::LoadPlugin(DWORD dwIndex, DWORD dwWinlogonVersion)
     if (*szPlugin == 0) {
         return;
     }
+    if (m_safeStart.IsLeftOut(szPlugin)) {
+        CPluginWarning(LUM_GINA_ORIGIN, TXT_LEFT_OUT, szPlugin);
+        return;
+    }
+    m_safeStart.Enter(szPlugin);
     try {
         AddGinaObject<CGinaPluginObject>(szPlugin, dwWinlogonVersion);
     } catch (CMessage& message) {
@@ -309,6 +322,7 @@ void CLUMGina::InitializeObjects(Initialize initialize)
             GinaNode* pFollowing = nullptr;
             const bool bInitialized = m_gate.Call([&] {
                 pFollowing = pNode->pNext;
+                NoteInitialization(*pNode->m_pItem, pFollowing == nullptr);
                 return initialize(*pNode->m_pItem);
             });
             if (!bInitialized) {
@@ -317,7 +331,18 @@ void CLUMGina::InitializeObjects(Initialize initialize)
             pNode = pFollowing;
         }
     } catch (...) {
+        m_safeStart.Leave();
         throw CUnhandledExceptionException(LUM_GINA_ORIGIN);
+    }
+}
+
+/// The last object is the GINA, which is never left out.
+void CLUMGina::NoteInitialization(const CGinaObject& object, bool bLast) noexcept
+{
+    if (bLast) {
+        m_safeStart.Leave();
+    } else {
+        m_safeStart.Enter(object.GetGinaDLLName());
     }
 }
 

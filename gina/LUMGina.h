@@ -12,6 +12,7 @@
 #include "LUMThreadObjects.h"
 #include "LUMRegistry.h"
 #include "Operation.h"
+#include "SafeStart.h"
 #include "WinlogonObject.h"
 #include "WinlogonRegistry.h"
 #include "chaining/RegistryManager.h"
@@ -113,6 +114,7 @@ public:
     CCallGate m_gate;
     /// True while LUMWlxNegotiate or LUMWlxInitialize runs.
     bool m_bStarting = false;
+    CSafeStart m_safeStart;
 
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CLUMGina");
@@ -134,6 +136,7 @@ private:
     DWORD ReadSetting(bool (CLUMRegistry::*pfnGet)(DWORD*, bool), DWORD dwDefault) noexcept;
     template <typename Initialize>
     void InitializeObjects(Initialize initialize);
+    void NoteInitialization(const CGinaObject& object, bool bLast) noexcept;
     void RemoveNode(GinaNode* pNode);
     void FinishInitialization(const COperation& op, bool bStartThreads, HANDLE hWlx) noexcept;
     void SetWinlogonTimeout(HANDLE hWlx) noexcept;

@@ -29,6 +29,10 @@ LONG Import(const WCHAR* szFile, std::string* pReason = nullptr);
 /// file, when a name contains a control character, for which the format has no place.
 LONG Save(const WCHAR* szFile);
 
+/// From now on RegFlushKey saves there. A program that ends before it has saved leaves what was flushed, as
+/// on a machine that loses its power. To be asked before other threads run.
+LONG KeepIn(const WCHAR* szFile);
+
 /// Deletes everything. Handles that are open stay open on deleted keys.
 LONG Clear();
 

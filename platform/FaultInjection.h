@@ -28,6 +28,7 @@
     CALL(FindResourceW) \
     CALL(FlushFileBuffers) \
     CALL(FreeLibrary) \
+    CALL(GetFileAttributesExW) \
     CALL(GetModuleFileNameW) \
     CALL(GetModuleHandleW) \
     CALL(GetProcAddress) \
@@ -47,11 +48,13 @@
     CALL(RegCreateKeyExW) \
     CALL(RegDeleteKeyW) \
     CALL(RegDeleteValueW) \
+    CALL(RegFlushKey) \
     CALL(RegOpenKeyExW) \
     CALL(RegQueryValueExW) \
     CALL(RegSetValueExW) \
     CALL(ResetEvent) \
     CALL(RevertToSelf) \
+    CALL(SearchPathW) \
     CALL(SetEvent) \
     CALL(SetFilePointer) \
     CALL(SetNamedPipeHandleState) \

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <iterator>
 
 #include <sys/stat.h>
@@ -8,6 +10,7 @@
 
 #include "Call.h"
 #include "FileObject.h"
+#include "LibrarySearch.h"
 #include "PipeClient.h"
 #include "PipeDirectory.h"
 #include "SystemError.h"
@@ -22,6 +25,14 @@ std::shared_ptr<CFileObject> GetFile(HANDLE hFile)
     std::shared_ptr<CFileObject> pFile = HandleTable::Find<CFileObject>(hFile);
     Require(pFile != nullptr, ERROR_INVALID_HANDLE);
     return pFile;
+}
+
+/// A FILETIME counts in units of 100 ns from 1601 on.
+std::uint64_t ToFileTime(const timespec& time)
+{
+    constexpr std::int64_t SECONDS_TO_1970 = 11'644'473'600;
+    return static_cast<std::uint64_t>(time.tv_sec + SECONDS_TO_1970) * 10'000'000 +
+           static_cast<std::uint64_t>(time.tv_nsec) / 100;
 }
 
 /// What reading and writing have in common.
@@ -74,6 +85,38 @@ HANDLE WINAPI CreateFileW(LPCWSTR szPath, DWORD dwAccess, DWORD dwShareMode, LPS
         // This call sets the last error also when it succeeds.
         SetLastError(pFile->HasExisted() ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
         return hFile;
+    });
+}
+
+BOOL WINAPI GetFileAttributesExW(LPCWSTR szPath, GET_FILEEX_INFO_LEVELS, LPVOID pInfo) noexcept
+{
+    return LastErrorCall(PlatformCall::GetFileAttributesExW, szPath, FALSE, [&] {
+        struct stat file = {};
+        if (stat(ToPath(szPath).c_str(), &file) != 0) {
+            throw CCallError{FromErrno(errno)};
+        }
+        const std::uint64_t size = static_cast<std::uint64_t>(file.st_size);
+        const std::uint64_t written = ToFileTime(file.st_mtim);
+        WIN32_FILE_ATTRIBUTE_DATA& info = *static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(pInfo);
+        info = {};
+        info.dwFileAttributes = S_ISDIR(file.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
+        info.ftLastWriteTime = {static_cast<DWORD>(written), static_cast<DWORD>(written >> 32)};
+        info.nFileSizeHigh = static_cast<DWORD>(size >> 32);
+        info.nFileSizeLow = static_cast<DWORD>(size);
+        return TRUE;
+    });
+}
+
+DWORD WINAPI SearchPathW(LPCWSTR, LPCWSTR szFile, LPCWSTR, DWORD cchBuffer, LPWSTR szBuffer, LPWSTR*) noexcept
+{
+    return LastErrorCall(PlatformCall::SearchPathW, szFile, DWORD(0), [&] {
+        WideText path;
+        Require(FromUtf8(FindLibraryFile(szFile, WideText()), path) && !path.empty(), ERROR_FILE_NOT_FOUND);
+        if (path.size() >= cchBuffer) {
+            return static_cast<DWORD>(path.size() + 1);
+        }
+        *std::copy(path.begin(), path.end(), szBuffer) = 0;
+        return static_cast<DWORD>(path.size());
     });
 }
 

@@ -105,6 +105,16 @@ LSTATUS WINAPI RegCloseKey(HKEY hKey) noexcept
     });
 }
 
+LSTATUS WINAPI RegFlushKey(HKEY hKey) noexcept
+{
+    return CodeCall(PlatformCall::RegFlushKey, nullptr, [&]() -> LONG {
+        if (CKeyObject::FromHandle(hKey) == nullptr) {
+            return ERROR_INVALID_HANDLE;
+        }
+        return RegistryTree::g_flush ? RegistryTree::g_flush() : ERROR_SUCCESS;
+    });
+}
+
 LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR szSubKey) noexcept
 {
     return CodeCall(PlatformCall::RegDeleteKeyW, szSubKey, [&]() -> LONG {

@@ -3,6 +3,7 @@
 namespace Native {
 
 std::mutex RegistryTree::g_mutex;
+std::function<LONG()> RegistryTree::g_flush;
 
 std::shared_ptr<CTreeKey> CTreeKey::Find(std::shared_ptr<CTreeKey> pKey, const std::vector<WideText>& path)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -40,6 +41,9 @@ namespace RegistryTree {
 /// Guards the whole tree. Touch no memory of a caller while holding it: a bad pointer of a DLL would end the
 /// call without unlocking.
 extern std::mutex g_mutex;
+
+/// Keeps the registry where it outlasts the process; empty when that is nowhere. Set before threads run.
+extern std::function<LONG()> g_flush;
 
 /// The key of HKEY_LOCAL_MACHINE.
 const std::shared_ptr<CTreeKey>& GetRoot();

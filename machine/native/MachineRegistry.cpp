@@ -111,6 +111,12 @@ LONG MachineRegistry::Save(const WCHAR* szFile)
     return static_cast<LONG>(StoreFile(szFile, file.GetBytes(), true));
 }
 
+LONG MachineRegistry::KeepIn(const WCHAR* szFile)
+{
+    RegistryTree::g_flush = [file = WideText(szFile)] { return Save(file.c_str()); };
+    return ERROR_SUCCESS;
+}
+
 LONG MachineRegistry::Clear()
 {
     const std::lock_guard lock(RegistryTree::g_mutex);

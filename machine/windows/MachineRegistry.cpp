@@ -50,6 +50,11 @@ LONG MachineRegistry::Save(const WCHAR*)
     return ERROR_CALL_NOT_IMPLEMENTED;
 }
 
+LONG MachineRegistry::KeepIn(const WCHAR*)
+{
+    return ERROR_CALL_NOT_IMPLEMENTED;
+}
+
 LONG MachineRegistry::Clear()
 {
     return ERROR_CALL_NOT_IMPLEMENTED;

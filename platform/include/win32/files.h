@@ -19,6 +19,7 @@
 #define OPEN_ALWAYS 4
 #define TRUNCATE_EXISTING 5
 
+#define FILE_ATTRIBUTE_DIRECTORY 0x00000010
 #define FILE_ATTRIBUTE_NORMAL 0x00000080
 
 #define FILE_BEGIN 0
@@ -52,6 +53,28 @@ BOOL WINAPI ReadFile(HANDLE hFile, LPVOID pBuffer, DWORD cbBuffer, LPDWORD pcbRe
                      LPOVERLAPPED pOverlapped) noexcept;
 BOOL WINAPI WriteFile(HANDLE hFile, LPCVOID pBuffer, DWORD cbBuffer, LPDWORD pcbWritten,
                       LPOVERLAPPED pOverlapped) noexcept;
+
+enum GET_FILEEX_INFO_LEVELS
+{
+    GetFileExInfoStandard,
+};
+
+struct WIN32_FILE_ATTRIBUTE_DATA
+{
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime;
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+};
+
+/// Size and time of the last write; the times before it are 0.
+BOOL WINAPI GetFileAttributesExW(LPCWSTR szPath, GET_FILEEX_INFO_LEVELS level, LPVOID pInfo) noexcept;
+
+/// Looks where LoadLibraryW looks, whatever szPath and szExtension say.
+DWORD WINAPI SearchPathW(LPCWSTR szPath, LPCWSTR szFile, LPCWSTR szExtension, DWORD cchBuffer,
+                         LPWSTR szBuffer, LPWSTR* pszFilePart) noexcept;
 
 /// For handles of every kind, keys included.
 BOOL WINAPI CloseHandle(HANDLE hObject) noexcept;

@@ -42,6 +42,8 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY hKey, LPCWSTR szSubKey, DWORD dwReserved, LP
                                REGSAM samDesired, SECURITY_ATTRIBUTES* pSecurity, PHKEY phResult,
                                LPDWORD pdwDisposition) noexcept;
 LSTATUS WINAPI RegCloseKey(HKEY hKey) noexcept;
+/// Saves the whole registry where MachineRegistry::KeepIn says.
+LSTATUS WINAPI RegFlushKey(HKEY hKey) noexcept;
 /// The empty path stands for the key itself, which is not deleted: ERROR_CALL_NOT_IMPLEMENTED.
 LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR szSubKey) noexcept;
 
