@@ -331,7 +331,7 @@ void CLUMGina::InitializeObjects(Initialize initialize)
             pNode = pFollowing;
         }
     } catch (...) {
-        m_safeStart.Leave();
+        // Winlogon does not go on without its GINA, so this start ends in the plugin that was noted.
         throw CUnhandledExceptionException(LUM_GINA_ORIGIN);
     }
 }

@@ -23,4 +23,7 @@ struct CChildEnd
 LONG RunChild(const std::vector<std::basic_string<WCHAR>>& words, DWORD dwTimeoutMilliseconds,
               CChildEnd& end);
 
+/// Ends this process at once, whatever its threads hold and wait for. What is in the buffers of files is lost.
+[[noreturn]] void EndThisProcess(DWORD dwExitStatus);
+
 } // namespace Platform

@@ -51,3 +51,10 @@ void CRegistryFile::Save() const
         Check(MachineRegistry::Save(ToWide(m_path).c_str()), "save", m_path);
     }
 }
+
+void CRegistryFile::KeepFlushed() const
+{
+    if (!m_path.empty()) {
+        MachineRegistry::KeepIn(ToWide(m_path).c_str());
+    }
+}

@@ -21,6 +21,10 @@ public:
     /// Saves the registry where it came from, without its volatile keys. Throws CSetupError.
     void Save() const;
 
+    /// From now on, what the machine brings to its disk is saved there too, should the process end before
+    /// Save. To be asked before other threads run.
+    void KeepFlushed() const;
+
 private:
     std::string m_path;
 };

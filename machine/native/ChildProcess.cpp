@@ -115,3 +115,8 @@ LONG Platform::RunChild(const std::vector<std::basic_string<WCHAR>>& words, DWOR
         static_cast<DWORD>(WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : BY_SIGNAL + DWORD(WTERMSIG(nStatus)));
     return lResult;
 }
+
+void Platform::EndThisProcess(DWORD dwExitStatus)
+{
+    _exit(static_cast<int>(dwExitStatus));
+}

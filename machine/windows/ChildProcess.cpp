@@ -104,3 +104,10 @@ LONG Platform::RunChild(const std::vector<std::basic_string<WCHAR>>& words, DWOR
     GetExitCodeProcess(process.Get(), &end.dwExitStatus);
     return lResult;
 }
+
+void Platform::EndThisProcess(DWORD dwExitStatus)
+{
+    // ExitProcess would wait for a thread that hangs while it loads a DLL.
+    TerminateProcess(GetCurrentProcess(), dwExitStatus);
+    std::abort();
+}

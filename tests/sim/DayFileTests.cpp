@@ -28,7 +28,7 @@ TEST(DayFile, ReadsTheWordsOfAStep)
         "a.dll # why");
     EXPECT_EQ(step.nLine, 2);
     EXPECT_EQ(step.pCall->id, StandinCall::WlxLoggedOutSAS);
-    EXPECT_EQ(step.numbers[1], DWORD(WLX_SAS_TYPE_SC_INSERT));
+    EXPECT_EQ(step.passes.numbers[1], DWORD(WLX_SAS_TYPE_SC_INSERT));
     EXPECT_EQ(step.ginaResult, WLX_SAS_ACTION_NONE);
     EXPECT_EQ(step.failure, StandinFailure::StructuredException);
     EXPECT_EQ(step.dwFailureCode, 0xC0000420);
@@ -40,11 +40,11 @@ TEST(DayFile, ReadsTheWordsOfAStep)
 TEST(DayFile, TellsTextsNullAndDefaultsApart)
 {
     const CStep step = ParseStep("WlxDisplayStatusMessage title=\"a # b = C:\\n\" message=NULL\r");
-    EXPECT_EQ(**step.texts[3], TEXT("a # b = C:\\n"));
-    EXPECT_TRUE(step.texts[4].has_value());
-    EXPECT_FALSE(step.texts[4]->has_value());
-    EXPECT_FALSE(step.numbers[2].has_value());
-    EXPECT_EQ(**ParseStep("WlxInitialize station=\"NULL\"").texts[0], TEXT("NULL"));
+    EXPECT_EQ(**step.passes.texts[3], TEXT("a # b = C:\\n"));
+    EXPECT_TRUE(step.passes.texts[4].has_value());
+    EXPECT_FALSE(step.passes.texts[4]->has_value());
+    EXPECT_FALSE(step.passes.numbers[2].has_value());
+    EXPECT_EQ(**ParseStep("WlxInitialize station=\"NULL\"").passes.texts[0], TEXT("NULL"));
 }
 
 TEST(DayFile, ReadsStepsOfTheMachine)

@@ -93,7 +93,7 @@ TEST(UnfinishedDay, IsAFailureWhenAPluginOrGinaEndsTheProcess)
         CUnfinishedDay day(runner.GetStandin());
         for (const CStep& step : ParseDay("Attach\nWlxNegotiate\nWlxIsLockOk gina fails EXIT_PROCESS", "day"))
         {
-            day.BeginStep(step.nLine);
+            day.BeginStep(step);
             runner.Run(step);
         }
     };

@@ -4,7 +4,7 @@
 
 #include "Winlogon.h"
 
-CCallFrame::CCallFrame(const CStep& step, DWORD dwVersion) : m_call(*step.pCall)
+CCallFrame::CCallFrame(const CStep& step, DWORD dwVersion) : m_step(step), m_call(*step.pCall)
 {
     for (DWORD dwIndex = 0; dwIndex < STANDIN_MAX_ARGUMENTS; ++dwIndex) {
         if (m_call.arguments[dwIndex].szName != nullptr) {
@@ -23,7 +23,7 @@ ULONG_PTR CCallFrame::Prepare(DWORD dwIndex, const CStep& step, DWORD dwVersion)
     if (argument.pCodes != nullptr) {
         const std::optional<DWORD> fallback =
             argument.szDefault != nullptr ? argument.pCodes->Parse(argument.szDefault) : dwVersion;
-        dwNumber = step.numbers[dwIndex].value_or(fallback.value_or(0));
+        dwNumber = step.passes.numbers[dwIndex].value_or(fallback.value_or(0));
     }
     if (argument.pOut != nullptr) {
         return PrepareOut(dwIndex, dwNumber);
@@ -35,8 +35,8 @@ ULONG_PTR CCallFrame::PrepareText(DWORD dwIndex, const CStep& step)
 {
     const char* szDefault = m_call.arguments[dwIndex].szDefault;
     std::optional<WideText> text;
-    if (step.texts[dwIndex].has_value()) {
-        text = *step.texts[dwIndex];
+    if (step.passes.texts[dwIndex].has_value()) {
+        text = *step.passes.texts[dwIndex];
     } else if (szDefault != nullptr) {
         text = ToWide(szDefault);
     }

@@ -8,9 +8,11 @@
 class CCallFrame
 {
 public:
-    /// dwVersion is the interface version that Winlogon offers where the step does not say.
+    /// The step is not copied. dwVersion is the interface version that Winlogon offers where the step does
+    /// not say.
     CCallFrame(const CStep& step, DWORD dwVersion);
 
+    const CStep& GetStep() const { return m_step; }
     const CWlxCall& GetCall() const { return m_call; }
     const ULONG_PTR* GetValues() const { return m_values; }
 
@@ -28,6 +30,7 @@ private:
     ULONG_PTR PrepareText(DWORD dwIndex, const CStep& step);
     ULONG_PTR PrepareOut(DWORD dwIndex, DWORD dwInitial);
 
+    const CStep& m_step;
     const CWlxCall& m_call;
     ULONG_PTR m_values[STANDIN_MAX_ARGUMENTS] = {};
     WideText m_texts[STANDIN_MAX_ARGUMENTS];

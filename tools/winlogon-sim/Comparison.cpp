@@ -52,12 +52,6 @@ bool IsAlwaysNull(const CArgument& argument)
     return !argument.CanBeSet() && argument.given == WinlogonValue::Nothing;
 }
 
-bool HasSameText(const CCallFrame& frame, DWORD dwIndex, const StandinRecord& record)
-{
-    const LPCWSTR szText = record.szText[dwIndex];
-    return frame.GetText(dwIndex) == (szText != nullptr ? szText : TEXT(""));
-}
-
 /// Winlogon knows no version above 1.4, and a library may cut what a GINA says to that.
 COutValue CutVersion(const COutForm& form, COutValue value)
 {
@@ -67,38 +61,62 @@ COutValue CutVersion(const COutForm& form, COutValue value)
     return value;
 }
 
-void CompareArguments(const CCallFrame& frame, const StandinRecord& record,
-                      std::vector<std::string>& differences)
+/// A text that a plugin replaces lies somewhere else, so any place will do for it.
+void CompareArgument(const CCallFrame& frame, DWORD dwIndex, const StandinRecord& record,
+                     std::vector<std::string>& differences)
 {
-    ForEachArgument(frame, [&](DWORD dwIndex, const CArgument& argument) {
-        const ULONG_PTR passed = frame.GetValues()[dwIndex];
-        const ULONG_PTR reached = record.argument[dwIndex];
-        if (reached != passed && !IsLibrarysOwn(argument)) {
-            differences.push_back(std::string("Winlogon passed ") + argument.szName + ' ' +
-                                  OUT_POINTER.pfnDescribe({passed, {}}) + ", " +
-                                  OUT_POINTER.pfnDescribe({reached, {}}) + " reached the GINA");
-        }
-        if (argument.bText && !HasSameText(frame, dwIndex, record)) {
-            differences.push_back(std::string("Winlogon passed ") + argument.szName + " \"" +
-                                  ToNarrow(frame.GetText(dwIndex).c_str()) + "\", " +
-                                  DescribeTextArgument(record.szText[dwIndex]) + " reached the GINA");
-        }
-    });
+    const CArgument& argument = frame.GetCall().arguments[dwIndex];
+    const CArgumentValues& changes = frame.GetStep().reaches;
+    const bool bChanged = changes.Has(dwIndex);
+    const std::string who = bChanged ? "the day expects " : "Winlogon passed ";
+    const ULONG_PTR expected =
+        changes.numbers[dwIndex].has_value() ? *changes.numbers[dwIndex] : frame.GetValues()[dwIndex];
+    const ULONG_PTR reached = record.argument[dwIndex];
+    if (reached != expected && !IsLibrarysOwn(argument) && !changes.texts[dwIndex].has_value()) {
+        differences.push_back(who + argument.szName + ' ' + OUT_POINTER.pfnDescribe({expected, {}}) + ", " +
+                              OUT_POINTER.pfnDescribe({reached, {}}) + " reached the GINA");
+    }
+    const WideText text = changes.texts[dwIndex].value_or(frame.GetText(dwIndex)).value_or(WideText());
+    const LPCWSTR szReached = record.szText[dwIndex];
+    if (argument.bText && text != (szReached != nullptr ? szReached : TEXT(""))) {
+        differences.push_back(who + argument.szName + " \"" + ToNarrow(text.c_str()) + "\", " +
+                              DescribeTextArgument(szReached) + " reached the GINA");
+    }
 }
 
-void CompareOutValues(const CCallFrame& frame, const StandinRecord& record,
+/// What must come back behind an out-pointer: what the GINA gave, or what plugins make of it.
+COutValue ExpectedOut(const CCallFrame& frame, DWORD dwIndex, COutValue gave)
+{
+    const CArgumentValues& changes = frame.GetStep().gives;
+    if (changes.texts[dwIndex].has_value()) {
+        gave.text = changes.texts[dwIndex]->value_or(WideText());
+    }
+    gave.number = changes.numbers[dwIndex].has_value() ? *changes.numbers[dwIndex] : gave.number;
+    return gave;
+}
+
+/// What the GINA gave behind an out-pointer.
+COutValue GetGiven(const StandinRecord& record, DWORD dwIndex)
+{
+    const LPCWSTR szText = record.szText[dwIndex];
+    return {record.written[dwIndex], szText != nullptr ? szText : TEXT("")};
+}
+
+/// Without a record the GINA was not called, and only what the day expects can be looked at.
+void CompareOutValues(const CCallFrame& frame, const StandinRecord* pRecord,
                       std::vector<std::string>& differences)
 {
     ForEachArgument(frame, [&](DWORD dwIndex, const CArgument& argument) {
-        if (argument.pOut == nullptr) {
+        const bool bExpected = frame.GetStep().gives.Has(dwIndex);
+        if (argument.pOut == nullptr || (pRecord == nullptr && !bExpected)) {
             return;
         }
-        const LPCWSTR szText = record.szText[dwIndex];
-        const COutValue gave = {record.written[dwIndex], szText != nullptr ? szText : TEXT("")};
         const COutValue cameBack = frame.GetOut(dwIndex);
-        if (CutVersion(*argument.pOut, gave) != CutVersion(*argument.pOut, cameBack)) {
-            differences.push_back(std::string("the GINA gave ") + argument.szName + ' ' +
-                                  argument.pOut->pfnDescribe(gave) + ", " +
+        const COutValue expected =
+            ExpectedOut(frame, dwIndex, pRecord != nullptr ? GetGiven(*pRecord, dwIndex) : cameBack);
+        if (CutVersion(*argument.pOut, expected) != CutVersion(*argument.pOut, cameBack)) {
+            differences.push_back((bExpected ? "the day expects " : std::string("the GINA gave ")) +
+                                  argument.szName + ' ' + argument.pOut->pfnDescribe(expected) + ", " +
                                   argument.pOut->pfnDescribe(cameBack) + " came back");
         }
     });
@@ -114,6 +132,18 @@ void CompareResult(const CWlxCall& call, const StandinRecord& record, LONG nResu
     const CCodes& codes = call.GetResultCodes();
     differences.push_back((record.bReturned ? "the GINA gave " : "the GINA failed, which means ") +
                           codes.Describe(nGave) + ", " + codes.Describe(nResult) + " came back");
+}
+
+void ComparePluginsResult(const CWlxCall& call, std::optional<LONG> pluginsResult, LONG nResult,
+                          std::vector<std::string>& differences)
+{
+    if (call.result != ResultKind::None && pluginsResult.has_value() &&
+        !call.IsSameResult(*pluginsResult, nResult))
+    {
+        const CCodes& codes = call.GetResultCodes();
+        differences.push_back("the plugins gave " + codes.Describe(*pluginsResult) + ", " +
+                              codes.Describe(nResult) + " came back");
+    }
 }
 
 } // namespace
@@ -144,17 +174,19 @@ std::string DescribeCameBack(const CCallFrame& frame, LONG nResult)
     return text;
 }
 
-std::vector<std::string> ComparePluginsResult(const CWlxCall& call, std::optional<LONG> pluginsResult,
-                                              LONG nResult)
+std::vector<std::string> CompareWithoutGina(const CCallFrame& frame, std::optional<LONG> pluginsResult,
+                                            LONG nResult)
 {
-    if (call.result == ResultKind::None || !pluginsResult.has_value() ||
-        call.IsSameResult(*pluginsResult, nResult))
-    {
-        return {};
-    }
-    const CCodes& codes = call.GetResultCodes();
-    return {"the plugins gave " + codes.Describe(*pluginsResult) + ", " + codes.Describe(nResult) +
-            " came back"};
+    std::vector<std::string> differences;
+    ComparePluginsResult(frame.GetCall(), pluginsResult, nResult, differences);
+    CompareOutValues(frame, nullptr, differences);
+    ForEachArgument(frame, [&](DWORD dwIndex, const CArgument& argument) {
+        if (frame.GetStep().reaches.Has(dwIndex)) {
+            differences.push_back(std::string("the day expects that ") + argument.szName +
+                                  " reaches the GINA, which was not called");
+        }
+    });
+    return differences;
 }
 
 std::vector<std::string> Compare(const CCallFrame& frame, const StandinRecord& record, LONG nResult,
@@ -162,13 +194,15 @@ std::vector<std::string> Compare(const CCallFrame& frame, const StandinRecord& r
 {
     std::vector<std::string> differences;
     if (pluginsResult.has_value()) {
-        differences = ComparePluginsResult(frame.GetCall(), pluginsResult, nResult);
+        ComparePluginsResult(frame.GetCall(), pluginsResult, nResult, differences);
     } else {
         CompareResult(frame.GetCall(), record, nResult, differences);
     }
-    CompareArguments(frame, record, differences);
+    ForEachArgument(frame, [&](DWORD dwIndex, const CArgument&) {
+        CompareArgument(frame, dwIndex, record, differences);
+    });
     if (record.bReturned) {
-        CompareOutValues(frame, record, differences);
+        CompareOutValues(frame, &record, differences);
     }
     return differences;
 }

@@ -8,6 +8,16 @@
 
 namespace {
 
+/// Steps that are one word.
+struct CPlainStep
+{
+    const char* szName;
+    StepKind kind;
+};
+
+constexpr CPlainStep PLAIN_STEPS[] = {
+    {"Attach", StepKind::Attach}, {"Detach", StepKind::Detach}, {"Restart", StepKind::Restart}};
+
 /// Parses the words of one line into a step. Every message says what was found and what was expected.
 class CStepParser
 {
@@ -24,8 +34,10 @@ private:
 
     void ParseKind(const std::string& word);
     void ParseClause();
-    void ParseArgument(const CDayWord& word);
-    void SetArgument(DWORD dwIndex, const CDayWord& word);
+    void ParseArgument(const CDayWord& word, CArgumentValues& values, bool (*pfnMayBeSet)(const CArgument&));
+    static void SetArgument(const CArgument& argument, DWORD dwIndex, const CDayWord& word,
+                            CArgumentValues& values);
+    void ParseChange(CArgumentValues& values, bool (*pfnMayBeSet)(const CArgument&));
     void ParseGina();
     void ParseFailure();
     void ParseExpectation();
@@ -34,7 +46,7 @@ private:
     std::string TakeWord(const std::string& expected);
     DWORD TakeCode(const CCodes& codes);
     LONG TakeResult();
-    std::string ListArguments() const;
+    std::string ListArguments(bool (*pfnMayBeSet)(const CArgument&)) const;
 
     std::vector<CDayWord> m_words;
     std::size_t m_nNext = 0;
@@ -52,9 +64,11 @@ CStep CStepParser::Parse()
 
 void CStepParser::ParseKind(const std::string& word)
 {
-    if (word == "Attach" || word == "Detach") {
-        m_step.kind = word == "Attach" ? StepKind::Attach : StepKind::Detach;
-        return;
+    for (const CPlainStep& plain : PLAIN_STEPS) {
+        if (word == plain.szName) {
+            m_step.kind = plain.kind;
+            return;
+        }
     }
     m_step.pMachineStep = FindMachineStep(word);
     if (m_step.pMachineStep != nullptr) {
@@ -65,8 +79,8 @@ void CStepParser::ParseKind(const std::string& word)
     }
     m_step.pCall = FindCall(word);
     if (m_step.pCall == nullptr) {
-        Refuse("unknown step \"" + word + '"',
-               "Attach, Detach, the name of an entry point, as WlxNegotiate, or a step of the machine's");
+        Refuse("unknown step \"" + word + '"', "Attach, Detach, Restart, the name of an entry point, as "
+                                               "WlxNegotiate, or a step of the machine's");
     }
 }
 
@@ -74,10 +88,16 @@ void CStepParser::ParseClause()
 {
     const CDayWord& word = m_words[m_nNext++];
     if (m_step.kind != StepKind::Call) {
-        Refuse('"' + word.name + "\" behind Attach or Detach", "nothing");
+        Refuse('"' + word.name + "\" behind Attach, Detach or Restart", "nothing");
     }
     if (word.bHasValue) {
-        ParseArgument(word);
+        ParseArgument(word, m_step.passes, [](const CArgument& argument) { return argument.CanBeSet(); });
+    } else if (word.name == "reaches") {
+        ParseChange(m_step.reaches, [](const CArgument& argument) {
+            return argument.CanBeSet() && argument.pOut == nullptr;
+        });
+    } else if (word.name == "gives") {
+        ParseChange(m_step.gives, [](const CArgument& argument) { return argument.pOut != nullptr; });
     } else if (word.name == "gina") {
         ParseGina();
     } else if (word.name == "expect") {
@@ -85,39 +105,51 @@ void CStepParser::ParseClause()
     } else if (word.name == "answered") {
         ParseAnswering();
     } else {
-        Refuse("unknown word \"" + word.name + '"', ListArguments() + "gina, expect or answered by");
+        Refuse("unknown word \"" + word.name + '"',
+               "ARGUMENT=VALUE, gina, expect, reaches, gives or answered by");
     }
 }
 
-void CStepParser::ParseArgument(const CDayWord& word)
+void CStepParser::ParseArgument(const CDayWord& word, CArgumentValues& values,
+                                bool (*pfnMayBeSet)(const CArgument&))
 {
     for (DWORD dwIndex = 0; dwIndex < STANDIN_MAX_ARGUMENTS; ++dwIndex) {
         const CArgument& argument = m_step.pCall->arguments[dwIndex];
-        if (argument.CanBeSet() && word.name == argument.szName) {
-            SetArgument(dwIndex, word);
+        if (argument.szName != nullptr && pfnMayBeSet(argument) && word.name == argument.szName) {
+            SetArgument(argument, dwIndex, word, values);
             return;
         }
     }
-    Refuse("unknown argument \"" + word.name + '"', ListArguments() + "gina, expect or answered by");
+    Refuse("unknown argument \"" + word.name + '"', ListArguments(pfnMayBeSet));
 }
 
-void CStepParser::SetArgument(DWORD dwIndex, const CDayWord& word)
+void CStepParser::SetArgument(const CArgument& argument, DWORD dwIndex, const CDayWord& word,
+                              CArgumentValues& values)
 {
-    if (m_step.numbers[dwIndex].has_value() || m_step.texts[dwIndex].has_value()) {
+    if (values.Has(dwIndex)) {
         Refuse(word.name + "= a second time", "it once");
     }
-    const CArgument& argument = m_step.pCall->arguments[dwIndex];
-    if (argument.bText) {
-        std::optional<WideText>& text = m_step.texts[dwIndex].emplace();
+    if (argument.bText || (argument.pOut != nullptr && word.bQuoted)) {
+        std::optional<WideText>& text = values.texts[dwIndex].emplace();
         if (word.bQuoted || word.value != "NULL") {
             text = ToWide(word.value);
         }
         return;
     }
-    m_step.numbers[dwIndex] = argument.pCodes->Parse(word.value);
-    if (!m_step.numbers[dwIndex].has_value()) {
-        Refuse(word.name + '=' + word.value, argument.pCodes->GetExpected());
+    const CCodes& codes = argument.pCodes != nullptr ? *argument.pCodes : NUMBERS;
+    values.numbers[dwIndex] = codes.Parse(word.value);
+    if (!values.numbers[dwIndex].has_value()) {
+        Refuse(word.name + '=' + word.value, codes.GetExpected());
     }
+}
+
+/// Behind "reaches" or "gives".
+void CStepParser::ParseChange(CArgumentValues& values, bool (*pfnMayBeSet)(const CArgument&))
+{
+    if (m_nNext == m_words.size() || !m_words[m_nNext].bHasValue) {
+        Refuse("no argument", ListArguments(pfnMayBeSet));
+    }
+    ParseArgument(m_words[m_nNext++], values, pfnMayBeSet);
 }
 
 void CStepParser::ParseGina()
@@ -144,12 +176,16 @@ void CStepParser::ParseFailure()
 
 void CStepParser::ParseExpectation()
 {
-    if (m_nNext < m_words.size() && m_words[m_nNext].name == "SKIPPED") {
+    const std::string word = m_nNext < m_words.size() ? m_words[m_nNext].name : "";
+    m_step.bExpectSkipped = word == "SKIPPED";
+    m_step.ending = word == "HANG"  ? CallEnding::Hangs
+                    : word == "END" ? CallEnding::EndsProcess
+                                    : CallEnding::ComesBack;
+    if (m_step.bExpectSkipped || m_step.ending != CallEnding::ComesBack) {
         ++m_nNext;
-        m_step.bExpectSkipped = true;
-        return;
+    } else {
+        m_step.expected = TakeResult();
     }
-    m_step.expected = TakeResult();
 }
 
 void CStepParser::ParseAnswering()
@@ -191,24 +227,52 @@ LONG CStepParser::TakeResult()
     return static_cast<LONG>(TakeCode(m_step.pCall->GetResultCodes()));
 }
 
-std::string CStepParser::ListArguments() const
+std::string CStepParser::ListArguments(bool (*pfnMayBeSet)(const CArgument&)) const
 {
     std::string list;
     for (const CArgument& argument : m_step.pCall->arguments) {
-        list += argument.CanBeSet() ? argument.szName + std::string("=, ") : "";
+        if (argument.szName != nullptr && pfnMayBeSet(argument)) {
+            list += (list.empty() ? "" : ", ") + std::string(argument.szName) + '=';
+        }
     }
-    return list;
+    return list.empty()
+               ? "none, since no argument of " + std::string(m_step.pCall->szName) + " can be named here"
+               : list;
 }
 
-/// The library is loaded once at a time, and called only while it is.
-void CheckOrder(const CStep& step, bool& bAttached)
+/// The library is loaded once at a time, and called only while it is. A call that does not come back is the
+/// last one before the machine restarts.
+class CStepOrder
 {
-    if (bAttached == (step.kind == StepKind::Attach)) {
-        throw std::runtime_error(bAttached ? "Attach while the library is loaded; expected Detach before it"
-                                           : "a step without the library; expected Attach before it");
+public:
+    void Check(const CStep& step)
+    {
+        if (step.kind == StepKind::Restart) {
+            Require(m_bEnded || !m_bAttached,
+                    "Restart while the library is loaded; expected Detach before it");
+            m_bEnded = m_bAttached = false;
+            return;
+        }
+        Require(!m_bEnded, "a step behind a call that does not come back; expected Restart before it");
+        Require(!m_bAttached || step.kind != StepKind::Attach,
+                "Attach while the library is loaded; expected Detach before it");
+        Require(m_bAttached || step.kind == StepKind::Attach,
+                "a step without the library; expected Attach before it");
+        m_bAttached = step.kind != StepKind::Detach;
+        m_bEnded = step.ending != CallEnding::ComesBack;
     }
-    bAttached = step.kind != StepKind::Detach;
-}
+
+private:
+    static void Require(bool bHolds, const char* szOtherwise)
+    {
+        if (!bHolds) {
+            throw std::runtime_error(szOtherwise);
+        }
+    }
+
+    bool m_bAttached = false;
+    bool m_bEnded = false;
+};
 
 struct CFileCloser
 {
@@ -220,7 +284,7 @@ struct CFileCloser
 std::vector<CStep> ParseDay(const std::string& text, const std::string& name)
 {
     std::vector<CStep> steps;
-    bool bAttached = false;
+    CStepOrder order;
     int nLine = 1;
     for (std::size_t nStart = 0; nStart < text.size(); ++nLine) {
         const std::size_t nEnd = std::min(text.find('\n', nStart), text.size());
@@ -228,7 +292,7 @@ std::vector<CStep> ParseDay(const std::string& text, const std::string& name)
             std::vector<CDayWord> words = SplitDayLine(text.substr(nStart, nEnd - nStart));
             if (!words.empty()) {
                 steps.push_back(CStepParser(std::move(words), nLine).Parse());
-                CheckOrder(steps.back(), bAttached);
+                order.Check(steps.back());
             }
         } catch (const std::runtime_error& error) {
             throw CDayFileError(Format("%s:%d: %s", name.c_str(), nLine, error.what()));
@@ -239,6 +303,19 @@ std::vector<CStep> ParseDay(const std::string& text, const std::string& name)
         throw CDayFileError(name + ": a day without steps; expected Attach");
     }
     return steps;
+}
+
+std::vector<std::vector<CStep>> SplitStarts(const std::vector<CStep>& steps)
+{
+    std::vector<std::vector<CStep>> starts(1);
+    for (const CStep& step : steps) {
+        if (step.kind == StepKind::Restart) {
+            starts.emplace_back();
+        } else {
+            starts.back().push_back(step);
+        }
+    }
+    return starts;
 }
 
 std::vector<CStep> ReadDayFile(const std::string& path)

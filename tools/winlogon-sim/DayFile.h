@@ -16,6 +16,25 @@ enum class StepKind
     Detach,
     Call,
     Machine,
+    Restart,
+};
+
+/// Whether a call comes back.
+enum class CallEnding
+{
+    ComesBack,
+    Hangs,
+    EndsProcess,
+};
+
+/// What a day says of the arguments of a call, by their places. One that it says nothing of has no value. A
+/// text may be null.
+struct CArgumentValues
+{
+    std::optional<DWORD> numbers[STANDIN_MAX_ARGUMENTS];
+    std::optional<std::optional<WideText>> texts[STANDIN_MAX_ARGUMENTS];
+
+    bool Has(DWORD dwIndex) const { return numbers[dwIndex].has_value() || texts[dwIndex].has_value(); }
 };
 
 /// One step of a day.
@@ -28,10 +47,11 @@ struct CStep
     /// Null unless it is a step of the machine's.
     const CMachineStepKind* pMachineStep = nullptr;
     CMachineStep machineStep;
-    /// The values that the day sets, by argument: a number, or a text that may be null. Others have their
-    /// defaults.
-    std::optional<DWORD> numbers[STANDIN_MAX_ARGUMENTS];
-    std::optional<std::optional<WideText>> texts[STANDIN_MAX_ARGUMENTS];
+    /// What Winlogon passes; others have their defaults.
+    CArgumentValues passes;
+    /// What plugins make of it on its way to the GINA, and of what the GINA gives on its way back.
+    CArgumentValues reaches;
+    CArgumentValues gives;
 
     std::optional<LONG> ginaResult;
     std::optional<DWORD> ginaVersion;
@@ -42,6 +62,7 @@ struct CStep
     /// The DLL that must decide what comes back; empty when the day does not say.
     std::string answeringPlugin;
     bool bExpectSkipped = false;
+    CallEnding ending = CallEnding::ComesBack;
 };
 
 /// What is wrong in a day file: "FILE:LINE: what was found; what was expected".
@@ -53,6 +74,9 @@ public:
 
 /// The steps of a day. The name is for error messages only. Throws CDayFileError.
 std::vector<CStep> ParseDay(const std::string& text, const std::string& name);
+
+/// The steps from one start of the machine to the next, those that restart it left out.
+std::vector<std::vector<CStep>> SplitStarts(const std::vector<CStep>& steps);
 
 /// Reads and parses a day file. Throws CDayFileError, also when it cannot be read.
 std::vector<CStep> ReadDayFile(const std::string& path);

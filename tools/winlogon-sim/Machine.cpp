@@ -22,7 +22,11 @@ constexpr WCHAR PLUGINS_VALUE[] = TEXT("Plugins");
 CMachine::CMachine(const COptions& options)
     : m_registry(options.registry, CRegistryFile::Absence::IsNewMachine)
 {
-    if (!options.setup.empty()) {
+    if (options.dwStart != 0) {
+        RegDeleteKeyW(HKEY_LOCAL_MACHINE, STATUS_KEY);
+        m_registry.KeepFlushed();
+    }
+    if (!options.setup.empty() && options.dwStart <= 1) {
         CRegistryFile::Import(options.setup);
     }
     if (options.traceLog.empty()) {

@@ -10,7 +10,8 @@ class CMachine
 {
 public:
     /// Loads the registry when a file is named and exists, then the setup, and writes the settings that the
-    /// options ask for. Throws CSetupError.
+    /// options ask for. Of a start of many, the setup comes before the first, and what the restart of a
+    /// machine forgets is forgotten. Throws CSetupError.
     explicit CMachine(const COptions& options);
 
     /// Throws CSetupError on a machine that has a chain of GINAs of its own or a host in service, which a day

@@ -2,6 +2,7 @@
 
 #include "Machine.h"
 #include "Report.h"
+#include "Restarts.h"
 #include "machine/SetupError.h"
 #include "StepList.h"
 #include "UnfinishedDay.h"
@@ -16,12 +17,8 @@ enum ExitCode
     EXIT_SETUP = 3,
 };
 
-ExitCode LiveDay(const COptions& options)
+ExitCode LiveSteps(const COptions& options, const std::vector<CStep>& steps)
 {
-    const std::vector<CStep> steps = ReadDayFile(options.day);
-    if (!options.bOnThisMachine) {
-        CMachine::RequireUnused();
-    }
     const CMachine machine(options);
     CReport report;
     report.PrintHeading(options.day, options.gina);
@@ -30,7 +27,7 @@ ExitCode LiveDay(const COptions& options)
         CRunner runner(options.gina, machine.GetStandin(), options.dwVersion, options.traceLog);
         CUnfinishedDay day(runner.GetStandin());
         for (const CStep& step : steps) {
-            day.BeginStep(step.nLine);
+            day.BeginStep(step);
             report.PrintStep(runner.Run(step));
         }
         nCalled = runner.GetCalledCount();
@@ -38,6 +35,22 @@ ExitCode LiveDay(const COptions& options)
     report.PrintTotals(nCalled, options.traceLog);
     machine.Save();
     return report.HasDifferences() ? EXIT_DIFFERENT : EXIT_AS_GIVEN;
+}
+
+ExitCode LiveDay(const COptions& options, int argc, const char* const* argv)
+{
+    const std::vector<CStep> steps = ReadDayFile(options.day);
+    if (options.dwStart != 0) {
+        const std::vector<std::vector<CStep>> starts = SplitStarts(steps);
+        return options.dwStart <= starts.size()
+                   ? LiveSteps(options, starts[options.dwStart - 1])
+                   : throw CUsageError("the day has fewer starts than --start says");
+    }
+    if (!options.bOnThisMachine) {
+        CMachine::RequireUnused();
+    }
+    return NeedsProcesses(steps) ? static_cast<ExitCode>(LiveStarts(argc, argv, steps))
+                                 : LiveSteps(options, steps);
 }
 
 ExitCode Run(int argc, const char* const* argv)
@@ -51,7 +64,7 @@ ExitCode Run(int argc, const char* const* argv)
         PrintSteps();
         return EXIT_AS_GIVEN;
     }
-    return LiveDay(options);
+    return LiveDay(options, argc, argv);
 }
 
 ExitCode Fail(ExitCode code, const char* szReason, const char* szHint)

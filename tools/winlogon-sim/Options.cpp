@@ -24,6 +24,8 @@ the GINA and what came back, and where the two differ without a plugin's doing.
                       where the system's own registry is used
   --on-this-machine   live the day also where Winlogon has a GinaDLL already or lum_gina.dll is in
                       service; not needed where the registry is a file
+  --start NUMBER      live only what the day has for that start of the machine, counted from 1; a day
+                      that restarts it uses this for a process of its own each
   --steps             list the steps that a day can hold, with their arguments
   --help              show this text
 
@@ -32,7 +34,8 @@ the machine's registry. The way is read in the trace log: it is not known when t
 the mask leaves entries, exits or warnings out.
 
 Exit codes: 0 everything came back as the GINA or a plugin gave it; 1 a step was not as it should be;
-2 the command line or the day file is wrong; 3 a DLL or the registry cannot be used.
+2 the command line or the day file is wrong; 3 a DLL or the registry cannot be used; 4 (with --start) a
+call did not come back, as the day expects.
 )";
 
 namespace {
@@ -63,6 +66,7 @@ COptions ParseOptions(int argc, const char* const* argv)
                           TextOption("--setup", options.setup),
                           CodeOption("--version", options.dwVersion, VERSIONS),
                           CodeOption("--trace-mask", options.dwTraceMask, NUMBERS),
+                          CodeOption("--start", options.dwStart, NUMBERS),
                           FlagOption("--on-this-machine", options.bOnThisMachine),
                           FlagOption("--help", options.bHelp),
                           FlagOption("--steps", options.bSteps),

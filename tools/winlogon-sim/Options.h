@@ -24,6 +24,8 @@ struct COptions
     std::string registry;
     /// Also on a machine on which that would change something.
     bool bOnThisMachine = false;
+    /// Which start of the machine to live, from 1 on; 0 for all.
+    DWORD dwStart = 0;
     bool bHelp = false;
     bool bSteps = false;
 };

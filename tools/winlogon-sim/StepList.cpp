@@ -44,7 +44,8 @@ void PrintWords(const CCodes& codes)
 
 void PrintSteps()
 {
-    std::printf("Attach\n    loads the library\nDetach\n    frees it\n");
+    std::printf("Attach\n    loads the library\nDetach\n    frees it\n"
+                "Restart\n    the machine restarts, and a new process goes on\n");
     for (const CMachineStepKind& step : MACHINE_STEPS) {
         std::printf("%s %s\n    %s\n", step.szName, step.szWords, step.szHelp);
     }
@@ -53,6 +54,7 @@ void PrintSteps()
     }
     std::printf("\nBehind a call: ARGUMENT=VALUE, gina returns RESULT, gina negotiates VERSION,\n"
                 "gina fails WAY (RAISE is followed by the code), expect RESULT, expect SKIPPED,\n"
+                "expect HANG, expect END, reaches ARGUMENT=VALUE, gives ARGUMENT=VALUE,\n"
                 "answered by PLUGIN.\n\n");
     for (const CCodes* pCodes :
          {&VERSIONS, &BOOLS, &SAS_TYPES, &SAS_ACTIONS, &STATUS_OPTIONS, &BUFFER_SIZES, &FAILURES})

@@ -1,24 +1,31 @@
 #pragma once
 
+#include "DayFile.h"
 #include "StandinGina.h"
 
-/// A day that is being lived: while one exists, a plugin or GINA that ends the process does not end the day
-/// well. The process then says in which line that was and ends with status 1.
-///
-/// Threads: one object at a time, on the thread that lives the day.
+/// The exit status of the process when a call did not come back, as the day expects.
+inline constexpr DWORD EXIT_ENDED = 4;
+
+/// A day that may end in the middle: a plugin or the GINA ends the process, or a call hangs. Exists once at a
+/// time.
 class CUnfinishedDay
 {
 public:
-    /// The stand-in GINA is asked to tell, as the system tells every DLL that the process ends; it must stay
-    /// loaded as long as this object exists.
+    /// If the process is ended while this exists, it says in which line, and ends with EXIT_ENDED if the day
+    /// expects it there, otherwise with 1.
     explicit CUnfinishedDay(const StandinInterface& standin);
     ~CUnfinishedDay();
     CUnfinishedDay(const CUnfinishedDay&) = delete;
     CUnfinishedDay& operator=(const CUnfinishedDay&) = delete;
 
-    /// The step of that line of the day begins.
-    void BeginStep(int nLine);
+    /// A step begins. If the day expects that it hangs, and it does so for three seconds, the process ends
+    /// with EXIT_ENDED.
+    void BeginStep(const CStep& step);
 
 private:
+    void EndWatch();
+
     const StandinInterface& m_standin;
+    HANDLE m_hStepOver = nullptr;
+    HANDLE m_hWatch = nullptr;
 };
