@@ -12,6 +12,8 @@ constexpr char HOST[] = "CLUMGina";
 constexpr char PLUGIN[] = "CGinaPluginObject";
 constexpr char GINA[] = "CGinaStandardObject";
 constexpr char INITIALIZE[] = "Initialize";
+/// By safe start.
+constexpr char LEFT_OUT[] = "Left out";
 
 bool IsObject(const CTraceLine& line)
 {
@@ -86,7 +88,7 @@ CWay CChainWatch::TakeWay()
     return way;
 }
 
-std::vector<std::string> CChainWatch::TakeLosses()
+std::vector<CLoss> CChainWatch::TakeLosses()
 {
     return std::exchange(m_losses, {});
 }
@@ -96,7 +98,9 @@ void CChainWatch::See(const CTraceLine& line, CWay& way)
     if (line.level == "CONSTRUCTION EXIT" && IsObject(line)) {
         SeeObject(line, way);
     } else if (line.level == "WARNING" && line.operation == "Unable to create gina plugin") {
-        SeeLeftOut(line);
+        SeeUnusable(line);
+    } else if (line.level == "WARNING" && line.operation == LEFT_OUT) {
+        TakeConfigured();
     } else if (line.level == "ENTRY" && (IsCall(line) || IsCallOfWinlogon(line))) {
         Enter(line, way);
     } else if (line.level == "EXIT" && (IsCall(line) || IsCallOfWinlogon(line))) {
@@ -125,10 +129,10 @@ std::string CChainWatch::TakeConfigured()
     return dll;
 }
 
-void CChainWatch::SeeLeftOut(const CTraceLine& line)
+void CChainWatch::SeeUnusable(const CTraceLine& line)
 {
     TakeConfigured();
-    m_losses.push_back(line.plugin + " cannot be used and is left out; the trace log says why");
+    m_losses.push_back({line.plugin, "cannot be used and is left out; the trace log says why"});
 }
 
 void CChainWatch::Enter(const CTraceLine& line, CWay& way)
@@ -178,7 +182,7 @@ void CChainWatch::Leave(const CTraceLine& line, CWay& way)
             hop.result = static_cast<LONG>(std::strtoul(line.result.c_str(), nullptr, 16));
         }
         if (hop.bPlugin && line.operation == INITIALIZE && hop.result == FALSE) {
-            m_losses.push_back(hop.dll + " refuses to be initialised and leaves the chain");
+            m_losses.push_back({hop.dll, "refuses to be initialised and leaves the chain"});
             m_plugins.erase(m_plugins.begin() + static_cast<std::ptrdiff_t>(--m_nInitialized));
         }
     }

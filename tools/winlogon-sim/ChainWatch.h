@@ -3,6 +3,14 @@
 #include "TraceTail.h"
 #include "Way.h"
 
+/// A plugin that left the chain, or never came into it.
+struct CLoss
+{
+    std::string dll;
+    /// What happened to it, in words.
+    std::string what;
+};
+
 /// Watches the chain of GINAs in the library's trace log. The library traces the entry and the exit of each
 /// object that a call enters, so no plugin needs to help, and any plugin can be watched.
 class CChainWatch
@@ -22,8 +30,8 @@ public:
     /// The way of the call that was made since the last time.
     CWay TakeWay();
 
-    /// The plugins that left the chain since the last time, and how.
-    std::vector<std::string> TakeLosses();
+    /// The plugins that left the chain since the last time.
+    std::vector<CLoss> TakeLosses();
 
 private:
     struct COpenOperation
@@ -37,7 +45,7 @@ private:
     void AwaitQuiet();
     void See(const CTraceLine& line, CWay& way);
     void SeeObject(const CTraceLine& line, CWay& way);
-    void SeeLeftOut(const CTraceLine& line);
+    void SeeUnusable(const CTraceLine& line);
     void Enter(const CTraceLine& line, CWay& way);
     void Leave(const CTraceLine& line, CWay& way);
     CHop MakeHop(const CTraceLine& line, std::size_t nDepth);
@@ -53,5 +61,5 @@ private:
     /// The next of them to be initialised.
     std::size_t m_nInitialized = 0;
     std::vector<COpenOperation> m_open;
-    std::vector<std::string> m_losses;
+    std::vector<CLoss> m_losses;
 };

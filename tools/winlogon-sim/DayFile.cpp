@@ -102,11 +102,13 @@ void CStepParser::ParseClause()
         ParseGina();
     } else if (word.name == "expect") {
         ParseExpectation();
+    } else if (word.name == "loses") {
+        m_step.lostPlugin = TakeWord("the name of a DLL");
     } else if (word.name == "answered") {
         ParseAnswering();
     } else {
         Refuse("unknown word \"" + word.name + '"',
-               "ARGUMENT=VALUE, gina, expect, reaches, gives or answered by");
+               "ARGUMENT=VALUE, gina, expect, reaches, gives, loses or answered by");
     }
 }
 

@@ -61,6 +61,8 @@ struct CStep
     std::optional<LONG> expected;
     /// The DLL that must decide what comes back; empty when the day does not say.
     std::string answeringPlugin;
+    /// The DLL that must fail in the call or leave the chain; empty when none may.
+    std::string lostPlugin;
     bool bExpectSkipped = false;
     CallEnding ending = CallEnding::ComesBack;
 };

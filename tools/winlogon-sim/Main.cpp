@@ -49,7 +49,7 @@ ExitCode LiveDay(const COptions& options, int argc, const char* const* argv)
     if (!options.bOnThisMachine) {
         CMachine::RequireUnused();
     }
-    return NeedsProcesses(steps) ? static_cast<ExitCode>(LiveStarts(argc, argv, steps))
+    return NeedsProcesses(steps) ? static_cast<ExitCode>(LiveStarts(argc, argv, options, steps))
                                  : LiveSteps(options, steps);
 }
 

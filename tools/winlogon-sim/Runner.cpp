@@ -83,17 +83,33 @@ std::optional<LONG> GetPluginsResult(const CWlxCall& call, const CWay& way)
     return pPlugin != nullptr ? pPlugin->result : std::nullopt;
 }
 
-/// Plugins must do what the day expects of them, and none may fail.
-void CheckPlugins(const CStep& step, const CWay& way, CStepReport& report)
+/// No plugin may leave the chain or fail, but for the one that the day expects to.
+void CheckLosses(const CStep& step, const CWay& way, std::vector<CLoss> losses, CStepReport& report)
 {
     if (const CHop* pFailed = FindFailedPlugin(way); pFailed != nullptr) {
-        report.differences.push_back(GetShortName(pFailed->dll) + " failed inside the call");
+        losses.insert(losses.begin(), {GetShortName(pFailed->dll), "failed inside the call"});
     }
-    if (step.answeringPlugin.empty()) {
-        return;
+    bool bLost = false;
+    for (const CLoss& loss : losses) {
+        if (!step.lostPlugin.empty() && IsSameDLL(loss.dll, step.lostPlugin)) {
+            bLost = true;
+        } else {
+            report.differences.push_back(loss.dll + ' ' + loss.what);
+        }
     }
+    if (!step.lostPlugin.empty() && !bLost) {
+        report.differences.push_back("the day expects that " + GetShortName(step.lostPlugin) +
+                                     " fails or leaves the chain");
+    }
+}
+
+/// The plugin that the day expects must decide what comes back.
+void CheckAnswer(const CStep& step, const CWay& way, CStepReport& report)
+{
     const CHop* pAnswering = way.GetAnswering();
-    if (pAnswering == nullptr || !IsSameDLL(pAnswering->dll, step.answeringPlugin)) {
+    if (!step.answeringPlugin.empty() &&
+        (pAnswering == nullptr || !IsSameDLL(pAnswering->dll, step.answeringPlugin)))
+    {
         report.differences.push_back(
             "the day expects that " + GetShortName(step.answeringPlugin) + " answers, " +
             (!way.IsKnown() ? "and without a full trace log nobody knows who did"
@@ -208,8 +224,8 @@ void CRunner::Judge(const CStep& step, CCallFrame& frame, LONG nResult, CStepRep
 {
     const CWay way = m_watch.TakeWay();
     report.way = way.Describe();
-    CheckPlugins(step, way, report);
-    Append(report.differences, m_watch.TakeLosses());
+    CheckLosses(step, way, m_watch.TakeLosses(), report);
+    CheckAnswer(step, way, report);
 
     const StandinRecord* pRecord = FindRecord(step.pCall->id);
     const CHop* pPlugin = FindAnsweringPlugin(way);

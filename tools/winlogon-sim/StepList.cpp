@@ -55,7 +55,7 @@ void PrintSteps()
     std::printf("\nBehind a call: ARGUMENT=VALUE, gina returns RESULT, gina negotiates VERSION,\n"
                 "gina fails WAY (RAISE is followed by the code), expect RESULT, expect SKIPPED,\n"
                 "expect HANG, expect END, reaches ARGUMENT=VALUE, gives ARGUMENT=VALUE,\n"
-                "answered by PLUGIN.\n\n");
+                "answered by PLUGIN, loses PLUGIN.\n\n");
     for (const CCodes* pCodes :
          {&VERSIONS, &BOOLS, &SAS_TYPES, &SAS_ACTIONS, &STATUS_OPTIONS, &BUFFER_SIZES, &FAILURES})
     {
