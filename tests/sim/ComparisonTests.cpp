@@ -11,7 +11,7 @@ namespace {
 struct CExchange
 {
     explicit CExchange(const std::string& line)
-        : frame(ParseDay("Attach\n" + line, "day").at(1), WLX_VERSION_1_4), record()
+        : step(ParseDay("Attach\n" + line, "day").at(1)), frame(step, WLX_VERSION_1_4), record()
     {
         record.call = frame.GetCall().id;
         for (DWORD dwIndex = 0; dwIndex < STANDIN_MAX_ARGUMENTS; ++dwIndex) {
@@ -23,6 +23,7 @@ struct CExchange
         record.nResult = TRUE;
     }
 
+    CStep step;
     CCallFrame frame;
     StandinRecord record;
 };
@@ -67,6 +68,34 @@ TEST(Comparison, NamesEveryKindOfDifference)
          [](StandinRecord& record) { record.szText[2] = TEXT("busy"); },
          TRUE,
          {"the GINA gave message \"busy\", \"\" came back"}},
+        // What a plugin changes, as the day expects or not.
+        {"WlxWkstaLockedSAS sas=TIMEOUT reaches sas=5",
+         [](StandinRecord& record) { record.argument[1] = 5; },
+         TRUE,
+         {}},
+        {"WlxWkstaLockedSAS sas=TIMEOUT reaches sas=5",
+         [](StandinRecord&) {},
+         TRUE,
+         {"the day expects sas 0x5, 0x0 reached the GINA"}},
+        {"WlxActivateUserShell desktop=\"d\" reaches desktop=\"e\"",
+         [](StandinRecord& record) {
+             record.szText[1] = TEXT("e");
+             record.argument[1] = 1;
+         },
+         TRUE,
+         {}},
+        {"WlxActivateUserShell desktop=\"d\" reaches desktop=\"e\"",
+         [](StandinRecord&) {},
+         TRUE,
+         {"the day expects desktop \"e\", \"d\" reached the GINA"}},
+        {"WlxGetStatusMessage gives message=\"\"",
+         [](StandinRecord& record) { record.szText[2] = TEXT("busy"); },
+         TRUE,
+         {}},
+        {"WlxScreenSaverNotify secure=TRUE gives secure=FALSE",
+         [](StandinRecord& record) { record.written[1] = TRUE; },
+         TRUE,
+         {"the day expects secure FALSE, TRUE came back"}},
     };
     for (const auto& row : rows) {
         CExchange exchange(row.szStep);

@@ -84,7 +84,10 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"WlxNegotiate", "day.txt:1: a step without the library; expected Attach before it"},
         {"Attach\nDetach\nDetach", "day.txt:3: a step without the library; expected Attach before it"},
         {"Attach\n\nAttach", "day.txt:3: Attach while the library is loaded; expected Detach before it"},
-        {"Attach now", "day.txt:1: \"now\" behind Attach or Detach; expected nothing"},
+        {"Attach now", "day.txt:1: \"now\" behind Attach, Detach or Restart; expected nothing"},
+        {"Attach\nRestart", "day.txt:2: Restart while the library is loaded; expected Detach before it"},
+        {"Attach\nWlxNegotiate expect HANG\nDetach",
+         "day.txt:3: a step behind a call that does not come back; expected Restart before it"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(GetError(row.text), row.error);
@@ -95,8 +98,8 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         std::string line;
         std::string error;
     } const lines[] = {
-        {"WlxNap", "unknown step \"WlxNap\"; expected Attach, Detach, the name of an entry point, as "
-                   "WlxNegotiate, or a step of the machine's"},
+        {"WlxNap", "unknown step \"WlxNap\"; expected Attach, Detach, Restart, the name of an entry "
+                   "point, as WlxNegotiate, or a step of the machine's"},
         {"Admin", "the end of the line; expected a program and its arguments"},
         {"Admin a expect b", "\"b\"; expected an exit status"},
         {"Admin .\\Winlogon-Sim.exe a",
@@ -105,10 +108,15 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"AwaitFree dll=a dll=b", "other arguments; expected dll= once each"},
         {"Wait 1 s", "\"\"; expected a number of seconds, at most 86400"},
         {"Wait 86401", "\"86401\"; expected a number of seconds, at most 86400"},
-        {"WlxIsLockOk sas=1", "unknown argument \"sas\"; expected gina, expect or answered by"},
-        {"WlxWkstaLockedSAS context=1",
-         "unknown argument \"context\"; expected sas=, gina, expect or answered by"},
-        {"WlxIsLockOk maybe", "unknown word \"maybe\"; expected gina, expect or answered by"},
+        {"WlxIsLockOk sas=1", "unknown argument \"sas\"; expected none, since no argument of "
+                              "WlxIsLockOk can be named here"},
+        {"WlxWkstaLockedSAS context=1", "unknown argument \"context\"; expected sas="},
+        {"WlxGetStatusMessage gives size=1", "unknown argument \"size\"; expected options=, message="},
+        {"WlxIsLockOk reaches", "no argument; expected none, since no argument of WlxIsLockOk can be named "
+                                "here"},
+        {"WlxIsLockOk maybe",
+         "unknown word \"maybe\"; expected ARGUMENT=VALUE, gina, expect, reaches, gives, "
+         "loses or answered by"},
         {"WlxWkstaLockedSAS sas=1 sas=1", "sas= a second time; expected it once"},
         {"WlxGetStatusMessage size=4097", "size=4097; expected a buffer size in characters up to 4096"},
         {"WlxNegotiate version=1.9", "version=1.9; expected a version: 1.0, 1.1, 1.2, 1.3, 1.4 or a number"},

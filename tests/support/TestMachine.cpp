@@ -14,6 +14,8 @@ namespace {
 // Bottom up, since a key with subkeys cannot be deleted.
 const WCHAR* const USED_KEYS[] = {
     TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile"),
+    TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start\\LeftOut"),
+    TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start"),
     TEXT("SOFTWARE\\ORX\\LUM\\Gina"),
     TEXT("SOFTWARE\\ORX\\LUM"),
     TEXT("Software\\ORX\\Security\\Debug"),
