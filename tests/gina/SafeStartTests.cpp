@@ -25,8 +25,17 @@ protected:
         SetString(START_KEY, TEXT("InPlugin"), szPlugin);
         SetDword(START_KEY, TEXT("Count"), dwBefore);
     }
+
+public:
     static std::string Note(const WCHAR* szValue) { return GetValue(START_KEY, szValue); }
 };
+
+Lines s_notes;
+
+void WINAPI TakeNotes(void*, const PluginRecord*)
+{
+    s_notes.push_back(SafeStart::Note(TEXT("InPlugin")) + SafeStart::Note(TEXT("Count")));
+}
 
 TEST_F(SafeStart, LeavesOutWhatEnoughStartsEndedIn)
 {
@@ -64,12 +73,8 @@ TEST_F(SafeStart, LeavesOutWhatEnoughStartsEndedIn)
 TEST_F(SafeStart, CountsStartsInARow)
 {
     CPluginDriver plugin(B);
-    static Lines s_notes;
     s_notes.clear();
-    plugin->SetHook(
-        PluginCall::Initialize,
-        [](void*, const PluginRecord*) { s_notes.push_back(Note(TEXT("InPlugin")) + Note(TEXT("Count"))); },
-        nullptr);
+    plugin->SetHook(PluginCall::Initialize, TakeNotes, nullptr);
     const auto start = [&](const WCHAR* szEndedIn) {
         EndedIn(szEndedIn, 0);
         Load();
