@@ -43,7 +43,7 @@ public:
                                      phToken, pNprNotifyInfo, pProfile);
     }
 
-    /// A lock or logoff from the standard GINA's own dialog comes this way, and not through IsLockOk or
+    /// A lock or logoff from the standard GINA's own dialog comes this way first; a logoff does not go through
     /// IsLogoffOk.
     int LoggedOnSAS(lum::CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
     {
