@@ -20,6 +20,13 @@ inline constexpr WCHAR SYSTEM_GINA[] = TEXT("msgina.dll");
 inline constexpr WCHAR WINLOGON_KEY[] = TEXT("SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon");
 inline constexpr WCHAR WINLOGON_GINA_DLL[] = TEXT("GinaDLL");
 
+/// The source of the host's events in the Windows event log, its key below HKEY_LOCAL_MACHINE, and the value
+/// of the own key that switches them on.
+inline constexpr WCHAR EVENT_SOURCE[] = TEXT("LUM GINA");
+inline constexpr WCHAR EVENT_SOURCE_KEY[] =
+    TEXT("SYSTEM\\CurrentControlSet\\Services\\EventLog\\Application\\LUM GINA");
+inline constexpr WCHAR EVENT_LOG_VALUE[] = TEXT("EventLog");
+
 /// Whether two DLL names are equal, ignoring case. A null name equals nothing.
 bool EqualNames(const WCHAR* szLeft, const WCHAR* szRight) noexcept;
 bool EqualNames(std::basic_string_view<WCHAR> left, std::basic_string_view<WCHAR> right) noexcept;

@@ -24,6 +24,7 @@
     CALL(CreateFileW) \
     CALL(CreateNamedPipeW) \
     CALL(CreateThread) \
+    CALL(DeregisterEventSource) \
     CALL(DisconnectNamedPipe) \
     CALL(FindResourceW) \
     CALL(FlushFileBuffers) \
@@ -52,6 +53,8 @@
     CALL(RegOpenKeyExW) \
     CALL(RegQueryValueExW) \
     CALL(RegSetValueExW) \
+    CALL(RegisterEventSourceW) \
+    CALL(ReportEventW) \
     CALL(ResetEvent) \
     CALL(RevertToSelf) \
     CALL(SearchPathW) \

@@ -28,6 +28,8 @@ std::string GetParentDirectory()
     return "/tmp";
 }
 
+} // namespace
+
 std::string GetPrivateDirectory()
 {
     const std::string path = GetParentDirectory() + "/lum-pipes-" + std::to_string(getuid());
@@ -39,8 +41,6 @@ std::string GetPrivateDirectory()
             ERROR_ACCESS_DENIED);
     return path;
 }
-
-} // namespace
 
 bool IsPipeName(LPCWSTR szName) noexcept
 {

@@ -6,6 +6,7 @@
 
 #include "win32/types.h"
 #include "win32/errors.h"
+#include "win32/eventlog.h"
 #include "win32/files.h"
 #include "win32/image.h"
 #include "win32/library.h"
