@@ -1,5 +1,6 @@
 #include <new>
 
+#include "EventLog.h"
 #include "Exceptions.h"
 #include "LUMGinaInterface.h"
 #include "Operation.h"
@@ -40,6 +41,7 @@ BOOL Attach(HINSTANCE hInstance) noexcept
 
 void DestroyHost()
 {
+    CloseEventLog();
     // If WlxShutdown was not called, the threads may still run.
     if (g_pLUMGina != nullptr && !g_pLUMGina->StopThreads()) {
         // They would return into code that is about to be unloaded.

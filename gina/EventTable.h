@@ -13,7 +13,7 @@
     EVENT(2, LeftOut, EVENTLOG_WARNING_TYPE, "%1 was left out: %2.") \
     EVENT(3, Faulted, EVENTLOG_ERROR_TYPE, "%1 faulted in %2, with exception code %3.") \
     EVENT(4, Refused, EVENTLOG_WARNING_TYPE, "The plugin %1 refused %2. What stands behind it did not refuse.") \
-    EVENT(5, ChainPutRight, EVENTLOG_WARNING_TYPE, "The chain of GINAs was changed, and put right: from %1 to %2.") \
+    EVENT(5, ChainPutRight, EVENTLOG_WARNING_TYPE, "The chain of GINAs was changed to: %1. The host writes it as: %2.") \
     EVENT(6, LeftOutAtSafeStart, EVENTLOG_WARNING_TYPE, "The plugin %1 was left out at a safe start: %2.")
 // clang-format on
 

@@ -33,8 +33,9 @@ public:
     bool ActivateUserShell(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName, PWSTR pszMprLogonScript,
                            PVOID pEnvironment) override
     {
-        return Self()->template Forward<bool>(TEXT("ActivateUserShell"), Self()->m_ActivateUserShell, pNode,
-                                              pWlxContext, pszDesktopName, pszMprLogonScript, pEnvironment);
+        return Self()->template Forward<bool>(CSlotPoint(TEXT("ActivateUserShell")).Refusable(),
+                                              Self()->m_ActivateUserShell, pNode, pWlxContext, pszDesktopName,
+                                              pszMprLogonScript, pEnvironment);
     }
 
     void DisconnectNotify(GinaNode* pNode, PVOID pWlxContext) override
@@ -78,12 +79,14 @@ public:
 
     bool IsLockOk(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Forward<bool>(TEXT("IsLockOk"), Self()->m_IsLockOk, pNode, pWlxContext);
+        return Self()->template Forward<bool>(CSlotPoint(TEXT("IsLockOk")).Refusable(), Self()->m_IsLockOk,
+                                              pNode, pWlxContext);
     }
 
     bool IsLogoffOk(GinaNode* pNode, PVOID pWlxContext) override
     {
-        return Self()->template Forward<bool>(TEXT("IsLogoffOk"), Self()->m_IsLogoffOk, pNode, pWlxContext);
+        return Self()->template Forward<bool>(CSlotPoint(TEXT("IsLogoffOk")).Refusable(),
+                                              Self()->m_IsLogoffOk, pNode, pWlxContext);
     }
 
     int LoggedOnSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
@@ -108,8 +111,9 @@ public:
 
     bool NetworkProviderLoad(GinaNode* pNode, PVOID pWlxContext, PWLX_MPR_NOTIFY_INFO pNprNotifyInfo) override
     {
-        return Self()->template Forward<bool>(TEXT("NetworkProviderLoad"), Self()->m_NetworkProviderLoad,
-                                              pNode, pWlxContext, pNprNotifyInfo);
+        return Self()->template Forward<bool>(CSlotPoint(TEXT("NetworkProviderLoad")).Refusable(),
+                                              Self()->m_NetworkProviderLoad, pNode, pWlxContext,
+                                              pNprNotifyInfo);
     }
 
     void ReconnectNotify(GinaNode* pNode, PVOID pWlxContext) override
@@ -139,8 +143,9 @@ public:
     bool StartApplication(GinaNode* pNode, PVOID pWlxContext, PWSTR pszDesktopName, PVOID pEnvironment,
                           PWSTR pszCmdLine) override
     {
-        return Self()->template Forward<bool>(TEXT("StartApplication"), Self()->m_StartApplication, pNode,
-                                              pWlxContext, pszDesktopName, pEnvironment, pszCmdLine);
+        return Self()->template Forward<bool>(CSlotPoint(TEXT("StartApplication")).Refusable(),
+                                              Self()->m_StartApplication, pNode, pWlxContext, pszDesktopName,
+                                              pEnvironment, pszCmdLine);
     }
 
     int WkstaLockedSAS(GinaNode* pNode, PVOID pWlxContext, DWORD dwSasType) override
@@ -162,6 +167,7 @@ protected:
             if (ReportIfHookFailure()) {
                 throw;
             }
+            ReportIfFault(IsLoaded() ? TEXT("Negotiate") : DLL_MAIN);
             Self()->HookFailed(failed.GetLocation());
         };
         try {

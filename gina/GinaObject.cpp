@@ -1,10 +1,11 @@
 #include "GinaObject.h"
 
+#include <iterator>
 #include <new>
 #include <string>
 
-#include "GinaNames.h"
 #include "Exceptions.h"
+#include "GinaNames.h"
 #include "GuardedText.h"
 #include "Operation.h"
 #include "QuietLoading.h"
@@ -145,6 +146,7 @@ void CGinaObject::FreeGinaDLL() noexcept
         }
     } catch (...) {
         if (!ReportIf<CFreeGinaDLLFailException>()) {
+            ReportIfFault(DLL_MAIN);
             CWarning(*this, ERR_UNHANDLED_EXCEPTION);
         }
     }
@@ -155,6 +157,56 @@ void CGinaObject::RequireResolved(const CGinaExportBase& function, CSourceLocati
     if (function.m_pfn == nullptr) {
         throw CNullFunctionHandleException(LUM_GINA_ORIGIN, GetGinaDLLName(), where);
     }
+}
+
+CGinaObject::CRefusals::CRefusals(GinaNode* pNode) noexcept
+{
+    try {
+        m_pBehind = CallWithinHost([=]() -> const CGinaObject* {
+            GinaNode* pNext = pNode != nullptr ? pNode->GetNext() : nullptr;
+            return pNext != nullptr ? pNext->m_pItem : nullptr;
+        });
+    } catch (...) {
+        return;
+    }
+    if (!Read(m_dwRefusals)) {
+        m_pBehind = nullptr;
+    }
+}
+
+bool CGinaObject::CRefusals::AreUnchanged() const noexcept
+{
+    DWORD dwRefusals = 0;
+    return Read(dwRefusals) && dwRefusals == m_dwRefusals;
+}
+
+bool CGinaObject::CRefusals::Read(DWORD& dwRefusals) const noexcept
+{
+    try {
+        CallWithinHost([&] { dwRefusals = m_pBehind != nullptr ? m_pBehind->m_dwRefusals.load() : 0; });
+        return m_pBehind != nullptr;
+    } catch (...) {
+        return false;
+    }
+}
+
+void CGinaObject::ReportIfFault(const WCHAR* szWhere) const noexcept
+{
+    try {
+        throw;
+    } catch (const CForeignFault& fault) {
+        WCHAR szCode[16];
+        FormatText(szCode, std::size(szCode), TEXT("0x%x"), {fault.GetCode()});
+        ReportHostEvent(HostEvent::Faulted, {GetGinaDLLName(), szWhere, szCode});
+    } catch (...) {
+        return;
+    }
+}
+
+void CGinaObject::FailUnhandled(const COperation& failed) const
+{
+    ReportIfFault(failed.GetName());
+    throw CUnhandledPluginException(LUM_GINA_ORIGIN, GetGinaDLLName(), failed.GetLocation());
 }
 
 bool CGinaObject::ReportIfHookFailure() noexcept

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <atomic>
 #include <new>
 
 #include <windows.h>
 #include "WlxInterface.h"
 
+#include "EventLog.h"
 #include "GinaExport.h"
 #include "GinaPluginContext.h"
 #include "KeptOrigin.h"
@@ -21,6 +23,9 @@ using CGinaObjectList = CListEx<CGinaObject>;
 /// The plugin interface version that the host offers.
 inline constexpr DWORD LUM_INTERFACE_VERSION = 0x01000000;
 
+/// What runs when a DLL is loaded and freed.
+inline constexpr WCHAR DLL_MAIN[] = TEXT("DllMain");
+
 /// The name of an operation that a DLL may call, its place in the source, and who called it.
 struct CSlotPoint : CTracePoint
 {
@@ -30,7 +35,16 @@ struct CSlotPoint : CTracePoint
     {
     }
 
+    /// The same for an operation whose answer FALSE refuses something to the user.
+    CSlotPoint Refusable() const noexcept
+    {
+        CSlotPoint point(*this);
+        point.bRefusable = true;
+        return point;
+    }
+
     CCaller caller;
+    bool bRefusable = false;
 };
 
 /// One entry of the GINA object list: a GINA or plugin DLL that the host has loaded.
@@ -180,6 +194,10 @@ protected:
         }
     }
 
+    /// For a catch block: if the exception is a fault of the DLL, tells the event log. szWhere: the
+    /// operation.
+    void ReportIfFault(const WCHAR* szWhere) const noexcept;
+
     /// For a catch block: whether the exception says why a DLL could not be used. If so, reports it.
     static bool ReportIfHookFailure() noexcept;
 
@@ -194,14 +212,61 @@ protected:
                 if (ReportIf<PassedOn...>()) {
                     throw;
                 }
-                throw CUnhandledPluginException(LUM_GINA_ORIGIN, GetGinaDLLName(), failed.GetLocation());
+                FailUnhandled(failed);
             };
             return op.Run(onException, body);
         });
     }
 
+    /// Runs a forwarded operation as RunOperation does. Where a plugin refuses something and the object
+    /// behind its node has not, tells the event log who said no.
+    template <typename... PassedOn, typename Body>
+    auto RunForwarded(const WCHAR* szClass, CSlotPoint point, GinaNode* pNode, Body body)
+    {
+        return RunOperation<PassedOn...>(szClass, point, [&]() -> std::invoke_result_t<Body> {
+            if constexpr (std::is_same_v<std::invoke_result_t<Body>, bool>) {
+                return point.bRefusable ? Ask(point.szName, pNode, body) : body();
+            } else {
+                return body();
+            }
+        });
+    }
+
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaObject");
+
+    /// How often the object behind a node has refused something. A plugin can leave anything in a node.
+    class CRefusals
+    {
+    public:
+        explicit CRefusals(GinaNode* pNode) noexcept;
+        /// False when there is no such object, or when it cannot be read.
+        bool AreUnchanged() const noexcept;
+
+    private:
+        bool Read(DWORD& dwRefusals) const noexcept;
+
+        const CGinaObject* m_pBehind = nullptr;
+        DWORD m_dwRefusals = 0;
+    };
+
+    template <typename Body>
+    bool Ask(const WCHAR* szOperation, GinaNode* pNode, Body body)
+    {
+        const CRefusals behind(pNode);
+        // Counted first, so that a call that ends with an exception counts as well.
+        ++m_dwRefusals;
+        const bool bGranted = body();
+        if (bGranted) {
+            --m_dwRefusals;
+        } else if (behind.AreUnchanged()) {
+            ReportHostEvent(HostEvent::Refused, {GetGinaDLLName(), szOperation});
+        }
+        return bGranted;
+    }
+
+    /// For the catch block of an operation.
+    [[noreturn]] void FailUnhandled(const COperation& failed) const;
 
     /// Runs code of the DLL inside a guard. Restores the object's fields before and after: this DLL, or
     /// another one earlier, may have overwritten them.
@@ -241,6 +306,7 @@ private:
     CGinaPluginContext* m_pContext = nullptr;
     HMODULE m_hModule = nullptr;
     COwnedText m_szGinaDLLName;
+    std::atomic<DWORD> m_dwRefusals = 0;
 };
 
 /// Destroys an object of the list through its first slot. Throws CForeignFault when that faults.

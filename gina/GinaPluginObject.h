@@ -87,10 +87,11 @@ template <typename Result, typename Function, typename... Args>
 Result CGinaPluginObject::Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
                                   Args... args)
 {
-    return RunOperation<CUnexpectedEndOfListException, CNullFunctionHandleException>(s_szClass, point, [&] {
-        if (IsLast(pNode)) {
-            throw CUnexpectedEndOfListException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
-        }
-        return Call<Result>(point.where, function, pNode, args...);
-    });
+    return RunForwarded<CUnexpectedEndOfListException, CNullFunctionHandleException>(
+        s_szClass, point, pNode, [&] {
+            if (IsLast(pNode)) {
+                throw CUnexpectedEndOfListException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
+            }
+            return Call<Result>(point.where, function, pNode, args...);
+        });
 }

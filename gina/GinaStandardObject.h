@@ -47,8 +47,8 @@ template <typename Result, typename Function, typename... Args>
 Result CGinaStandardObject::Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
                                     Args... args)
 {
-    return RunOperation<CUnexpectedGinaException, CNullFunctionHandleException>(
-        s_szClass, point, [&]() -> Result {
+    return RunForwarded<CUnexpectedGinaException, CNullFunctionHandleException>(
+        s_szClass, point, pNode, [&]() -> Result {
             if (!IsLast(pNode)) {
                 throw CUnexpectedGinaException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
             }

@@ -1,8 +1,12 @@
 #include "LUMGina.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
+#include <string_view>
 #include <type_traits>
 
+#include "EventLog.h"
 #include "Exceptions.h"
 #include "GinaNames.h"
 #include "GinaPluginObject.h"
@@ -15,6 +19,7 @@ namespace {
 
 constexpr DWORD HIGHEST_WLX_VERSION = WLX_VERSION_1_4;
 constexpr DWORD DEFAULT_TIMEOUT_SECONDS = 120;
+constexpr WCHAR TXT_NOT_INITIALISED[] = TEXT("it refused its initialisation");
 constexpr WCHAR TXT_NO_PLUGIN_OBJECT[] = TEXT("Unable to create gina plugin");
 constexpr WCHAR TXT_WITHOUT_PLUGINS[] = TEXT("No plugin is loaded: NoPlugins is set");
 constexpr WCHAR TXT_LEFT_OUT[] = TEXT("Left out, since earlier starts of the machine ended in it");
@@ -33,6 +38,20 @@ public:
 private:
     bool& m_bFlag;
 };
+
+/// Tells the event log why a DLL is not in service. A name that is not configured is no news.
+void ReportLeftOut(const WCHAR* szGinaDLL, const CMessage& message) noexcept
+{
+    if (*szGinaDLL == 0 || message.m_szMessage == nullptr) {
+        return;
+    }
+    // The place in the source, which ends the text, means nothing to those who read events.
+    WCHAR szWhy[NAME_CAPACITY * 2];
+    FormatText(szWhy, std::size(szWhy), TEXT("%s"), {static_cast<const WCHAR*>(message.m_szMessage)});
+    const std::basic_string_view<WCHAR> why(szWhy);
+    szWhy[std::min(why.rfind(TEXT(", ( ")), why.size())] = 0;
+    ReportHostEvent(HostEvent::LeftOut, {szGinaDLL, szWhy});
+}
 
 /// Creates one member of the host. A class that takes a tag and a key gets the host's.
 template <typename T, typename... Args>
@@ -144,8 +163,14 @@ template <typename Object>
 void CLUMGina::AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion)
 {
     CGinaObjectList& list = Needed(m_pGinaObjectList);
-    auto* pGinaObject = new Object(LUM_GINA_APP, LUM_GINA_MTM, Needed(m_pGinaContext).GetInstanceHandle(),
-                                   szGinaDLL, LUM_INTERFACE_VERSION, dwWinlogonVersion);
+    Object* pGinaObject = nullptr;
+    try {
+        pGinaObject = new Object(LUM_GINA_APP, LUM_GINA_MTM, Needed(m_pGinaContext).GetInstanceHandle(),
+                                 szGinaDLL, LUM_INTERFACE_VERSION, dwWinlogonVersion);
+    } catch (const CMessage& message) {
+        ReportLeftOut(szGinaDLL, message);
+        throw;
+    }
     if (!m_gate.Look([&] { return list.Add(pGinaObject, 0); })) {
         DestroyListItem(pGinaObject);
         throw CMemAllocException(LUM_GINA_ORIGIN, TEXT("pGinaObject"));
@@ -269,7 +294,11 @@ BOOL CLUMGina::LUMWlxInitialize(LPWSTR lpWinsta, HANDLE hWlx, PVOID pvReserved, 
                                      pWinlogonFunctions, pWlxContext, 0, 0);
         });
         // Counted before the service threads run: they may add and remove objects.
-        const bool bInitialized = m_pGinaObjectList->m_dwCount != 0;
+        const DWORD dwObjects = m_pGinaObjectList->m_dwCount;
+        const bool bInitialized = dwObjects != 0;
+        if (bInitialized) {
+            ReportHostEvent(HostEvent::Started, {dwObjects - 1});
+        }
         // Only the first instance since the machine started runs the service threads. Later ones, such as
         // those of other sessions, do not.
         FinishInitialization(op, bInitialized && dwInstanceCount == 1, hWlx);
@@ -322,8 +351,13 @@ void CLUMGina::InitializeObjects(Initialize initialize)
             GinaNode* pFollowing = nullptr;
             const bool bInitialized = m_gate.Call([&] {
                 pFollowing = pNode->pNext;
-                NoteInitialization(*pNode->m_pItem, pFollowing == nullptr);
-                return initialize(*pNode->m_pItem);
+                CGinaObject& object = *pNode->m_pItem;
+                NoteInitialization(object, pFollowing == nullptr);
+                const bool bAccepted = initialize(object);
+                if (!bAccepted) {
+                    ReportHostEvent(HostEvent::LeftOut, {object.GetGinaDLLName(), TXT_NOT_INITIALISED});
+                }
+                return bAccepted;
             });
             if (!bInitialized) {
                 RemoveNode(pNode);

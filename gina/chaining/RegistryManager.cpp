@@ -8,6 +8,7 @@
 #include "ChainBuilder.h"
 #include "ChainResync.h"
 #include "ChainWriter.h"
+#include "EventLog.h"
 #include "Exceptions.h"
 #include "GinaNames.h"
 #include "RequireArgument.h"
@@ -34,6 +35,20 @@ private:
     const CCriticalSection::CLock m_first;
     const CCriticalSection::CLock m_second;
 };
+
+CGinaName Join(const CGinaNames& ginas)
+{
+    CGinaName text;
+    for (const CGinaName& gina : ginas) {
+        text.append(text.empty() ? TEXT("") : TEXT(", ")).append(gina);
+    }
+    return text;
+}
+
+void ReportPutRight(const CGinaNames& found, const CGinaNames& own)
+{
+    ReportHostEvent(HostEvent::ChainPutRight, {Join(found).c_str(), Join(own).c_str()});
+}
 
 template <typename List>
 COwned<List> MakeList(const CMessageOrigin& origin, const WCHAR* szMember)
@@ -213,14 +228,16 @@ void CRegistryManager::ResyncWithRegistry(const CRegistryManager& other) noexcep
             const CChain own = GetChain();
             const CChain found = other.GetChain();
             const CResync resync = Resync(own, found);
-            if (resync.action != ResyncAction::FollowAgain) {
-                CarryOut(resync, other);
-                return;
+            const bool bCutOut = resync.action == ResyncAction::FollowAgain;
+            if (bCutOut) {
+                m_pWinlogonRegistry->SetGinaDLL(own.ginas.front().c_str());
+                const CRegistryManager again(szAPP, szMTM, m_pLUMRegistry, m_pWinlogonRegistry, true);
+                const CChain followed = again.GetChain();
+                CarryOut(ResyncCutOut(own, found, followed), other);
             }
-            m_pWinlogonRegistry->SetGinaDLL(own.ginas.front().c_str());
-            const CRegistryManager again(szAPP, szMTM, m_pLUMRegistry, m_pWinlogonRegistry, true);
-            const CChain followed = again.GetChain();
-            CarryOut(ResyncCutOut(own, found, followed), other);
+            if (bCutOut || CarryOut(resync, other)) {
+                ReportPutRight(found.ginas, NamesOf(*m_pGinaChainingList));
+            }
         });
     });
 }
@@ -236,21 +253,22 @@ void CRegistryManager::LearnRecords(const CRegistryManager& other)
     }
 }
 
-void CRegistryManager::CarryOut(const CResync& resync, const CRegistryManager& other)
+/// Whether the chain was to be written.
+bool CRegistryManager::CarryOut(const CResync& resync, const CRegistryManager& other)
 {
     CGinaChain& chain = *m_pGinaChainingList;
     switch (resync.action) {
     case ResyncAction::Nothing:
     case ResyncAction::FollowAgain:
-        return;
+        return false;
     case ResyncAction::TakeOver:
         TakeChainOver(*other.m_pGinaChainingList);
-        return;
+        return false;
     case ResyncAction::Write:
         break;
     case ResyncAction::Insert:
         if (!InsertLink(chain, resync.place, resync.szGinaDLL, nullptr)) {
-            return;
+            return false;
         }
         break;
     case ResyncAction::Remove:
@@ -261,6 +279,7 @@ void CRegistryManager::CarryOut(const CResync& resync, const CRegistryManager& o
         break;
     }
     WriteOutListToRegistry();
+    return true;
 }
 
 /// If there is no memory for the copy, the chain stays as it is.

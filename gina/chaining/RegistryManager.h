@@ -79,6 +79,6 @@ private:
     CChain GetChain() const;
     CGinaChainingInfoObject& NeedKnown(const WCHAR* szGinaDLL);
     void LearnRecords(const CRegistryManager& other);
-    void CarryOut(const CResync& resync, const CRegistryManager& other);
+    bool CarryOut(const CResync& resync, const CRegistryManager& other);
     void TakeChainOver(const CGinaChain& chain);
 };
