@@ -122,3 +122,32 @@ function(lum_version_script def map)
   endforeach()
   file(WRITE "${map}" "{ global: ${names} local: *; };\n")
 endfunction()
+
+# lum_add_messages(TARGET events.h)
+#
+# On Windows: gives a DLL the message table of the events that a header lists, one a line:
+# EVENT(identifier, name, type, "text").
+function(lum_add_messages target header)
+  if(NOT WIN32)
+    return()
+  endif()
+  find_program(LUM_WINDMC i686-w64-mingw32-windmc REQUIRED)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${header}")
+  file(STRINGS "${header}" lines REGEX "^ +EVENT\\(")
+  set(messages)
+  foreach(line IN LISTS lines)
+    if(NOT line MATCHES "^ +EVENT\\(([0-9]+), ([A-Za-z]+), [A-Z_]+, \"(.+)\"\\)( \\\\)?$")
+      message(FATAL_ERROR "${header} has an event that cannot be read:${line}")
+    endif()
+    string(APPEND messages "\r\nMessageId=${CMAKE_MATCH_1}\r\nSymbolicName=${CMAKE_MATCH_2}\r\n"
+      "Language=English\r\n${CMAKE_MATCH_3}\r\n.\r\n")
+  endforeach()
+  set(folder "${CMAKE_CURRENT_BINARY_DIR}/${target}_messages")
+  file(WRITE "${folder}/messages.mc" "LanguageNames=(English=0x409:messages)\r\n${messages}")
+  add_custom_command(OUTPUT "${folder}/messages.rc" "${folder}/messages.bin"
+    COMMAND "${LUM_WINDMC}" -h "${folder}" -r "${folder}" "${folder}/messages.mc"
+    DEPENDS "${folder}/messages.mc" VERBATIM)
+  target_sources(${target} PRIVATE "${folder}/messages.rc")
+  set_source_files_properties("${folder}/messages.rc" PROPERTIES
+    INCLUDE_DIRECTORIES "${folder}" OBJECT_DEPENDS "${folder}/messages.bin")
+endfunction()

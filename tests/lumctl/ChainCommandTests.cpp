@@ -343,7 +343,7 @@ TEST_F(ChainCommands, AValueThatIsNoTextIsNamedAndKept)
     SetValues(ValuesOf("wpnGina.dll"));
     SetDword(TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"), TEXT("OldGinaDLL"), 1);
     const std::string findings = Run("chain check").output;
-    EXPECT_TRUE(Has(findings, "OldGinaDLL is (no text: 4 bytes of type 4)")) << findings;
+    EXPECT_TRUE(Has(findings, "OldGinaDLL is 1 (REG_DWORD)")) << findings;
     EXPECT_EQ(STATUS_DONE, Run("chain backup --force saved.reg").status);
     SetValues(ValuesOf("wpnGina.dll"));
     const CRun run = Run("chain restore saved.reg");

@@ -7,6 +7,7 @@
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "GinaNames.h"
+#include "RecommendedValues.h"
 #include "machine/MachineLock.h"
 #include "machine/RegistryFile.h"
 #include "machine/WholeFile.h"
@@ -105,7 +106,9 @@ ExitStatus Enable(const CArguments& arguments, std::string& output)
         RefuseIncomplete(machine, "chain enable", output);
     }
     chain.ginas.insert(chain.ginas.begin(), HOST_GINA);
-    return machine.Make(PlanWrite(machine, chain.ginas, "enable"), output);
+    CChainChange change = PlanWrite(machine, chain.ginas, "enable");
+    AddRecommendedValues(change.after);
+    return machine.Make(change, output);
 }
 
 /// What is to be written when a GINA is taken out of a chain that cannot be followed to its end: who
@@ -237,7 +240,8 @@ constexpr CCommand COMMANDS[] = {
     {"chain show", "", "show the chain of GINAs as it will run", LOOKS | OPTION_JSON, Show},
     {"chain check", "", "say whether the next boot is safe, and what is to be done if not",
      LOOKS | OPTION_JSON, Check},
-    {"chain enable", "", "put lum_gina.dll first into the chain", CHANGES, Enable},
+    {"chain enable", "", "put lum_gina.dll first into the chain, with the recommended settings", CHANGES,
+     Enable},
     {"chain disable", "", "take lum_gina.dll out of the chain", CHANGES, Disable},
     {"chain remove", "NAME", "take another GINA out of the chain", CHANGES, Remove},
     {"chain backup", "FILE", "write what the chain consists of into a .reg file",

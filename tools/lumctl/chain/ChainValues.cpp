@@ -118,6 +118,12 @@ CValueData MakeText(const WCHAR* szText)
     return Platform::CRegistryData{REG_SZ, {pBytes, pBytes + cbText}};
 }
 
+CValueData MakeNumber(DWORD dwNumber)
+{
+    const auto* pBytes = reinterpret_cast<const BYTE*>(&dwNumber);
+    return Platform::CRegistryData{REG_DWORD, {pBytes, pBytes + sizeof(dwNumber)}};
+}
+
 std::string DescribeKey(const CValuePlace& place)
 {
     return "HKEY_LOCAL_MACHINE\\" + Shown(place.key);
@@ -137,6 +143,10 @@ std::string Describe(const CValueData& data)
 {
     if (!data) {
         return "(none)";
+    }
+    if (DWORD dwNumber = 0; data->dwType == REG_DWORD && data->bytes.size() == sizeof(dwNumber)) {
+        std::memcpy(&dwNumber, data->bytes.data(), sizeof(dwNumber));
+        return Format("%u (REG_DWORD)", static_cast<unsigned>(dwNumber));
     }
     if (!IsText(data)) {
         return Format("(no text: %u bytes of type %u)", static_cast<unsigned>(data->bytes.size()),

@@ -46,11 +46,13 @@ private:
 /// one than LONGEST_NAME.
 WideText TextOf(const CValueData& data);
 CValueData MakeText(const WCHAR* szText);
+CValueData MakeNumber(DWORD dwNumber);
 /// Whether it exists and has the type of a text.
 bool IsText(const CValueData& data);
 
-/// For people: "HKEY_LOCAL_MACHINE\KEY", "NAME", and the data in quotes with its type
-/// if that is not REG_SZ, or as "(none)".
+/// For people: "HKEY_LOCAL_MACHINE\KEY", "NAME", and the data: a text in quotes with its
+/// type if that is not REG_SZ, a number in decimal with its type, or
+/// "(none)".
 std::string DescribeKey(const CValuePlace& place);
 std::string Describe(const CValuePlace& place);
 std::string Describe(const CValueData& data);

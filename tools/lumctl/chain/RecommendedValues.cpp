@@ -1,0 +1,31 @@
+#include "RecommendedValues.h"
+
+#include "GinaNames.h"
+
+namespace {
+
+constexpr DWORD ALL_EVENT_TYPES = EVENTLOG_ERROR_TYPE | EVENTLOG_WARNING_TYPE | EVENTLOG_INFORMATION_TYPE;
+
+CValueData MakePath(const WCHAR* szPath)
+{
+    CValueData data = MakeText(szPath);
+    data->dwType = REG_EXPAND_SZ;
+    return data;
+}
+
+const CChainValue RECOMMENDED[] = {
+    {{LUM_GINA_MTM, EVENT_LOG_VALUE}, MakeNumber(1)},
+    {{EVENT_SOURCE_KEY, TEXT("EventMessageFile")}, MakePath(TEXT("%SystemRoot%\\system32\\lum_gina.dll"))},
+    {{EVENT_SOURCE_KEY, TEXT("TypesSupported")}, MakeNumber(ALL_EVENT_TYPES)},
+};
+
+} // namespace
+
+void AddRecommendedValues(CChainValues& values)
+{
+    for (const CChainValue& value : RECOMMENDED) {
+        if (!ReadValue(value.place)) {
+            values.Set(value.place, value.data);
+        }
+    }
+}
