@@ -13,23 +13,6 @@ protected:
         SetDword(OWN_KEY, TEXT("EventLog"), 1);
     }
 
-    /// All events so far. One more is reported to see that no other is on its way.
-    static Lines Collect()
-    {
-        static DWORD dwEnds = 1000;
-        ReportHostEvent(HostEvent::Started, {++dwEnds});
-        const std::string end = "4 1 LUM GINA: " + std::to_string(dwEnds);
-        Lines lines = ReadEvents();
-        for (int n = 0; n < 500 && (lines.empty() || lines.back() != end); ++n) {
-            Sleep(10);
-            lines = ReadEvents();
-        }
-        EXPECT_EQ(end, lines.empty() ? std::string() : lines.back());
-        lines.resize(lines.size() - (lines.empty() ? 0 : 1));
-        ForgetEvents();
-        return lines;
-    }
-
     BOOL Ask(PluginCall call) const
     {
         switch (call) {
@@ -68,14 +51,14 @@ TEST_F(Events, TellWhoIsInServiceWhoIsNotAndWhoFaults)
                      "2 2 LUM GINA: test_plugin_c.dll | it refused its initialisation", "4 1 LUM GINA: 1",
                      "1 3 LUM GINA: standin_gina.dll | IsLogoffOk | 0xc0000005",
                      "1 3 LUM GINA: test_plugin_a.dll | LoggedOnSAS | 0xe06d7363"}),
-              Collect());
+              CollectEvents());
 }
 
 TEST_F(Events, TellWhichPluginSaidNo)
 {
     Load();
     ASSERT_TRUE(Initialize());
-    Collect();
+    CollectEvents();
     const struct
     {
         PluginCall call;
@@ -95,7 +78,7 @@ TEST_F(Events, TellWhichPluginSaidNo)
             gina->SetResult(row.ofGina, FALSE);
             plugins[1]->SetAction(row.call, PluginAction::Change, FALSE);
             EXPECT_FALSE(Ask(row.call));
-            EXPECT_EQ(Lines(), Collect()) << row.szName;
+            EXPECT_EQ(Lines(), CollectEvents()) << row.szName;
             gina->SetResult(row.ofGina, TRUE);
             plugins[1]->SetAction(row.call, PluginAction::PassOn, TRUE);
             EXPECT_TRUE(Ask(row.call));
@@ -103,7 +86,8 @@ TEST_F(Events, TellWhichPluginSaidNo)
             plugin->SetAction(row.call, action, FALSE);
             EXPECT_FALSE(Ask(row.call));
             EXPECT_FALSE(Ask(row.call));
-            EXPECT_EQ((Lines{"2 4 LUM GINA: " + Narrow(plugin.GetName()) + " | " + row.szName}), Collect());
+            EXPECT_EQ((Lines{"2 4 LUM GINA: " + Narrow(plugin.GetName()) + " | " + row.szName}),
+                      CollectEvents());
             plugin->SetAction(row.call, PluginAction::PassOn, TRUE);
         }
         // A plugin in front that grants what was refused behind it.
@@ -112,7 +96,7 @@ TEST_F(Events, TellWhichPluginSaidNo)
         EXPECT_TRUE(Ask(row.call));
         gina->SetResult(row.ofGina, TRUE);
     }
-    EXPECT_EQ(Lines(), Collect());
+    EXPECT_EQ(Lines(), CollectEvents());
 }
 
 TEST_F(Events, LeaveNoOtherMarkAndNoneAtAllWithoutTheValue)
@@ -134,7 +118,7 @@ TEST_F(Events, LeaveNoOtherMarkAndNoneAtAllWithoutTheValue)
         host->LUMWlxShutdown(CONTEXT, 0);
         logs[dwOn] = Log();
         if (dwOn != 0) {
-            EXPECT_FALSE(Collect().empty());
+            EXPECT_FALSE(CollectEvents().empty());
         }
     }
     EXPECT_LT(100u, logs[0].size());

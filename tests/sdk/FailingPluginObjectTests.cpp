@@ -2,6 +2,7 @@
 // line that is written, and a DLL that is not left loaded. For the native target, where failures are
 // injected.
 
+#include "EventFile.h"
 #include "FailingAllocation.h"
 #include "PluginChain.h"
 #include "platform/FaultInjection.h"
@@ -98,6 +99,32 @@ TEST_F(FailingPluginObject, WithoutMemoryThereIsNoObjectAndNoLoadedDll)
     EXPECT_THROW(AddPlugin(a.GetName()), CMessage);
     EXPECT_EQ(0u, chain.m_dwCount);
     EXPECT_EQ(1, Count("[EXCEPTION] Memory could not be allocated, Variable: m_szGinaDLL"));
+}
+
+// An event that nobody can write delays nothing. What fits is written later, and the rest is lost.
+TEST_F(FailingPluginObject, ALogThatDoesNotRunYetGetsTheEventsLater)
+{
+    SetDword(OWN_KEY, TEXT("EventLog"), 1);
+    ForgetEvents();
+    {
+        const CFaultInjection fault(PlatformCall::RegisterEventSourceW, 1, ERROR_NOT_SUPPORTED, nullptr,
+                                    FaultRepeat::FromThenOn);
+        const DWORD dwStart = GetTickCount();
+        for (DWORD dwEvent = 0; dwEvent < 100; ++dwEvent) {
+            ReportHostEvent(HostEvent::Started, {dwEvent + 500});
+        }
+        EXPECT_GT(400u, GetTickCount() - dwStart);
+        while (!fault.HasFired()) {
+            Sleep(10);
+        }
+        EXPECT_EQ(Lines(), ReadEvents());
+    }
+    // One may have been in the writer's hands.
+    for (int n = 0; n < 500 && ReadEvents().size() < 32; ++n) {
+        Sleep(10);
+    }
+    const std::size_t nWritten = CollectEvents().size();
+    EXPECT_TRUE(nWritten == 32 || nWritten == 33) << nWritten;
 }
 
 } // namespace

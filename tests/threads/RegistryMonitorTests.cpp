@@ -1,4 +1,5 @@
 #include "../chaining/ChainMachine.h"
+#include "EventFile.h"
 #include "Exceptions.h"
 #include "FailingAllocation.h"
 #include "LUMRegMonitorThreadObject.h"
@@ -80,12 +81,15 @@ TEST_F(RegistryMonitor, AndThePipeThreadTakeTheirPeriodsFromTheConfiguration)
 TEST_F(RegistryMonitor, SeesAChangeWithinAPeriodEachTime)
 {
     Make(1);
+    SetDword(OWN_KEY, TEXT("EventLog"), 1);
+    ForgetEvents();
     ASSERT_TRUE(monitor->StartThread());
     for (int nChange = 0; nChange < 2; ++nChange) {
         TakeHostOut();
         EXPECT_TRUE(IsHostInWithin(20000)) << nChange;
     }
     EXPECT_TRUE(monitor->StopThread());
+    EXPECT_EQ(Lines{"2 5 LUM GINA: msgina.dll | lum_gina.dll, msgina.dll"}, CollectEvents());
 }
 
 TEST_F(RegistryMonitor, ComparesALastTimeWhenItIsStopped)
