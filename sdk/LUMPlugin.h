@@ -222,6 +222,136 @@ inline bool SetFriendlyName(CGinaPluginInfo* pPluginInfo, const WCHAR* szFriendl
     return ReplaceString(pPluginInfo->m_szFriendlyName, szFriendlyName);
 }
 
+/// Levels of the trace log, one bit each. The mask that selects them has the last four where none is set.
+const DWORD TRACE_DEBUG = 0x1;
+const DWORD TRACE_ENTRY = 0x2;
+const DWORD TRACE_EXIT = 0x4;
+const DWORD TRACE_NOTIFICATION = 0x8;
+const DWORD TRACE_WARNING = 0x10;
+const DWORD TRACE_EXCEPTION = 0x20;
+const DWORD TRACE_CRITICAL = 0x40;
+const DWORD TRACE_ERROR = 0x80;
+
+/// Reads a value below HKEY_LOCAL_MACHINE, of any type; for WriteTrace. pcbData: the room at pData, then what
+/// was read.
+inline bool ReadTraceSetting(const WCHAR* szKey, const WCHAR* szValue, void* pData, DWORD* pcbData)
+{
+    HKEY hKey = 0;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
+        return false;
+    }
+    const LONG lResult = RegQueryValueExW(hKey, szValue, 0, 0, static_cast<BYTE*>(pData), pcbData);
+    RegCloseKey(hKey);
+    return lResult == ERROR_SUCCESS;
+}
+
+/// Appends characters to a text up to cch of them or its zero; for WriteTrace. Returns the end.
+inline WCHAR* AppendTrace(WCHAR* pEnd, const WCHAR* szText, DWORD cch)
+{
+    for (DWORD n = 0; n < cch && szText[n] != 0; ++n) {
+        *pEnd++ = szText[n];
+    }
+    return pEnd;
+}
+
+/// Appends one byte after another to a file, in one write; for WriteTrace.
+inline bool AppendTraceFile(const WCHAR* szPath, const char* pBytes, DWORD cbBytes)
+{
+    const HANDLE hFile = CreateFileW(szPath, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, 0,
+                                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, 0);
+    if (hFile == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    DWORD cbWritten = 0;
+    const BOOL bWritten = WriteFile(hFile, pBytes, cbBytes, &cbWritten, 0);
+    CloseHandle(hFile);
+    return bWritten != FALSE && cbWritten == cbBytes;
+}
+
+/// Writes a line to the trace log under a tag of the plugin's own, as the host writes under "LUM_GINA":
+///
+///     Fri May 14 21:06:44 2004 KIOSK: [WARNING] a lock was refused
+///
+/// szTag selects the file: the text value of that name in HKEY_LOCAL_MACHINE\Software\ORX\Security\Debug is
+/// its path. dwLevel: one of the TRACE_ levels, written if the host's mask has it (Debug in
+/// HKEY_LOCAL_MACHINE\SOFTWARE\ORX\LUM\Gina). Both are read for every line. True when the line was written.
+///
+/// Any thread, at any time; it needs nothing of the host. Takes advapi32. It never waits for other writers.
+/// szText is converted to the system's ANSI code page. Never write a password.
+inline bool WriteTrace(const WCHAR* szTag, DWORD dwLevel, const WCHAR* szText)
+{
+    static const WCHAR* const LABELS[] = {TEXT("DEBUG"),        TEXT("ENTRY"),   TEXT("EXIT "),
+                                          TEXT("NOTIFICATION"), TEXT("WARNING"), TEXT("EXCEPTION"),
+                                          TEXT("CRITICAL"),     TEXT("ERROR")};
+    static const WCHAR NAMES[] = TEXT("SunMonTueWedThuFriSatJanFebMarAprMayJunJulAugSepOctNovDec");
+    static const WCHAR FORM[] = TEXT("aaa bbb 00 00:00:00 0000 ");
+    const DWORD DEFAULT_MASK = 0xF0, LONGEST_LABEL = 12, LONGEST_PATH = 260;
+
+    DWORD dwMask = 0;
+    DWORD cbMask = sizeof(dwMask);
+    if (!ReadTraceSetting(TEXT("SOFTWARE\\ORX\\LUM\\Gina"), TEXT("Debug"), &dwMask, &cbMask) ||
+        cbMask != sizeof(dwMask))
+    {
+        dwMask = DEFAULT_MASK;
+    }
+    WCHAR szPath[LONGEST_PATH + 1];
+    DWORD cbPath = LONGEST_PATH * sizeof(WCHAR);
+    if ((dwLevel & dwMask) != dwLevel ||
+        !ReadTraceSetting(TEXT("Software\\ORX\\Security\\Debug"), szTag, szPath, &cbPath))
+    {
+        return false;
+    }
+    szPath[cbPath / sizeof(WCHAR)] = 0;
+
+    const WCHAR* szLabel = TEXT("HEADER");
+    for (DWORD n = 0; n < sizeof(LABELS) / sizeof(*LABELS); ++n) {
+        szLabel = dwLevel == DWORD(1) << n ? LABELS[n] : szLabel;
+    }
+    DWORD cchTag = 0, cchText = 0, cchFolder = 0;
+    for (; szTag[cchTag] != 0; ++cchTag) {
+    }
+    for (; szText[cchText] != 0; ++cchText) {
+    }
+    const DWORD cchMost = DWORD(sizeof(FORM) / sizeof(WCHAR)) + LONGEST_LABEL + 8 + cchTag + cchText;
+    // The text in 16 bits, and behind it in the code page, in which a character has two bytes at most.
+    WCHAR* const szLine = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, 2 * cchMost * sizeof(WCHAR)));
+    if (szLine == 0) {
+        return false;
+    }
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    WCHAR* pEnd = AppendTrace(szLine, FORM, cchMost);
+    AppendTrace(szLine, NAMES + 3 * now.wDayOfWeek, 3);
+    AppendTrace(szLine + 4, NAMES + 3 * (6 + now.wMonth), 3);
+    const WORD PARTS[] = {
+        now.wDay, now.wHour, now.wMinute, now.wSecond, WORD(now.wYear / 100), WORD(now.wYear % 100)};
+    static const BYTE PLACES[] = {8, 11, 14, 17, 20, 22};
+    for (DWORD n = 0; n < sizeof(PLACES); ++n) {
+        szLine[PLACES[n]] = WCHAR('0' + PARTS[n] / 10 % 10);
+        szLine[PLACES[n] + 1] = WCHAR('0' + PARTS[n] % 10);
+    }
+    pEnd = AppendTrace(AppendTrace(pEnd, szTag, cchTag), TEXT(": ["), cchMost);
+    pEnd = AppendTrace(AppendTrace(pEnd, szLabel, cchMost), TEXT("] "), cchMost);
+    pEnd = AppendTrace(AppendTrace(pEnd, szText, cchText), TEXT("\r\n"), cchMost);
+
+    char* const pBytes = reinterpret_cast<char*>(szLine + cchMost);
+    const int cbBytes = WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK | WC_DEFAULTCHAR, szLine,
+                                            int(pEnd - szLine), pBytes, int(cchMost * sizeof(WCHAR)), 0, 0);
+    // As by the host, a folder that is missing is made, one level deep.
+    for (DWORD n = 0; szPath[n] != 0; ++n) {
+        cchFolder = szPath[n] == '\\' || szPath[n] == '/' || szPath[n] == ':' ? n + 1 : cchFolder;
+    }
+    const WCHAR chFirst = szPath[cchFolder];
+    szPath[cchFolder] = 0;
+    if (cchFolder != 0) {
+        CreateDirectoryW(szPath, 0);
+    }
+    szPath[cchFolder] = chFirst;
+    const bool bWritten = cbBytes > 0 && *szPath != 0 && AppendTraceFile(szPath, pBytes, DWORD(cbBytes));
+    LocalFree(szLine);
+    return bWritten;
+}
+
 /// A plugin that takes part and passes every call on. Override the operations that are to do something else.
 /// Each is the export of its name with "LUM" in front. To pass a call on from an override, call the operation
 /// of this class.

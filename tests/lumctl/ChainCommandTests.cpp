@@ -128,6 +128,25 @@ TEST_F(ChainCommands, ChangeTheChainOrSayWhyNot)
     }
 }
 
+TEST_F(ChainCommands, EnableSetsTheRecommendedValuesThatAreMissing)
+{
+    const auto get = [](const WCHAR* szValue) { return GetValue(EVENT_SOURCE_KEY, szValue); };
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, EVENT_SOURCE_KEY);
+    EXPECT_TRUE(Has(Run("chain enable --dry-run").output, "EventLog: (none) -> 1 (REG_DWORD)"));
+    EXPECT_EQ("(none)", get(TEXT("TypesSupported")));
+    const CRun run = Run("chain enable");
+    EXPECT_TRUE(Has(run.output, "With the recommended settings")) << run.output;
+    EXPECT_EQ("1", GetValue(OWN_KEY, TEXT("EventLog")));
+    EXPECT_EQ("7", get(TEXT("TypesSupported")));
+    EXPECT_EQ("\"%SystemRoot%\\system32\\lum_gina.dll\"", get(TEXT("EventMessageFile")));
+    // What an administrator has set stays, and events that were written before stay readable.
+    SetDword(OWN_KEY, TEXT("EventLog"), 0);
+    EXPECT_EQ(STATUS_DONE, Run("chain disable").status);
+    EXPECT_FALSE(Has(Run("chain enable").output, "recommended"));
+    EXPECT_EQ("0", GetValue(OWN_KEY, TEXT("EventLog")));
+    EXPECT_EQ("7", get(TEXT("TypesSupported")));
+}
+
 TEST_F(ChainCommands, CheckSaysWhetherTheMachineComesUp)
 {
     SetRecord("rec.dll", "msgina.dll,0,0,0,1");

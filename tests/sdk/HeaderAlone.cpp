@@ -10,7 +10,11 @@ class CSmallPlugin : public lum::CPlugin
 public:
     BOOL IsLockOk(lum::CGinaNode* pNode, PVOID pWlxContext)
     {
-        return m_bOpen ? FALSE : CPlugin::IsLockOk(pNode, pWlxContext);
+        if (m_bOpen) {
+            lum::WriteTrace(TEXT("SMALL"), lum::TRACE_WARNING, TEXT("stays open"));
+            return FALSE;
+        }
+        return CPlugin::IsLockOk(pNode, pWlxContext);
     }
 
 private:

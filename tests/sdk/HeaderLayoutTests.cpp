@@ -1,5 +1,6 @@
 // What the header for plugin authors says of the host's classes, compared with the classes.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -8,6 +9,7 @@
 #include "../abi/Slots.h"
 #include "GinaObject.h"
 #include "LUMPlugin.h"
+#include "TestMachine.h"
 
 namespace {
 
@@ -83,6 +85,46 @@ TEST(PluginHeader, StringsMayCrossTheBoundaryBothWays)
     EXPECT_EQ(std::basic_string<WCHAR>(TEXT("friendly")), copy.m_szFriendlyName);
     EXPECT_TRUE(lum::SetFriendlyName(pAuthors, nullptr));
     EXPECT_EQ(nullptr, info.m_szFriendlyName);
+}
+
+class PluginTrace : public CTestMachine
+{
+protected:
+    /// What is added to the log, without the seconds of its time.
+    template <typename Write>
+    std::string Added(Write write)
+    {
+        ClearLog();
+        write();
+        std::string line = RawLog();
+        return line.erase(std::min<std::size_t>(17, line.size()), 2);
+    }
+};
+
+TEST_F(PluginTrace, IsWrittenAsTheHostWrites)
+{
+    const WCHAR* const texts[] = {TEXT(""), TEXT("a text, ( 7 ) File.cpp"),
+                                  TEXT("\u00E9\u20AC\u4E2De\u0301")};
+    for (const DWORD dwMask : {0xFFFu, 0xF0u, 0x0u}) {
+        SetTraceMask(dwMask);
+        for (const DWORD dwLevel : {0x1u, 0x2u, 0x3u, 0x4u, 0x8u, 0x10u, 0x20u, 0x40u, 0x80u}) {
+            for (const WCHAR* szText : texts) {
+                bool bByHost = false, bByPlugin = false;
+                const std::string byHost = Added([&] {
+                    bByHost = IsTraceEnabled(dwLevel, LUM_GINA_MTM) &&
+                              WriteLogLine(LUM_GINA_APP, GetLevelLabel(dwLevel), szText);
+                });
+                const std::string byPlugin =
+                    Added([&] { bByPlugin = lum::WriteTrace(LUM_GINA_APP, dwLevel, szText); });
+                EXPECT_EQ(bByHost, bByPlugin) << dwLevel;
+                EXPECT_EQ(byHost, byPlugin) << dwLevel;
+            }
+        }
+    }
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY);
+    EXPECT_FALSE(lum::WriteTrace(LUM_GINA_APP, lum::TRACE_NOTIFICATION, TEXT("text")));
+    EXPECT_TRUE(lum::WriteTrace(LUM_GINA_APP, lum::TRACE_ERROR, TEXT("text")));
+    EXPECT_FALSE(lum::WriteTrace(TEXT("NO_SUCH_TAG"), lum::TRACE_ERROR, TEXT("text")));
 }
 
 } // namespace

@@ -1,12 +1,11 @@
 #include "EventFile.h"
 
-#include <mutex>
-
+#include "CriticalSection.h"
 #include "EventSource.h"
 
 namespace {
 
-std::mutex s_mutex;
+CCriticalSection s_lock;
 Lines s_lines;
 
 } // namespace
@@ -20,19 +19,19 @@ bool WriteToEventLog(DWORD dwEvent, WORD wType, const std::basic_string<WCHAR>& 
         line += szSeparator + Narrow(values.c_str() + nAt);
         szSeparator = " | ";
     }
-    const std::lock_guard lock(s_mutex);
+    const CCriticalSection::CLock lock(s_lock);
     s_lines.push_back(line);
     return true;
 }
 
 Lines ReadEvents()
 {
-    const std::lock_guard lock(s_mutex);
+    const CCriticalSection::CLock lock(s_lock);
     return s_lines;
 }
 
 void ForgetEvents()
 {
-    const std::lock_guard lock(s_mutex);
+    const CCriticalSection::CLock lock(s_lock);
     s_lines.clear();
 }

@@ -107,7 +107,9 @@ ExitStatus Enable(const CArguments& arguments, std::string& output)
     }
     chain.ginas.insert(chain.ginas.begin(), HOST_GINA);
     CChainChange change = PlanWrite(machine, chain.ginas, "enable");
-    AddRecommendedValues(change.after);
+    if (AddRecommendedValues(change.after)) {
+        output += "With the recommended settings, where they are missing:\n";
+    }
     return machine.Make(change, output);
 }
 

@@ -13,6 +13,7 @@ CValueData MakePath(const WCHAR* szPath)
     return data;
 }
 
+// One row for each setting. In a registry that has none of them, the library does nothing beyond its chain.
 const CChainValue RECOMMENDED[] = {
     {{LUM_GINA_MTM, EVENT_LOG_VALUE}, MakeNumber(1)},
     {{EVENT_SOURCE_KEY, TEXT("EventMessageFile")}, MakePath(TEXT("%SystemRoot%\\system32\\lum_gina.dll"))},
@@ -21,11 +22,14 @@ const CChainValue RECOMMENDED[] = {
 
 } // namespace
 
-void AddRecommendedValues(CChainValues& values)
+bool AddRecommendedValues(CChainValues& values)
 {
+    bool bAdded = false;
     for (const CChainValue& value : RECOMMENDED) {
         if (!ReadValue(value.place)) {
             values.Set(value.place, value.data);
+            bAdded = true;
         }
     }
+    return bAdded;
 }
