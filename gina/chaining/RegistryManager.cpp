@@ -45,9 +45,13 @@ CGinaName Join(const CGinaNames& ginas)
     return text;
 }
 
-void ReportPutRight(const CGinaNames& found, const CGinaNames& own)
+void ReportPutRight(const CGinaNames& found, const CGinaChain& own) noexcept
 {
-    ReportHostEvent(HostEvent::ChainPutRight, {Join(found).c_str(), Join(own).c_str()});
+    try {
+        ReportHostEvent(HostEvent::ChainPutRight, {Join(found).c_str(), Join(NamesOf(own)).c_str()});
+    } catch (...) {
+        return;
+    }
 }
 
 template <typename List>
@@ -236,7 +240,7 @@ void CRegistryManager::ResyncWithRegistry(const CRegistryManager& other) noexcep
                 CarryOut(ResyncCutOut(own, found, followed), other);
             }
             if (bCutOut || CarryOut(resync, other)) {
-                ReportPutRight(found.ginas, NamesOf(*m_pGinaChainingList));
+                ReportPutRight(found.ginas, *m_pGinaChainingList);
             }
         });
     });
