@@ -14,7 +14,7 @@
     EVENT(3, Faulted, EVENTLOG_ERROR_TYPE, "%1 faulted in %2, with exception code %3.") \
     EVENT(4, Refused, EVENTLOG_WARNING_TYPE, "The plugin %1 refused %2. What stands behind it did not refuse.") \
     EVENT(5, ChainPutRight, EVENTLOG_WARNING_TYPE, "The chain of GINAs was changed to: %1. The host writes it as: %2.") \
-    EVENT(6, LeftOutAtSafeStart, EVENTLOG_WARNING_TYPE, "The plugin %1 was left out at a safe start: %2.")
+    EVENT(6, LeftOutAtSafeStart, EVENTLOG_WARNING_TYPE, "The plugin %1 was left out, since earlier starts of the machine ended in it.")
 // clang-format on
 
 enum class HostEvent : DWORD

@@ -202,6 +202,7 @@ void CLUMGina::LoadPlugin(DWORD dwIndex, DWORD dwWinlogonVersion)
         return;
     }
     if (m_safeStart.IsLeftOut(szPlugin)) {
+        ReportHostEvent(HostEvent::LeftOutAtSafeStart, {szPlugin});
         CPluginWarning(LUM_GINA_ORIGIN, TXT_LEFT_OUT, szPlugin);
         return;
     }

@@ -54,6 +54,15 @@ TEST_F(Events, TellWhoIsInServiceWhoIsNotAndWhoFaults)
               CollectEvents());
 }
 
+TEST_F(Events, TellWhoIsLeftOutAtASafeStart)
+{
+    constexpr WCHAR NOTES[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start");
+    SetDword(OWN_KEY, TEXT("SafeStart"), 1);
+    SetString(NOTES, TEXT("InPlugin"), TEXT("test_plugin_b.dll"));
+    Load();
+    EXPECT_EQ(Lines{"2 6 LUM GINA: test_plugin_b.dll"}, CollectEvents());
+}
+
 TEST_F(Events, TellWhichPluginSaidNo)
 {
     Load();
