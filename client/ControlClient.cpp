@@ -38,7 +38,13 @@ ControlStatus ReadBareRecord(CControlConnection& connection, CWireRecord& record
 
 } // namespace
 
-CControlClient::CControlClient(CControlWait wait) : m_Wait(std::move(wait)) {}
+CControlClient::CControlClient(CControlWait wait, const Text& machine) : m_Wait(std::move(wait))
+{
+    if (!machine.empty()) {
+        // The dot of the name stands for this machine.
+        m_pipe.replace(m_pipe.find('.'), 1, machine);
+    }
+}
 
 template <typename ReadReply>
 ControlStatus CControlClient::Exchange(const CControlRequest& request, ReadReply readReply)
@@ -48,7 +54,7 @@ ControlStatus CControlClient::Exchange(const CControlRequest& request, ReadReply
         return ControlStatus::BadName;
     }
     CControlConnection connection(m_Wait);
-    ControlStatus status = connection.Open();
+    ControlStatus status = connection.Open(m_pipe.c_str());
     if (status == ControlStatus::Success) {
         const auto& bytes = request.GetBytes();
         status = connection.Send(bytes.data(), static_cast<DWORD>(bytes.size()));

@@ -30,7 +30,8 @@ class CControlClient
 public:
     using Text = std::basic_string<WCHAR>;
 
-    explicit CControlClient(CControlWait wait = {});
+    /// machine: the name of another machine, whose host is to be asked; empty for this one.
+    explicit CControlClient(CControlWait wait = {}, const Text& machine = {});
 
     /// Whether a server is there.
     ControlStatus Verify();
@@ -75,5 +76,6 @@ private:
     ControlStatus MovePlugin(BYTE byCode, const Text& plugin);
 
     const CControlWait m_Wait;
+    Text m_pipe = ControlProtocol::PIPE_NAME;
     DWORD m_dwError = ERROR_SUCCESS;
 };

@@ -44,15 +44,15 @@ CControlConnection::~CControlConnection()
     }
 }
 
-ControlStatus CControlConnection::Open() noexcept
+ControlStatus CControlConnection::Open(const WCHAR* szPipe) noexcept
 {
     // Lets the server impersonate this user. The server is the library in Winlogon, unless somebody else made
     // the pipe.
     constexpr DWORD FLAGS = SECURITY_SQOS_PRESENT | SECURITY_IMPERSONATION;
     std::minstd_rand random(m_dwStart ^ GetCurrentThreadId());
     for (;;) {
-        m_hPipe = CreateFileW(ControlProtocol::PIPE_NAME, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                              OPEN_EXISTING, FLAGS, nullptr);
+        m_hPipe =
+            CreateFileW(szPipe, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FLAGS, nullptr);
         if (m_hPipe != INVALID_HANDLE_VALUE) {
             return IsPipeOfTrustedOwner(m_hPipe) ? ControlStatus::Success : ControlStatus::ForeignServer;
         }

@@ -41,7 +41,7 @@ public:
     CControlConnection(const CControlConnection&) = delete;
     CControlConnection& operator=(const CControlConnection&) = delete;
 
-    ControlStatus Open() noexcept;
+    ControlStatus Open(const WCHAR* szPipe) noexcept;
     ControlStatus Send(const void* pData, DWORD cbData) noexcept;
     /// Fills the buffer.
     ControlStatus Receive(void* pBuffer, DWORD cbBuffer) noexcept;
