@@ -25,7 +25,7 @@ bool CKeptKey::Query(const WCHAR* szValue, void* pData, DWORD* pcbData) noexcept
     LONG lResult = ERROR_INVALID_HANDLE;
     if (hKey != nullptr) {
         lResult = query(hKey);
-        if (lResult != ERROR_SUCCESS && lResult != ERROR_FILE_NOT_FOUND && lResult != ERROR_MORE_DATA) {
+        if (lResult != ERROR_SUCCESS && lResult != ERROR_FILE_NOT_FOUND) {
             RegCloseKey(hKey);
             hKey = nullptr;
         }

@@ -4,6 +4,7 @@
 #include "GuardedText.h"
 #include "Operation.h"
 #include "RequireArgument.h"
+#include "Wipe.h"
 
 namespace {
 
@@ -12,6 +13,13 @@ using Traits = std::char_traits<WCHAR>;
 // The most that a query reads: 260 characters. The cache keeps 259 and adds a terminator, since the value may
 // lack one.
 constexpr DWORD QUERY_BYTES = 520;
+
+/// The system's query has a buffer of its own on the stack, and leaves the text there.
+[[gnu::noinline]] void WipeStackBelow() noexcept
+{
+    WCHAR szBelow[2048];
+    Wipe(szBelow);
+}
 
 } // namespace
 
@@ -25,6 +33,7 @@ try : CRegistryValue(szAPPArg, szMTMArg, hKeyRoot, szSubKey, szValueName, samDes
 {
     const CConstructionTrace trace(*this, s_szClass);
     WCHAR szScratch[NAME_CAPACITY];
+    const CWipeAtEnd wipe(szScratch);
     if (bReadNow && !GetRegistryString(szScratch, NAME_CAPACITY, true)) {
         throw CRegistryStringInitException(*this);
     }
@@ -37,6 +46,12 @@ try : CRegistryValue(szAPPArg, szMTMArg, hKeyRoot, szSubKey, szValueName, samDes
 CRegistryString::~CRegistryString()
 {
     const CDestructionTrace trace(*this, s_szClass);
+    Forget();
+}
+
+void CRegistryString::Forget() noexcept
+{
+    Wipe(m_szRegString);
 }
 
 bool CRegistryString::GetRegistryString(WCHAR* szDest, DWORD cchDest, bool bRefresh)
@@ -107,7 +122,9 @@ bool CRegistryString::WriteRegistry()
 void CRegistryString::Fetch()
 {
     WCHAR szRead[QUERY_BYTES / sizeof(WCHAR)];
+    const CWipeAtEnd wipe(szRead);
     const DWORD cbRead = Query(szRead, QUERY_BYTES, [this] { SetRegistryString(TEXT(""), true); });
+    WipeStackBelow();
     const DWORD cchRead = cbRead / sizeof(WCHAR);
     const DWORD cchKept = cchRead < LONGEST_NAME ? cchRead : LONGEST_NAME;
     Traits::copy(m_szRegString, szRead, cchKept);

@@ -36,6 +36,10 @@ CWinlogonRegistry::CWinlogonRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMAr
 #define WINLOGON_LOAD(NAME, KIND) LoadValue(*this, m_p##NAME, TEXT(#NAME));
     WINLOGON_VALUES(WINLOGON_LOAD)
 #undef WINLOGON_LOAD
+    // Whoever wants it reads the registry.
+    if (m_pDefaultPassword != nullptr) {
+        m_pDefaultPassword->Forget();
+    }
 }
 
 CWinlogonRegistry::~CWinlogonRegistry()

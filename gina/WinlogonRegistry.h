@@ -59,7 +59,7 @@ class CWinlogonRegistry : public CGlobalObject
 public:
     /// Opens the values and reads each once. Nothing is created: the object of a missing value has an empty
     /// cache. If the key cannot be opened, or a value exists and cannot be read, its object is null, with a
-    /// warning.
+    /// warning. The password is not kept.
     CWinlogonRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMArg) noexcept;
     ~CWinlogonRegistry();
     CWinlogonRegistry(const CWinlogonRegistry&) = delete;

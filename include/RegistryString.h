@@ -12,6 +12,7 @@ public:
     CRegistryString(const WCHAR* szAPPArg, const WCHAR* szMTMArg, HKEY hKeyRoot, const WCHAR* szSubKey,
                     const WCHAR* szValueName, REGSAM samDesired, bool bCreate, bool bOpenNow,
                     bool bReadThrough, bool bWriteThrough, bool bReadNow, DWORD dwOptions);
+    /// Wipes the cache: some texts are secrets.
     ~CRegistryString();
 
     /// Copies the text into a buffer of cchDest characters, cut to fit and always terminated. Reads the
@@ -23,6 +24,9 @@ public:
     /// set or the value is written through. The cache keeps the new text even if the write fails. Throws
     /// CBadArgException, CUnableToWriteRegistryException, CWcscpyException.
     bool SetRegistryString(const WCHAR* szSrc, bool bForceWrite);
+
+    /// Wipes the cache, so that it is empty until the next read.
+    void Forget() noexcept;
 
     bool ReadRegistry() override;
     bool WriteRegistry() override;

@@ -53,17 +53,6 @@ const CDetachRow ROWS[] = {
      "[EXCEPTION] Failed to free gina dll library, Error: 0x7e", true},
 };
 
-/// Handles are small multiples of four.
-DWORD CountHandles()
-{
-    DWORD dwHandles = 0;
-    for (ULONG_PTR nHandle = 4; nHandle < 0x2000; nHandle += 4) {
-        DWORD dwFlags = 0;
-        dwHandles += GetHandleInformation(reinterpret_cast<HANDLE>(nHandle), &dwFlags) != FALSE;
-    }
-    return dwHandles;
-}
-
 DWORD GetFreeTlsIndex()
 {
     const DWORD dwIndex = TlsAlloc();

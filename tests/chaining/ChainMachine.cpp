@@ -54,15 +54,6 @@ const CPassthrough* FindPassthrough(const std::string& name)
     return nullptr;
 }
 
-void DeleteValue(const WCHAR* szKey, const WCHAR* szValue)
-{
-    HKEY hKey = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, KEY_WRITE, &hKey) == ERROR_SUCCESS) {
-        RegDeleteValueW(hKey, szValue);
-        RegCloseKey(hKey);
-    }
-}
-
 } // namespace
 
 CChainMachine::CChainMachine()

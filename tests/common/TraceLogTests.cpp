@@ -84,16 +84,26 @@ TEST_F(TraceLog, FollowsItsKeyWhateverBecomesOfIt)
             IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM);
         }
     };
-    CThread threads[] = {CThread(look), CThread(look), CThread(look)};
-    for (int n = 0; n < 200; ++n) {
-        SetTraceMask(LEVEL_ENTRY);
-        ASSERT_TRUE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
-        SetTraceMask(LEVEL_EXIT);
-        ASSERT_FALSE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
-        ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY));
-        ASSERT_TRUE(IsTraceEnabled(DEFAULT_TRACE_MASK, LUM_GINA_MTM)) << n;
+    IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM);
+    const DWORD dwHandles = CountHandles();
+    {
+        CThread threads[] = {CThread(look), CThread(look), CThread(look), CThread(look)};
+        for (int n = 0; n < 600; ++n) {
+            SetTraceMask(LEVEL_ENTRY);
+            ASSERT_TRUE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
+            SetTraceMask(LEVEL_EXIT);
+            ASSERT_FALSE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
+            DeleteValue(OWN_KEY, TEXT("Debug"));
+            ASSERT_TRUE(IsTraceEnabled(DEFAULT_TRACE_MASK, LUM_GINA_MTM)) << n;
+            SetTraceMask(LEVEL_ENTRY);
+            ASSERT_TRUE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
+            ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY));
+            ASSERT_TRUE(IsTraceEnabled(DEFAULT_TRACE_MASK, LUM_GINA_MTM)) << n;
+        }
+        bStop = true;
     }
-    bStop = true;
+    IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM);
+    EXPECT_EQ(dwHandles, CountHandles());
 }
 
 TEST_F(TraceLog, LineHasTimeTagLabelAndLineEnd)
@@ -128,11 +138,7 @@ TEST_F(TraceLog, LevelOutsideTheTableIsAHeader)
 TEST_F(TraceLog, NothingIsWrittenWithoutADestination)
 {
     SetTraceMask(0xFFF);
-    const WCHAR szDebugValue[] = TEXT("LUM_GINA");
-    HKEY hKey = nullptr;
-    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, DEBUG_KEY, 0, KEY_ALL_ACCESS, &hKey));
-    RegDeleteValueW(hKey, szDebugValue);
-    RegCloseKey(hKey);
+    DeleteValue(DEBUG_KEY, TEXT("LUM_GINA"));
     WriteAllLevels();
     EXPECT_TRUE(Log().empty());
     EXPECT_FALSE(WriteLogLine(LUM_GINA_APP, TEXT("ERROR"), TEXT("text")));

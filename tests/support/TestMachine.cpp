@@ -54,6 +54,19 @@ std::string ReadBytes(const std::string& path)
     return std::string((std::istreambuf_iterator<char>(file)), {});
 }
 
+DWORD CountHandles()
+{
+    DWORD dwHandles = 0;
+#ifdef _WIN32
+    // They are small multiples of four.
+    for (ULONG_PTR nHandle = 4; nHandle < 0x2000; nHandle += 4) {
+        DWORD dwFlags = 0;
+        dwHandles += GetHandleInformation(reinterpret_cast<HANDLE>(nHandle), &dwFlags) != FALSE;
+    }
+#endif
+    return dwHandles;
+}
+
 std::string GetLogFolder()
 {
     const char* szTemp = std::getenv("TEMP");
@@ -105,6 +118,15 @@ void CTestMachine::SetBytes(const WCHAR* szKey, const WCHAR* szValue, DWORD dwTy
     EXPECT_EQ(ERROR_SUCCESS,
               RegSetValueExW(hKey, szValue, 0, dwType, static_cast<const BYTE*>(pData), cbData));
     RegCloseKey(hKey);
+}
+
+void CTestMachine::DeleteValue(const WCHAR* szKey, const WCHAR* szValue)
+{
+    HKEY hKey = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, KEY_WRITE, &hKey) == ERROR_SUCCESS) {
+        RegDeleteValueW(hKey, szValue);
+        RegCloseKey(hKey);
+    }
 }
 
 std::string CTestMachine::GetValue(const WCHAR* szKey, const WCHAR* szValue)

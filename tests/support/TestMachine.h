@@ -28,6 +28,7 @@ protected:
     /// Writes a value of any type; szValue must not be empty.
     static void SetBytes(const WCHAR* szKey, const WCHAR* szValue, DWORD dwType, const void* pData,
                          DWORD cbData);
+    static void DeleteValue(const WCHAR* szKey, const WCHAR* szValue);
 
     /// What a registry value holds, as "text", as a decimal number, or as "(none)".
     static std::string GetValue(const WCHAR* szKey, const WCHAR* szValue);
@@ -57,6 +58,9 @@ inline constexpr WCHAR DEBUG_KEY[] = TEXT("Software\\ORX\\Security\\Debug");
 /// folder: each line opens the file anew, which is slow on a network file system, as the build folder may lie
 /// on.
 std::string GetLogFolder();
+
+/// The handles of this process; natively they are not counted.
+DWORD CountHandles();
 
 /// Every byte of a file; none when there is no such file.
 std::string ReadBytes(const std::string& path);
