@@ -1,7 +1,8 @@
 #pragma once
 
-#include <cfenv>
 #include <cxxabi.h>
+
+#include "guard/FloatingPoint.h"
 
 namespace FaultGuard {
 
@@ -17,11 +18,11 @@ struct CExceptionGlobals
 class CThreadState
 {
 public:
-    CThreadState() noexcept : m_Handling(GetHandling()) { std::fegetenv(&m_Environment); }
+    CThreadState() noexcept : m_Handling(GetHandling()) {}
 
     void Restore() const noexcept
     {
-        RestoreFloatingPoint();
+        m_FloatingPoint.Restore();
         CloseLaterHandlers();
     }
 
@@ -29,13 +30,6 @@ private:
     static CExceptionGlobals& GetHandling() noexcept
     {
         return *reinterpret_cast<CExceptionGlobals*>(abi::__cxa_get_globals());
-    }
-
-    void RestoreFloatingPoint() const noexcept
-    {
-        // A pending floating-point exception would be raised by the next instruction, even by fesetenv.
-        asm volatile("fninit");
-        std::fesetenv(&m_Environment);
     }
 
     // A fault in a catch block skips its end. The runtime would believe for ever that the thread is still in
@@ -49,7 +43,7 @@ private:
     }
 
     CExceptionGlobals m_Handling;
-    std::fenv_t m_Environment;
+    CFloatingPoint m_FloatingPoint;
 };
 
 } // namespace FaultGuard
