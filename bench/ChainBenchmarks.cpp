@@ -1,4 +1,5 @@
-// The chain of GINAs in the registry: what the library does at its start, and the registry monitor once a period.
+// The chain of GINAs in the registry: what the library does at its start, and the registry monitor once a
+// period.
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
-// A request of the control channel on the wire, from the client's connection to the reply. The servers look for a
-// client all the time instead of once a period.
+// A request of the control channel on the wire, from the client's connection to the reply. The servers look
+// for a client all the time instead of once a period.
 
 #include "ControlProtocol.h"
 #include "LUMGina.h"
@@ -16,9 +16,10 @@ using namespace ControlProtocol;
 void Ask(BYTE byCode)
 {
     HANDLE hPipe = INVALID_HANDLE_VALUE;
-    do {
+    while (hPipe == INVALID_HANDLE_VALUE) {
+        Sleep(0);
         hPipe = CreateFileW(PIPE_NAME, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    } while (hPipe == INVALID_HANDLE_VALUE);
+    }
     DWORD cb = 0;
     BYTE byReply = REPLY_FAILURE;
     WriteFile(hPipe, &byCode, sizeof(byCode), &cb, nullptr);
@@ -31,12 +32,13 @@ class CServer
 {
 public:
     template <typename Serve>
-    explicit CServer(Serve serve) : m_thread([this, serve] {
-        while (!m_bStop) {
-            serve();
-            Sleep(0);
-        }
-    })
+    explicit CServer(Serve serve)
+        : m_thread([this, serve] {
+              while (!m_bStop) {
+                  serve();
+                  Sleep(0);
+              }
+          })
     {
     }
     ~CServer() { m_bStop = true; }
@@ -68,8 +70,8 @@ void ControlRequest(benchmark::State& state)
 /// The same exchange with a server that does nothing but what the pipe takes.
 void BareRequest(benchmark::State& state)
 {
-    const HANDLE hPipe =
-        CreateNamedPipeW(PIPE_NAME, PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED, PIPE_NOWAIT, 1, 4096, 4096, 0, nullptr);
+    const HANDLE hPipe = CreateNamedPipeW(PIPE_NAME, PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED, PIPE_NOWAIT,
+                                          1, 4096, 4096, 0, nullptr);
     {
         const CServer server([=] {
             if (ConnectNamedPipe(hPipe, nullptr) || GetLastError() != ERROR_PIPE_CONNECTED) {

@@ -1,25 +1,50 @@
-// Whether the library stays as small as it was: prints the handles and the private bytes of the process before a
-// million calls of Winlogon's and ten thousand changes of the list of plugins, and after every tenth of them.
+// Whether the library stays as small as it was: prints the handles and the private bytes of the process
+// before a million calls of Winlogon's and ten thousand changes of the list of plugins, and after every tenth
+// of them.
 //
 // Usage: bench_flat [CALLS [CHANGES]]
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <string>
 
+#include "Handles.h"
 #include "LUMGina.h"
 #include "Machine.h"
-#include "ProcessSize.h"
 
 namespace {
 
 constexpr int TENTHS = 10;
+
+/// The bytes of memory that the process shares with nobody.
+std::size_t CountPrivateBytes()
+{
+    std::size_t cb = 0;
+#ifdef _WIN32
+    MEMORY_BASIC_INFORMATION region;
+    for (const BYTE* p = nullptr; VirtualQuery(p, &region, sizeof(region)) != 0; p += region.RegionSize) {
+        cb += region.State == MEM_COMMIT && region.Type == MEM_PRIVATE ? region.RegionSize : 0;
+    }
+#else
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        if (word == "RssAnon:") {
+            status >> cb;
+        }
+    }
+    cb *= 1024;
+#endif
+    return cb;
+}
 
 template <typename Step>
 void Watch(const char* szWhat, int nSteps, Step step)
 {
     for (int nTenth = 0; nTenth <= TENTHS; ++nTenth) {
         std::printf("%s %d %lu %lu\n", szWhat, nSteps / TENTHS * nTenth,
-                    static_cast<unsigned long>(CountHandles()), static_cast<unsigned long>(CountPrivateBytes()));
+                    static_cast<unsigned long>(CountHandles()),
+                    static_cast<unsigned long>(CountPrivateBytes()));
         std::fflush(stdout);
         for (int n = 0; nTenth < TENTHS && n < nSteps / TENTHS; ++n) {
             step();

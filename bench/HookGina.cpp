@@ -17,7 +17,8 @@ Result Forward(FARPROC& pfnNext, const char* szExport, Arguments... arguments)
     if (pfnNext == nullptr) {
         pfnNext = GetProcAddress(g_hNext, szExport);
     }
-    return reinterpret_cast<Result(WINAPI*)(Arguments...)>(reinterpret_cast<void (*)()>(pfnNext))(arguments...);
+    return reinterpret_cast<Result(WINAPI*)(Arguments...)>(reinterpret_cast<void (*)()>(pfnNext))(
+        arguments...);
 }
 
 } // namespace

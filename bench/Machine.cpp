@@ -116,11 +116,12 @@ CWinlogon::CWinlogon(bool bFirst)
     m_hLibrary = Load(HOST_GINA);
     DWORD dwVersion = 0;
     const auto pfnNegotiate = FindExport<BOOL(WINAPI*)(DWORD, PDWORD)>(m_hLibrary, "WlxNegotiate");
-    const auto pfnInitialize = FindExport<BOOL(WINAPI*)(LPWSTR, HANDLE, PVOID, PVOID, PVOID*)>(
-        m_hLibrary, "WlxInitialize");
+    const auto pfnInitialize =
+        FindExport<BOOL(WINAPI*)(LPWSTR, HANDLE, PVOID, PVOID, PVOID*)>(m_hLibrary, "WlxInitialize");
     m_pfnIsLockOk = FindExport<BOOL(WINAPI*)(PVOID)>(m_hLibrary, "WlxIsLockOk");
     if (!pfnNegotiate(WLX_VERSION_1_4, &dwVersion) ||
-        !pfnInitialize(nullptr, nullptr, nullptr, m_table.entries, &m_pContext)) {
+        !pfnInitialize(nullptr, nullptr, nullptr, m_table.entries, &m_pContext))
+    {
         std::fprintf(stderr, "the library does not start\n");
         std::exit(1);
     }

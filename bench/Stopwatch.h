@@ -9,7 +9,10 @@ class CStopwatch
 {
 public:
     explicit CStopwatch(benchmark::State& state) : m_state(state) {}
-    ~CStopwatch() { m_state.SetIterationTime(std::chrono::duration<double>(CClock::now() - m_start).count()); }
+    ~CStopwatch()
+    {
+        m_state.SetIterationTime(std::chrono::duration<double>(CClock::now() - m_start).count());
+    }
     CStopwatch(const CStopwatch&) = delete;
     CStopwatch& operator=(const CStopwatch&) = delete;
 

@@ -9,6 +9,7 @@
 
 #include "ChainPlugin.h"
 #include "ControlClient.h"
+#include "Handles.h"
 #include "Library.h"
 #include "Runner.h"
 #include "TestMachine.h"

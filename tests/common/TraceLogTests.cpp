@@ -3,6 +3,7 @@
 #include <regex>
 
 #include "GlobalObject.h"
+#include "Handles.h"
 #include "Operation.h"
 #include "TestMachine.h"
 #include "Thread.h"

@@ -54,19 +54,6 @@ std::string ReadBytes(const std::string& path)
     return std::string((std::istreambuf_iterator<char>(file)), {});
 }
 
-DWORD CountHandles()
-{
-    DWORD dwHandles = 0;
-#ifdef _WIN32
-    // They are small multiples of four.
-    for (ULONG_PTR nHandle = 4; nHandle < 0x2000; nHandle += 4) {
-        DWORD dwFlags = 0;
-        dwHandles += GetHandleInformation(reinterpret_cast<HANDLE>(nHandle), &dwFlags) != FALSE;
-    }
-#endif
-    return dwHandles;
-}
-
 std::string GetLogFolder()
 {
     const char* szTemp = std::getenv("TEMP");

@@ -59,9 +59,6 @@ inline constexpr WCHAR DEBUG_KEY[] = TEXT("Software\\ORX\\Security\\Debug");
 /// on.
 std::string GetLogFolder();
 
-/// The handles of this process; natively they are not counted.
-DWORD CountHandles();
-
 /// Every byte of a file; none when there is no such file.
 std::string ReadBytes(const std::string& path);
 
