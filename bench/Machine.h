@@ -25,7 +25,7 @@ void SetNumber(const WCHAR* szKey, const WCHAR* szName, DWORD dwNumber);
 /// Opens a key, queries a value and closes it again.
 void LookUp(const WCHAR* szKey, const WCHAR* szName);
 
-/// The copies of pass_plugin.dll, p1.dll to p32.dll, and of hook_gina.dll, h0.dll to h32.dll, which
+/// The copies of bench_plugin.dll, p1.dll to p32.dll, and of hook_gina.dll, h0.dll to h32.dll, which
 /// scripts/bench lays beside the program. The names are short, since the configuration has room for 259
 /// characters.
 Text CopyOf(char chKind, int nCopy);
