@@ -1,7 +1,8 @@
 #pragma once
 
 // For the sources of Google Benchmark, with the compiler of the Windows target, which has no std::mutex and
-// std::condition_variable, and a std::thread that cannot be made. A program with these measures on one thread.
+// std::condition_variable, and a std::thread that cannot be made. A program with these measures on one
+// thread.
 
 #include <mutex>
 #include <system_error>
