@@ -124,6 +124,13 @@ void CChainMachine::LeadThrough(const std::vector<std::string>& chain, Values& v
     }
 }
 
+std::string CChainMachine::OwnerOf(const std::string& key)
+{
+    const auto found = std::find_if(std::begin(PASSTHROUGHS), std::end(PASSTHROUGHS),
+                                    [&](const CPassthrough& row) { return Narrow(row.szKey) == key; });
+    return found->szGinaDLL;
+}
+
 void CChainMachine::SetRecord(const char* szGinaDLL, const char* szDefaultAndFlags)
 {
     const std::string record = std::string("SOFTWARE\\ORX\\Test,") + szGinaDLL + "," + szDefaultAndFlags;

@@ -29,6 +29,9 @@ protected:
     /// Makes the values lead through these GINAs; what the last passes through to stays.
     static void LeadThrough(const std::vector<std::string>& chain, Values& values);
 
+    /// The name under which a value of this key stands among the values.
+    static std::string OwnerOf(const std::string& key);
+
     /// Writes a chaining record, whose passthrough value is one that SetValues knows. szDefaultAndFlags:
     /// "msgina.dll,0,0,0,0".
     static void SetRecord(const char* szGinaDLL, const char* szDefaultAndFlags);
