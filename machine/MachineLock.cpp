@@ -1,7 +1,5 @@
 #include "machine/MachineLock.h"
 
-#include <cstdio>
-
 #include "machine/SetupError.h"
 #include "machine/Text.h"
 
@@ -12,11 +10,11 @@ constexpr DWORD PATIENCE_MILLISECONDS = 30000;
 
 } // namespace
 
-CMachineLock::CMachineLock(const std::string& registry)
+CMachineLock::CMachineLock(const std::string& registry, Waiting* pfnWaiting)
 {
     DWORD dwError = Take(registry);
     if (dwError == ERROR_SHARING_VIOLATION) {
-        std::fprintf(stderr, "lumctl: waiting for another program that is at the chain of this machine\n");
+        pfnWaiting();
     }
     const DWORD dwStart = GetTickCount();
     while (dwError == ERROR_SHARING_VIOLATION && GetTickCount() - dwStart < PATIENCE_MILLISECONDS) {
@@ -26,6 +24,11 @@ CMachineLock::CMachineLock(const std::string& registry)
     if (dwError == ERROR_SHARING_VIOLATION) {
         throw CSetupError("another program has been at the chain of this machine for half a minute; nothing "
                           "was done");
+    }
+    if (dwError == ERROR_ACCESS_DENIED) {
+        throw CSetupError(
+            "the chain of this machine is locked by another user's program, or this one is not run "
+            "by an administrator; nothing was done");
     }
     if (dwError != ERROR_SUCCESS) {
         throw CSetupError(

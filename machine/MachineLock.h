@@ -5,26 +5,30 @@
 
 #include <windows.h>
 
-/// Keeps other tools from the chain of a machine as long as it exists: what is read meanwhile holds until it
-/// has been written. It is the machine's own, or that of a registry file. One at a time in a thread.
+/// Keeps other tools away from the chain of a machine: what a tool reads under the lock stays true until it
+/// has written. The machine is the one that the tool runs on, or one whose registry is a file. A thread may
+/// have one lock at a time.
 class CMachineLock
 {
 public:
-    /// registry: the .reg file that is the machine's registry; empty for the system's own, which natively
-    /// belongs to the process and needs no lock. Waits for the one who has it, half a minute at most, and
-    /// says so on standard error. Throws CSetupError.
-    explicit CMachineLock(const std::string& registry);
+    /// Called once, when another program has the lock.
+    using Waiting = void();
+
+    /// registry: the .reg file that is the machine's registry. Empty: the system's own registry, which on the
+    /// native target belongs to the process and needs no lock. Waits half a minute at most. Throws
+    /// CSetupError.
+    CMachineLock(const std::string& registry, Waiting* pfnWaiting);
     ~CMachineLock();
     CMachineLock(const CMachineLock&) = delete;
     CMachineLock& operator=(const CMachineLock&) = delete;
 
-    /// Whether it is on this file.
+    /// Whether this is the file that is locked.
     bool IsOn(const std::string& path) const;
 
 private:
-    /// ERROR_SUCCESS, ERROR_SHARING_VIOLATION when another one has it, or why it cannot be had.
+    /// ERROR_SUCCESS; ERROR_SHARING_VIOLATION when another program has the lock; otherwise what went wrong.
     DWORD Take(const std::string& registry);
 
-    /// The system's handle of it; -1 for none.
+    /// The system's handle; -1 for none.
     std::intptr_t m_nLock = -1;
 };

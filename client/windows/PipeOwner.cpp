@@ -36,6 +36,11 @@ bool IsOwnUser(PSID pSid) noexcept
     return bRead && EqualSid(pSid, reinterpret_cast<const TOKEN_USER*>(user.bytes)->User.Sid) != FALSE;
 }
 
+bool IsWine() noexcept
+{
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
 } // namespace
 
 bool IsPipeOfTrustedOwner(HANDLE hPipe) noexcept
@@ -50,8 +55,11 @@ bool IsPipeOfTrustedOwner(HANDLE hPipe) noexcept
     {
         return false;
     }
-    // Windows gives every pipe an owner; a system that gives none knows no strangers either.
-    return pOwner == nullptr || IsSid(pOwner, {.byParts = 1, .dwParts = {SECURITY_LOCAL_SYSTEM_RID, 0}}) ||
-           IsSid(pOwner, {.byParts = 2, .dwParts = {SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS}}) ||
-           IsOwnUser(pOwner);
+    // Windows gives every pipe an owner. Wine gives none, and one user has all that runs in it.
+    return pOwner == nullptr
+               ? IsWine()
+               : IsSid(pOwner, {.byParts = 1, .dwParts = {SECURITY_LOCAL_SYSTEM_RID, 0}}) ||
+                     IsSid(pOwner, {.byParts = 2,
+                                    .dwParts = {SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS}}) ||
+                     IsOwnUser(pOwner);
 }

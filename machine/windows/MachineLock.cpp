@@ -1,9 +1,29 @@
 #include "machine/MachineLock.h"
 
+#include <sddl.h>
+
 namespace {
 
 /// For all sessions of the machine.
 constexpr WCHAR NAME[] = L"Global\\LUMGinaChain";
+/// SYSTEM and the administrators may do everything, others nothing. Without this a lock that SYSTEM has made
+/// would be closed to administrators.
+constexpr WCHAR RIGHTS[] = L"D:(A;;GA;;;SY)(A;;GA;;;BA)";
+
+HANDLE OpenLock() noexcept
+{
+    SECURITY_ATTRIBUTES attributes = {sizeof(attributes), nullptr, FALSE};
+    if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(RIGHTS, SDDL_REVISION_1,
+                                                              &attributes.lpSecurityDescriptor, nullptr))
+    {
+        return nullptr;
+    }
+    const HANDLE hMutex = CreateMutexW(&attributes, FALSE, NAME);
+    const DWORD dwError = GetLastError();
+    LocalFree(attributes.lpSecurityDescriptor);
+    SetLastError(dwError);
+    return hMutex;
+}
 
 } // namespace
 
@@ -23,11 +43,11 @@ bool CMachineLock::IsOn(const std::string&) const
 
 DWORD CMachineLock::Take(const std::string&)
 {
-    const HANDLE hMutex = CreateMutexW(nullptr, FALSE, NAME);
+    const HANDLE hMutex = OpenLock();
     if (hMutex == nullptr) {
         return GetLastError();
     }
-    // One that was killed leaves it abandoned, and what it left behind is read now.
+    // A program that was ended has abandoned the lock. What it left behind in the registry is read now.
     const DWORD dwWait = WaitForSingleObject(hMutex, 0);
     if (dwWait != WAIT_OBJECT_0 && dwWait != WAIT_ABANDONED) {
         CloseHandle(hMutex);

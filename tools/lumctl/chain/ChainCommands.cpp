@@ -1,6 +1,7 @@
 #include "ChainCommands.h"
 
 #include <algorithm>
+#include <cstdio>
 
 #include "ChainBackup.h"
 #include "ChainChange.h"
@@ -14,11 +15,16 @@
 
 namespace {
 
+void SayThatItWaits()
+{
+    std::fprintf(stderr, "lumctl: waiting for another program that is at the chain of this machine\n");
+}
+
 /// The machine that the command line names, and its chain.
 struct CMachine
 {
     explicit CMachine(const CArguments& given)
-        : arguments(given), system(ToWide(given.system)), lock(given.registry),
+        : arguments(given), system(ToWide(given.system)), lock(given.registry, SayThatItWaits),
           file(given.registry, CRegistryFile::Absence::IsError)
     {
         if (!system.empty() && !IsDllDirectory(system.c_str())) {
