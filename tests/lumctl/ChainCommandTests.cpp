@@ -291,10 +291,13 @@ TEST_F(ChainCommands, RestoreMakesTheChainWhatItWas)
     SetValues(ValuesOf("rec.dll msgina.dll"));
     EXPECT_EQ(STATUS_DONE, Run("chain backup --force saved.reg").status);
     const std::string record = GetValue(OWN_KEY, TEXT("rec.dll"));
-    SetValues({});
     RegDeleteKeyW(HKEY_LOCAL_MACHINE, VOLATILE_KEY);
-    RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY);
-    EXPECT_EQ(STATUS_DONE, Run("chain restore saved.reg").status);
+    for (const char* szThere : {"", "x.dll", "qslogon.dll"}) {
+        SetValues({{"rec.dll", szThere}});
+        RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY);
+        // Only a value that is such a one already: the record might name any.
+        EXPECT_EQ(*szThere == 'q' ? STATUS_DONE : STATUS_FAILED, Run("chain restore saved.reg").status);
+    }
     EXPECT_EQ(record, GetValue(OWN_KEY, TEXT("rec.dll")));
     EXPECT_EQ(ValuesOf("rec.dll msgina.dll"), GetValues());
 }

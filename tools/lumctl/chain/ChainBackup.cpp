@@ -6,6 +6,7 @@
 #include "GinaNames.h"
 #include "Message.h"
 #include "chaining/KnownGinas.h"
+#include "machine/DllFile.h"
 
 namespace {
 
@@ -66,12 +67,14 @@ void LearnRecords(COfflineChain& chain, const std::vector<CRegFileChange>& chang
                         (place.name.empty() ? DescribeKey(place) : Describe(place)) + " " + szWhy);
 }
 
-/// Whether a record that only the file has may say where a value lies: never in Winlogon's key or the host's
-/// own, and no other text than the name of a GINA that is known.
+/// Whether a record that only the file has may say where a passthrough value lies. Such a record could name
+/// any value of the machine. So the value must be there already and name a known GINA, and it is only made to
+/// name another one. Values in Winlogon's key and in the host's own are never reached by a record.
 bool IsHarmless(COfflineChain& chain, const CGinaNames& ginas, std::size_t nGina, const CValuePlace& place)
 {
-    const bool bLeadsOn = nGina + 1 < ginas.size() && chain.Know(ginas[nGina + 1].c_str());
-    return bLeadsOn && !EqualNames(place.key.c_str(), WINLOGON_KEY) &&
+    const auto isKnown = [&](const WideText& gina) { return chain.Know(gina.c_str()).has_value(); };
+    return nGina + 1 < ginas.size() && isKnown(ginas[nGina + 1]) &&
+           isKnown(LoadedName(TextOf(ReadValue(place)))) && !EqualNames(place.key.c_str(), WINLOGON_KEY) &&
            !EqualNames(place.key.substr(0, WideText(LUM_GINA_MTM).size()).c_str(), LUM_GINA_MTM);
 }
 
