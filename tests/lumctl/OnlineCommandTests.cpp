@@ -148,8 +148,14 @@ TEST_F(OnlineCommands, ChangeTheHost)
         "the list of plugins is, or would be, longer than 259 characters, which the host "
         "cannot read; nothing has changed";
     ExpectRun({"plugins add " + std::string(206, 'x'), STATUS_FAILED, "", TOO_LONG});
-    SetString(OWN_KEY, TEXT("Plugins"), Widen(std::string(260, 'x')).c_str());
-    ExpectRun({"plugins remove test_plugin_a.dll", STATUS_FAILED, "", TOO_LONG});
+    // The length of the data counts, also behind the end of the text.
+    for (const WCHAR ch : {WCHAR(','), WCHAR(0)}) {
+        const auto list = Widen("test_plugin_a.dll") + std::basic_string<WCHAR>(260, ch);
+        SetBytes(OWN_KEY, TEXT("Plugins"), REG_SZ, list.c_str(),
+                 static_cast<DWORD>(list.size() * sizeof(WCHAR)));
+        ExpectRun({"plugins remove test_plugin_a.dll", STATUS_FAILED, "", TOO_LONG});
+        ExpectRun({"plugins add x.dll", STATUS_FAILED, "", TOO_LONG});
+    }
 }
 
 TEST_F(OnlineCommands, SayThatTheHostDoesNotAnswer)

@@ -102,8 +102,6 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
                    "point, as WlxNegotiate, or a step of the machine's"},
         {"Admin", "the end of the line; expected a program and its arguments"},
         {"Admin a expect b", "\"b\"; expected an exit status"},
-        {"Admin .\\Winlogon-Sim.exe a",
-         "\".\\Winlogon-Sim.exe\"; a day starts no other day, which may be itself"},
         {"SetValue key=a name=b", "other arguments; expected key=, name=, text= once each"},
         {"AwaitFree dll=a dll=b", "other arguments; expected dll= once each"},
         {"Wait 1 s", "\"\"; expected a number of seconds, at most 86400"},

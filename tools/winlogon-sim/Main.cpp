@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstdlib>
 
 #include "Machine.h"
 #include "Report.h"
@@ -16,6 +17,16 @@ enum ExitCode
     EXIT_USAGE = 2,
     EXIT_SETUP = 3,
 };
+
+/// A day may start programs, in whatever way. None of them may live a day, which could be the same one.
+void RefuseDayWithinDay()
+{
+    static char mark[] = "LUM_WINLOGON_SIM=1";
+    if (std::getenv("LUM_WINLOGON_SIM") != nullptr) {
+        throw CSetupError("a day starts no other day, which may be itself");
+    }
+    putenv(mark);
+}
 
 ExitCode LiveSteps(const COptions& options, const std::vector<CStep>& steps)
 {
@@ -39,6 +50,10 @@ ExitCode LiveSteps(const COptions& options, const std::vector<CStep>& steps)
 
 ExitCode LiveDay(const COptions& options, int argc, const char* const* argv)
 {
+    // Each start of a day is a process of its own.
+    if (options.dwStart == 0) {
+        RefuseDayWithinDay();
+    }
     const std::vector<CStep> steps = ReadDayFile(options.day);
     if (options.dwStart != 0) {
         const std::vector<std::vector<CStep>> starts = SplitStarts(steps);

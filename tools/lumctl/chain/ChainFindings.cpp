@@ -78,7 +78,7 @@ private:
     /// The library takes any bytes for a text; what Winlogon and other GINAs do is not known.
     void CheckValue(const CValuePlace& place, const CValueData& data)
     {
-        if (TextOf(data).size() > LONGEST_NAME) {
+        if (IsTooLong(data)) {
             Add(Severity::Danger,
                 Describe(place) + " is a name of more than 259 characters, which nobody loads",
                 "set it to the name of a GINA, such as msgina.dll");

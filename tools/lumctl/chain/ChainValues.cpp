@@ -111,6 +111,11 @@ WideText TextOf(const CValueData& data)
     return text.c_str();
 }
 
+bool IsTooLong(const CValueData& data)
+{
+    return data && (TextOf(data).size() > LONGEST_NAME || data->bytes.size() > NAME_CAPACITY * sizeof(WCHAR));
+}
+
 CValueData MakeText(const WCHAR* szText)
 {
     const auto* pBytes = reinterpret_cast<const BYTE*>(szText);

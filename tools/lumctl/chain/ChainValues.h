@@ -42,9 +42,11 @@ private:
     std::vector<CChainValue> m_values;
 };
 
-/// The text as the library reads it, whatever the type; empty when there is none. The library reads no longer
-/// one than LONGEST_NAME.
+/// The text as the library reads it, whatever the type; empty when there is none.
 WideText TextOf(const CValueData& data);
+/// Whether the value is longer than the library reads: its text has more than LONGEST_NAME characters, or the
+/// data has more than there is room for, whatever the text.
+bool IsTooLong(const CValueData& data);
 CValueData MakeText(const WCHAR* szText);
 CValueData MakeNumber(DWORD dwNumber);
 /// Whether it exists and has the type of a text.

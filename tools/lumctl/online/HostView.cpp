@@ -62,7 +62,7 @@ void AskAboutPlugins(COnlineHost& host, CPluginsView& view)
 {
     view.bAnswers = host.IsThere();
     view.bConfigured = HasConfiguration();
-    view.plugins = SplitPlugins(ReadPluginList());
+    view.plugins = SplitPlugins(ReadText(TEXT("Plugins")));
     for (CConfiguredDll& plugin : view.plugins) {
         plugin.bLoaded = view.bAnswers && host.Ask(host.Client().IsGinaInPluginList(plugin.name));
     }
@@ -70,9 +70,10 @@ void AskAboutPlugins(COnlineHost& host, CPluginsView& view)
 
 } // namespace
 
-WideText ReadPluginList()
+std::optional<std::size_t> MeasurePluginList()
 {
-    return ReadText(TEXT("Plugins"));
+    const CValueData list = ReadValue({LUM_GINA_MTM, TEXT("Plugins")});
+    return IsTooLong(list) ? std::nullopt : std::optional(TextOf(list).size());
 }
 
 CPluginsView LookAtPlugins(COnlineHost& host)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "OnlineHost.h"
@@ -35,9 +36,8 @@ struct CHostView : CPluginsView
     bool bInChain = false;
 };
 
-/// The list of plugins as the registry has it. The host neither reads nor writes one that is longer than
-/// LONGEST_NAME.
-WideText ReadPluginList();
+/// How many characters the list of plugins in the registry has; nothing when the host cannot read the list.
+std::optional<std::size_t> MeasurePluginList();
 
 /// Reads the configuration, and asks the host if there is one.
 CHostView LookAtHost(COnlineHost& host);

@@ -53,10 +53,11 @@ ExitStatus Question(Arguments arguments, std::string& output)
     return bYes ? STATUS_DONE : STATUS_BAD;
 }
 
-/// The host would leave out what is beyond that, and say that it has done it.
+/// The host answers that it has done it also when it has cut the list off, or could not read it.
 void RequireRoom(std::size_t cchMore)
 {
-    if (ReadPluginList().size() + cchMore > LONGEST_NAME) {
+    const std::optional<std::size_t> cchList = MeasurePluginList();
+    if (!cchList || *cchList + cchMore > LONGEST_NAME) {
         throw CCommandError("the list of plugins is, or would be, longer than 259 characters, which the host "
                             "cannot read; nothing has changed");
     }
