@@ -42,20 +42,4 @@ TEST_F(BootSafety, OfEachChangeIsWhatItsRowSays)
     }
 }
 
-TEST_F(BootSafety, OfReadingTheChain)
-{
-    const auto repair = [this](const char* szChain) {
-        return UnsafeMoments([=, this] {
-            DeleteGinaKeys();
-            SetValues(ValuesOf(szChain));
-            return [this] { return Build() != nullptr; };
-        });
-    };
-    EXPECT_EQ(Moments(), repair("lum_gina.dll"));
-    // Such machines do not come up in the first place.
-    const Moments broken = {"1: wpnGina.dll loads nothing", "2: wpnGina.dll loads nothing"};
-    EXPECT_EQ(broken, repair("lum_gina.dll wpnGina.dll"));
-    EXPECT_EQ(broken, repair("wpnGina.dll"));
-}
-
 } // namespace

@@ -12,51 +12,25 @@ namespace {
 class KilledChanges : public CLumctlMachine
 {
 protected:
-    /// What keeps the machine from coming up, empty when it comes up. The stand-ins load nothing, so their
-    /// values are followed here; the library loads what it would.
-    static std::string Load(const Values& values)
+    /// Loads what Winlogon would, and follows that to the end of the chain. The stand-ins load nothing, so
+    /// their values are followed here; the library must load what it names.
+    static void ExpectLoads(const Values& values)
     {
-        const auto next = [&](const std::string& name) {
-            return values.count(name) != 0 ? values.at(name) : "";
-        };
-        std::set<std::string> loaded;
-        std::string from = "Winlogon";
-        std::string gina = next(from).empty() ? "msgina.dll" : next(from);
-        for (; loaded.insert(gina).second; gina = next(from)) {
-            const HMODULE hModule = LoadLibraryW(Widen(gina).c_str());
+        ASSERT_EQ("", Boot(values, {})) << testing::PrintToString(values);
+        std::string next = values.count("Winlogon") != 0 ? values.at("Winlogon") : "msgina.dll";
+        while (!next.empty()) {
+            SCOPED_TRACE(next);
+            const HMODULE hModule = LoadLibraryW(Widen(next).c_str());
             const FARPROC pfn = hModule != nullptr ? GetProcAddress(hModule, "WlxNegotiate") : nullptr;
+            ASSERT_NE(nullptr, pfn) << testing::PrintToString(values);
             DWORD dwVersion = 0;
-            if (pfn == nullptr || !reinterpret_cast<BOOL(WINAPI*)(DWORD, DWORD*)>(
-                                      reinterpret_cast<void (*)()>(pfn))(WLX_VERSION_1_4, &dwVersion))
-            {
-                return from + " cannot use " + gina;
-            }
-            from = gina;
-            const bool bMakesDo =
-                from == "lum_gina.dll" && GetModuleHandleW(Widen(next(from)).c_str()) == nullptr;
+            EXPECT_TRUE(reinterpret_cast<BOOL(WINAPI*)(DWORD, DWORD*)>(reinterpret_cast<void (*)()>(pfn))(
+                WLX_VERSION_1_4, &dwVersion));
+            const bool bHost = next == "lum_gina.dll";
+            next = values.count(next) != 0 ? values.at(next) : "";
+            EXPECT_TRUE(!bHost ||
+                        GetModuleHandleW(Widen(next.empty() ? "msgina.dll" : next).c_str()) != nullptr);
             FreeLibrary(hModule);
-            if (bMakesDo || from == "msgina.dll" || from == "qslogon.dll") {
-                return std::string();
-            }
-        }
-        return from + " loads " + gina;
-    }
-
-    /// Any machine that comes up.
-    static Values AnyMachine(std::mt19937& random)
-    {
-        static const std::string NAMES[] = {
-            "msgina.dll", "qslogon.dll", "lum_gina.dll", "wpnGina.dll", "kvs_gina.dll", "PLinkGina.dll", ""};
-        for (;;) {
-            Values values;
-            for (const char* szGina :
-                 {"Winlogon", "lum_gina.dll", "wpnGina.dll", "kvs_gina.dll", "PLinkGina.dll"}) {
-                values[szGina] = NAMES[random() % std::size(NAMES)];
-            }
-            std::erase_if(values, [](const auto& value) { return value.second.empty(); });
-            if (Boot(values, {}).empty()) {
-                return values;
-            }
         }
     }
 
@@ -131,31 +105,37 @@ TEST_F(KilledChanges, LeaveAMachineThatComesUp)
 {
     const char* szKills = std::getenv("LUM_KILLS");
     const int nKills = szKills != nullptr ? std::atoi(szKills) : 25;
-    for (const char* szSaved :
-         {"kvs_gina.dll wpnGina.dll lum_gina.dll msgina.dll", "PLinkGina.dll qslogon.dll"}) {
+    const char* const CHAINS[] = {"", "lum_gina.dll msgina.dll",
+                                  "PLinkGina.dll wpnGina.dll kvs_gina.dll qslogon.dll",
+                                  "wpnGina.dll lum_gina.dll kvs_gina.dll msgina.dll",
+                                  "kvs_gina.dll PLinkGina.dll wpnGina.dll lum_gina.dll qslogon.dll"};
+    std::vector<std::string> commands = {"enable", "disable", "remove wpnGina.dll", "remove qslogon.dll"};
+    for (const char* szSaved : CHAINS) {
+        commands.push_back("restore " + std::to_string(commands.size()) + ".reg");
         SetValues(ValuesOf(szSaved));
-        ASSERT_EQ(STATUS_DONE, Run(std::string("chain backup --force ginas/") + szSaved[0] + ".reg").status);
+        ASSERT_EQ(STATUS_DONE, Run("chain backup --force ginas/" + commands.back().substr(8)).status);
     }
     SetCurrentDirectoryW(TEXT("ginas"));
-    const char* const COMMANDS[] = {
-        "enable",        "disable",      "remove wpnGina.dll", "remove kvs_gina.dll", "remove qslogon.dll",
-        "restore k.reg", "restore P.reg"};
-    const unsigned nSeed = std::random_device{}();
-    SCOPED_TRACE(nSeed);
-    std::mt19937 random(nSeed);
+    std::mt19937 random(std::random_device{}());
+    const auto any = [&](const auto& rows) { return rows[random() % std::size(rows)]; };
     int nRuns = 0;
     int nHalf = 0;
     for (int nKilled = 0; nKilled < nKills; ++nRuns) {
-        const Values before = AnyMachine(random);
-        const char* const szCommand = COMMANDS[random() % std::size(COMMANDS)];
+        Values before = ValuesOf(any(CHAINS));
+        // What other installers have left behind.
+        const std::vector<std::string> names = {"lum_gina.dll", "wpnGina.dll", "kvs_gina.dll",
+                                                "PLinkGina.dll"};
+        before.insert({any(names), any(names)});
+        before.insert({any(names), any(names)});
+        const std::string command = any(commands);
         SetValues(before);
-        const bool bKilled = KillAtWrite(szCommand, 1 + static_cast<int>(random() % 5));
+        const bool bKilled = KillAtWrite(command, 1 + static_cast<int>(random() % 5));
         const Values left = GetValues();
         nKilled += bKilled ? 1 : 0;
         nHalf += bKilled && left != before ? 1 : 0;
-        EXPECT_EQ("", Load(before)) << testing::PrintToString(before);
-        EXPECT_EQ("", Load(left)) << szCommand << " on " << testing::PrintToString(before) << " left "
-                                  << testing::PrintToString(left);
+        SCOPED_TRACE(command + " on " + testing::PrintToString(before));
+        ExpectLoads(before);
+        ExpectLoads(left);
     }
     std::printf("%d runs, %d killed, %d of them with values written\n", nRuns, nKills, nHalf);
 }
