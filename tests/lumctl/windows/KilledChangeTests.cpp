@@ -16,13 +16,14 @@ protected:
     /// their values are followed here; the library must load what it names.
     static void ExpectLoads(const Values& values)
     {
-        ASSERT_EQ("", Boot(values, {})) << testing::PrintToString(values);
+        SCOPED_TRACE(testing::PrintToString(values));
+        ASSERT_EQ("", Boot(values, {}));
         std::string next = values.count("Winlogon") != 0 ? values.at("Winlogon") : "msgina.dll";
         while (!next.empty()) {
             SCOPED_TRACE(next);
             const HMODULE hModule = LoadLibraryW(Widen(next).c_str());
             const FARPROC pfn = hModule != nullptr ? GetProcAddress(hModule, "WlxNegotiate") : nullptr;
-            ASSERT_NE(nullptr, pfn) << testing::PrintToString(values);
+            ASSERT_NE(nullptr, pfn);
             DWORD dwVersion = 0;
             EXPECT_TRUE(reinterpret_cast<BOOL(WINAPI*)(DWORD, DWORD*)>(reinterpret_cast<void (*)()>(pfn))(
                 WLX_VERSION_1_4, &dwVersion));
@@ -128,13 +129,14 @@ TEST_F(KilledChanges, LeaveAMachineThatComesUp)
         before.insert({any(names), any(names)});
         before.insert({any(names), any(names)});
         const std::string command = any(commands);
+        SCOPED_TRACE(command + " on " + testing::PrintToString(before));
+        SetValues(before);
+        ExpectLoads(before);
         SetValues(before);
         const bool bKilled = KillAtWrite(command, 1 + static_cast<int>(random() % 5));
         const Values left = GetValues();
         nKilled += bKilled ? 1 : 0;
         nHalf += bKilled && left != before ? 1 : 0;
-        SCOPED_TRACE(command + " on " + testing::PrintToString(before));
-        ExpectLoads(before);
         ExpectLoads(left);
     }
     std::printf("%d runs, %d killed, %d of them with values written\n", nRuns, nKills, nHalf);
