@@ -5,15 +5,15 @@
 
 #include <windows.h>
 
-/// What a DLL is, found out by reading its file. It is not loaded, so nothing of it runs.
+/// What can be learned of a DLL by reading its file. The DLL is not loaded, so none of its code runs.
 struct CDllFile
 {
     enum class State
     {
         Missing,    ///< there is no such file
         Unreadable, ///< the file cannot be read; dwError says why
-        Unusable,   ///< it is no whole DLL that a program of this system could load, or one that it imports
-                    ///< from is not there; natively it may be one of Windows, whose imports count as there
+        Unusable,   ///< no complete DLL that a program of this system can load, or a DLL that it imports from
+                  ///< is missing; natively also a Windows DLL is usable, and its imports count as present
         Usable,
     };
 
@@ -23,10 +23,10 @@ struct CDllFile
     DWORD dwError = ERROR_SUCCESS;
     /// Where it was found; empty when it is missing.
     std::basic_string<WCHAR> path;
-    /// The names that a usable one exports, in the order of their bytes. What it exports without a name is
-    /// not among them.
+    /// The names that a usable DLL exports, sorted by their bytes. Exports without a name are left out.
     std::vector<std::string> exports;
-    /// The DLL that an unusable one imports from and that is not there; empty when that is not the reason.
+    /// Why the DLL is unusable: it imports from this DLL, which is missing. Empty when there is another
+    /// reason.
     std::string missingImport;
 };
 
@@ -36,8 +36,9 @@ struct CDllFile
 /// instead; null or empty for the above. The extension .dll may be left out. Throws std::bad_alloc only.
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory);
 
-/// What the file is called that is loaded by this name: without a directory, with the extension that the
-/// system adds, and without the blanks and dots at the end that it takes away. Nothing but blanks stays.
+/// The name of the file that is loaded by this name: without a directory, with the extension that the system
+/// adds, and without the blanks and dots at its end. A name of nothing but blanks and dots is returned as it
+/// is.
 std::basic_string<WCHAR> LoadedName(const std::basic_string<WCHAR>& name);
 
 /// Whether there is such a directory to look in.

@@ -15,7 +15,7 @@ namespace Platform {
 
 inline constexpr WCHAR MACHINE_ROOT[] = TEXT("HKEY_LOCAL_MACHINE");
 
-/// One thing that a .reg file says. Without a value's name it is about the key itself.
+/// One entry of a .reg file. With a value's name it is about that value, otherwise about the key itself.
 struct CRegFileChange
 {
     /// MACHINE_ROOT, or another root of the registry, such as "HKEY_USERS".
@@ -24,7 +24,8 @@ struct CRegFileChange
     std::vector<std::basic_string<WCHAR>> key;
     /// Empty for the default value.
     std::optional<std::basic_string<WCHAR>> value;
-    /// What the value becomes. Nothing when the key or value is deleted, or the key is only to exist.
+    /// What the value becomes. Nothing when the key or value is deleted, and when the entry only makes the
+    /// key.
     std::optional<CRegistryData> data;
     bool bDelete = false;
 };
@@ -45,17 +46,17 @@ class CRegFileWriter
 public:
     CRegFileWriter();
 
-    /// Begins a key, by its path below a root; empty for that itself. This and AddValue are false
-    /// when a name has a control character in it, for which the format has no place.
+    /// Begins a key, given by its path below the root; an empty path means the root itself. Returns false, as
+    /// AddValue does, when a name contains a control character: the format has no place for it.
     bool AddKey(const std::basic_string<WCHAR>& path, const std::basic_string<WCHAR>& root = MACHINE_ROOT);
 
     /// Adds a value of the key that was begun last. Without data, adds its deletion.
     bool AddValue(const std::basic_string<WCHAR>& name, const CRegistryData* pData);
 
-    /// Adds a line that says nothing to who imports it.
+    /// Adds a comment, which is ignored when the file is imported.
     void AddComment(const std::basic_string<WCHAR>& text);
 
-    /// The file: UTF-16 with its mark.
+    /// The contents of the file, in UTF-16 with a byte order mark.
     std::string GetBytes() const;
 
 private:

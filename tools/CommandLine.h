@@ -8,7 +8,7 @@
 // The command line of a tool: options that begin with '-', wherever they stand before a "--", and everything
 // else.
 
-/// A command line that cannot be followed; the text says why.
+/// The command line is wrong; the text says why.
 class CUsageError : public std::runtime_error
 {
 public:
@@ -24,11 +24,11 @@ struct COption
     std::function<void(const std::string& value)> apply;
 };
 
-/// Sets what it is given, which must outlive it.
+/// Options that set a variable, which must outlive them.
 COption TextOption(const char* szName, std::string& target);
 COption FlagOption(const char* szName, bool& bTarget);
 
-/// Applies the options in the order in which they stand, and gives what is none. argv begins with the tool's
-/// name. Throws CUsageError.
+/// Applies the options in their order, and returns the other words. argv begins with the tool's name. Throws
+/// CUsageError.
 std::vector<std::string> ParseCommandLine(int argc, const char* const* argv,
                                           const std::vector<COption>& options);

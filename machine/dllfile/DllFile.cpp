@@ -10,7 +10,7 @@ namespace {
 
 using WideText = std::basic_string<WCHAR>;
 
-/// A name without an extension means a .dll; one that ends in a dot means no extension at all.
+/// Adds .dll to a name without an extension. A dot at the end means that the name has none and gets none.
 WideText CompleteName(WideText name)
 {
     name.erase(name.find_last_not_of(' ') + 1);

@@ -8,7 +8,7 @@ struct CBadImage
 {
 };
 
-/// Reads the bytes of a file that may hold anything: whatever lies outside it throws CBadImage.
+/// Reads the bytes of a file that may hold anything. Reading outside of it throws CBadImage.
 class CImageBytes
 {
 public:
@@ -30,7 +30,7 @@ public:
         return value;
     }
 
-    /// A name up to its terminator. Anything longer than any compiler makes is not a name.
+    /// A name up to its terminator. No compiler makes names as long as the limit.
     std::string GetName(std::size_t nOffset) const
     {
         constexpr std::size_t MAX_NAME = 4096;

@@ -14,7 +14,7 @@ CPeImage::CPeImage(const std::string& bytes) : m_bytes(bytes)
                          m_headers.OptionalHeader.Magic == IMAGE_NT_OPTIONAL_HDR32_MAGIC);
     m_nSections =
         nHeaders + offsetof(IMAGE_NT_HEADERS32, OptionalHeader) + m_headers.FileHeader.SizeOfOptionalHeader;
-    // The headers of a file that was copied in part tell of bytes that are not there.
+    // In a file that was copied in part, the headers name sections that lie beyond its end.
     for (WORD wSection = 0; wSection < m_headers.FileHeader.NumberOfSections; ++wSection) {
         const IMAGE_SECTION_HEADER section = GetSection(wSection);
         CImageBytes::Require(section.SizeOfRawData == 0 || section.PointerToRawData == 0 ||

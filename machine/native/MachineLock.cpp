@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Whether the name stands for the file, which others replace.
+/// Whether this is still the file of that name: other programs replace it.
 bool IsNamed(int nFile, const std::string& path)
 {
     struct stat locked;
@@ -44,7 +44,7 @@ DWORD CMachineLock::Take(const std::string& registry)
     const std::string path = Native::ToPath(ToWide(registry).c_str());
     const int nFile = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (nFile < 0) {
-        // Whoever reads it says what is wrong.
+        // The one who reads the file reports that it is missing.
         return errno == ENOENT ? ERROR_SUCCESS : Native::FromErrno(errno);
     }
     if (flock(nFile, LOCK_EX | LOCK_NB) != 0 || !IsNamed(nFile, path)) {

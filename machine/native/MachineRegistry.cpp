@@ -10,7 +10,7 @@
 namespace Native {
 namespace {
 
-/// What is below the other roots: nobody here uses it, and it is written back.
+/// The keys below the other roots. Nothing here uses them, but they are written back.
 CTreeKey g_others;
 
 std::shared_ptr<CTreeKey> GetRootNamed(const WideText& root)

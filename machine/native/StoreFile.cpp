@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The file that a name stands for, which a link only leads to.
+/// The path of the file itself when the name is that of a link.
 std::string Resolve(const std::string& path)
 {
     char resolved[PATH_MAX];
@@ -34,11 +34,11 @@ bool WriteAll(int nFile, const std::string& bytes)
     return true;
 }
 
-/// The mode of the file that it replaces, or that of any new file.
+/// Gives the new file the mode of the one that it replaces, or that of any new file.
 bool SetMode(int nFile, const struct stat* pOld)
 {
     if (pOld != nullptr) {
-        // Only the system's administrator may give a file away.
+        // Only root may give a file to another owner, so this may fail.
         static_cast<void>(fchown(nFile, pOld->st_uid, pOld->st_gid) == 0);
         return fchmod(nFile, pOld->st_mode & 07777) == 0;
     }

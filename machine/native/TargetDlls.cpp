@@ -72,8 +72,8 @@ TargetDlls::CNames TargetDlls::ListNames(const std::string& bytes)
     if (!bytes.starts_with("MZ")) {
         return {CElfImage(bytes).ListExports(), {}};
     }
-    // A machine's registry is looked at here, too, and then the DLLs are that machine's, whose system is not
-    // here to import from.
+    // The registry of a Windows machine can be looked at here, too, together with its GINAs. The system's
+    // DLLs that those import from are on that machine.
     const CPeImage image(bytes);
     image.ListImports();
     return {image.ListExports(), {}};

@@ -62,7 +62,7 @@ std::vector<CRegFileLine> SplitLines(const WideText& text)
     return lines;
 }
 
-/// A text in quotes goes on in the next line, of which every character counts.
+/// A text in quotes may go on in the next line, and then every character of that line counts.
 bool EndsInText(const WideText& line, bool bInText)
 {
     for (std::size_t n = 0; n < line.size(); ++n) {
@@ -75,7 +75,8 @@ bool EndsInText(const WideText& line, bool bInText)
     return bInText;
 }
 
-/// So do bytes. In quotes and brackets a backslash at the end means something else, or is an error.
+/// Bytes may go on in the next line after a backslash. In quotes and brackets a backslash at the end means
+/// something else, or is an error.
 bool IsContinued(const WideText& text)
 {
     return text.back() == '\\' && text.front() != '[' && text.find(TEXT("hex")) != WideText::npos;

@@ -7,8 +7,8 @@
 
 namespace Platform {
 
-/// A line that says something: continued lines are joined, and blanks around them are gone, but for those in a
-/// text.
+/// A line that is neither empty nor a comment. Continued lines are joined to one, without the blanks around
+/// them, except within a text.
 struct CRegFileLine
 {
     std::size_t nNumber; ///< in the file, from 1; of the first one of joined lines

@@ -32,7 +32,8 @@ std::basic_string<WCHAR> JoinWords(const std::vector<std::basic_string<WCHAR>>& 
     for (const auto& word : words) {
         const bool bQuoted = word.empty() || word.find_first_of(L" \t") != word.npos;
         line += line.empty() ? L"" : L" ";
-        line += bQuoted ? L'"' + word + L'"' : word;
+        // Before a quote, a backslash counts only when it is doubled.
+        line += bQuoted ? L'"' + word + word.substr(word.find_last_not_of(L'\\') + 1) + L'"' : word;
     }
     return line;
 }
@@ -67,7 +68,7 @@ void Drain(HANDLE hPipe, std::string& output)
     }
 }
 
-/// The same end of line on all systems.
+/// Lines end in the same way on all systems.
 void DropCarriageReturns(std::string& text)
 {
     for (std::size_t n = text.find("\r\n"); n != std::string::npos; n = text.find("\r\n", n)) {

@@ -25,7 +25,7 @@ LONG MachineRegistry::Load(const WCHAR*, std::string*)
 
 LONG MachineRegistry::Import(const WCHAR* szFile, std::string* pReason)
 {
-    // The editor is silent about a file that it cannot find, and takes a name with slashes for options.
+    // The editor does not complain about a file that it cannot find, and reads slashes in a name as options.
     WCHAR szPath[MAX_PATH] = {};
     const DWORD cchPath = GetFullPathNameW(szFile, MAX_PATH, szPath, nullptr);
     if (cchPath == 0 || cchPath >= MAX_PATH) {

@@ -16,10 +16,11 @@ inline constexpr unsigned OPTION_NOW = 0x20;
 inline constexpr unsigned OPTION_TIMEOUT = 0x40;
 inline constexpr unsigned OPTION_IN_SERVICE = 0x80;
 
-/// Beside them: what counts of the command is what it changes, and not what it has to say.
+/// Another bit of CCommand::options: the command changes something. Its exit status tells of the change, even
+/// when the output cannot be printed.
 inline constexpr unsigned IS_CHANGE = 0x100;
 
-/// What a command is given.
+/// The arguments and options of a command.
 struct CArguments
 {
     /// What follows the command's name, as many as it takes.
@@ -29,14 +30,15 @@ struct CArguments
     bool bForce = false;
     bool bInService = false;
     bool bNow = false;
-    /// Empty for the system's own.
+    /// Where GINAs are looked for; empty for where the system looks.
     std::string system;
+    /// The .reg file that is the machine's registry; empty for the system's own registry.
     std::string registry;
-    /// As it was given; empty for the default.
+    /// The text of the number; empty for the default.
     std::string timeout;
 };
 
-/// Does the command and appends what it has to say to output, which is printed also when it throws. Throws
+/// Carries out a command. Appends text to output, which is printed even when the command throws. Throws
 /// CCommandError and CSetupError.
 using CommandFunction = ExitStatus(const CArguments& arguments, std::string& output);
 

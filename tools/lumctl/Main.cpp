@@ -9,7 +9,7 @@
 
 namespace {
 
-/// False when it did not get out.
+/// Returns false when not everything could be printed.
 bool Print(const std::string& output)
 {
     return std::fwrite(output.data(), 1, output.size(), stdout) == output.size() && std::fflush(stdout) == 0;
@@ -26,7 +26,7 @@ ExitStatus Tell(ExitStatus status, const std::string& reason)
     return status;
 }
 
-/// What was printed so far comes before why it ended. A reader of JSON gets one text, with the reason.
+/// Prints the output so far, and then the reason. With JSON there is one text only: the one with the reason.
 ExitStatus Fail(bool bJson, std::string output, ExitStatus status, const std::string& reason)
 {
     if (bJson) {

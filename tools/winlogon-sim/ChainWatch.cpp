@@ -44,8 +44,8 @@ void CChainWatch::Attach(std::vector<std::string> plugins, const std::string& gi
     m_open.clear();
 }
 
-/// The library still writes when the command has its answer. Those lines are no way of a call of Winlogon's,
-/// and lines that two threads write at a time can cost each other.
+/// The library still writes lines after the command has got its answer. They belong to no call of Winlogon's,
+/// and lines that two threads write at the same time can overwrite each other.
 void CChainWatch::AwaitQuiet()
 {
     constexpr DWORD PAUSE_MILLISECONDS = 100;
@@ -160,7 +160,7 @@ CHop CChainWatch::MakeHop(const CTraceLine& line, std::size_t nDepth)
 
 std::size_t CChainWatch::CountOpenObjects() const
 {
-    // Behind the last call of Winlogon's: calls nest.
+    // Calls nest, so this is behind the last call of Winlogon's.
     const auto host = std::find_if(m_open.rbegin(), m_open.rend(),
                                    [](const COpenOperation& open) { return !open.hop.has_value(); });
     return static_cast<std::size_t>(host - m_open.rbegin());
@@ -168,7 +168,7 @@ std::size_t CChainWatch::CountOpenObjects() const
 
 void CChainWatch::Leave(const CTraceLine& line, CWay& way)
 {
-    // One that an exception leaves writes no exit.
+    // An operation that an exception leaves writes no exit line.
     const auto entered = std::find_if(m_open.rbegin(), m_open.rend(), [&](const COpenOperation& open) {
         return open.className == line.className && open.operation == line.operation;
     });

@@ -23,8 +23,8 @@ public:
     /// The library is loaded anew: it will try these plugins, and pass calls on to this GINA.
     void Attach(std::vector<std::string> plugins, const std::string& gina);
 
-    /// A command of an administrator's has been carried out, which may have changed the chain. No line of the
-    /// log names a plugin that was moved.
+    /// An administrator's command has been carried out and may have changed the chain. The log does not say
+    /// which plugins were moved.
     void FollowCommand(const std::vector<std::string>& words);
 
     /// The way of the call that was made since the last time.

@@ -41,7 +41,7 @@ std::string DescribeArgument(const CArgument& argument, ULONG_PTR passed, ULONG_
     return reached == passed ? name : name + ' ' + OUT_POINTER.pfnDescribe({reached, {}});
 }
 
-/// A library negotiates with its GINA by itself, so the version goes to a place of the library's first.
+/// A library negotiates with its GINA on its own, so the GINA writes the version to the library first.
 bool IsLibrarysOwn(const CArgument& argument)
 {
     return argument.pOut == &OUT_VERSION;

@@ -6,7 +6,7 @@
 
 #include "CallFrame.h"
 
-// What the GINA received and gave, held against what Winlogon passed and got.
+// Compares what the GINA received and returned with what Winlogon passed and got.
 
 /// The arguments that reached the GINA, in words.
 std::string DescribeReached(const CCallFrame& frame, const StandinRecord& record);

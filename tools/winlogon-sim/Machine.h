@@ -14,8 +14,8 @@ public:
     /// machine forgets is forgotten. Throws CSetupError.
     explicit CMachine(const COptions& options);
 
-    /// Throws CSetupError on a machine that has a chain of GINAs of its own or a host in service, which a day
-    /// would change. To be asked before there is a CMachine.
+    /// Throws CSetupError on a machine that has a chain of GINAs of its own or a host in service: a day would
+    /// change them. Call it before there is a CMachine.
     static void RequireUnused();
 
     /// The plugins that the library's configuration names now, in their order.

@@ -8,8 +8,7 @@
 #include "DayWords.h"
 #include "machine/Text.h"
 
-// What happens on a machine beside Winlogon's calls: an administrator works, another installer writes, time
-// passes.
+// Steps that are no calls of Winlogon's: an administrator works, another installer writes, time passes.
 
 struct CMachineStep
 {
@@ -24,13 +23,13 @@ struct CMachineStep
     DWORD dwSeconds = 0;
 };
 
-/// What came of it.
+/// The outcome of such a step.
 struct CMachineOutcome
 {
     std::string action;
     std::string result;
     std::vector<std::string> output;
-    /// Empty when it is as the day expects.
+    /// How that differs from what the day expects; empty when it does not.
     std::string difference;
 };
 

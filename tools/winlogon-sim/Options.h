@@ -16,13 +16,13 @@ struct COptions
     DWORD dwVersion = 0x00010004;
     /// Empty for no trace log.
     std::string traceLog = "winlogon-sim.log";
-    /// All but the polls of the control pipe, whose lines could cost others.
+    /// All but the polls of the control pipe: their lines could overwrite those of other threads.
     DWORD dwTraceMask = 0xFFE;
     /// Registry settings to begin with; empty for none.
     std::string setup;
-    /// Empty for a machine that is forgotten afterwards.
+    /// Empty: the registry is not saved.
     std::string registry;
-    /// Also on a machine on which that would change something.
+    /// Live the day also on a machine that has a chain of its own.
     bool bOnThisMachine = false;
     /// Which start of the machine to live, from 1 on; 0 for all.
     DWORD dwStart = 0;

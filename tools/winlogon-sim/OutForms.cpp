@@ -69,7 +69,7 @@ std::string DescribeText(const COutValue& value)
     return '"' + ToNarrow(value.text.c_str()) + '"';
 }
 
-// The password is there as well, and is nobody's business.
+// The password is there as well, but it is not shown.
 std::string DescribeNotifyInfo(const COutValue& value)
 {
     return ToNarrow(value.text.c_str());

@@ -7,14 +7,14 @@
 #include "ChainWatch.h"
 #include "Library.h"
 
-/// What came of one step.
+/// The outcome of one step.
 struct CStepReport
 {
     int nLine = 0;
     std::string step;
     /// The objects of the chain that the call entered; empty when that is not known.
     std::string way;
-    /// What of the call reached the GINA.
+    /// The arguments that reached the GINA.
     std::string reached;
     std::string cameBack;
     /// What the GINA side called in Winlogon meanwhile.
@@ -30,8 +30,8 @@ class CRunner
 {
 public:
     /// gina is the DLL that Winlogon loads, standin the stand-in that ends up behind it (or the same).
-    /// dwVersion is the interface version that Winlogon offers. traceLog is where the library writes what
-    /// it does with its plugins; without it nothing is known of them. Throws CSetupError.
+    /// dwVersion is the interface version that Winlogon offers. traceLog is the library's trace log, which
+    /// tells what the library does with its plugins; without it nothing is known of them. Throws CSetupError.
     CRunner(const std::string& gina, const std::string& standin, DWORD dwVersion,
             const std::string& traceLog = "");
 
@@ -52,7 +52,8 @@ private:
     std::string FindEntry(const CWlxCall& call, FARPROC& pfnEntry) const;
     void SetUpStandin(const CStep& step);
     const StandinRecord* FindRecord(StandinCall call) const;
-    /// What the stand-in recorded against what came back, and who explains what differs.
+    /// Compares what the stand-in recorded with what came back, and names the plugin that explains a
+    /// difference.
     void Judge(const CStep& step, CCallFrame& frame, LONG nResult, CStepReport& report);
     /// Keeps the version and the context that a call brought.
     void NoteAgreement(const CCallFrame& frame, LONG nResult);

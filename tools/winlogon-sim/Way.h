@@ -11,7 +11,7 @@ struct CHop
 {
     std::string dll;
     bool bPlugin = false;
-    /// How many others were waiting for its answer: the object in front, the one in front of that...
+    /// How many others were waiting for its answer: the object in front of it, the one in front of that, ...
     std::size_t nDepth = 0;
     /// False when it failed: what it should have returned never came.
     bool bReturned = false;
@@ -34,7 +34,7 @@ public:
     /// answered. Null when an object failed and nobody made up for it, and for calls that are not passed on.
     const CHop* GetAnswering() const;
 
-    /// The object that failed, with which all those in front of it failed too; null when none did.
+    /// The object that failed. All those in front of it failed with it. Null when none failed.
     const CHop* GetFailed() const;
 
     /// What the first object gave the library.

@@ -23,7 +23,7 @@ WideText PathOf(const CRegFileChange& change)
     return path;
 }
 
-/// In whatever encoding: the last line is plain.
+/// The encoding does not matter: the last line is plain ASCII.
 bool IsWhole(std::string bytes)
 {
     std::erase(bytes, '\0');
@@ -78,7 +78,7 @@ bool IsHarmless(COfflineChain& chain, const CGinaNames& ginas, std::size_t nGina
            !EqualNames(place.key.substr(0, WideText(LUM_GINA_MTM).size()).c_str(), LUM_GINA_MTM);
 }
 
-/// The places of which a chain with these values, and one of the GINAs in the built-in table, consists.
+/// The places of all values of the GINAs in the built-in table and in the chain that the values make.
 std::vector<CValuePlace> ListPlaces(COfflineChain& chain, const CChainValues& values)
 {
     std::vector<CValuePlace> places = {WinlogonPlace()};

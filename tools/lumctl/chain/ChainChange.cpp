@@ -52,7 +52,7 @@ void RefuseDanger(const CChainChange& change, const std::vector<CFinding>& findi
     }
 }
 
-/// Does what may fail, and gives why it did.
+/// Returns why the action failed; empty when it did not.
 std::string Try(const std::function<void()>& action)
 {
     try {
@@ -63,8 +63,8 @@ std::string Try(const std::function<void()>& action)
     }
 }
 
-/// Writes values in turn until one cannot be written, and gives why that is. Those written are added to
-/// written.
+/// Writes values in turn until one cannot be written. Returns why it could not; empty when all were written.
+/// Adds to written each place that was.
 std::string WriteValues(const CChainValues& values, const std::vector<CValuePlace>& places,
                         std::vector<CValuePlace>& written)
 {
@@ -76,7 +76,7 @@ std::string WriteValues(const CChainValues& values, const std::vector<CValuePlac
     });
 }
 
-/// Names each value that is not as it is to be; empty when all are.
+/// Names each value that is not as it should be; empty when all are.
 std::string FindUnwritten(const CChainValues& values, const std::vector<CValuePlace>& places)
 {
     std::string text;
@@ -92,7 +92,7 @@ std::string FindUnwritten(const CChainValues& values, const std::vector<CValuePl
     return text;
 }
 
-/// written: what of the change had been made.
+/// Puts back what was there before the change. written: the places that the change has written.
 [[noreturn]] void TakeBack(COfflineChain& chain, const CChainChange& change,
                            const std::vector<CValuePlace>& written, const std::string& trouble)
 {
@@ -127,7 +127,7 @@ ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CA
     const std::vector<CValuePlace> places = SafeOrder(chain, change.before, change.after);
     PrintWrites(change, places, output);
     PrintFindings(findings, output, Moment::AfterChange);
-    // A machine that does not come up anyway is mended step by step.
+    // A machine that cannot start now may be mended step by step.
     if (!arguments.bForce && !HasSeverity(find(change.before, Moment::Now), Severity::Danger)) {
         RefuseDanger(change, findings);
     }

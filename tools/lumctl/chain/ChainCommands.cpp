@@ -84,14 +84,14 @@ ExitStatus Check(const CArguments& arguments, std::string& output)
                         STATUS_REFUSED);
 }
 
-/// What a chain of these GINAs would be written as.
+/// The change that makes the chain consist of these GINAs.
 CChainChange PlanWrite(CMachine& machine, const CGinaNames& ginas, const std::string& command)
 {
     CChainChange change{machine.values, machine.values, "chain " + command, "gina " + command};
     for (const CChainWrite& write : ListWrites(ginas)) {
         const std::optional<CValuePlace> place = machine.chain.PlaceOf(write);
         const CValueData data = machine.chain.DataOf(write);
-        // One that says so already keeps its type.
+        // A value that names the right GINA already stays, whatever its type.
         if (place && (data || write.szGinaDLL == nullptr) &&
             TextOf(data) != TextOf(Read(machine.values, *place))) {
             change.after.Set(*place, data);
@@ -119,9 +119,9 @@ ExitStatus Enable(const CArguments& arguments, std::string& output)
     return machine.Make(change, output);
 }
 
-/// What is to be written when a GINA is taken out of a chain that cannot be followed to its end: who
-/// has loaded it loads the one behind it, or the system's own, which ends the chain. So does one that leads
-/// back to it.
+/// The change that takes a GINA out of a chain that cannot be followed to its end. Whoever loads the GINA
+/// then loads the one behind it, or when there is none, the system's own, which ends the chain. A GINA that
+/// leads back to the one taken out loads the system's own, too.
 CChainChange PlanCut(CMachine& machine, const CChainView& view, std::size_t nLink, const std::string& command)
 {
     CChainChange change{machine.values, machine.values, "chain " + command, std::string()};
@@ -141,7 +141,7 @@ ExitStatus CutOut(CMachine& machine, const CChainView& view, std::size_t nLink, 
                   std::string& output)
 {
     const CLinkView& link = view.links[nLink];
-    // What works is not cut off: what is behind it would be lost.
+    // An unknown GINA that works may load others, which would be lost with it.
     if (link.knowledge == Knowledge::Unknown && link.dll.state == CDllFile::State::Usable &&
         !machine.arguments.bForce)
     {
@@ -173,7 +173,7 @@ ExitStatus RemoveFromChain(CMachine& machine, const WideText& gina, const std::s
     return machine.Make(change, output);
 }
 
-/// Refuses where that cannot be seen.
+/// Throws when the chain cannot be followed far enough to tell.
 bool IsInChain(CMachine& machine, const WideText& gina, const std::string& command, std::string& output)
 {
     const CChainView view = machine.Follow();

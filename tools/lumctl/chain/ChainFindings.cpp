@@ -28,7 +28,7 @@ class CChecker
 public:
     CChecker(const CChainView& view, const WideText& system, Moment moment) : m_view(view), m_moment(moment)
     {
-        // What the host loads when it cannot load the GINA behind it.
+        // The host loads this one when it cannot load the GINA behind it.
         m_bFallback = InspectDll(SYSTEM_GINA, system.c_str()).state == CDllFile::State::Usable;
         CheckWinlogon();
         CheckValue(WinlogonPlace(), m_view.winlogon);
@@ -50,7 +50,7 @@ private:
         m_findings.push_back({severity, text, remedy});
     }
 
-    /// What is to be done otherwise, or with lumctl; in one of the ways that there are then.
+    /// A remedy: what can be done by hand, or the lumctl command, where that would be carried out.
     std::string Remedy(const std::string& otherwise, const std::string& command) const
     {
         // A host in service changes only a chain that it knows to its end.
@@ -75,7 +75,7 @@ private:
         }
     }
 
-    /// The library takes any bytes for a text; what Winlogon and other GINAs do is not known.
+    /// The library reads any bytes as a text. Nobody knows what Winlogon and other GINAs do.
     void CheckValue(const CValuePlace& place, const CValueData& data)
     {
         if (IsTooLong(data)) {
@@ -115,7 +115,7 @@ private:
     std::string RemedyForDll(std::size_t nLink) const
     {
         const std::string name = Name(nLink);
-        // Without its own GINA the system has none to come back to.
+        // The system's own GINA cannot be taken out: it is what the others end with.
         if (EqualNames(m_view.links[nLink].gina.c_str(), SYSTEM_GINA)) {
             return "put " + name + " into the system directory";
         }

@@ -38,7 +38,7 @@ public:
     HKEY m_hKey = nullptr;
 };
 
-/// The library has full access or none, and so does this: both must see the same chain.
+/// Opens a key with the same access as the library, so that both see the same chain.
 LONG Open(const CValuePlace& place, COpenKey& key)
 {
     return RegOpenKeyExW(HKEY_LOCAL_MACHINE, place.key.c_str(), 0, KEY_ALL_ACCESS, &key.m_hKey);

@@ -8,7 +8,8 @@
 
 namespace {
 
-/// The host exports all that there is; of others nobody knows which version they agree on.
+/// The host must have all exports. Of another GINA nobody knows which interface version it agrees on, so it
+/// must have those of the first.
 std::vector<std::string> FindMissingExports(const CDllFile& dll, bool bHost)
 {
     const CGinaStandardExports exports;

@@ -10,7 +10,8 @@
 
 COfflineChain::COfflineChain()
 {
-    // A registry without this key is none, and one that is closed would look like a machine without a chain.
+    // A registry without this key is not that of a machine. If the key were closed to the user, the machine
+    // would look as if it had no chain.
     HKEY hKey = nullptr;
     const LONG lResult = RegOpenKeyExW(HKEY_LOCAL_MACHINE, WINLOGON_KEY, 0, KEY_ALL_ACCESS, &hKey);
     if (lResult == ERROR_FILE_NOT_FOUND) {
@@ -65,7 +66,7 @@ CChainValues COfflineChain::ReadValues()
         }
     };
     add(WinlogonPlace());
-    // Its chaining records are needed.
+    // This learns the chaining records of the chain.
     Follow(values);
     for (const CKnownGina& known : KNOWN_GINAS) {
         add(PassthroughPlace(known.record));

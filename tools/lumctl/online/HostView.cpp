@@ -9,7 +9,7 @@
 
 namespace {
 
-// As the library takes it.
+// The library's own default.
 constexpr DWORD DEFAULT_SECONDS = 5;
 
 WideText ReadText(const WCHAR* szValue)
@@ -34,7 +34,7 @@ bool HasConfiguration()
            RegCloseKey(hKey) == ERROR_SUCCESS;
 }
 
-/// As the library takes the list apart; it passes over empty entries.
+/// Splits the list as the library does, which skips empty entries.
 std::vector<CConfiguredDll> SplitPlugins(const WideText& list)
 {
     std::vector<CConfiguredDll> plugins;

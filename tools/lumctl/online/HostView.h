@@ -21,9 +21,9 @@ struct CPluginsView
     std::vector<CConfiguredDll> plugins;
 };
 
-/// What is known of the host in service. No request tells the calling order, the name of a plugin that is not
-/// configured, or whether the registry monitor runs. So the plugins are those of the configuration, in its
-/// order: that in which they were loaded, unless one was moved since.
+/// What is known of the host in service. No request tells the calling order, the names of plugins that are
+/// not configured, or whether the registry monitor runs. So the plugins listed are those of the
+/// configuration, in its order. They were loaded in this order, and some may have been moved since.
 struct CHostView : CPluginsView
 {
     bool bMarkedEnabled = false; ///< by the host itself, in the volatile key

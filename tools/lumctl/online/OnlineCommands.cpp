@@ -31,7 +31,8 @@ void PrintAnswer(Arguments arguments, const char* szName, bool bAnswer, const ch
     json.EndObject();
 }
 
-/// A command that changes something. What the host could not do has changed nothing, or is in its trace log.
+/// A command that changes something. When the host could not do it, nothing has changed, or its trace log
+/// tells what has.
 template <ControlStatus (*pfnChange)(CControlClient&, Arguments)>
 ExitStatus Change(Arguments arguments, std::string& output)
 {
@@ -53,7 +54,8 @@ ExitStatus Question(Arguments arguments, std::string& output)
     return bYes ? STATUS_DONE : STATUS_BAD;
 }
 
-/// The host answers that it has done it also when it has cut the list off, or could not read it.
+/// Without room the host would cut the list off, or not read it at all, and answer all the same that it is
+/// done.
 void RequireRoom(std::size_t cchMore)
 {
     const std::optional<std::size_t> cchList = MeasurePluginList();

@@ -45,7 +45,7 @@ DWORD ReadTimeout(const std::string& text)
     return static_cast<DWORD>(nSeconds) * 1000;
 }
 
-/// One line for each command, however often it asks.
+/// Each command says once that it waits, however many requests it sends.
 CControlWait MakeWait(const std::string& timeout)
 {
     return {ReadTimeout(timeout), [bSaid = false](DWORD dwWaited) mutable {
