@@ -3,27 +3,24 @@
 
 namespace {
 
-using Moments = std::vector<std::string>;
-
 class BootSafety : public CChangeMachine
 {
 protected:
-    /// Stops the machine after each registry write that an operation makes, in turn, and gives what keeps it
-    /// from coming up then: "2: wpnGina.dll loads nothing". before: makes the machine, and gives the
-    /// operation. What is unsafe before the first write is not the operation's.
-    static Moments UnsafeMoments(const std::function<std::function<bool()>()>& before,
-                                 const std::set<std::string>& missing = {})
+    /// Stops the machine after each registry write of a row's last change, in turn, and gives what keeps it
+    /// from coming up then: "2: wpnGina.dll loads nothing". What is unsafe before the first write is not the
+    /// change's.
+    std::vector<std::string> UnsafeMoments(const CRow& row)
     {
-        Moments moments;
+        std::vector<std::string> moments;
         bool bStopped = true;
         for (DWORD dwWrites = 0; bStopped; ++dwWrites) {
-            const std::function<bool()> operation = before();
+            const std::function<bool()> change = Prepare(row);
             {
                 const CFaultInjection stop = CFaultInjection::StopMachine(dwWrites + 1);
-                operation();
+                change();
                 bStopped = stop.HasFired();
             }
-            const std::string trouble = Boot(GetValues(), missing);
+            const std::string trouble = Boot(GetValues(), row.missing);
             if (!trouble.empty() && dwWrites != 0) {
                 moments.push_back(std::to_string(dwWrites) + ": " + trouble);
             }
@@ -37,8 +34,7 @@ protected:
 TEST_F(BootSafety, OfEachChangeIsWhatItsRowSays)
 {
     for (const CRow& row : ROWS) {
-        EXPECT_EQ(row.unsafe, UnsafeMoments([&] { return Prepare(row); }, row.missing))
-            << "[" << row.szBefore << "] " << row.szChange;
+        EXPECT_EQ(row.unsafe, UnsafeMoments(row)) << "[" << row.szBefore << "] " << row.szChange;
     }
 }
 
