@@ -91,14 +91,12 @@ TEST_F(FailingWrites, AreTakenBackOrTold)
 
 /// Every machine that comes up, as far as that matters to a change: each of the known GINAs is in the chain,
 /// has a value that is whole, stale or leads back, or has none, in all combinations. Chains are written with
-/// the first letters of their GINAs. What is left out:
-/// - Values of GINAs that are neither in the chain nor put into it. A boot meets such a GINA, at whatever
-/// moment
-///   the change stops, only by a stale value of one that is put in. Its own value does not change until the
-///   new chain is complete, so the stale value might as well lead where it leads, or nowhere.
-/// - Names are only compared, so GINAs with equal records stand for one another: of w, p and B those come
-/// first
-///   that come first in the chain, and q stands for all that end a chain and are not the system's own.
+/// the first letters of their GINAs. Two kinds of machines are left out, since they boot as others do at each
+/// moment. First, those with values of GINAs that are neither in the chain nor put into it. A boot meets such
+/// a GINA only by a stale value of one that is put in. Its own value stays until the new chain is complete.
+/// So the stale value might as well lead where it leads, or nowhere. Second, those that differ in names only,
+/// which are just compared: GINAs with equal records stand for one another. Of w, p and B those come first
+/// that come first in the chain, and q stands for all that end a chain and are not the system's own.
 class EverySetOfValues : public CLumctlMachine
 {
 protected:

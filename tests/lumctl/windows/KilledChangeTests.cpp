@@ -50,43 +50,37 @@ protected:
         }
         DEBUG_EVENT event = {};
         for (bool bKilled = false; WaitForDebugEvent(&event, INFINITE);) {
-            DWORD dwAnswer = DBG_CONTINUE;
+            const bool bException = event.dwDebugEventCode == EXCEPTION_DEBUG_EVENT;
+            const DWORD dwException = bException ? event.u.Exception.ExceptionRecord.ExceptionCode : 0;
+            const bool bStop = dwException == EXCEPTION_BREAKPOINT || dwException == EXCEPTION_SINGLE_STEP;
             if (event.dwDebugEventCode == CREATE_PROCESS_DEBUG_EVENT) {
                 CloseHandle(event.u.CreateProcessInfo.hFile);
-            }
-            if (event.dwDebugEventCode == LOAD_DLL_DEBUG_EVENT) {
+            } else if (event.dwDebugEventCode == LOAD_DLL_DEBUG_EVENT) {
                 CloseHandle(event.u.LoadDll.hFile);
-            }
-            if (event.dwDebugEventCode == EXIT_PROCESS_DEBUG_EVENT) {
-                ContinueDebugEvent(event.dwProcessId, event.dwThreadId, dwAnswer);
+            } else if (event.dwDebugEventCode == EXIT_PROCESS_DEBUG_EVENT) {
+                ContinueDebugEvent(event.dwProcessId, event.dwThreadId, DBG_CONTINUE);
                 CloseHandle(process.hThread);
                 CloseHandle(process.hProcess);
                 return bKilled;
+            } else if (bStop && !bKilled &&
+                       StepOver(process, event.u.Exception.ExceptionRecord.ExceptionAddress)) {
+                bKilled = --nWrite == 0 && TerminateProcess(process.hProcess, 1) != FALSE;
             }
-            if (event.dwDebugEventCode == EXCEPTION_DEBUG_EVENT && !bKilled) {
-                const bool bWrite = StepOver(process, event.u.Exception.ExceptionRecord, dwAnswer);
-                bKilled = bWrite && --nWrite == 0 && TerminateProcess(process.hProcess, 1) != FALSE;
-            }
-            ContinueDebugEvent(event.dwProcessId, event.dwThreadId, dwAnswer);
+            ContinueDebugEvent(event.dwProcessId, event.dwThreadId,
+                               bException && !bStop ? DBG_EXCEPTION_NOT_HANDLED : DBG_CONTINUE);
         }
         return false;
     }
 
     /// Stops the program at its writes, from its first stop on. Whether it stopped at one.
-    static bool StepOver(const PROCESS_INFORMATION& process, const EXCEPTION_RECORD& exception,
-                         DWORD& dwAnswer)
+    static bool StepOver(const PROCESS_INFORMATION& process, const void* pStop)
     {
-        if (exception.ExceptionCode != EXCEPTION_BREAKPOINT &&
-            exception.ExceptionCode != EXCEPTION_SINGLE_STEP) {
-            dwAnswer = DBG_EXCEPTION_NOT_HANDLED;
-            return false;
-        }
         bool bWrite = false;
         for (const char* szFunction : {"RegSetValueExW", "RegDeleteValueW"}) {
             // All programs have the system's DLLs at the same addresses.
             const auto pfn = GetProcAddress(GetModuleHandleW(TEXT("advapi32.dll")), szFunction);
             void* const pCode = reinterpret_cast<void*>(pfn);
-            const bool bHere = exception.ExceptionAddress == pCode;
+            const bool bHere = pStop == pCode;
             WriteProcessMemory(process.hProcess, pCode, bHere ? pCode : "\xCC", 1, nullptr);
             bWrite = bWrite || bHere;
         }
@@ -106,6 +100,7 @@ TEST_F(KilledChanges, LeaveAMachineThatComesUp)
 {
     const char* szKills = std::getenv("LUM_KILLS");
     const int nKills = szKills != nullptr ? std::atoi(szKills) : 25;
+    const char* const GINAS[] = {"lum_gina.dll", "wpnGina.dll", "kvs_gina.dll", "PLinkGina.dll"};
     const char* const CHAINS[] = {"", "lum_gina.dll msgina.dll",
                                   "PLinkGina.dll wpnGina.dll kvs_gina.dll qslogon.dll",
                                   "wpnGina.dll lum_gina.dll kvs_gina.dll msgina.dll",
@@ -124,10 +119,8 @@ TEST_F(KilledChanges, LeaveAMachineThatComesUp)
     for (int nKilled = 0; nKilled < nKills; ++nRuns) {
         Values before = ValuesOf(any(CHAINS));
         // What other installers have left behind.
-        const std::vector<std::string> names = {"lum_gina.dll", "wpnGina.dll", "kvs_gina.dll",
-                                                "PLinkGina.dll"};
-        before.insert({any(names), any(names)});
-        before.insert({any(names), any(names)});
+        before.insert({any(GINAS), any(GINAS)});
+        before.insert({any(GINAS), any(GINAS)});
         const std::string command = any(commands);
         SCOPED_TRACE(command + " on " + testing::PrintToString(before));
         SetValues(before);
