@@ -126,9 +126,10 @@ void CChainMachine::LeadThrough(const std::vector<std::string>& chain, Values& v
 
 std::string CChainMachine::OwnerOf(const std::string& key)
 {
-    const auto found = std::find_if(std::begin(PASSTHROUGHS), std::end(PASSTHROUGHS),
-                                    [&](const CPassthrough& row) { return Narrow(row.szKey) == key; });
-    return found->szGinaDLL;
+    const CPassthrough* pRow = PASSTHROUGHS;
+    for (; Narrow(pRow->szKey) != key; ++pRow) {
+    }
+    return pRow->szGinaDLL;
 }
 
 void CChainMachine::SetRecord(const char* szGinaDLL, const char* szDefaultAndFlags)
