@@ -2,13 +2,14 @@
 
 #include "ForwardingGinaObject.h"
 #include "Exceptions.h"
+#include "GinaPluginExports.h"
 
 /// A plugin: a DLL with the LUM exports, in front of the standard GINA.
 ///
 /// A forwarded operation hands the plugin its own node. It refuses the call if no other object follows in the
 /// list: the plugin could not pass the call on. The DLL must have every export that its negotiated version
 /// calls for.
-class CGinaPluginObject final : public CForwardingGinaObject<CGinaPluginObject>
+class CGinaPluginObject final : public CForwardingGinaObject<CGinaPluginObject>, private CGinaPluginExports
 {
 public:
     /// Loads the DLL, negotiates with it and looks up its exports; arguments as for CGinaObject. Throws what
@@ -38,48 +39,6 @@ private:
 
     template <typename Result, typename Function, typename... Args>
     Result Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode, Args... args);
-
-    // In the order in which they are looked up. A BYTE result is a one-byte boolean: the rest of its register
-    // is undefined.
-    CExportTable m_Exports;
-    CGinaExport<BYTE WINAPI(CGinaPluginInfo*)> m_Negotiate{m_Exports, "LUMNegotiate"};
-    CGinaExport<BYTE WINAPI(CGinaPluginInfo*, DWORD, DWORD, DWORD)> m_QueryPlugin{m_Exports,
-                                                                                  "LUMQueryPlugin"};
-    CGinaExport<BYTE WINAPI(CGinaPluginInfo*)> m_QueryPluginInfo{m_Exports, "LUMQueryPluginInfo"};
-    CGinaExport<void WINAPI()> m_DynamicUnload{m_Exports, "LUMDynamicUnload"};
-    CGinaExport<BOOL WINAPI(CLUMObject*, DWORD, LPWSTR, HANDLE, PVOID, PVOID, PVOID*, DWORD, DWORD)>
-        m_Initialize{m_Exports, "LUMInitialize"};
-    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_DisplaySASNotice{m_Exports, "LUMDisplaySASNotice"};
-    CGinaExport<int WINAPI(GinaNode*, PVOID, DWORD, PLUID, PSID, PDWORD, PHANDLE, PWLX_MPR_NOTIFY_INFO,
-                           PVOID*)>
-        m_LoggedOutSAS{m_Exports, "LUMLoggedOutSAS"};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, PWSTR, PWSTR, PVOID)> m_ActivateUserShell{
-        m_Exports, "LUMActivateUserShell"};
-    CGinaExport<int WINAPI(GinaNode*, PVOID, DWORD, PVOID)> m_LoggedOnSAS{m_Exports, "LUMLoggedOnSAS"};
-    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_DisplayLockedNotice{m_Exports, "LUMDisplayLockedNotice"};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID)> m_IsLockOk{m_Exports, "LUMIsLockOk"};
-    CGinaExport<int WINAPI(GinaNode*, PVOID, DWORD)> m_WkstaLockedSAS{m_Exports, "LUMWkstaLockedSAS"};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID)> m_IsLogoffOk{m_Exports, "LUMIsLogoffOk"};
-    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_Logoff{m_Exports, "LUMLogoff"};
-    CGinaExport<void WINAPI(GinaNode*, PVOID, DWORD)> m_Shutdown{m_Exports, "LUMShutdown"};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, PWSTR, PVOID, PWSTR)> m_StartApplication{
-        m_Exports, "LUMStartApplication", WLX_VERSION_1_0};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, BOOL*)> m_ScreenSaverNotify{m_Exports, "LUMScreenSaverNotify",
-                                                                          WLX_VERSION_1_0};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, PWLX_MPR_NOTIFY_INFO)> m_NetworkProviderLoad{
-        m_Exports, "LUMNetworkProviderLoad", WLX_VERSION_1_2};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, HDESK, DWORD, PWSTR, PWSTR)> m_DisplayStatusMessage{
-        m_Exports, "LUMDisplayStatusMessage", WLX_VERSION_1_2};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, DWORD*, PWSTR, DWORD)> m_GetStatusMessage{
-        m_Exports, "LUMGetStatusMessage", WLX_VERSION_1_2};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID)> m_RemoveStatusMessage{m_Exports, "LUMRemoveStatusMessage",
-                                                                     WLX_VERSION_1_2};
-    CGinaExport<BOOL WINAPI(GinaNode*, PVOID, PVOID)> m_GetConsoleSwitchCredentials{
-        m_Exports, "LUMGetConsoleSwitchCredentials", WLX_VERSION_1_3};
-    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_ReconnectNotify{m_Exports, "LUMReconnectNotify",
-                                                                 WLX_VERSION_1_3};
-    CGinaExport<void WINAPI(GinaNode*, PVOID)> m_DisconnectNotify{m_Exports, "LUMDisconnectNotify",
-                                                                  WLX_VERSION_1_3};
 };
 
 /// A forwarded operation. Throws without calling the plugin if no other object follows it.

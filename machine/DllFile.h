@@ -41,5 +41,9 @@ CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory);
 /// is.
 std::basic_string<WCHAR> LoadedName(const std::basic_string<WCHAR>& name);
 
+/// Where that is, without a directory of the caller's, and whether it is where Winlogon looks: natively not.
+std::vector<std::basic_string<WCHAR>> ListDllDirectories();
+bool LooksWhereWinlogonLooks();
+
 /// Whether there is such a directory to look in.
 bool IsDllDirectory(const WCHAR* szDirectory);

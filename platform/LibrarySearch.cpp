@@ -31,11 +31,19 @@ std::string GetProgramPath()
     return std::filesystem::read_symlink("/proc/self/exe", error).string();
 }
 
-std::string FindLibrary(const WideText& name)
+std::vector<std::string> ListLibraryDirectories()
 {
     const std::string program = GetProgramPath();
-    const std::string path = FindIn(program.substr(0, program.find_last_of('/')), name);
-    return !path.empty() ? path : FindIn(".", name);
+    return {program.substr(0, program.find_last_of('/')), "."};
+}
+
+std::string FindLibrary(const WideText& name)
+{
+    std::string path;
+    for (const std::string& directory : ListLibraryDirectories()) {
+        path = path.empty() ? FindIn(directory, name) : path;
+    }
+    return path;
 }
 
 std::string FindLibraryFile(const WideText& name, const WideText& directory)

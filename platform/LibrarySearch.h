@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "Text.h"
 
@@ -8,6 +9,9 @@ namespace Native {
 
 /// The full path of the running program.
 std::string GetProgramPath();
+
+/// Where LoadLibraryW looks for a name without a directory.
+std::vector<std::string> ListLibraryDirectories();
 
 /// The path of the file that LoadLibraryW loads for a name without a directory; empty when there is none.
 std::string FindLibrary(const WideText& name);

@@ -27,16 +27,26 @@ std::vector<std::string> ParseCommandLine(int argc, const char* const* argv,
             others.push_back(argument);
             continue;
         }
-        const auto option = std::find_if(options.begin(), options.end(), [&](const COption& candidate) {
-            return candidate.name == argument;
-        });
+        const std::size_t nEquals = argument.find('=');
+        const std::string name = argument.substr(0, nEquals);
+        const auto option = std::find_if(options.begin(), options.end(),
+                                         [&](const COption& candidate) { return candidate.name == name; });
         if (option == options.end()) {
-            throw CUsageError("unknown option " + argument);
+            throw CUsageError("unknown option " + name);
         }
-        if (option->bTakesValue && (++nArgument == argc || *argv[nArgument] == '\0')) {
-            throw CUsageError(argument + " needs a value");
+        if (!option->bTakesValue && nEquals != std::string::npos) {
+            throw CUsageError(name + " takes no value");
         }
-        option->apply(option->bTakesValue ? argv[nArgument] : "");
+        std::string value;
+        if (nEquals != std::string::npos) {
+            value = argument.substr(nEquals + 1);
+        } else if (option->bTakesValue && ++nArgument != argc) {
+            value = argv[nArgument];
+        }
+        if (option->bTakesValue && value.empty()) {
+            throw CUsageError(name + " needs a value");
+        }
+        option->apply(value);
     }
     return others;
 }

@@ -28,7 +28,7 @@ struct COption
 COption TextOption(const char* szName, std::string& target);
 COption FlagOption(const char* szName, bool& bTarget);
 
-/// Applies the options in their order, and returns the other words. argv begins with the tool's name. Throws
-/// CUsageError.
+/// Applies the options in the order in which they stand, and gives what is none. A value is the next word, or
+/// stands behind a "=". argv begins with the tool's name. Throws CUsageError.
 std::vector<std::string> ParseCommandLine(int argc, const char* const* argv,
                                           const std::vector<COption>& options);

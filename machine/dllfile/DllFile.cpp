@@ -53,6 +53,16 @@ WideText LoadedName(const WideText& name)
     return file.find_first_not_of(TEXT(" .")) != WideText::npos ? CompleteName(file) : name;
 }
 
+std::vector<WideText> ListDllDirectories()
+{
+    return TargetDlls::ListDirectories();
+}
+
+bool LooksWhereWinlogonLooks()
+{
+    return TargetDlls::LooksWhereWinlogonLooks();
+}
+
 bool IsDllDirectory(const WCHAR* szDirectory)
 {
     return TargetDlls::IsDirectory(szDirectory);

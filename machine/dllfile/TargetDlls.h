@@ -13,6 +13,11 @@ namespace TargetDlls {
 std::basic_string<WCHAR> Find(const std::basic_string<WCHAR>& name,
                               const std::basic_string<WCHAR>& directory);
 
+/// Where Find looks for a name without a directory, if none is given.
+std::vector<std::basic_string<WCHAR>> ListDirectories();
+/// Whether Winlogon of a machine with this registry looks there.
+bool LooksWhereWinlogonLooks();
+
 bool IsDirectory(const std::basic_string<WCHAR>& path);
 
 /// What a DLL exports, and the DLLs from which it imports and which must be there.

@@ -61,6 +61,20 @@ std::basic_string<WCHAR> TargetDlls::Find(const std::basic_string<WCHAR>& name,
     return path;
 }
 
+std::vector<std::basic_string<WCHAR>> TargetDlls::ListDirectories()
+{
+    std::vector<std::basic_string<WCHAR>> directories;
+    for (const std::string& path : Native::ListLibraryDirectories()) {
+        Native::FromUtf8(path, directories.emplace_back());
+    }
+    return directories;
+}
+
+bool TargetDlls::LooksWhereWinlogonLooks()
+{
+    return false;
+}
+
 bool TargetDlls::IsDirectory(const std::basic_string<WCHAR>& path)
 {
     struct stat status;

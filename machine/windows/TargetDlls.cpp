@@ -31,10 +31,8 @@ WideText TargetDlls::Find(const WideText& name, const WideText& directory)
     if (IsAbsolute(name)) {
         return Exists(name) ? name : WideText();
     }
-    // Winlogon's own directory is the system directory.
-    const WideText directories[] = {directory.empty() ? Directory(GetSystemDirectoryW, L"") : directory,
-                                    directory.empty() ? Directory(GetWindowsDirectoryW, L"\\system") : L"",
-                                    directory.empty() ? Directory(GetWindowsDirectoryW, L"") : L""};
+    const std::vector<WideText> directories =
+        directory.empty() ? ListDirectories() : std::vector<WideText>{directory};
     for (const WideText& candidate : directories) {
         const WideText path = candidate + L"\\" + name;
         if (!candidate.empty() && Exists(path)) {
@@ -42,6 +40,18 @@ WideText TargetDlls::Find(const WideText& name, const WideText& directory)
         }
     }
     return WideText();
+}
+
+/// Winlogon's own directory is the system directory.
+std::vector<WideText> TargetDlls::ListDirectories()
+{
+    return {Directory(GetSystemDirectoryW, L""), Directory(GetWindowsDirectoryW, L"\\system"),
+            Directory(GetWindowsDirectoryW, L"")};
+}
+
+bool TargetDlls::LooksWhereWinlogonLooks()
+{
+    return true;
 }
 
 bool TargetDlls::IsDirectory(const WideText& path)
