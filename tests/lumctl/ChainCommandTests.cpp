@@ -363,14 +363,59 @@ TEST_F(ChainCommands, RestoreRefusesWhatIsNoBackup)
 TEST_F(ChainCommands, AValueThatIsNoTextIsNamedAndKept)
 {
     SetValues(ValuesOf("wpnGina.dll"));
-    SetDword(TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"), TEXT("OldGinaDLL"), 1);
+    SetDword(TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"), TEXT("OldGinaDLL"), 'x');
     const std::string findings = Run("chain check").output;
-    EXPECT_TRUE(Has(findings, "OldGinaDLL is 1 (REG_DWORD)")) << findings;
+    EXPECT_TRUE(Has(findings,
+                    "doubt: HKEY_LOCAL_MACHINE\\SOFTWARE\\Tamsin\\Airlink\\wpnGina, OldGinaDLL is 120 "
+                    "(REG_DWORD)\n"));
+    EXPECT_TRUE(Has(findings, "danger: wpnGina.dll passes through to nothing that is a text")) << findings;
     EXPECT_EQ(STATUS_DONE, Run("chain backup --force saved.reg").status);
     SetValues(ValuesOf("wpnGina.dll"));
     const CRun run = Run("chain restore saved.reg");
     EXPECT_EQ(STATUS_BAD, run.status) << run.error;
     EXPECT_EQ(findings, Run("chain check").output);
+}
+
+TEST_F(ChainCommands, AValueThatIsNoTextIsTakenForNoName)
+{
+    // What is behind the library falls back to the system's own GINA.
+    SetValues(ValuesOf("lum_gina.dll"));
+    SetDword(OWN_KEY, TEXT("GinaDLL"), 'x');
+    EXPECT_FALSE(Has(Run("chain show").output, " 2  "));
+    EXPECT_TRUE(Has(Run("chain check").output, "that is a text; it makes do with msgina.dll"));
+    EXPECT_EQ(STATUS_DONE, Run("chain disable --force").status);
+    EXPECT_EQ("(none)", GetValue(WINLOGON_KEY, WINLOGON_GINA_DLL));
+
+    const BYTE text[] = {'x', 0, 0, 0};
+    SetBytes(WINLOGON_KEY, WINLOGON_GINA_DLL, REG_BINARY, text, sizeof(text));
+    EXPECT_TRUE(Has(Run("chain show").output, ", taken here for none\n 1  msgina.dll "));
+    const CRun check = Run("chain check");
+    EXPECT_EQ(STATUS_BAD, check.status);
+    EXPECT_TRUE(
+        Has(check.output, "delete this value: Winlogon then loads msgina.dll, or lumctl chain enable"));
+    EXPECT_EQ(STATUS_UNCERTAIN, Run("chain disable --force").status);
+    EXPECT_EQ(STATUS_DONE, Run("chain enable").status);
+    EXPECT_EQ(ValuesOf("lum_gina.dll msgina.dll"), GetValues());
+}
+
+TEST_F(ChainCommands, CheckSaysWhatIsWrongWithTheSettings)
+{
+    SetDlls("msgina.dll lum_gina.dll=lum_gina.dll a.dll=pass_plugin.dll");
+    SetValues(ValuesOf("lum_gina.dll msgina.dll"));
+    SetString(OWN_KEY, TEXT("Plugins"), TEXT("a.dll,,msgina.dll,A,x.dll"));
+    SetString(OWN_KEY, TEXT("Timeout"), TEXT("5"));
+    SetDword(OWN_KEY, TEXT("RequiredPlugins"), 5);
+    const CRun run = Run("chain check");
+    EXPECT_EQ(STATUS_DONE, run.status);
+    const std::string own = "warning: HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina, ";
+    EXPECT_TRUE(Has(run.output, own + "RequiredPlugins is ")) << run.output;
+    EXPECT_TRUE(Has(run.output, own + "Timeout is \"5\" and no number\n")) << run.output;
+    EXPECT_TRUE(Has(run.output, "the plugin A is configured twice\n")) << run.output;
+    EXPECT_TRUE(Has(run.output, "goes without the plugin x.dll: there is no such DLL\n")) << run.output;
+    EXPECT_TRUE(Has(run.output, "is no plugin: it lacks LUM")) << run.output;
+    EXPECT_FALSE(Has(run.output, "the plugin a.dll")) << run.output;
+    SetString(OWN_KEY, TEXT("Plugins"), Widen(std::string(260, 'x')).c_str());
+    EXPECT_TRUE(Has(Run("chain check").output, "Plugins is longer than 259 characters"));
 }
 
 TEST_F(ChainCommands, ANameThatIsTooLongIsShownAndRefused)
@@ -447,6 +492,9 @@ TEST_F(ChainCommands, SayWhatIsWrongWithACommandLine)
         {"chain show --dry-run", "chain show has no option --dry-run"},
         {"chain show --loud", "unknown option --loud"},
         {"chain show -- --dry-run", "chain show takes no --dry-run"},
+        {"chain show --json=yes", "--json takes no value"},
+        {"chain show --system=", "--system needs a value"},
+        {"chain show --hive A --registry b", "--hive and --registry name two machines"},
         {"chain show --system nowhere", "--system: there is no directory nowhere"},
     };
     for (const auto& row : rows) {
@@ -454,6 +502,8 @@ TEST_F(ChainCommands, SayWhatIsWrongWithACommandLine)
         EXPECT_EQ(STATUS_USAGE, run.status) << row.szCommandLine;
         EXPECT_EQ(row.szError, run.error);
     }
+    EXPECT_EQ(0u, RunLumctl({"-h"}).output.find("Usage: lumctl COMMAND"));
+    EXPECT_EQ(0u, RunLumctl({"--version"}).output.find("lumctl 1."));
 }
 
 } // namespace

@@ -13,10 +13,13 @@ struct CCommandRow
     ExitStatus status;
     /// JSON without line breaks and indentation; "VERSION" for a version of the library or none.
     std::string output;
-    std::string error;
+    std::string error = {};
 };
 
 constexpr char NOT_DONE[] = "the host could not do it; its trace log says why";
+constexpr char NOTHING_ELSE[] = "\"unreadable\": null,\"startEndedIn\": null,\"dllDoubt\": null}";
+/// The DLLs that the host loads.
+constexpr char SYSTEM[] = " --system ../../../bin";
 constexpr char NO_HOST[] = "no host is in service on this machine";
 constexpr char TIMED_OUT[] = "the host did not answer in time; it may still do it";
 constexpr char BAD_TIMEOUT[] = "--timeout needs a number of seconds, at most 3600";
@@ -45,13 +48,16 @@ class OnlineCommands : public COnlineMachine
 TEST_F(OnlineCommands, ShowWhatTheHostAnswers)
 {
     SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_a.dll,,nobody.dll"));
-    const std::string list = " 1  test_plugin_a.dll        loaded\n"
-                             " 2  nobody.dll               NOT loaded\n"
-                             "This is the configured order. Moves since the last start do not show.\n";
+    const std::string list =
+        " 1  test_plugin_a.dll        loaded      at the next start: loaded\n"
+        " 2  nobody.dll               NOT loaded  at the next start: NOT loaded: there is no such DLL\n"
+        "This is the configured order. Moves and removals since the last start do not show.\n";
     const std::string listJson =
-        "\"configured\": true,\"plugins\": [{\"name\": \"test_plugin_a.dll\",\"loaded\": true},"
-        "{\"name\": \"nobody.dll\",\"loaded\": false}],"
-        "\"order\": \"configured\"}";
+        "\"configured\": true,\"plugins\": [{\"name\": \"test_plugin_a.dll\",\"loaded\": true,"
+        "\"loadedAtNextStart\": true,\"leftOut\": false,\"trouble\": null},"
+        "{\"name\": \"nobody.dll\",\"loaded\": false,\"loadedAtNextStart\": false,\"leftOut\": false,"
+        "\"trouble\": \"there is no such DLL\"}],\"order\": \"configured\"," +
+        std::string(NOTHING_ELSE);
     const std::string status =
         "Host         in service, version VERSION\n"
         "Chain        wpnGina.dll > lum_gina.dll > msgina.dll; to the host, lum_gina.dll is in it\n"
@@ -74,12 +80,13 @@ TEST_F(OnlineCommands, ShowWhatTheHostAnswers)
     for (const CCommandRow& row : std::initializer_list<CCommandRow>{
              {"ping", STATUS_DONE, "A host is in service.\n", ""},
              {"ping --json", STATUS_DONE, "{\"inService\": true}", ""},
-             {"gina enable --json", STATUS_FAILED, "", NOT_DONE},
+             {"gina enable --json", STATUS_DONE, "{\"done\": true}", ""},
              {"monitor off --json", STATUS_DONE, "{\"done\": true}", ""},
-             {"status", STATUS_DONE, status, ""},
-             {"status --json", STATUS_DONE, statusJson, ""},
-             {"plugins list", STATUS_DONE, list, ""},
-             {"plugins list --json", STATUS_DONE, "{" + listJson, ""},
+             {std::string("status") + SYSTEM, STATUS_DONE, status, ""},
+             {std::string("status --json") + SYSTEM, STATUS_DONE, statusJson, ""},
+             {std::string("plugins list") + SYSTEM, STATUS_DONE, list, ""},
+             {std::string("plugins list --json") + SYSTEM, STATUS_DONE, "{" + listJson, ""},
+             {std::string("plugins list --check") + SYSTEM, STATUS_BAD, list, ""},
              {"plugins info MSGINA.dll", STATUS_DONE, szRecord, ""},
              {"plugins info msgina.dll --json", STATUS_DONE, szRecordJson, ""},
              {"plugins info nobody.dll", STATUS_BAD, "", "nobody.dll is not loaded, or does not tell"},
@@ -114,35 +121,94 @@ TEST_F(OnlineCommands, HandAPluginItsNumbers)
 
 TEST_F(OnlineCommands, ChangeTheHost)
 {
+    const std::string followed = "Done: Winlogon follows it at the next start.\n";
     const struct
     {
-        const char* szCommandLine;
-        bool bDone;
+        CCommandRow row;
         const char* szState;
     } rows[] = {
-        {"plugins up test_plugin_b.dll", true, "wpnGina | b,a,c,msgina | a,b,c"},
-        {"plugins up test_plugin_b.dll", false, "wpnGina | b,a,c,msgina | a,b,c"},
-        {"plugins down test_plugin_a.dll", true, "wpnGina | b,c,a,msgina | a,b,c"},
-        {"plugins down nobody.dll", false, "wpnGina | b,c,a,msgina | a,b,c"},
-        {"plugins remove test_plugin_a.dll", true, "wpnGina | b,c,a,msgina | b,c"},
-        {"plugins remove TEST_PLUGIN_B.dll --now", true, "wpnGina | c,a,msgina | c"},
-        {"plugins remove nobody.dll --now", false, "wpnGina | c,a,msgina | c"},
-        {"plugins add test_plugin_a.dll", true, "wpnGina | c,a,msgina | c,a"},
-        {"plugins add test_plugin_b.dll --now", true, "wpnGina | c,a,b,msgina | c,a,b"},
-        {"plugins add nobody.dll --now", false, "wpnGina | c,a,b,msgina | c,a,b"},
-        {"gina remove wpnGina.dll", true, "lum_gina | c,a,b,msgina | c,a,b"},
-        {"gina remove wpnGina.dll", false, "lum_gina | c,a,b,msgina | c,a,b"},
-        {"gina disable", true, "(none) | c,a,b,msgina | c,a,b"},
-        {"gina enable", true, "lum_gina | c,a,b,msgina | c,a,b"},
-        {"monitor on", true, "lum_gina | c,a,b,msgina | c,a,b | monitored"},
-        {"monitor off", true, "lum_gina | c,a,b,msgina | c,a,b"},
+        {{"plugins up test_plugin_b.dll", STATUS_DONE,
+          "Done: until the next start test_plugin_b.dll is called earlier.\n"},
+         "wpnGina | b,a,c,msgina | a,b,c"},
+        {{"plugins up test_plugin_b.dll", STATUS_FAILED, "",
+          NOT_DONE + std::string(" (test_plugin_b.dll is the first already, or calls inside the plugins did "
+                                 "not end)")},
+         "wpnGina | b,a,c,msgina | a,b,c"},
+        {{"plugins down test_plugin_a.dll --json", STATUS_DONE,
+          "{\"done\": true,\"takesEffect\": \"untilNextStart\"}"},
+         "wpnGina | b,c,a,msgina | a,b,c"},
+        {{"plugins down nobody.dll", STATUS_FAILED, "",
+          NOT_DONE + std::string(" (nobody.dll is not loaded)")},
+         "wpnGina | b,c,a,msgina | a,b,c"},
+        {{"plugins remove test_plugin_a.dll", STATUS_DONE,
+          "Done: at the next start test_plugin_a.dll is not loaded any more.\n"},
+         "wpnGina | b,c,a,msgina | b,c"},
+        {{"plugins remove test_plugin_a.dll", STATUS_REFUSED, "",
+          "test_plugin_a.dll is not configured (see lumctl plugins list); nothing has changed"},
+         "wpnGina | b,c,a,msgina | b,c"},
+        {{"plugins remove TEST_PLUGIN_B.dll --now", STATUS_DONE,
+          "Done: TEST_PLUGIN_B.dll is not loaded any more.\n"},
+         "wpnGina | c,a,msgina | c"},
+        {{"plugins remove msgina.dll --now", STATUS_REFUSED, "",
+          "msgina.dll is the GINA that the host passes through to, and no plugin; nothing has changed"},
+         "wpnGina | c,a,msgina | c"},
+        {{"plugins remove test_plugin_a.dll --now", STATUS_DONE,
+          "Done: test_plugin_a.dll is not loaded any more.\n"},
+         "wpnGina | c,msgina | c"},
+        {{std::string("plugins add test_plugin_a.dll") + SYSTEM, STATUS_DONE,
+          "Done: at the next start test_plugin_a.dll is loaded.\n"},
+         "wpnGina | c,msgina | c,a"},
+        {{"plugins add test_plugin_a.dll", STATUS_DONE,
+          "test_plugin_a.dll is configured already; nothing to do.\n"},
+         "wpnGina | c,msgina | c,a"},
+        {{"plugins add test_plugin_a.dll --now", STATUS_DONE, "Done: test_plugin_a.dll is loaded.\n"},
+         "wpnGina | c,a,msgina | c,a"},
+        {{"plugins add test_plugin_a.dll --now", STATUS_DONE,
+          "test_plugin_a.dll is configured already; nothing to do.\n"},
+         "wpnGina | c,a,msgina | c,a"},
+        {{"plugins add test_plugin_b.dll --now", STATUS_DONE, "Done: test_plugin_b.dll is loaded.\n"},
+         "wpnGina | c,a,b,msgina | c,a,b"},
+        {{"plugins add nobody.dll --now", STATUS_FAILED, "",
+          NOT_DONE + std::string(" (nobody.dll: there is no such DLL)")},
+         "wpnGina | c,a,b,msgina | c,a,b"},
+        {{"plugins add nobody.dll", STATUS_REFUSED, "",
+          "the host could not load nobody.dll: there is no such DLL. Nothing has changed (--force adds it "
+          "all "
+          "the same)"},
+         "wpnGina | c,a,b,msgina | c,a,b"},
+        {{"plugins up test_plugin_a.dll --in-service", STATUS_DONE,
+          "HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina\n  Plugins: "
+          "\"test_plugin_c.dll,test_plugin_a.dll,test_plugin_b.dll\" -> "
+          "\"test_plugin_a.dll,test_plugin_c.dll,test_plugin_b.dll\"\n"
+          "Written and read back: at the next start test_plugin_a.dll is loaded earlier.\n"},
+         "wpnGina | c,a,b,msgina | a,c,b"},
+        {{std::string("gina remove wpnGina.dll") + SYSTEM, STATUS_DONE, followed},
+         "lum_gina | c,a,b,msgina | a,c,b"},
+        {{"gina remove wpnGina.dll", STATUS_REFUSED, "",
+          "gina remove wpnGina.dll: there is no such GINA in the chain (see lumctl chain show)"},
+         "lum_gina | c,a,b,msgina | a,c,b"},
+        {{std::string("gina disable") + SYSTEM, STATUS_DONE, followed}, "(none) | c,a,b,msgina | a,c,b"},
+        {{"gina disable", STATUS_DONE, "lum_gina.dll is not in the chain; nothing to do.\n"},
+         "(none) | c,a,b,msgina | a,c,b"},
+        {{std::string("gina enable") + SYSTEM, STATUS_DONE, followed}, "lum_gina | c,a,b,msgina | a,c,b"},
+        {{"monitor on", STATUS_DONE, "Done.\n"}, "lum_gina | c,a,b,msgina | a,c,b | monitored"},
+        {{"monitor off", STATUS_DONE, "Done.\n"}, "lum_gina | c,a,b,msgina | a,c,b"},
     };
     StartServer();
     for (const auto& row : rows) {
-        ExpectRun({row.szCommandLine, row.bDone ? STATUS_DONE : STATUS_FAILED, row.bDone ? "Done.\n" : "",
-                   row.bDone ? "" : NOT_DONE});
-        EXPECT_EQ(Describe(), row.szState) << row.szCommandLine;
+        ExpectRun(row.row);
+        EXPECT_EQ(Describe(), row.szState) << row.row.commandLine;
     }
+    // The machine comes up with the host, which makes do with msgina.dll, and would not without it.
+    SetString(OWN_KEY, TEXT("GinaDLL"), TEXT("wpnGina.dll"));
+    SetString(TEXT("SOFTWARE\\Tamsin\\Airlink\\wpnGina"), TEXT("OldGinaDLL"), TEXT("msgina.dll"));
+    ExpectRun(
+        {std::string("gina disable") + SYSTEM, STATUS_REFUSED,
+         "after this change: danger: Winlogon loads wpnGina.dll, and there is no such DLL\n"
+         "  remedy: put wpnGina.dll into the system directory\n",
+         "gina disable: the machine would not come up: Winlogon loads wpnGina.dll, and there is no such "
+         "DLL. Nothing was written (--force writes all the same)"});
+    EXPECT_EQ(Describe(), "lum_gina | c,a,b,msgina | a,c,b");
     // The host cannot read or write a list that is longer.
     const char* const TOO_LONG =
         "the list of plugins is, or would be, longer than 259 characters, which the host "
@@ -176,35 +242,43 @@ TEST_F(OnlineCommands, SayThatTheHostDoesNotAnswer)
 
 TEST_F(OnlineCommands, SayThatThereIsNoHost)
 {
-    const std::string list = " 1  test_plugin_a.dll        configured\n"
-                             " 2  test_plugin_b.dll        configured\n"
-                             " 3  test_plugin_c.dll        configured\n"
+    SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_a.dll,test_plugin_b.dll"));
+    const std::string list = " 1  test_plugin_a.dll        configured  at the next start: loaded\n"
+                             " 2  test_plugin_b.dll        configured  at the next start: loaded\n"
                              "No host is in service; this is the configuration.\n";
-    const std::string listJson =
-        "\"configured\": true,\"plugins\": [{\"name\": \"test_plugin_a.dll\",\"loaded\": null},"
-        "{\"name\": \"test_plugin_b.dll\",\"loaded\": null},"
-        "{\"name\": \"test_plugin_c.dll\",\"loaded\": null}],"
-        "\"order\": \"configured\"}";
+    const std::string rest2 = "\",\"loaded\": null,\"loadedAtNextStart\": true,\"leftOut\": false,"
+                              "\"trouble\": null}";
+    const std::string listJson = "\"configured\": true,\"plugins\": [{\"name\": \"test_plugin_a.dll" + rest2 +
+                                 ",{\"name\": \"test_plugin_b.dll" + rest2 + "],\"order\": \"configured\"," +
+                                 NOTHING_ELSE;
     const std::string rest = "Chain        wpnGina.dll > lum_gina.dll > msgina.dll\nPassthrough  msgina.dll\n"
                              "Monitor      every 3600 s; no request tells whether it runs\nPlugins\n" +
                              list;
     host.reset();
-    ExpectRun({"status", STATUS_BAD, "Host         marked as in service, and does not answer\n" + rest, ""});
+    ExpectRun({std::string("status") + SYSTEM, STATUS_BAD,
+               "Host         marked as in service, and does not answer\n" + rest, ""});
     SetDword(VOLATILE_KEY, TEXT("Enabled"), 0);
     for (const CCommandRow& row : std::initializer_list<CCommandRow>{
              {"ping", STATUS_BAD, "No host is in service.\n", ""},
-             {"status", STATUS_BAD, "Host         not in service\n" + rest, ""},
-             {"status --json", STATUS_BAD,
+             {std::string("status") + SYSTEM, STATUS_BAD, "Host         not in service\n" + rest, ""},
+             {std::string("status --json") + SYSTEM, STATUS_BAD,
               "{\"answers\": false,\"markedEnabled\": false,"
               "\"chain\": [\"wpnGina.dll\",\"lum_gina.dll\",\"msgina.dll\"],\"passthrough\": {\"name\": "
               "\"msgina.dll\"},"
               "\"monitor\": null,\"monitorSeconds\": 3600," +
                   listJson,
               ""},
-             {"plugins list", STATUS_DONE, list, ""},
-             {"plugins list --json", STATUS_DONE, "{" + listJson, ""},
+             {std::string("plugins list") + SYSTEM, STATUS_DONE, list, ""},
+             {std::string("plugins list --json") + SYSTEM, STATUS_DONE, "{" + listJson, ""},
              {"version", STATUS_FAILED, "", NO_HOST},
-             {"plugins add x.dll", STATUS_FAILED, "", NO_HOST},
+             {std::string("plugins list --check") + SYSTEM, STATUS_BAD, list, ""},
+             {"plugins add x.dll --now", STATUS_FAILED, "", NO_HOST},
+             {"plugins add test_plugin_b.dll", STATUS_DONE,
+              "test_plugin_b.dll is configured already; nothing to do.\n", ""},
+             {"plugins down test_plugin_b.dll", STATUS_DONE,
+              "test_plugin_b.dll is the last already; nothing to do.\n", ""},
+             {"plugins remove test_plugin_a.dll --json", STATUS_DONE,
+              "{\"done\": true,\"takesEffect\": \"nextStart\"}", ""},
              {"plugins info x.dll --json", STATUS_FAILED, "", NO_HOST},
              {"plugins query x.dll", STATUS_FAILED, "", NO_HOST},
              {"gina enable", STATUS_FAILED, "", NO_HOST},
@@ -213,6 +287,7 @@ TEST_F(OnlineCommands, SayThatThereIsNoHost)
     {
         ExpectRun(row);
     }
+    EXPECT_EQ(GetValue(OWN_KEY, TEXT("Plugins")), "\"test_plugin_b.dll\"");
 }
 
 class CommandsAtAFalseServer : public CFalseServer

@@ -16,9 +16,11 @@ inline constexpr unsigned OPTION_NOW = 0x20;
 inline constexpr unsigned OPTION_TIMEOUT = 0x40;
 inline constexpr unsigned OPTION_IN_SERVICE = 0x80;
 
-/// Another bit of CCommand::options: the command changes something. Its exit status tells of the change, even
-/// when the output cannot be printed.
-inline constexpr unsigned IS_CHANGE = 0x100;
+inline constexpr unsigned OPTION_HIVE = 0x100;
+inline constexpr unsigned OPTION_CHECK = 0x200;
+
+/// Beside them: what counts of the command is what it changes, and not what it has to say.
+inline constexpr unsigned IS_CHANGE = 0x400;
 
 /// The arguments and options of a command.
 struct CArguments
@@ -30,11 +32,13 @@ struct CArguments
     bool bForce = false;
     bool bInService = false;
     bool bNow = false;
-    /// Where GINAs are looked for; empty for where the system looks.
+    bool bCheck = false;
+    /// Empty for the system's own.
     std::string system;
     /// The .reg file that is the machine's registry; empty for the system's own registry.
     std::string registry;
-    /// The text of the number; empty for the default.
+    std::string hive;
+    /// As it was given; empty for the default.
     std::string timeout;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "CommandLine.h"
+#include "MachineScope.h"
 #include "Usage.h"
 
 namespace {
@@ -70,7 +71,6 @@ struct CGiven
 {
     CArguments arguments;
     unsigned options = 0;
-    bool bHelp = false;
 
     COption Flag(const char* szName, unsigned nBit, bool CArguments::*pMember)
     {
@@ -93,6 +93,8 @@ struct CGiven
 ExitStatus RunCommandLine(int argc, const char* const* argv, std::string& output, bool& bIsChange)
 {
     CGiven given;
+    bool bHelp = false;
+    bool bVersion = false;
     std::vector<std::string> words =
         ParseCommandLine(argc, argv,
                          {given.Flag("--json", OPTION_JSON, &CArguments::bJson),
@@ -100,17 +102,20 @@ ExitStatus RunCommandLine(int argc, const char* const* argv, std::string& output
                           given.Flag("--force", OPTION_FORCE, &CArguments::bForce),
                           given.Flag("--in-service", OPTION_IN_SERVICE, &CArguments::bInService),
                           given.Flag("--now", OPTION_NOW, &CArguments::bNow),
+                          given.Flag("--check", OPTION_CHECK, &CArguments::bCheck),
                           given.Text("--timeout", OPTION_TIMEOUT, &CArguments::timeout),
                           given.Text("--system", OPTION_SYSTEM, &CArguments::system),
                           given.Text("--registry", OPTION_REGISTRY, &CArguments::registry),
-                          FlagOption("--help", given.bHelp)});
-    if (given.bHelp) {
-        output += GetUsage();
+                          given.Text("--hive", OPTION_HIVE, &CArguments::hive), FlagOption("--help", bHelp),
+                          FlagOption("-h", bHelp), FlagOption("--version", bVersion)});
+    if (bHelp || bVersion) {
+        output += bHelp ? GetUsage() : std::string("lumctl ") + LUMCTL_VERSION + "\n";
         return STATUS_DONE;
     }
     const CCommand& command = TakeCommand(words);
     CheckWords(command, words);
     CheckOptions(command, given.options);
+    CMachineScope::RequireOne(given.arguments);
     given.arguments.words = words;
     bIsChange = (command.options & IS_CHANGE) != 0 && !given.arguments.bDryRun;
     return command.pfnRun(given.arguments, output);

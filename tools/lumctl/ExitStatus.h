@@ -3,6 +3,7 @@
 /// What a script sees of a command. The numbers never change.
 enum ExitStatus
 {
+    /// Also of a change, when all is as it was to become already.
     STATUS_DONE = 0,
     /// The answer is no, or something is not as it should be.
     STATUS_BAD = 1,
@@ -14,6 +15,7 @@ enum ExitStatus
     STATUS_REFUSED = 4,
     /// It failed halfway, and what was written could not be taken back.
     STATUS_HALF_DONE = 5,
-    /// Nothing bad was found, but not everything could be seen; nothing has changed.
+    /// Nothing bad was found, and not everything could be seen; nothing has changed. Of a host that did not
+    /// answer: whether it does what it was asked to do.
     STATUS_UNCERTAIN = 6,
 };

@@ -8,17 +8,29 @@ namespace {
 constexpr std::size_t LINE_WIDTH = 78;
 constexpr int NAME_WIDTH = 22;
 
+constexpr char STATUSES[] =
+    "Exit status: 0 done, or done already; 1 not as it should be, 2 wrong command line, 3 failed, 4 refused, "
+    "5 "
+    "half done, 6 cannot be told. A command that did not do what it was to do has changed nothing, unless "
+    "the "
+    "status is 5, or 6 because a host did not answer: it may have done it, or do it yet.";
+
 constexpr COptionHelp HELPS[] = {
     {OPTION_JSON, "--json", "", "print JSON"},
     {OPTION_DRY_RUN, "--dry-run", "", "print what would be written, and write nothing"},
     {OPTION_FORCE, "--force", "",
-     "make also a change after which the machine does not come up, or replace a backup file"},
+     "make also a change after which the machine does not come up, add a plugin whose DLL cannot be "
+     "loaded, or replace a backup file"},
     {OPTION_IN_SERVICE, "--in-service", "",
-     "change the chain also while lum_gina.dll is in service, which may take the change back"},
+     "change the registry itself also while lum_gina.dll is in service, which may take back what concerns "
+     "the chain"},
     {OPTION_NOW, "--now", "", "load or unload the plugin as well, and at once"},
+    {OPTION_CHECK, "--check", "", "end with status 1 when something configured is not in service"},
     {OPTION_TIMEOUT, "--timeout", "SECONDS", "wait this long for each answer of the host; 30 if not given"},
     {OPTION_SYSTEM, "--system", "DIRECTORY",
-     "look for GINAs in this directory instead of where Winlogon looks"},
+     "look for DLLs in this directory instead of where Winlogon looks"},
+    {OPTION_HIVE, "--hive", "KEY",
+     "the machine is a stopped one, whose SOFTWARE hive was loaded to this key below HKEY_LOCAL_MACHINE"},
     {OPTION_REGISTRY, "--registry", "FILE",
      "the machine's registry is this .reg file; not on Windows, where the system's own is used"},
 };
@@ -58,7 +70,10 @@ std::string GetUsage()
     for (const COptionHelp& option : HELPS) {
         text += Row(WithArgument(option.szName, option.szArgument), option.szHelp);
     }
-    return text + "\nExit status: 0 done, 1 not as it should be, 2 wrong command line, 3 failed,\n"
-                  "4 refused, 5 half done, 6 cannot be told. Unless it is 5, a command that did not\n"
-                  "do what it was to do has changed nothing.\n";
+    text += Row("-h, --help", "print this") + Row("--version", "print the version of lumctl");
+    text += '\n';
+    for (const std::string& line : Wrap(STATUSES, LINE_WIDTH)) {
+        text += line + "\n";
+    }
+    return text;
 }

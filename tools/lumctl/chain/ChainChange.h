@@ -2,25 +2,26 @@
 
 #include "ChainFindings.h"
 #include "Command.h"
+#include "ValueChange.h"
 
-/// Values of a chain that are to be written, together.
-struct CChainChange
+/// A change of the values of a chain.
+struct CChainChange : CValueChange
 {
-    CChainValues before;
-    /// All values as they are to be. Those that differ are written.
-    CChainValues after;
-    /// What was asked for, as in "chain enable".
-    std::string command;
-    /// The same for a host in service, as in "gina enable"; empty when there is no such command.
+    /// The command for a host in service, as in "gina enable"; empty when there is no such command.
     std::string onlineCommand;
 };
 
+/// Prints what would be wrong with the machine after a change, and gives whether it would not come up.
+/// Refuses a change that would keep a working machine from starting, unless it is forced. Throws CUsageError
+/// and CCommandError.
+bool IsDangerous(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
+                 std::string& output);
+
 /// Prints a change, writes it and reads it back. The machine can start after each single write.
 ///
-/// Refuses a change that would keep a working machine from starting, unless it is forced. Refuses every
-/// change while a host is in service, unless the arguments say that the caller knows of it. If a write fails,
-/// the values from before are restored. Returns STATUS_BAD when the machine will not be able to start after
-/// the change. Throws CCommandError.
+/// Refuses what IsDangerous refuses, and every change while a host is in service, unless the arguments say
+/// that the caller knows of it. If a write fails, the values from before are restored. Returns STATUS_BAD
+/// when the machine will not be able to start after the change. Throws CUsageError and CCommandError.
 ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
                       std::string& output);
 

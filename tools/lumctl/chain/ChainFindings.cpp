@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+#include "DllTrouble.h"
 #include "GinaNames.h"
 #include "JsonWriter.h"
 #include "chaining/KnownGinas.h"
+#include "plugins/PluginFindings.h"
 
 namespace {
 
@@ -12,15 +14,6 @@ const char* NameOf(Severity severity)
 {
     static constexpr const char* NAMES[] = {"danger", "doubt", "warning"};
     return NAMES[static_cast<int>(severity)];
-}
-
-std::string Join(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const std::string& name : names) {
-        text += (text.empty() ? "" : ", ") + name;
-    }
-    return text;
 }
 
 class CChecker
@@ -40,6 +33,9 @@ public:
             }
         }
         CheckEnd();
+        if (m_view.HasGina(HOST_GINA)) {
+            AddOwnFindings(system, moment, m_findings);
+        }
     }
 
     std::vector<CFinding> m_findings;
@@ -69,13 +65,19 @@ private:
 
     void CheckWinlogon()
     {
-        if (m_view.winlogon && m_view.IsSystemGinaImplied()) {
+        if (m_view.IsWinlogonNoText()) {
+            Add(Severity::Danger,
+                Describe(WinlogonPlace()) + " is " + Describe(m_view.winlogon) +
+                    ", and nobody knows what Winlogon loads by that",
+                Remedy("delete this value: Winlogon then loads msgina.dll", "enable"));
+        } else if (m_view.winlogon && m_view.IsSystemGinaImplied()) {
             Add(Severity::Doubt, Describe(WinlogonPlace()) + " is there and names no GINA",
                 Remedy("delete this value", "enable"));
         }
     }
 
-    /// The library reads any bytes as a text. Nobody knows what Winlogon and other GINAs do.
+    /// The library takes any bytes for a text; what Winlogon and other GINAs do is not known. Here they count
+    /// as no name.
     void CheckValue(const CValuePlace& place, const CValueData& data)
     {
         if (IsTooLong(data)) {
@@ -83,9 +85,9 @@ private:
                 Describe(place) + " is a name of more than 259 characters, which nobody loads",
                 "set it to the name of a GINA, such as msgina.dll");
         }
-        if (data && !IsText(data)) {
+        if (data && !IsText(data) && !(place == WinlogonPlace())) {
             Add(Severity::Doubt, Describe(place) + " is " + Describe(data),
-                "delete this value, and write it as a text (REG_SZ)");
+                "delete this value, and write it as a text (REG_SZ), such as msgina.dll");
         }
     }
 
@@ -93,23 +95,8 @@ private:
     std::string TroubleWithDll(std::size_t nLink) const
     {
         const CLinkView& link = m_view.links[nLink];
-        const std::string path = Shown(link.dll.path);
-        switch (link.dll.state) {
-        case CDllFile::State::Missing:
-            return Name(nLink) + ", and there is no such DLL";
-        case CDllFile::State::Unreadable:
-            return Format("%s, and %s cannot be read (error %u, see net helpmsg)", Name(nLink).c_str(),
-                          path.c_str(), static_cast<unsigned>(link.dll.dwError));
-        case CDllFile::State::Unusable:
-            return Name(nLink) + ", and " + path +
-                   (link.dll.missingImport.empty()
-                        ? " is no whole DLL of this system"
-                        : " needs " + Shown(ToWide(link.dll.missingImport)) + ", and there is no such DLL");
-        default:
-            return link.missing.empty()
-                       ? std::string()
-                       : Name(nLink) + ", and " + path + " is no GINA: it lacks " + Join(link.missing);
-        }
+        const std::string trouble = DescribeTrouble(link.dll, link.missing, "GINA");
+        return trouble.empty() ? trouble : Name(nLink) + ", and " + trouble;
     }
 
     std::string RemedyForDll(std::size_t nLink) const
@@ -156,8 +143,10 @@ private:
             CheckUnknown(last, name);
         } else if (m_view.end == ChainEnd::NoPassthrough) {
             const bool bTolerated = last.IsHost() && m_bFallback;
+            const bool bNoText = last.passthrough && !IsText(last.passthrough);
             Add(bTolerated ? Severity::Warning : Severity::Danger,
-                name + " passes through to nothing" + (bTolerated ? "; it makes do with msgina.dll" : ""),
+                name + " passes through to nothing" + (bNoText ? " that is a text" : "") +
+                    (bTolerated ? "; it makes do with msgina.dll" : ""),
                 RemedyForPassthrough(last));
         } else if (m_view.end == ChainEnd::Cycle) {
             Add(Severity::Danger,

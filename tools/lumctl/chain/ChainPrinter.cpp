@@ -33,6 +33,13 @@ std::string DescribePassthrough(const CLinkView& link)
                       : std::string("keeps nobody knows where what it passes through to");
 }
 
+std::string DescribeWinlogon(const CChainView& view)
+{
+    return Describe(view.winlogon) + (view.IsWinlogonNoText()      ? ", taken here for none"
+                                      : view.IsSystemGinaImplied() ? ", so it loads its own GINA"
+                                                                   : "");
+}
+
 std::string DescribeEnd(const CChainView& view)
 {
     const std::string last = Shown(view.links.back().gina);
@@ -103,10 +110,9 @@ const char* NameOf(ChainEnd end)
     return NAMES[static_cast<int>(end)];
 }
 
-void PrintChain(const CChainView& view, std::string& output)
+void PrintChain(const CChainView& view, const CDllSearch& search, std::string& output)
 {
-    output += "Winlogon  " + Describe(WinlogonPlace()) + " = " + Describe(view.winlogon) +
-              (view.IsSystemGinaImplied() ? ", so it loads its own GINA\n" : "\n");
+    output += "Winlogon  " + Describe(WinlogonPlace()) + " = " + DescribeWinlogon(view) + "\n";
     std::size_t cchName = 0;
     for (const CLinkView& link : view.links) {
         cchName = std::max(cchName, Shown(link.gina).size());
@@ -118,13 +124,16 @@ void PrintChain(const CChainView& view, std::string& output)
                          DescribePassthrough(link).c_str());
     }
     output += DescribeEnd(view) + "\n";
+    if (!search.doubt.empty()) {
+        output += DescribeDoubt(search) + ".\n";
+    }
     if (view.bInService) {
         output += "lum_gina.dll is in service: change the chain through it (lumctl gina enable, disable, "
                   "remove).\n";
     }
 }
 
-void PrintChainJson(const CChainView& view, std::string& output)
+void PrintChainJson(const CChainView& view, const CDllSearch& search, std::string& output)
 {
     CJsonWriter json(output);
     json.BeginObject();
@@ -137,5 +146,15 @@ void PrintChainJson(const CChainView& view, std::string& output)
     json.Text("end", std::string(NameOf(view.end)));
     json.Bool("hostInChain", view.HasGina(HOST_GINA));
     json.Bool("inService", view.bInService);
+    json.BeginArray("dllDirectories");
+    for (const WideText& directory : search.directories) {
+        json.Text(nullptr, directory);
+    }
+    json.EndArray();
+    if (search.doubt.empty()) {
+        json.Null("dllDirectoriesDoubt");
+    } else {
+        json.Text("dllDirectoriesDoubt", search.doubt);
+    }
     json.EndObject();
 }

@@ -5,6 +5,7 @@
 
 #include "CommandError.h"
 #include "GinaNames.h"
+#include "MachineScope.h"
 
 namespace {
 
@@ -41,7 +42,8 @@ public:
 /// Opens a key with the same access as the library, so that both see the same chain.
 LONG Open(const CValuePlace& place, COpenKey& key)
 {
-    return RegOpenKeyExW(HKEY_LOCAL_MACHINE, place.key.c_str(), 0, KEY_ALL_ACCESS, &key.m_hKey);
+    return RegOpenKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(place.key).c_str(), 0, KEY_ALL_ACCESS,
+                         &key.m_hKey);
 }
 
 LONG Query(HKEY hKey, const CValuePlace& place, Platform::CRegistryData& data)
@@ -62,8 +64,8 @@ LONG Store(const CValuePlace& place, const Platform::CRegistryData& data)
 {
     COpenKey key;
     const LONG lResult =
-        RegCreateKeyExW(HKEY_LOCAL_MACHINE, place.key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                        KEY_ALL_ACCESS, nullptr, &key.m_hKey, nullptr);
+        RegCreateKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(place.key).c_str(), 0, nullptr,
+                        REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key.m_hKey, nullptr);
     return lResult != ERROR_SUCCESS
                ? lResult
                : RegSetValueExW(key.m_hKey, place.name.c_str(), 0, data.dwType, data.bytes.data(),
@@ -104,11 +106,20 @@ void CChainValues::Set(const CValuePlace& place, const CValueData& data)
 
 WideText TextOf(const CValueData& data)
 {
-    WideText text(data ? data->bytes.size() / sizeof(WCHAR) : 0, 0);
+    WideText text(IsText(data) ? data->bytes.size() / sizeof(WCHAR) : 0, 0);
     if (!text.empty()) {
         std::memcpy(text.data(), data->bytes.data(), text.size() * sizeof(WCHAR));
     }
     return text.c_str();
+}
+
+DWORD NumberOf(const CValueData& data)
+{
+    DWORD dwNumber = 0;
+    if (data && data->dwType == REG_DWORD && data->bytes.size() == sizeof(dwNumber)) {
+        std::memcpy(&dwNumber, data->bytes.data(), sizeof(dwNumber));
+    }
+    return dwNumber;
 }
 
 bool IsTooLong(const CValueData& data)
@@ -131,7 +142,7 @@ CValueData MakeNumber(DWORD dwNumber)
 
 std::string DescribeKey(const CValuePlace& place)
 {
-    return "HKEY_LOCAL_MACHINE\\" + Shown(place.key);
+    return "HKEY_LOCAL_MACHINE\\" + Shown(CMachineScope::Resolve(place.key));
 }
 
 std::string Describe(const CValuePlace& place)

@@ -42,12 +42,14 @@ private:
     std::vector<CChainValue> m_values;
 };
 
-/// The text as the library reads it, whatever the type; empty when there is none.
+/// The text as the library reads it; empty when there is none. The library reads no longer one than
+/// LONGEST_NAME. It takes bytes of any type for one, but nothing is decided here by what is no text.
 WideText TextOf(const CValueData& data);
-/// Whether the value is longer than the library reads: its text has more than LONGEST_NAME characters, or the
-/// data has more than there is room for, whatever the text.
-bool IsTooLong(const CValueData& data);
+/// 0 when it is no REG_DWORD.
+DWORD NumberOf(const CValueData& data);
 CValueData MakeText(const WCHAR* szText);
+/// Whether it is more than the library reads: a name of more than LONGEST_NAME, whatever stands behind it.
+bool IsTooLong(const CValueData& data);
 CValueData MakeNumber(DWORD dwNumber);
 /// Whether it exists and has the type of a text.
 bool IsText(const CValueData& data);

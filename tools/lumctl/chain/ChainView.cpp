@@ -2,29 +2,12 @@
 
 #include <algorithm>
 
+#include "DllTrouble.h"
 #include "GinaNames.h"
 #include "GinaStandardExports.h"
 #include "chaining/KnownGinas.h"
 
 namespace {
-
-/// The host must have all exports. Of another GINA nobody knows which interface version it agrees on, so it
-/// must have those of the first.
-std::vector<std::string> FindMissingExports(const CDllFile& dll, bool bHost)
-{
-    const CGinaStandardExports exports;
-    std::vector<std::string> missing;
-    for (const CGinaExportBase* pExport = exports.m_Exports.m_pFirst; pExport != nullptr;
-         pExport = pExport->m_pNext)
-    {
-        const bool bNeeded =
-            bHost || (pExport->m_dwAboveVersion == 0 && pExport->m_missing == Missing::Fatal);
-        if (bNeeded && !dll.HasExport(pExport->m_szName)) {
-            missing.push_back(pExport->m_szName);
-        }
-    }
-    return missing;
-}
 
 CLinkView LookAt(COfflineChain& chain, const CChainValues& values, const WideText& system,
                  const WideText& gina)
@@ -41,7 +24,8 @@ CLinkView LookAt(COfflineChain& chain, const CChainValues& values, const WideTex
     }
     link.dll = InspectDll(chain.SpellingOf(gina).c_str(), system.c_str());
     if (link.dll.state == CDllFile::State::Usable) {
-        link.missing = FindMissingExports(link.dll, link.IsHost());
+        // The host exports all that there is; of others nobody knows which version they agree on.
+        link.missing = FindMissingExports(link.dll, CGinaStandardExports().m_Exports, link.IsHost());
     }
     return link;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ChainValues.h"
+#include "DllSearch.h"
 #include "OfflineChain.h"
 #include "machine/DllFile.h"
 
@@ -41,6 +42,8 @@ struct CChainView
 
     bool HasGina(const WCHAR* szGina) const;
     bool IsSystemGinaImplied() const { return TextOf(winlogon).empty(); }
+    /// What Winlogon makes of that is not known; here it counts as naming no GINA.
+    bool IsWinlogonNoText() const { return winlogon && !IsText(winlogon); }
 };
 
 /// The chain that the values make, whether the registry has them already or not. system: where DLLs are
@@ -49,6 +52,6 @@ CChainView FollowChain(COfflineChain& chain, const CChainValues& values, const W
 
 const char* NameOf(ChainEnd end);
 
-/// Prints a line for each GINA, and how the chain ends.
-void PrintChain(const CChainView& view, std::string& output);
-void PrintChainJson(const CChainView& view, std::string& output);
+/// Prints a line for each GINA, how the chain ends, and where DLLs were looked for if that is in doubt.
+void PrintChain(const CChainView& view, const CDllSearch& search, std::string& output);
+void PrintChainJson(const CChainView& view, const CDllSearch& search, std::string& output);

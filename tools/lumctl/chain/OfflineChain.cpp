@@ -4,24 +4,40 @@
 
 #include "CommandError.h"
 #include "GinaNames.h"
+#include "MachineScope.h"
 #include "Message.h"
 #include "chaining/KnownGinas.h"
 #include "machine/DllFile.h"
 
 COfflineChain::COfflineChain()
 {
-    // A registry without this key is not that of a machine. If the key were closed to the user, the machine
-    // would look as if it had no chain.
-    HKEY hKey = nullptr;
-    const LONG lResult = RegOpenKeyExW(HKEY_LOCAL_MACHINE, WINLOGON_KEY, 0, KEY_ALL_ACCESS, &hKey);
-    if (lResult == ERROR_FILE_NOT_FOUND) {
+    if (!HasWinlogonKey()) {
         throw CCommandError("the registry has no key " + DescribeKey(WinlogonPlace()));
     }
-    if (lResult != ERROR_SUCCESS) {
+}
+
+bool COfflineChain::HasWinlogonKey()
+{
+    HKEY hKey = nullptr;
+    const LONG lResult = RegOpenKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(WINLOGON_KEY).c_str(), 0,
+                                       KEY_ALL_ACCESS, &hKey);
+    if (lResult == ERROR_SUCCESS) {
+        RegCloseKey(hKey);
+        return true;
+    }
+    if (lResult != ERROR_FILE_NOT_FOUND) {
         ReadValue(WinlogonPlace());
         throw CCommandError("cannot open " + DescribeKey(WinlogonPlace()));
     }
-    RegCloseKey(hKey);
+    return false;
+}
+
+bool COfflineChain::HasOwnKey()
+{
+    HKEY hKey = nullptr;
+    return RegOpenKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(LUM_GINA_MTM).c_str(), 0, KEY_READ,
+                         &hKey) == ERROR_SUCCESS &&
+           RegCloseKey(hKey) == ERROR_SUCCESS;
 }
 
 const CChainingRecord* COfflineChain::Find(const WCHAR* szGinaDLL) const
@@ -127,8 +143,8 @@ CValueData COfflineChain::DataOf(const CChainWrite& write)
 
 bool COfflineChain::IsHostInService()
 {
-    const CValueData data = ReadValue({WideText(LUM_GINA_MTM) + TEXT("\\Volatile"), TEXT("Enabled")});
-    return data && data->dwType == REG_DWORD && !data->bytes.empty() && data->bytes[0] != 0;
+    return CMachineScope::IsThisMachine() &&
+           NumberOf(ReadValue({WideText(LUM_GINA_MTM) + TEXT("\\Volatile"), TEXT("Enabled")})) != 0;
 }
 
 CValuePlace WinlogonPlace()

@@ -13,6 +13,13 @@ public:
     /// Throws CCommandError when the registry is not that of a machine, or closed to the user.
     COfflineChain();
 
+    /// Whether the registry is that of a machine. Throws CCommandError when it is closed to the user, and
+    /// would look like that of a machine without a chain.
+    static bool HasWinlogonKey();
+
+    /// Whether it has a configuration of the host.
+    static bool HasOwnKey();
+
     /// What is known of a GINA, from the built-in table or from a chaining record. A record that the registry
     /// has is learned by that. The texts live as long as this object.
     std::optional<CChainingRecord> Know(const WCHAR* szGinaDLL);
@@ -39,7 +46,8 @@ public:
     /// no default, or Winlogon names no GINA.
     CValueData DataOf(const CChainWrite& write);
 
-    /// Whether a host is in service. It would take back a change that it has not made itself.
+    /// Whether a host is in service, which is never so on another machine than this one. It would take back a
+    /// change that it has not made itself.
     static bool IsHostInService();
 
 private:

@@ -1,6 +1,7 @@
 #include "RecommendedValues.h"
 
 #include "GinaNames.h"
+#include "MachineScope.h"
 
 namespace {
 
@@ -26,7 +27,8 @@ bool AddRecommendedValues(CChainValues& values)
 {
     bool bAdded = false;
     for (const CChainValue& value : RECOMMENDED) {
-        if (!ReadValue(value.place)) {
+        // A loaded hive has no event sources, which are in that of SYSTEM.
+        if (CMachineScope::Holds(value.place.key) && !ReadValue(value.place)) {
             values.Set(value.place, value.data);
             bAdded = true;
         }

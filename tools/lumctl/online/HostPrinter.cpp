@@ -18,9 +18,11 @@ std::string DescribeService(const CHostView& view)
 
 std::string DescribePassthrough(const CHostView& view)
 {
-    std::string text = view.passthrough.name.empty() ? "none configured" : Name(view.passthrough.name);
-    if (view.bAnswers && !view.passthrough.name.empty()) {
-        text += view.passthrough.bLoaded ? ", loaded" : ", NOT loaded";
+    std::string text = !view.passthroughTrouble.empty() ? view.passthroughTrouble
+                       : view.passthrough.empty()       ? "none configured"
+                                                        : Name(view.passthrough);
+    if (view.bAnswers && !view.passthrough.empty()) {
+        text += view.bPassthroughLoaded ? ", loaded" : ", NOT loaded";
     }
     if (view.bHasPassthroughRecord) {
         text += "; what is loaded speaks interface version " + DescribeVersion(view.dwPassthroughVersion);
@@ -58,52 +60,11 @@ std::string DescribeMonitor(const CHostView& view)
                : Format("every %u s; %s", static_cast<unsigned>(view.dwMonitorSeconds), unknown.c_str());
 }
 
-void PrintPluginArrayJson(CJsonWriter& json, const CPluginsView& view)
-{
-    json.Bool("configured", view.bConfigured);
-    json.BeginArray("plugins");
-    for (const CConfiguredDll& plugin : view.plugins) {
-        json.BeginObject();
-        json.Text("name", plugin.name);
-        if (view.bAnswers) {
-            json.Bool("loaded", plugin.bLoaded);
-        } else {
-            json.Null("loaded");
-        }
-        json.EndObject();
-    }
-    json.EndArray();
-    json.Text("order", std::string("configured"));
-}
-
 } // namespace
 
 std::string DescribeVersion(DWORD dwVersion)
 {
     return Format("0x%08x", static_cast<unsigned>(dwVersion));
-}
-
-void PrintPlugins(const CPluginsView& view, std::string& output)
-{
-    int nPlugin = 0;
-    for (const CConfiguredDll& plugin : view.plugins) {
-        output += Format("%2d  %-24s %s\n", ++nPlugin, Name(plugin.name).c_str(),
-                         !view.bAnswers   ? "configured"
-                         : plugin.bLoaded ? "loaded"
-                                          : "NOT loaded");
-    }
-    output += !view.bConfigured      ? "The registry holds no configuration of the host.\n"
-              : view.plugins.empty() ? "No plugins are configured.\n"
-              : view.bAnswers ? "This is the configured order. Moves since the last start do not show.\n"
-                              : "No host is in service; this is the configuration.\n";
-}
-
-void PrintPluginsJson(const CPluginsView& view, std::string& output)
-{
-    CJsonWriter json(output);
-    json.BeginObject();
-    PrintPluginArrayJson(json, view);
-    json.EndObject();
 }
 
 void PrintHost(const CHostView& view, std::string& output)
@@ -132,9 +93,9 @@ void PrintHostJson(const CHostView& view, std::string& output)
     }
     json.EndArray();
     json.BeginObject("passthrough");
-    json.Text("name", view.passthrough.name);
+    json.Text("name", view.passthrough);
     if (view.bAnswers) {
-        json.Bool("loaded", view.passthrough.bLoaded);
+        json.Bool("loaded", view.bPassthroughLoaded);
     }
     if (view.bHasPassthroughRecord) {
         json.Text("interfaceVersion", DescribeVersion(view.dwPassthroughVersion));
@@ -142,6 +103,6 @@ void PrintHostJson(const CHostView& view, std::string& output)
     json.EndObject();
     json.Null("monitor");
     json.Number("monitorSeconds", static_cast<long>(view.dwMonitorSeconds));
-    PrintPluginArrayJson(json, view);
+    AddPluginsJson(json, view);
     json.EndObject();
 }

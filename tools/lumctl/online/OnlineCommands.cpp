@@ -7,7 +7,8 @@
 #include "GinaNames.h"
 #include "HostView.h"
 #include "JsonWriter.h"
-#include "machine/RegistryFile.h"
+#include "MachineScope.h"
+#include "chain/DllSearch.h"
 
 namespace {
 
@@ -52,50 +53,6 @@ ExitStatus Question(Arguments arguments, std::string& output)
     const bool bYes = host.Ask(pfnAsk(host.Client(), arguments));
     PrintAnswer(arguments, "answer", bYes, bYes ? "yes\n" : "no\n", output);
     return bYes ? STATUS_DONE : STATUS_BAD;
-}
-
-/// Without room the host would cut the list off, or not read it at all, and answer all the same that it is
-/// done.
-void RequireRoom(std::size_t cchMore)
-{
-    const std::optional<std::size_t> cchList = MeasurePluginList();
-    if (!cchList || *cchList + cchMore > LONGEST_NAME) {
-        throw CCommandError("the list of plugins is, or would be, longer than 259 characters, which the host "
-                            "cannot read; nothing has changed");
-    }
-}
-
-ControlStatus AddPlugin(CControlClient& client, Arguments arguments)
-{
-    RequireRoom(FirstName(arguments).size() + 1);
-    return client.AddPlugin(FirstName(arguments), arguments.bNow);
-}
-
-ControlStatus RemovePlugin(CControlClient& client, Arguments arguments)
-{
-    RequireRoom(0);
-    return client.RemovePlugin(FirstName(arguments), arguments.bNow);
-}
-
-ControlStatus MoveUp(CControlClient& client, Arguments arguments)
-{
-    return client.IncreasePriority(FirstName(arguments));
-}
-
-ControlStatus MoveDown(CControlClient& client, Arguments arguments)
-{
-    return client.DecreasePriority(FirstName(arguments));
-}
-
-template <bool bEnable>
-ControlStatus EnableGina(CControlClient& client, Arguments)
-{
-    return client.EnableGina(bEnable);
-}
-
-ControlStatus RemoveGina(CControlClient& client, Arguments arguments)
-{
-    return client.RemoveGina(FirstName(arguments));
 }
 
 template <bool bEnable>
@@ -199,45 +156,28 @@ ExitStatus Passthrough(Arguments arguments, std::string& output)
     return STATUS_DONE;
 }
 
-ExitStatus ListPlugins(Arguments arguments, std::string& output)
-{
-    const CRegistryFile file(arguments.registry, CRegistryFile::Absence::IsError);
-    COnlineHost host(arguments);
-    (arguments.bJson ? PrintPluginsJson : PrintPlugins)(LookAtPlugins(host), output);
-    return STATUS_DONE;
-}
-
 ExitStatus Status(Arguments arguments, std::string& output)
 {
-    const CRegistryFile file(arguments.registry, CRegistryFile::Absence::IsError);
+    RequireDirectory(ToWide(arguments.system));
+    const CMachineScope scope(arguments);
     COnlineHost host(arguments);
-    const CHostView view = LookAtHost(host);
+    const CHostView view = LookAtHost(host, arguments);
     (arguments.bJson ? PrintHostJson : PrintHost)(view, output);
-    return view.bAnswers ? STATUS_DONE : STATUS_BAD;
+    const bool bGood = arguments.bCheck ? !LacksSomething(view) : view.bAnswers;
+    return bGood ? STATUS_DONE : STATUS_BAD;
 }
 
 constexpr unsigned ASKS = OPTION_TIMEOUT | OPTION_JSON;
-constexpr unsigned LOOKS = ASKS | OPTION_REGISTRY;
+constexpr unsigned LOOKS = ASKS | OPTION_REGISTRY | OPTION_HIVE | OPTION_SYSTEM | OPTION_CHECK;
 constexpr unsigned CHANGES = ASKS | IS_CHANGE;
 
 constexpr CCommand COMMANDS[] = {
     {"status", "", "show whether a host is in service, and what is known of it", LOOKS, Status},
     {"ping", "", "say whether a host is in service", ASKS, Ping},
     {"version", "", "show the version of the host in service", ASKS, Version},
-    {"plugins list", "", "show the configured plugins, and whether they are loaded", LOOKS, ListPlugins},
-    {"plugins add", "NAME", "configure a plugin as the last one", CHANGES | OPTION_NOW, Change<AddPlugin>},
-    {"plugins remove", "NAME", "take a plugin out of the configuration", CHANGES | OPTION_NOW,
-     Change<RemovePlugin>},
-    {"plugins up", "NAME", "call a loaded plugin earlier, until the next start", CHANGES, Change<MoveUp>},
-    {"plugins down", "NAME", "call a loaded plugin later, until the next start", CHANGES, Change<MoveDown>},
     {"plugins query", "NAME [P1] [P2] [P3]", "ask a loaded plugin, with up to three numbers", ASKS,
      Question<QueryPlugin>},
     {"plugins info", "NAME", "show the interface versions of a loaded plugin or GINA", ASKS, Info},
-    {"gina enable", "", "let the host put lum_gina.dll first into the chain", CHANGES,
-     Change<EnableGina<true>>},
-    {"gina disable", "", "let the host take lum_gina.dll out of the chain", CHANGES,
-     Change<EnableGina<false>>},
-    {"gina remove", "NAME", "let the host take another GINA out of the chain", CHANGES, Change<RemoveGina>},
     {"gina in-chain", "NAME", "ask whether a GINA is in the chain", ASKS, Question<IsInChain>},
     {"gina passthrough", "", "show the interface versions of the passthrough GINA", ASKS, Passthrough},
     {"monitor on", "", "let the host watch the chain for changes by others", CHANGES, Change<Monitor<true>>},

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Command.h"
+#include "chain/ValueChange.h"
+
+// What is to be written for a change of the plugins in a machine's registry, which the next start of its host
+// follows. Nothing when all is so already. The plugin is the first word of the arguments. Each throws
+// CUsageError for a name that no plugin can have, and CCommandError when the change is refused.
+
+std::optional<CValueChange> PlanAdd(const CArguments& arguments);
+std::optional<CValueChange> PlanRemove(const CArguments& arguments);
+std::optional<CValueChange> PlanUp(const CArguments& arguments);
+std::optional<CValueChange> PlanDown(const CArguments& arguments);
+std::optional<CValueChange> PlanRetry(const CArguments& arguments);
+
+/// Throws CUsageError when no plugin can have this name.
+void CheckPluginName(const std::string& name);
+
+/// Whether the registry has a plugin of this name. Throws CCommandError when its list cannot be understood.
+bool IsConfigured(const WideText& plugin);

@@ -1,0 +1,71 @@
+#include "PluginsView.h"
+
+#include <algorithm>
+
+#include "GinaNames.h"
+#include "MachineScope.h"
+#include "PluginDll.h"
+#include "PluginList.h"
+#include "SafeStartNotes.h"
+#include "chain/DllSearch.h"
+#include "chain/OfflineChain.h"
+
+namespace {
+
+CPluginView LookAt(const WideText& name, const CSafeStartNotes& notes, const CArguments& arguments)
+{
+    CPluginView plugin;
+    plugin.name = name;
+    plugin.trouble = notes.WhyLeftOut(name);
+    plugin.bLeftOut = !plugin.trouble.empty();
+    // The DLLs of a stopped machine are elsewhere.
+    const bool bFindable = !CMachineScope::IsHive() || !arguments.system.empty();
+    if (!plugin.bLeftOut && bFindable) {
+        plugin.trouble = FindPluginTrouble(name, ToWide(arguments.system));
+    }
+    return plugin;
+}
+
+} // namespace
+
+CPluginsView LookAtPlugins(COnlineHost& host, const CArguments& arguments)
+{
+    CPluginsView view;
+    view.bAnswers = CMachineScope::IsThisMachine() && host.IsThere();
+    view.bConfigured = COfflineChain::HasOwnKey();
+    if (!view.bConfigured) {
+        return view;
+    }
+    const CSafeStartNotes notes;
+    const CValueData list = ReadValue(PluginsPlace());
+    if (list && (!IsText(list) || IsTooLong(list))) {
+        view.unreadable = Describe(PluginsPlace()) + " is " +
+                          (IsText(list) ? "longer than 259 characters" : Describe(list));
+    }
+    if (!view.bAnswers) {
+        view.startEndedIn = notes.GetInPlugin();
+    }
+    for (const WideText& name : CPluginList(TextOf(list)).GetNames()) {
+        CPluginView& plugin = view.plugins.emplace_back(LookAt(name, notes, arguments));
+        plugin.bLoaded = view.bAnswers && host.Ask(host.Client().IsGinaInPluginList(name));
+    }
+    if (!view.plugins.empty() && !CMachineScope::IsThisMachine()) {
+        const CDllSearch search = GetDllSearch(ToWide(arguments.system));
+        view.dllDoubt =
+            CMachineScope::IsHive() && !search.doubt.empty()
+                ? "DLLs were not looked for: --system DIRECTORY must name the machine's system directory"
+                : DescribeDoubt(search);
+    }
+    return view;
+}
+
+bool LacksSomething(const CPluginsView& view)
+{
+    const auto lacks = [&](const CPluginView& plugin) {
+        // A host in service has shown itself which DLLs it can load.
+        return plugin.bLeftOut || (view.bAnswers                    ? !plugin.bLoaded
+                                   : CMachineScope::IsThisMachine() ? true
+                                                                    : !plugin.trouble.empty());
+    };
+    return !view.unreadable.empty() || std::any_of(view.plugins.begin(), view.plugins.end(), lacks);
+}
