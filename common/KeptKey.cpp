@@ -14,12 +14,12 @@ HKEY CKeptKey::Open() const noexcept
     return RegOpenKeyExW(HKEY_LOCAL_MACHINE, m_szKey, 0, KEY_READ, &hKey) == ERROR_SUCCESS ? hKey : nullptr;
 }
 
-bool CKeptKey::Query(const WCHAR* szValue, void* pData, DWORD* pcbData) noexcept
+bool CKeptKey::Query(const WCHAR* szValue, void* pData, DWORD* pcbData, DWORD* pdwType) noexcept
 {
     const DWORD cbData = *pcbData;
     const auto query = [=](HKEY hKey) {
         *pcbData = cbData;
-        return RegQueryValueExW(hKey, szValue, nullptr, nullptr, static_cast<BYTE*>(pData), pcbData);
+        return RegQueryValueExW(hKey, szValue, nullptr, pdwType, static_cast<BYTE*>(pData), pcbData);
     };
     HKEY hKey = m_hKey.exchange(nullptr);
     LONG lResult = ERROR_INVALID_HANDLE;

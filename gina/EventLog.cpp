@@ -64,7 +64,7 @@ public:
 
     void Report(HostEvent event, std::initializer_list<CFormatArgument> values)
     {
-        if (!m_bClosed && IsOn()) {
+        if (IsOn()) {
             CEvent report{event, GetTickCount(), Compose(values)};
             CallLocked(m_lock, [&] { Add(report); });
         }
@@ -96,18 +96,22 @@ public:
 private:
     bool IsOn() noexcept
     {
+        DWORD dwType = REG_NONE;
         DWORD dwOn = 0;
         DWORD cbOn = sizeof(dwOn);
-        return m_key.Query(EVENT_LOG_VALUE, &dwOn, &cbOn) && cbOn == sizeof(dwOn) && dwOn != 0;
+        return m_key.Query(EVENT_LOG_VALUE, &dwOn, &cbOn, &dwType) && dwType == REG_DWORD &&
+               cbOn == sizeof(dwOn) && dwOn != 0;
     }
 
     void Add(CEvent& report)
     {
-        if (m_dwAdded - m_dwWritten == CAPACITY || IsRepeated(report)) {
+        if (m_bClosed || IsRepeated(report)) {
             return;
         }
-        std::swap(m_events[m_dwAdded % CAPACITY], report);
-        ++m_dwAdded;
+        if (m_dwAdded - m_dwWritten != CAPACITY) {
+            std::swap(m_events[m_dwAdded % CAPACITY], report);
+            ++m_dwAdded;
+        }
         if (!m_bWriting) {
             StartWriter();
         }

@@ -167,7 +167,6 @@ protected:
             if (ReportIfHookFailure()) {
                 throw;
             }
-            ReportIfFault(IsLoaded() ? TEXT("Negotiate") : DLL_MAIN);
             Self()->HookFailed(failed.GetLocation());
         };
         try {

@@ -123,7 +123,7 @@ void CGinaObject::LoadGinaDLL()
 {
     const CQuietLoading quiet;
     // The DllMain of the DLL runs in here.
-    m_hModule = RunDLL([&] { return LoadLibraryW(GetGinaDLLName()); });
+    m_hModule = RunDLL(DLL_MAIN, [&] { return LoadLibraryW(GetGinaDLLName()); });
     if (m_hModule == nullptr) {
         throw CUnableToLoadDLLException(LUM_GINA_ORIGIN, GetGinaDLLName(), GetLastError());
     }
@@ -141,12 +141,11 @@ void CGinaObject::FreeGinaDLL() noexcept
         return;
     }
     try {
-        if (RunDLL([&] { return FreeLibrary(hModule); }) == FALSE) {
+        if (RunDLL(DLL_MAIN, [&] { return FreeLibrary(hModule); }) == FALSE) {
             throw CFreeGinaDLLFailException(LUM_GINA_ORIGIN, GetLastError());
         }
     } catch (...) {
         if (!ReportIf<CFreeGinaDLLFailException>()) {
-            ReportIfFault(DLL_MAIN);
             CWarning(*this, ERR_UNHANDLED_EXCEPTION);
         }
     }
@@ -159,54 +158,15 @@ void CGinaObject::RequireResolved(const CGinaExportBase& function, CSourceLocati
     }
 }
 
-CGinaObject::CRefusals::CRefusals(GinaNode* pNode) noexcept
+void CGinaObject::ReportFault(const char* szWhere, const CForeignFault& fault) const noexcept
 {
     try {
-        m_pBehind = CallWithinHost([=]() -> const CGinaObject* {
-            GinaNode* pNext = pNode != nullptr ? pNode->GetNext() : nullptr;
-            return pNext != nullptr ? pNext->m_pItem : nullptr;
-        });
-    } catch (...) {
-        return;
-    }
-    if (!Read(m_dwRefusals)) {
-        m_pBehind = nullptr;
-    }
-}
-
-bool CGinaObject::CRefusals::AreUnchanged() const noexcept
-{
-    DWORD dwRefusals = 0;
-    return Read(dwRefusals) && dwRefusals == m_dwRefusals;
-}
-
-bool CGinaObject::CRefusals::Read(DWORD& dwRefusals) const noexcept
-{
-    try {
-        CallWithinHost([&] { dwRefusals = m_pBehind != nullptr ? m_pBehind->m_dwRefusals.load() : 0; });
-        return m_pBehind != nullptr;
-    } catch (...) {
-        return false;
-    }
-}
-
-void CGinaObject::ReportIfFault(const WCHAR* szWhere) const noexcept
-{
-    try {
-        throw;
-    } catch (const CForeignFault& fault) {
         WCHAR szCode[16];
         FormatText(szCode, std::size(szCode), TEXT("0x%x"), {fault.GetCode()});
-        ReportHostEvent(HostEvent::Faulted, {GetGinaDLLName(), szWhere, szCode});
-    } catch (...) {
+        ReportHostEvent(HostEvent::Faulted, {GetGinaDLLName(), Widen(szWhere).c_str(), szCode});
+    } catch (const std::bad_alloc&) {
         return;
     }
-}
-
-void CGinaObject::FailUnhandled(const COperation& failed) const
-{
-    ReportIfFault(failed.GetName());
-    throw CUnhandledPluginException(LUM_GINA_ORIGIN, GetGinaDLLName(), failed.GetLocation());
 }
 
 bool CGinaObject::ReportIfHookFailure() noexcept

@@ -24,7 +24,7 @@ using CGinaObjectList = CListEx<CGinaObject>;
 inline constexpr DWORD LUM_INTERFACE_VERSION = 0x01000000;
 
 /// What runs when a DLL is loaded and freed.
-inline constexpr WCHAR DLL_MAIN[] = TEXT("DllMain");
+inline constexpr char DLL_MAIN[] = "DllMain";
 
 /// The name of an operation that a DLL may call, its place in the source, and who called it.
 struct CSlotPoint : CTracePoint
@@ -188,15 +188,11 @@ protected:
         const CKeptOrigin lent(LentRecord(args...));
         const auto call = [&] { return function(args...); };
         if constexpr (std::is_same_v<Result, bool>) {
-            return RunDLL(call) != 0;
+            return RunDLL(function.m_szName, call) != 0;
         } else {
-            return static_cast<Result>(RunDLL(call));
+            return static_cast<Result>(RunDLL(function.m_szName, call));
         }
     }
-
-    /// For a catch block: if the exception is a fault of the DLL, tells the event log. szWhere: the
-    /// operation.
-    void ReportIfFault(const WCHAR* szWhere) const noexcept;
 
     /// For a catch block: whether the exception says why a DLL could not be used. If so, reports it.
     static bool ReportIfHookFailure() noexcept;
@@ -212,20 +208,19 @@ protected:
                 if (ReportIf<PassedOn...>()) {
                     throw;
                 }
-                FailUnhandled(failed);
+                throw CUnhandledPluginException(LUM_GINA_ORIGIN, GetGinaDLLName(), failed.GetLocation());
             };
             return op.Run(onException, body);
         });
     }
 
-    /// Runs a forwarded operation as RunOperation does. Where a plugin refuses something and the object
-    /// behind its node has not, tells the event log who said no.
+    /// Runs a forwarded operation as RunOperation does. bLast: nobody stands behind the object.
     template <typename... PassedOn, typename Body>
-    auto RunForwarded(const WCHAR* szClass, CSlotPoint point, GinaNode* pNode, Body body)
+    auto RunForwarded(const WCHAR* szClass, CSlotPoint point, bool bLast, Body body)
     {
         return RunOperation<PassedOn...>(szClass, point, [&]() -> std::invoke_result_t<Body> {
             if constexpr (std::is_same_v<std::invoke_result_t<Body>, bool>) {
-                return point.bRefusable ? Ask(point.szName, pNode, body) : body();
+                return point.bRefusable ? Ask(point.szName, bLast, body) : body();
             } else {
                 return body();
             }
@@ -235,43 +230,30 @@ protected:
 private:
     static constexpr const WCHAR* s_szClass = TEXT("CGinaObject");
 
-    /// How often the object behind a node has refused something. A plugin can leave anything in a node.
-    class CRefusals
-    {
-    public:
-        explicit CRefusals(GinaNode* pNode) noexcept;
-        /// False when there is no such object, or when it cannot be read.
-        bool AreUnchanged() const noexcept;
+    /// How often somebody has refused something, or failed when asked.
+    static inline std::atomic<DWORD> s_dwRefusals = 0;
 
-    private:
-        bool Read(DWORD& dwRefusals) const noexcept;
-
-        const CGinaObject* m_pBehind = nullptr;
-        DWORD m_dwRefusals = 0;
-    };
-
+    /// Tells the event log when this object refuses something that nobody behind it has refused. Calls nest,
+    /// so that whoever refuses leaves the count one higher than he found it. If somebody is refused something
+    /// on another thread meanwhile, the event may be missing.
     template <typename Body>
-    bool Ask(const WCHAR* szOperation, GinaNode* pNode, Body body)
+    bool Ask(const WCHAR* szOperation, bool bLast, Body body)
     {
-        const CRefusals behind(pNode);
-        // Counted first, so that a call that ends with an exception counts as well.
-        ++m_dwRefusals;
+        const DWORD dwBefore = ++s_dwRefusals;
         const bool bGranted = body();
         if (bGranted) {
-            --m_dwRefusals;
-        } else if (behind.AreUnchanged()) {
+            --s_dwRefusals;
+        } else if (!bLast && s_dwRefusals == dwBefore) {
             ReportHostEvent(HostEvent::Refused, {GetGinaDLLName(), szOperation});
         }
         return bGranted;
     }
 
-    /// For the catch block of an operation.
-    [[noreturn]] void FailUnhandled(const COperation& failed) const;
-
     /// Runs code of the DLL inside a guard. Restores the object's fields before and after: this DLL, or
-    /// another one earlier, may have overwritten them.
+    /// another one earlier, may have overwritten them. Tells the event log of a fault; szWhere: where the DLL
+    /// is entered.
     template <typename Body>
-    auto RunDLL(Body body)
+    auto RunDLL(const char* szWhere, Body body)
     {
         PutBack();
         const struct CPutBack
@@ -279,8 +261,14 @@ private:
             ~CPutBack() { object.PutBack(); }
             CGinaObject& object;
         } putBack{*this};
-        return CallIntoDLL(body);
+        try {
+            return CallIntoDLL(body);
+        } catch (const CForeignFault& fault) {
+            ReportFault(szWhere, fault);
+            throw;
+        }
     }
+    void ReportFault(const char* szWhere, const CForeignFault& fault) const noexcept;
 
     /// The record that an export is handed: its first argument if that is one, otherwise null.
     template <typename... Args>
@@ -306,7 +294,6 @@ private:
     CGinaPluginContext* m_pContext = nullptr;
     HMODULE m_hModule = nullptr;
     COwnedText m_szGinaDLLName;
-    std::atomic<DWORD> m_dwRefusals = 0;
 };
 
 /// Destroys an object of the list through its first slot. Throws CForeignFault when that faults.

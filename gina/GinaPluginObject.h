@@ -47,7 +47,7 @@ Result CGinaPluginObject::Forward(CSlotPoint point, const CGinaExport<Function>&
                                   Args... args)
 {
     return RunForwarded<CUnexpectedEndOfListException, CNullFunctionHandleException>(
-        s_szClass, point, pNode, [&] {
+        s_szClass, point, false, [&]() -> Result {
             if (IsLast(pNode)) {
                 throw CUnexpectedEndOfListException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
             }

@@ -47,15 +47,15 @@ template <typename Result, typename Function, typename... Args>
 Result CGinaStandardObject::Forward(CSlotPoint point, const CGinaExport<Function>& function, GinaNode* pNode,
                                     Args... args)
 {
-    return RunForwarded<CUnexpectedGinaException, CNullFunctionHandleException>(
-        s_szClass, point, pNode, [&]() -> Result {
-            if (!IsLast(pNode)) {
-                throw CUnexpectedGinaException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
-            }
-            if (!function.IsResolved() && function.m_missing == Missing::Tolerated) {
-                CNullFunctionHandleException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
-                return Result();
-            }
-            return Call<Result>(point.where, function, args...);
-        });
+    const auto call = [&]() -> Result {
+        if (!IsLast(pNode)) {
+            throw CUnexpectedGinaException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
+        }
+        if (!function.IsResolved() && function.m_missing == Missing::Tolerated) {
+            CNullFunctionHandleException(LUM_GINA_ORIGIN, GetGinaDLLName(), point.where);
+            return Result();
+        }
+        return Call<Result>(point.where, function, args...);
+    };
+    return RunForwarded<CUnexpectedGinaException, CNullFunctionHandleException>(s_szClass, point, true, call);
 }

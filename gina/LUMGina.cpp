@@ -21,7 +21,8 @@ constexpr DWORD HIGHEST_WLX_VERSION = WLX_VERSION_1_4;
 constexpr DWORD DEFAULT_TIMEOUT_SECONDS = 120;
 constexpr WCHAR TXT_NOT_INITIALISED[] = TEXT("it refused its initialisation");
 constexpr WCHAR TXT_NO_PLUGIN_OBJECT[] = TEXT("Unable to create gina plugin");
-constexpr WCHAR TXT_WITHOUT_PLUGINS[] = TEXT("No plugin is loaded: NoPlugins is set");
+constexpr WCHAR TXT_EVERY_PLUGIN[] = TEXT("Every plugin");
+constexpr WCHAR TXT_WITHOUT_PLUGINS[] = TEXT("NoPlugins is set");
 constexpr WCHAR TXT_LEFT_OUT[] = TEXT("Left out, since earlier starts of the machine ended in it");
 constexpr WCHAR TXT_NESTED[] =
     TEXT("The call came from a GINA that is being started: it passes through to this library and is refused");
@@ -140,7 +141,7 @@ BOOL CLUMGina::LUMWlxNegotiate(DWORD dwWinlogonVersion, DWORD* pdwDllVersion)
         return RunUnlessNested(op, [&] {
             m_safeStart.Begin();
             LoadPlugins(op, dwWinlogonVersion);
-            m_safeStart.Leave();
+            m_safeStart.LeavePlugins();
             LoadPassthroughGina(op, dwWinlogonVersion);
             return TellVersion(op, pdwDllVersion);
         });
@@ -180,6 +181,7 @@ void CLUMGina::AddGinaObject(const WCHAR* szGinaDLL, DWORD dwWinlogonVersion)
 void CLUMGina::LoadPlugins(const COperation& op, DWORD dwWinlogonVersion)
 {
     if (m_safeStart.IsWithoutPlugins()) {
+        ReportHostEvent(HostEvent::LeftOut, {TXT_EVERY_PLUGIN, TXT_WITHOUT_PLUGINS});
         op.Warn(TXT_WITHOUT_PLUGINS);
         return;
     }
@@ -213,6 +215,7 @@ void CLUMGina::LoadPlugin(DWORD dwIndex, DWORD dwWinlogonVersion)
         message.WriteIfUnwritten();
         CPluginWarning(LUM_GINA_ORIGIN, TXT_NO_PLUGIN_OBJECT, szPlugin);
     }
+    m_safeStart.Leave();
 }
 
 void CLUMGina::LoadPassthroughGina(const COperation& op, DWORD dwWinlogonVersion)
@@ -374,8 +377,9 @@ void CLUMGina::InitializeObjects(Initialize initialize)
 /// The last object is the GINA, which is never left out.
 void CLUMGina::NoteInitialization(const CGinaObject& object, bool bLast) noexcept
 {
+    m_safeStart.Leave();
     if (bLast) {
-        m_safeStart.Leave();
+        m_safeStart.LeavePlugins();
     } else {
         m_safeStart.Enter(object.GetGinaDLLName());
     }

@@ -21,6 +21,7 @@ constexpr WCHAR SAFE_START[] = TEXT("SafeStart");
 constexpr WCHAR REQUIRED_PLUGINS[] = TEXT("RequiredPlugins");
 constexpr WCHAR NO_PLUGINS[] = TEXT("NoPlugins");
 constexpr WCHAR IN_PLUGIN[] = TEXT("InPlugin");
+constexpr WCHAR STAMP[] = TEXT("Stamp");
 constexpr WCHAR COUNT[] = TEXT("Count");
 
 /// The name of a DLL as the loader sees it: without blanks around it, its directory and its extension.
@@ -58,8 +59,17 @@ void CSafeStart::Begin() noexcept
 {
     Try([&] {
         ReadSettings();
-        if (m_dwLimit != 0 && CQuietKey(VOLATILE_KEY).ReadNumber(INSTANCE_COUNT) == 0) {
+        if (CQuietKey(VOLATILE_KEY).ReadNumber(INSTANCE_COUNT) != 0) {
+            return;
+        }
+        if (m_dwLimit != 0) {
             ReadLastStart();
+        } else if (CQuietKey(START_KEY).Has(IN_PLUGIN)) {
+            // What was noted before safe start was switched off says nothing of the time until it is on
+            // again.
+            m_bNoting = m_notes.Create(START_KEY);
+            Leave();
+            m_bNoting = false;
         }
     });
 }
@@ -73,21 +83,27 @@ void CSafeStart::ReadSettings()
     m_dwLimit = settings.ReadNumber(SAFE_START);
 }
 
+/// The notes stay until a plugin is entered: a start that ends before that does not count.
 void CSafeStart::ReadLastStart()
 {
     m_bNoting = m_notes.Create(START_KEY);
-    m_notes.ReadText(IN_PLUGIN, m_lastEnd);
-    m_dwEnded = std::min(m_notes.ReadNumber(COUNT), m_dwLimit) + 1;
-    if (!m_lastEnd.empty() && m_dwEnded >= m_dwLimit && !IsRequired(m_lastEnd)) {
-        CQuietKey leftOut;
-        leftOut.Create(LEFT_OUT_KEY);
-        leftOut.WriteText(m_lastEnd.c_str(), GetDllStamp(m_lastEnd.c_str()).c_str());
+    Text stamp;
+    if (!m_notes.ReadText(IN_PLUGIN, m_lastEnd) || !m_notes.ReadText(STAMP, stamp) ||
+        stamp != GetDllStamp(m_lastEnd.c_str()))
+    {
+        // Another DLL by now, which is not to blame for what the old one did.
         m_lastEnd.clear();
+        return;
     }
-    Leave();
+    m_dwEnded = std::clamp<DWORD>(m_notes.ReadNumber(COUNT), 1, m_dwLimit);
+    m_bLeftOut = m_dwEnded == m_dwLimit && !IsRequired(m_lastEnd);
+    CQuietKey leftOut;
+    if (m_bLeftOut && leftOut.Create(LEFT_OUT_KEY)) {
+        leftOut.WriteText(m_lastEnd.c_str(), stamp.c_str());
+    }
 }
 
-bool CSafeStart::IsRequired(std::basic_string_view<WCHAR> plugin) const noexcept
+bool CSafeStart::IsRequired(TextView plugin) const noexcept
 {
     TextView rest = m_required;
     while (!rest.empty()) {
@@ -102,14 +118,16 @@ bool CSafeStart::IsRequired(std::basic_string_view<WCHAR> plugin) const noexcept
 
 bool CSafeStart::IsLeftOut(const WCHAR* szPlugin) noexcept
 {
-    bool bLeftOut = false;
+    // Also when that could not be written.
+    bool bLeftOut = m_bLeftOut && IsSameDll(szPlugin, m_lastEnd);
     Try([&] {
-        CQuietKey leftOut;
         Text stamp;
-        if (m_dwLimit == 0 || IsRequired(szPlugin) || !CQuietKey(LEFT_OUT_KEY).ReadText(szPlugin, stamp)) {
+        if (bLeftOut || m_dwLimit == 0 || IsRequired(szPlugin) ||
+            !CQuietKey(LEFT_OUT_KEY).ReadText(szPlugin, stamp)) {
             return;
         }
         bLeftOut = stamp == GetDllStamp(szPlugin);
+        CQuietKey leftOut;
         if (!bLeftOut && leftOut.Create(LEFT_OUT_KEY)) {
             leftOut.Delete(szPlugin);
         }
@@ -122,22 +140,31 @@ void CSafeStart::Enter(const WCHAR* szPlugin) noexcept
     if (!m_bNoting) {
         return;
     }
-    // In this order: if the machine ends in between, a plugin is charged with too little rather than with
-    // what another one did.
-    m_notes.Delete(COUNT);
-    m_notes.WriteText(IN_PLUGIN, szPlugin);
-    if (IsSameDll(szPlugin, m_lastEnd)) {
-        m_notes.WriteNumber(COUNT, m_dwEnded);
-    }
-    m_notes.Flush();
+    Try([&] {
+        const Text stamp = GetDllStamp(szPlugin);
+        // If the machine ends between two of these, the stamp is not that of the plugin, or the count is
+        // too small: nobody is charged with what another one did.
+        m_notes.Delete(COUNT);
+        m_notes.WriteText(STAMP, stamp.c_str());
+        m_notes.WriteText(IN_PLUGIN, szPlugin);
+        m_notes.WriteNumber(COUNT, IsSameDll(szPlugin, m_lastEnd) ? m_dwEnded + 1 : 1);
+        m_notes.Flush();
+    });
 }
 
 void CSafeStart::Leave() noexcept
 {
-    if (!m_bNoting) {
-        return;
+    if (m_bNoting) {
+        m_notes.Delete(COUNT);
+        m_notes.Delete(IN_PLUGIN);
+        m_notes.Delete(STAMP);
     }
-    m_notes.Delete(COUNT);
-    m_notes.Delete(IN_PLUGIN);
-    m_notes.Flush();
+}
+
+void CSafeStart::LeavePlugins() noexcept
+{
+    if (m_bNoting) {
+        Leave();
+        m_notes.Flush();
+    }
 }

@@ -10,13 +10,14 @@
 /// Values of the own key, for the administrator:
 ///
 ///     SafeStart        REG_DWORD  starts in a row that may end in the same plugin; missing or 0: off
-///     RequiredPlugins  REG_SZ     plugins that are never left out, separated by ","
+///     RequiredPlugins  REG_SZ     plugins that safe start never leaves out, separated by ","
 ///     NoPlugins        REG_DWORD  1: no plugin is loaded, whatever the other values say
 ///
 /// Values of its subkey Start, which are the host's own notes:
 ///
 ///     InPlugin         REG_SZ     the plugin that is being loaded, negotiated with or initialised
-///     Count            REG_DWORD  how many starts in a row have ended in it before; missing: none
+///     Stamp            REG_SZ     size and time of its DLL
+///     Count            REG_DWORD  how many starts in a row have ended in it, if this one does
 ///     LeftOut\NAME     REG_SZ     a plugin that is left out: size and time of its DLL when that began
 ///
 /// A note is on the disk before the plugin is entered, so whatever ends the start leaves it there: a hang,
@@ -37,8 +38,10 @@ public:
 
     /// Notes that the host is about to enter a plugin.
     void Enter(const WCHAR* szPlugin) noexcept;
-    /// Notes that the host is in no plugin.
+    /// Notes that the host is back. The note comes to the disk by itself, some seconds later.
     void Leave() noexcept;
+    /// The same, at once: before something is entered that is no plugin, and may end the start as well.
+    void LeavePlugins() noexcept;
 
 private:
     using Text = CQuietKey::Text;
@@ -59,4 +62,6 @@ private:
     /// Where the last start ended, and how many in a row.
     Text m_lastEnd;
     DWORD m_dwEnded = 0;
+    /// Whether that was once too often.
+    bool m_bLeftOut = false;
 };

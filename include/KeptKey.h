@@ -19,9 +19,9 @@ public:
     CKeptKey(const CKeptKey&) = delete;
     CKeptKey& operator=(const CKeptKey&) = delete;
 
-    /// Reads a value, whatever its type; false when that fails. A key that was deleted, and perhaps made
-    /// again, is opened anew.
-    bool Query(const WCHAR* szValue, void* pData, DWORD* pcbData) noexcept;
+    /// Reads a value, whatever its type, which *pdwType tells; false when that fails. A key that was deleted,
+    /// and perhaps made again, is opened anew.
+    bool Query(const WCHAR* szValue, void* pData, DWORD* pcbData, DWORD* pdwType = nullptr) noexcept;
 
 private:
     HKEY Open() const noexcept;

@@ -121,7 +121,6 @@ public:
     void Warn(const WCHAR* szText) const noexcept { CWarning(m_Origin, szText, m_Point.where); }
 
     const CMessageOrigin& GetOrigin() const noexcept { return m_Origin; }
-    const WCHAR* GetName() const noexcept { return m_Point.szName; }
     CSourceLocation GetLocation() const noexcept { return m_Point.where; }
 
 private:

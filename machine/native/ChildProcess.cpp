@@ -87,7 +87,7 @@ int Start(const std::vector<std::basic_string<WCHAR>>& words, int nOutput, pid_t
 } // namespace
 
 LONG Platform::RunChild(const std::vector<std::basic_string<WCHAR>>& words, DWORD dwTimeoutMilliseconds,
-                        CChildEnd& end)
+                        CChildEnd& end, void (*show)(std::string& output))
 {
     COutput output;
     pid_t child = 0;
@@ -104,6 +104,7 @@ LONG Platform::RunChild(const std::vector<std::basic_string<WCHAR>>& words, DWOR
     int nStatus = 0;
     while (waitpid(child, &nStatus, WNOHANG) == 0) {
         output.Drain(end.output);
+        show(end.output);
         if (dwTimeoutMilliseconds != INFINITE && GetTickCount() - dwStart >= dwTimeoutMilliseconds) {
             kill(child, SIGKILL);
             lResult = ERROR_TIMEOUT;
@@ -111,6 +112,7 @@ LONG Platform::RunChild(const std::vector<std::basic_string<WCHAR>>& words, DWOR
         Sleep(POLL_MILLISECONDS);
     }
     output.Drain(end.output);
+    show(end.output);
     end.dwExitStatus =
         static_cast<DWORD>(WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : BY_SIGNAL + DWORD(WTERMSIG(nStatus)));
     return lResult;

@@ -79,7 +79,7 @@ void DropCarriageReturns(std::string& text)
 } // namespace
 
 LONG Platform::RunChild(const std::vector<std::basic_string<WCHAR>>& words, DWORD dwTimeoutMilliseconds,
-                        CChildEnd& end)
+                        CChildEnd& end, void (*show)(std::string& output))
 {
     SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
     CHandle reading;
@@ -94,6 +94,8 @@ LONG Platform::RunChild(const std::vector<std::basic_string<WCHAR>>& words, DWOR
     LONG lResult = ERROR_SUCCESS;
     while (WaitForSingleObject(process.Get(), POLL_MILLISECONDS) == WAIT_TIMEOUT) {
         Drain(reading.Get(), end.output);
+        DropCarriageReturns(end.output);
+        show(end.output);
         if (dwTimeoutMilliseconds != INFINITE && GetTickCount() - dwStart >= dwTimeoutMilliseconds) {
             TerminateProcess(process.Get(), 1);
             WaitForSingleObject(process.Get(), INFINITE);
@@ -102,6 +104,7 @@ LONG Platform::RunChild(const std::vector<std::basic_string<WCHAR>>& words, DWOR
     }
     Drain(reading.Get(), end.output);
     DropCarriageReturns(end.output);
+    show(end.output);
     GetExitCodeProcess(process.Get(), &end.dwExitStatus);
     return lResult;
 }

@@ -1,3 +1,4 @@
+#include "DllStamp.h"
 #include "HostMachine.h"
 
 namespace {
@@ -19,11 +20,12 @@ protected:
         SetDword(OWN_KEY, TEXT("SafeStart"), 2);
     }
 
-    /// The machine ended inside a plugin, after it had done so dwBefore times in a row.
-    static void EndedIn(const WCHAR* szPlugin, DWORD dwBefore)
+    /// That many starts in a row ended inside a plugin.
+    static void EndedIn(const WCHAR* szPlugin, DWORD dwStarts)
     {
         SetString(START_KEY, TEXT("InPlugin"), szPlugin);
-        SetDword(START_KEY, TEXT("Count"), dwBefore);
+        SetString(START_KEY, TEXT("Stamp"), GetDllStamp(szPlugin).c_str());
+        SetDword(START_KEY, TEXT("Count"), dwStarts);
     }
 
 public:
@@ -45,10 +47,21 @@ TEST_F(SafeStart, LeavesOutWhatEnoughStartsEndedIn)
         std::function<void()> set;
         Lines chain;
     } rows[] = {
-        {"one start too few", [] { EndedIn(B, 0); }, ALL},
-        {"enough", [] { EndedIn(B, 1); }, WITHOUT_B},
+        {"one start too few", [] { EndedIn(B, 1); }, ALL},
+        {"its DLL has been replaced since",
+         [] {
+             EndedIn(B, 2);
+             SetString(START_KEY, TEXT("Stamp"), TEXT("0 0"));
+         },
+         ALL},
+        {"enough", [] { EndedIn(B, 2); }, WITHOUT_B},
         {"it stays out", [] {}, WITHOUT_B},
-        {"off", [] { SetDword(OWN_KEY, TEXT("SafeStart"), 0); }, ALL},
+        {"off",
+         [] {
+             EndedIn(A, 2);
+             SetDword(OWN_KEY, TEXT("SafeStart"), 0);
+         },
+         ALL},
         {"a setting of another type", [] { SetString(OWN_KEY, TEXT("SafeStart"), TEXT("2")); }, ALL},
         {"on again", [] { SetDword(OWN_KEY, TEXT("SafeStart"), 2); }, WITHOUT_B},
         {"required by now", [] { SetString(OWN_KEY, TEXT("RequiredPlugins"), TEXT("x, TEST_PLUGIN_B")); },
@@ -76,7 +89,7 @@ TEST_F(SafeStart, CountsStartsInARow)
     s_notes.clear();
     plugin->SetHook(PluginCall::Initialize, TakeNotes, nullptr);
     const auto start = [&](const WCHAR* szEndedIn) {
-        EndedIn(szEndedIn, 0);
+        EndedIn(szEndedIn, 1);
         Load();
         EXPECT_TRUE(Initialize());
         EXPECT_EQ(Note(TEXT("InPlugin")), "(none)");
@@ -84,7 +97,7 @@ TEST_F(SafeStart, CountsStartsInARow)
     };
     start(B);
     start(A);
-    EXPECT_EQ(s_notes, (Lines{"\"test_plugin_b.dll\"1", "\"test_plugin_b.dll\"(none)"}));
+    EXPECT_EQ(s_notes, (Lines{"\"test_plugin_b.dll\"2", "\"test_plugin_b.dll\"1"}));
     plugin->SetFailure(PluginCall::Initialize, StandinFailure::ReadNull, 0);
     Load();
     EXPECT_FALSE(Initialize());

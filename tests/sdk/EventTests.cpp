@@ -1,3 +1,4 @@
+#include "DllStamp.h"
 #include "EventFile.h"
 #include "PluginsInHost.h"
 
@@ -45,12 +46,12 @@ TEST_F(Events, TellWhoIsInServiceWhoIsNotAndWhoFaults)
         host->LUMWlxLoggedOnSAS(CONTEXT, WLX_SAS_TYPE_CTRL_ALT_DEL, nullptr);
     }
     EXPECT_EQ((Lines{"2 2 LUM GINA: nowhere.dll | Unable to load DLL, Filename: nowhere.dll, Error: 0x7e",
-                     "1 3 LUM GINA: test_plugin_b.dll | Negotiate | 0xc0000005",
+                     "1 3 LUM GINA: test_plugin_b.dll | LUMNegotiate | 0xc0000005",
                      "2 2 LUM GINA: test_plugin_b.dll | Plugin has generated an unknown exception, Plugin: "
                      "test_plugin_b.dll",
                      "2 2 LUM GINA: test_plugin_c.dll | it refused its initialisation", "4 1 LUM GINA: 1",
-                     "1 3 LUM GINA: standin_gina.dll | IsLogoffOk | 0xc0000005",
-                     "1 3 LUM GINA: test_plugin_a.dll | LoggedOnSAS | 0xe06d7363"}),
+                     "1 3 LUM GINA: standin_gina.dll | WlxIsLogoffOk | 0xc0000005",
+                     "1 3 LUM GINA: test_plugin_a.dll | LUMLoggedOnSAS | 0xe06d7363"}),
               CollectEvents());
 }
 
@@ -59,6 +60,7 @@ TEST_F(Events, TellWhoIsLeftOutAtASafeStart)
     constexpr WCHAR NOTES[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start");
     SetDword(OWN_KEY, TEXT("SafeStart"), 1);
     SetString(NOTES, TEXT("InPlugin"), TEXT("test_plugin_b.dll"));
+    SetString(NOTES, TEXT("Stamp"), GetDllStamp(TEXT("test_plugin_b.dll")).c_str());
     Load();
     EXPECT_EQ(Lines{"2 6 LUM GINA: test_plugin_b.dll"}, CollectEvents());
 }

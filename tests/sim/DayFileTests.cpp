@@ -127,6 +127,7 @@ TEST(DayFile, SaysWhereAnErrorIsAndWhatItExpected)
         {"WlxIsLockOk gina returns LOGON", "\"LOGON\"; expected a BOOL: FALSE, TRUE or a number"},
         {"WlxLogoff expect TRUE", "a result; expected none, since WlxLogoff returns nothing"},
         {"WlxIsLockOk expect 0x100000000", "\"0x100000000\"; expected a BOOL: FALSE, TRUE or a number"},
+        {"WlxIsLockOk expect HANG expect FALSE", "expect a second time; expected it once"},
         {"WlxIsLockOk answered", "the end of the line; expected by"},
         {"WlxIsLockOk answered to", "answered to; expected answered by"},
         {"WlxIsLockOk answered by", "the end of the line; expected the name of a DLL"},

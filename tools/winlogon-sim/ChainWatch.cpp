@@ -98,9 +98,9 @@ void CChainWatch::See(const CTraceLine& line, CWay& way)
     if (line.level == "CONSTRUCTION EXIT" && IsObject(line)) {
         SeeObject(line, way);
     } else if (line.level == "WARNING" && line.operation == "Unable to create gina plugin") {
-        SeeUnusable(line);
+        SeeLeftOut(line, "cannot be used and is left out; the trace log says why");
     } else if (line.level == "WARNING" && line.operation == LEFT_OUT) {
-        TakeConfigured();
+        SeeLeftOut(line, "is left out, since earlier starts ended in it");
     } else if (line.level == "ENTRY" && (IsCall(line) || IsCallOfWinlogon(line))) {
         Enter(line, way);
     } else if (line.level == "EXIT" && (IsCall(line) || IsCallOfWinlogon(line))) {
@@ -129,10 +129,10 @@ std::string CChainWatch::TakeConfigured()
     return dll;
 }
 
-void CChainWatch::SeeUnusable(const CTraceLine& line)
+void CChainWatch::SeeLeftOut(const CTraceLine& line, const char* szWhy)
 {
     TakeConfigured();
-    m_losses.push_back({line.plugin, "cannot be used and is left out; the trace log says why"});
+    m_losses.push_back({line.plugin, szWhy});
 }
 
 void CChainWatch::Enter(const CTraceLine& line, CWay& way)

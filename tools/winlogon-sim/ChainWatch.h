@@ -45,7 +45,7 @@ private:
     void AwaitQuiet();
     void See(const CTraceLine& line, CWay& way);
     void SeeObject(const CTraceLine& line, CWay& way);
-    void SeeUnusable(const CTraceLine& line);
+    void SeeLeftOut(const CTraceLine& line, const char* szWhy);
     void Enter(const CTraceLine& line, CWay& way);
     void Leave(const CTraceLine& line, CWay& way);
     CHop MakeHop(const CTraceLine& line, std::size_t nDepth);

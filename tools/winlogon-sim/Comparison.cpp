@@ -84,12 +84,13 @@ void CompareArgument(const CCallFrame& frame, DWORD dwIndex, const StandinRecord
     }
 }
 
-/// What must come back behind an out-pointer: what the GINA gave, or what plugins make of it.
+/// What must come back behind an out-pointer: what the GINA gave, or what plugins make of it. A text that
+/// they replace may lie anywhere.
 COutValue ExpectedOut(const CCallFrame& frame, DWORD dwIndex, COutValue gave)
 {
     const CArgumentValues& changes = frame.GetStep().gives;
     if (changes.texts[dwIndex].has_value()) {
-        gave.text = changes.texts[dwIndex]->value_or(WideText());
+        gave = {frame.GetOut(dwIndex).number, changes.texts[dwIndex]->value_or(WideText())};
     }
     gave.number = changes.numbers[dwIndex].has_value() ? *changes.numbers[dwIndex] : gave.number;
     return gave;

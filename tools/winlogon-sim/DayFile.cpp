@@ -178,6 +178,9 @@ void CStepParser::ParseFailure()
 
 void CStepParser::ParseExpectation()
 {
+    if (m_step.bExpectSkipped || m_step.expected.has_value() || m_step.ending != CallEnding::ComesBack) {
+        Refuse("expect a second time", "it once");
+    }
     const std::string word = m_nNext < m_words.size() ? m_words[m_nNext].name : "";
     m_step.bExpectSkipped = word == "SKIPPED";
     m_step.ending = word == "HANG"  ? CallEnding::Hangs

@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "ExitCode.h"
 #include "Machine.h"
 #include "Report.h"
 #include "Restarts.h"
@@ -10,22 +11,18 @@
 
 namespace {
 
-enum ExitCode
+/// A day may start programs, in whatever way. None of them may live a day, which could be the same one: only
+/// the process that reads a day starts others, and those start none.
+void RefuseDayWithinDay(const COptions& options)
 {
-    EXIT_AS_GIVEN = 0,
-    EXIT_DIFFERENT = 1,
-    EXIT_USAGE = 2,
-    EXIT_SETUP = 3,
-};
-
-/// A day may start programs, in whatever way. None of them may live a day, which could be the same one.
-void RefuseDayWithinDay()
-{
-    static char mark[] = "LUM_WINLOGON_SIM=1";
-    if (std::getenv("LUM_WINLOGON_SIM") != nullptr) {
+    static char markOfDay[] = "LUM_WINLOGON_SIM=day";
+    static char markOfStart[] = "LUM_WINLOGON_SIM=start";
+    const char* szMark = std::getenv("LUM_WINLOGON_SIM");
+    const std::string expected = options.dwStart != 0 ? "day" : "";
+    if (szMark != nullptr && szMark != expected) {
         throw CSetupError("a day starts no other day, which may be itself");
     }
-    putenv(mark);
+    putenv(options.dwStart != 0 ? markOfStart : markOfDay);
 }
 
 ExitCode LiveSteps(const COptions& options, const std::vector<CStep>& steps)
@@ -45,27 +42,24 @@ ExitCode LiveSteps(const COptions& options, const std::vector<CStep>& steps)
     }
     report.PrintTotals(nCalled, options.traceLog);
     machine.Save();
-    return report.HasDifferences() ? EXIT_DIFFERENT : EXIT_AS_GIVEN;
+    return report.HasDifferences() ? EXIT_DIFFERENT : EXIT_LIVED;
 }
 
+/// Each start of the machine is a process of its own, so that a plugin which ends it does not end the day.
 ExitCode LiveDay(const COptions& options, int argc, const char* const* argv)
 {
-    // Each start of a day is a process of its own.
-    if (options.dwStart == 0) {
-        RefuseDayWithinDay();
+    RefuseDayWithinDay(options);
+    const std::vector<std::vector<CStep>> starts = SplitStarts(ReadDayFile(options.day));
+    if (options.dwStart > starts.size()) {
+        throw CUsageError("the day has fewer starts than --start says");
     }
-    const std::vector<CStep> steps = ReadDayFile(options.day);
     if (options.dwStart != 0) {
-        const std::vector<std::vector<CStep>> starts = SplitStarts(steps);
-        return options.dwStart <= starts.size()
-                   ? LiveSteps(options, starts[options.dwStart - 1])
-                   : throw CUsageError("the day has fewer starts than --start says");
+        return LiveSteps(options, starts[options.dwStart - 1]);
     }
     if (!options.bOnThisMachine) {
         CMachine::RequireUnused();
     }
-    return NeedsProcesses(steps) ? static_cast<ExitCode>(LiveStarts(argc, argv, options, steps))
-                                 : LiveSteps(options, steps);
+    return LiveStarts(argc, argv, options, starts);
 }
 
 ExitCode Run(int argc, const char* const* argv)

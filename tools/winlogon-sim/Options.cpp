@@ -24,8 +24,8 @@ the GINA and what came back, and where the two differ without a plugin's doing.
                       where the system's own registry is used
   --on-this-machine   live the day also where Winlogon has a GinaDLL already or lum_gina.dll is in
                       service; not needed where the registry is a file
-  --start NUMBER      live only what the day has for that start of the machine, counted from 1; a day
-                      that restarts it uses this for a process of its own each
+  --start NUMBER      live only what the day has for that start of the machine, counted from 1: each
+                      start is lived by a process of its own
   --steps             list the steps that a day can hold, with their arguments
   --help              show this text
 
@@ -34,8 +34,8 @@ the machine's registry. The way is read in the trace log: it is not known when t
 the mask leaves entries, exits or warnings out.
 
 Exit codes: 0 everything came back as the GINA or a plugin gave it; 1 a step was not as it should be;
-2 the command line or the day file is wrong; 3 a DLL or the registry cannot be used; 4 (with --start) a
-call did not come back, as the day expects.
+2 the command line or the day file is wrong; 3 a DLL or the registry cannot be used; with --start 4
+for a call that does not come back, as the day expects, and 5 instead of 0.
 )";
 
 namespace {

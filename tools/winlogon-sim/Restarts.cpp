@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <iterator>
 
-#include "UnfinishedDay.h"
 #include "machine/ChildProcess.h"
 #include "machine/MachineRegistry.h"
 #include "machine/SetupError.h"
@@ -20,8 +18,8 @@ public:
     explicit CForgottenRegistry(const COptions& options)
     {
         if (options.registry.empty() && MachineRegistry::ForgetVolatile() == ERROR_SUCCESS) {
-            m_path = (options.traceLog.empty() ? "winlogon-sim" : options.traceLog) + ".reg";
-            std::remove(m_path.c_str());
+            m_path = Format("winlogon-sim-%u-%u.reg", static_cast<unsigned>(GetCurrentThreadId()),
+                            static_cast<unsigned>(GetTickCount()));
         }
     }
     ~CForgottenRegistry()
@@ -42,52 +40,67 @@ private:
     std::string m_path;
 };
 
+void Show(std::string& output)
+{
+    std::fputs(output.c_str(), stdout);
+    std::fflush(stdout);
+    output.clear();
+}
+
 DWORD Run(const std::vector<std::string>& arguments)
 {
     std::vector<WideText> words;
     std::transform(arguments.begin(), arguments.end(), std::back_inserter(words), ToWide);
     Platform::CChildEnd end;
-    const LONG lResult = Platform::RunChild(words, INFINITE, end);
+    const LONG lResult = Platform::RunChild(words, INFINITE, end, Show);
     if (lResult != ERROR_SUCCESS) {
         throw CSetupError(Format("cannot run %s: error %d", arguments[0].c_str(), static_cast<int>(lResult)));
     }
-    std::fputs(end.output.c_str(), stdout);
     return end.dwExitStatus;
+}
+
+/// A plugin that ends the process chooses the exit status.
+bool IsOfPlugin(DWORD dwStatus)
+{
+    return dwStatus == EXIT_AS_GIVEN || dwStatus > EXIT_LIVED;
 }
 
 /// Whether the process of a start ended as it should.
 bool IsAsExpected(const std::vector<CStep>& start, DWORD dwStatus)
 {
-    const bool bComesBack = start.empty() || start.back().ending == CallEnding::ComesBack;
-    return dwStatus == (bComesBack ? 0 : EXIT_ENDED);
+    switch (start.empty() ? CallEnding::ComesBack : start.back().ending) {
+    case CallEnding::ComesBack:
+        return dwStatus == EXIT_LIVED;
+    case CallEnding::EndsProcess:
+        return dwStatus == EXIT_ENDED || IsOfPlugin(dwStatus);
+    case CallEnding::Hangs:
+        return dwStatus == EXIT_ENDED;
+    }
+    return false;
 }
 
 } // namespace
 
-bool NeedsProcesses(const std::vector<CStep>& steps)
-{
-    return std::any_of(steps.begin(), steps.end(), [](const CStep& step) {
-        return step.kind == StepKind::Restart || step.ending != CallEnding::ComesBack;
-    });
-}
-
-DWORD LiveStarts(int argc, const char* const* argv, const COptions& options, const std::vector<CStep>& steps)
+ExitCode LiveStarts(int argc, const char* const* argv, const COptions& options,
+                    const std::vector<std::vector<CStep>>& starts)
 {
     const CForgottenRegistry registry(options);
-    const std::vector<std::vector<CStep>> starts = SplitStarts(steps);
     for (std::size_t nStart = 1; nStart <= starts.size(); ++nStart) {
-        std::printf("%sStart %u of %u\n\n", nStart == 1 ? "" : "\n", static_cast<unsigned>(nStart),
-                    static_cast<unsigned>(starts.size()));
+        if (starts.size() != 1) {
+            std::printf("%sStart %u of %u\n\n", nStart == 1 ? "" : "\n", static_cast<unsigned>(nStart),
+                        static_cast<unsigned>(starts.size()));
+        }
         std::vector<std::string> arguments = registry.GetArguments();
         arguments.insert(arguments.begin(), {argv[0], "--start", std::to_string(nStart)});
         arguments.insert(arguments.end(), argv + 1, argv + argc);
         const DWORD dwStatus = Run(arguments);
-        std::fflush(stdout);
-        if (!IsAsExpected(starts[nStart - 1], dwStatus)) {
-            std::printf("\nStart %u ended with status %u.\n", static_cast<unsigned>(nStart),
+        if (IsOfPlugin(dwStatus)) {
+            std::printf("The process was ended with status %u behind the last step that is shown.\n",
                         static_cast<unsigned>(dwStatus));
-            return dwStatus != 0 ? dwStatus : EXIT_FAILURE;
+        }
+        if (!IsAsExpected(starts[nStart - 1], dwStatus)) {
+            return IsOfPlugin(dwStatus) ? EXIT_DIFFERENT : static_cast<ExitCode>(dwStatus);
         }
     }
-    return 0;
+    return EXIT_AS_GIVEN;
 }

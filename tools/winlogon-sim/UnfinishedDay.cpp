@@ -1,9 +1,10 @@
 #include "UnfinishedDay.h"
 
 #include <cstdio>
-#include <cstdlib>
 
+#include "ExitCode.h"
 #include "machine/ChildProcess.h"
+#include "machine/SetupError.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ void WINAPI ProcessEnds()
     std::fprintf(stderr, "winlogon-sim: the process was ended in line %d, before the day was over\n",
                  s_nLine);
     std::fflush(stderr);
-    Platform::EndThisProcess(EXIT_FAILURE);
+    Platform::EndThisProcess(EXIT_DIFFERENT);
 }
 
 struct CWatch
@@ -70,7 +71,10 @@ void CUnfinishedDay::BeginStep(const CStep& step)
         m_hStepOver = CreateEventW(nullptr, TRUE, FALSE, nullptr);
         CWatch watch = {CreateEventW(nullptr, TRUE, FALSE, nullptr), m_hStepOver};
         m_hWatch = CreateThread(nullptr, 0, WatchStep, &watch, 0, nullptr);
-        // While a DLL hangs in its DllMain no thread could start.
+        if (m_hWatch == nullptr) {
+            throw CSetupError("no thread can be started");
+        }
+        // While a DLL hangs in its DllMain none could start.
         WaitForSingleObject(watch.hStarted, INFINITE);
         CloseHandle(watch.hStarted);
     }

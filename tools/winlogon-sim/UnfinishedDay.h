@@ -3,9 +3,6 @@
 #include "DayFile.h"
 #include "StandinGina.h"
 
-/// The exit status of the process when a call did not come back, as the day expects.
-inline constexpr DWORD EXIT_ENDED = 4;
-
 /// A day that may end in the middle: a plugin or the GINA ends the process, or a call hangs. Exists once at a
 /// time.
 class CUnfinishedDay
