@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr WCHAR VOLATILE_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile");
 constexpr WCHAR TXT_KEY_NOT_LOADED[] = TEXT("LUM Registry key could not be loaded");
 constexpr WCHAR SEPARATOR = ',';
 
@@ -32,8 +31,8 @@ constexpr CValueSettings GINA_DLL{TEXT("GinaDLL"), false, true};
 constexpr CValueSettings TIMEOUT_SECONDS{TEXT("Timeout"), false, true};
 constexpr CValueSettings PIPE_INTERVAL{TEXT("PipeInterval"), false, false};
 constexpr CValueSettings MONITOR_INTERVAL{TEXT("MonitorInterval"), false, false};
-constexpr CValueSettings ENABLED{TEXT("Enabled"), true, true};
-constexpr CValueSettings INSTANCE_COUNT{TEXT("InstanceCount"), true, true};
+constexpr CValueSettings ENABLED{ENABLED_VALUE, true, true};
+constexpr CValueSettings INSTANCE_COUNT{INSTANCE_COUNT_VALUE, true, true};
 
 /// Makes a value object, or reports why it stays null.
 template <typename Value>

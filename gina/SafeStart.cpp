@@ -6,41 +6,12 @@
 
 #include "DllStamp.h"
 #include "GinaNames.h"
+#include "SafeStartNames.h"
 
 namespace {
 
 using Text = CQuietKey::Text;
 using TextView = std::basic_string_view<WCHAR>;
-
-constexpr WCHAR VOLATILE_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile");
-constexpr WCHAR START_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start");
-constexpr WCHAR LEFT_OUT_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start\\LeftOut");
-
-constexpr WCHAR INSTANCE_COUNT[] = TEXT("InstanceCount");
-constexpr WCHAR SAFE_START[] = TEXT("SafeStart");
-constexpr WCHAR REQUIRED_PLUGINS[] = TEXT("RequiredPlugins");
-constexpr WCHAR NO_PLUGINS[] = TEXT("NoPlugins");
-constexpr WCHAR IN_PLUGIN[] = TEXT("InPlugin");
-constexpr WCHAR STAMP[] = TEXT("Stamp");
-constexpr WCHAR COUNT[] = TEXT("Count");
-
-/// The name of a DLL as the loader sees it: without blanks around it, its directory and its extension.
-TextView BareName(TextView name) noexcept
-{
-    constexpr TextView DLL = TEXT(".dll");
-    name.remove_prefix(std::min(name.find_first_not_of(' '), name.size()));
-    name.remove_prefix(name.find_last_of(TEXT("\\/")) + 1);
-    name = name.substr(0, name.find_last_not_of(TEXT(" .")) + 1);
-    if (name.size() > DLL.size() && EqualNames(name.substr(name.size() - DLL.size()), DLL)) {
-        name.remove_suffix(DLL.size());
-    }
-    return name;
-}
-
-bool IsSameDll(TextView left, TextView right) noexcept
-{
-    return EqualNames(BareName(left), BareName(right));
-}
 
 /// Runs a step. If there is no memory for it, nobody is left out.
 template <typename Step>
@@ -59,7 +30,7 @@ void CSafeStart::Begin() noexcept
 {
     Try([&] {
         ReadSettings();
-        if (CQuietKey(VOLATILE_KEY).ReadNumber(INSTANCE_COUNT) != 0) {
+        if (CQuietKey(VOLATILE_KEY).ReadNumber(INSTANCE_COUNT_VALUE) != 0) {
             return;
         }
         if (m_dwLimit != 0) {
@@ -88,14 +59,14 @@ void CSafeStart::ReadLastStart()
 {
     m_bNoting = m_notes.Create(START_KEY);
     Text stamp;
-    if (!m_notes.ReadText(IN_PLUGIN, m_lastEnd) || !m_notes.ReadText(STAMP, stamp) ||
+    if (!m_notes.ReadText(IN_PLUGIN, m_lastEnd) || !m_notes.ReadText(IN_PLUGIN_STAMP, stamp) ||
         stamp != GetDllStamp(m_lastEnd.c_str()))
     {
         // Another DLL by now, which is not to blame for what the old one did.
         m_lastEnd.clear();
         return;
     }
-    m_dwEnded = std::clamp<DWORD>(m_notes.ReadNumber(COUNT), 1, m_dwLimit);
+    m_dwEnded = std::clamp<DWORD>(m_notes.ReadNumber(IN_PLUGIN_COUNT), 1, m_dwLimit);
     m_bLeftOut = m_dwEnded == m_dwLimit && !IsRequired(m_lastEnd);
     CQuietKey leftOut;
     if (m_bLeftOut && leftOut.Create(LEFT_OUT_KEY)) {
@@ -144,10 +115,10 @@ void CSafeStart::Enter(const WCHAR* szPlugin) noexcept
         const Text stamp = GetDllStamp(szPlugin);
         // If the machine ends between two of these, the stamp is not that of the plugin, or the count is
         // too small: nobody is charged with what another one did.
-        m_notes.Delete(COUNT);
-        m_notes.WriteText(STAMP, stamp.c_str());
+        m_notes.Delete(IN_PLUGIN_COUNT);
+        m_notes.WriteText(IN_PLUGIN_STAMP, stamp.c_str());
         m_notes.WriteText(IN_PLUGIN, szPlugin);
-        m_notes.WriteNumber(COUNT, IsSameDll(szPlugin, m_lastEnd) ? m_dwEnded + 1 : 1);
+        m_notes.WriteNumber(IN_PLUGIN_COUNT, IsSameDll(szPlugin, m_lastEnd) ? m_dwEnded + 1 : 1);
         m_notes.Flush();
     });
 }
@@ -155,9 +126,9 @@ void CSafeStart::Enter(const WCHAR* szPlugin) noexcept
 void CSafeStart::Leave() noexcept
 {
     if (m_bNoting) {
-        m_notes.Delete(COUNT);
+        m_notes.Delete(IN_PLUGIN_COUNT);
         m_notes.Delete(IN_PLUGIN);
-        m_notes.Delete(STAMP);
+        m_notes.Delete(IN_PLUGIN_STAMP);
     }
 }
 

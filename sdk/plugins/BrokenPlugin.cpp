@@ -1,7 +1,7 @@
-// Breaks the start of the machine as its settings say, to see what becomes of it:
+// Breaks the start of the machine, or a lock, as its settings say, to see what becomes of it:
 // HKEY_LOCAL_MACHINE\SOFTWARE\ORX\LUM\Plugins\Broken, both REG_SZ:
 //
-//     Where    DllMain, Negotiate or Initialize
+//     Where    DllMain, Negotiate, Initialize or IsLockOk
 //     How      Hang, End (the process) or Fault
 //
 // Without them it passes every call on.
@@ -75,6 +75,12 @@ public:
         BreakIn(TEXT("Initialize"));
         return CPlugin::Initialize(pLUMObject, dwInstanceCount, lpWinsta, hWlx, pvReserved,
                                    pWinlogonFunctions, pWlxContext, dwLoadFlag1, dwLoadFlag2);
+    }
+
+    BOOL IsLockOk(lum::CGinaNode* pNode, PVOID pWlxContext) override
+    {
+        BreakIn(TEXT("IsLockOk"));
+        return CPlugin::IsLockOk(pNode, pWlxContext);
     }
 };
 

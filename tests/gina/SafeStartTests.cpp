@@ -1,10 +1,9 @@
 #include "DllStamp.h"
 #include "HostMachine.h"
+#include "SafeStartNames.h"
 
 namespace {
 
-constexpr WCHAR START_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start");
-constexpr WCHAR LEFT_OUT_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start\\LeftOut");
 constexpr WCHAR A[] = TEXT("test_plugin_a.dll");
 constexpr WCHAR B[] = TEXT("test_plugin_b.dll");
 const Lines WITHOUT_A = {"test_plugin_b.dll", "msgina.dll"};

@@ -134,9 +134,11 @@ TEST_F(ChainCommands, EnableSetsTheRecommendedValuesThatAreMissing)
     RegDeleteKeyW(HKEY_LOCAL_MACHINE, EVENT_SOURCE_KEY);
     EXPECT_TRUE(Has(Run("chain enable --dry-run").output, "EventLog: (none) -> 1 (REG_DWORD)"));
     EXPECT_EQ("(none)", get(TEXT("TypesSupported")));
+    EXPECT_FALSE(Has(Run("chain enable --dry-run --no-safe-start").output, "SafeStart"));
     const CRun run = Run("chain enable");
     EXPECT_TRUE(Has(run.output, "With the recommended settings")) << run.output;
     EXPECT_EQ("1", GetValue(OWN_KEY, TEXT("EventLog")));
+    EXPECT_EQ("2", GetValue(OWN_KEY, TEXT("SafeStart")));
     EXPECT_EQ("7", get(TEXT("TypesSupported")));
     EXPECT_EQ("\"%SystemRoot%\\system32\\lum_gina.dll\"", get(TEXT("EventMessageFile")));
     // What an administrator has set stays, and events that were written before stay readable.

@@ -20,7 +20,7 @@ constexpr char NOT_DONE[] = "the host could not do it; its trace log says why";
 constexpr char NOTHING_ELSE[] = "\"unreadable\": null,\"startEndedIn\": null,\"dllDoubt\": null}";
 /// The DLLs that the host loads.
 constexpr char SYSTEM[] = " --system ../../../bin";
-constexpr char NO_HOST[] = "no host is in service on this machine";
+constexpr char NO_HOST[] = "no host is in service";
 constexpr char TIMED_OUT[] = "the host did not answer in time; it may still do it";
 constexpr char BAD_TIMEOUT[] = "--timeout needs a number of seconds, at most 3600";
 

@@ -9,13 +9,15 @@
 #include <regex>
 #include <sstream>
 
+#include "SafeStartNames.h"
+
 namespace {
 
 // Bottom up, since a key with subkeys cannot be deleted.
 const WCHAR* const USED_KEYS[] = {
-    TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile"),
-    TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start\\LeftOut"),
-    TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start"),
+    VOLATILE_KEY,
+    LEFT_OUT_KEY,
+    START_KEY,
     TEXT("SOFTWARE\\ORX\\LUM\\Gina"),
     TEXT("SOFTWARE\\ORX\\LUM"),
     TEXT("Software\\ORX\\Security\\Debug"),

@@ -7,6 +7,8 @@
 
 #include <windows.h>
 
+#include "GinaNames.h"
+
 using Lines = std::vector<std::string>;
 
 // What operations write that fail, and those that end with an exception.
@@ -51,7 +53,6 @@ private:
 };
 
 inline constexpr WCHAR OWN_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina");
-inline constexpr WCHAR VOLATILE_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile");
 inline constexpr WCHAR DEBUG_KEY[] = TEXT("Software\\ORX\\Security\\Debug");
 
 /// Where tests have trace logs written, with a separator at its end. On Windows the user's own temporary

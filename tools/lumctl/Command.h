@@ -18,9 +18,11 @@ inline constexpr unsigned OPTION_IN_SERVICE = 0x80;
 
 inline constexpr unsigned OPTION_HIVE = 0x100;
 inline constexpr unsigned OPTION_CHECK = 0x200;
+inline constexpr unsigned OPTION_NO_SAFE_START = 0x400;
+inline constexpr unsigned OPTION_MACHINE = 0x800;
 
 /// Beside them: what counts of the command is what it changes, and not what it has to say.
-inline constexpr unsigned IS_CHANGE = 0x400;
+inline constexpr unsigned IS_CHANGE = 0x1000;
 
 /// The arguments and options of a command.
 struct CArguments
@@ -33,11 +35,14 @@ struct CArguments
     bool bInService = false;
     bool bNow = false;
     bool bCheck = false;
+    bool bNoSafeStart = false;
     /// Empty for the system's own.
     std::string system;
     /// The .reg file that is the machine's registry; empty for the system's own registry.
     std::string registry;
     std::string hive;
+    /// The machine whose host is asked; empty for this one.
+    std::string machine;
     /// As it was given; empty for the default.
     std::string timeout;
 };

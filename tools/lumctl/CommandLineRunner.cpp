@@ -103,6 +103,8 @@ ExitStatus RunCommandLine(int argc, const char* const* argv, std::string& output
                           given.Flag("--in-service", OPTION_IN_SERVICE, &CArguments::bInService),
                           given.Flag("--now", OPTION_NOW, &CArguments::bNow),
                           given.Flag("--check", OPTION_CHECK, &CArguments::bCheck),
+                          given.Flag("--no-safe-start", OPTION_NO_SAFE_START, &CArguments::bNoSafeStart),
+                          given.Text("--machine", OPTION_MACHINE, &CArguments::machine),
                           given.Text("--timeout", OPTION_TIMEOUT, &CArguments::timeout),
                           given.Text("--system", OPTION_SYSTEM, &CArguments::system),
                           given.Text("--registry", OPTION_REGISTRY, &CArguments::registry),

@@ -13,8 +13,6 @@ constexpr WCHAR LOG_VALUE[] = TEXT("LUM_GINA");
 constexpr WCHAR OWN_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina");
 constexpr WCHAR MASK_VALUE[] = TEXT("Debug");
 constexpr WCHAR PASSTHROUGH_VALUE[] = TEXT("GinaDLL");
-constexpr WCHAR STATUS_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile");
-constexpr WCHAR ENABLED_VALUE[] = TEXT("Enabled");
 constexpr WCHAR PLUGINS_VALUE[] = TEXT("Plugins");
 
 } // namespace
@@ -23,7 +21,7 @@ CMachine::CMachine(const COptions& options)
     : m_registry(options.registry, CRegistryFile::Absence::IsNewMachine)
 {
     if (options.dwStart != 0) {
-        RegDeleteKeyW(HKEY_LOCAL_MACHINE, STATUS_KEY);
+        RegDeleteKeyW(HKEY_LOCAL_MACHINE, VOLATILE_KEY);
         m_registry.KeepFlushed();
     }
     if (!options.setup.empty() && options.dwStart <= 1) {
@@ -38,13 +36,17 @@ CMachine::CMachine(const COptions& options)
     if (!options.standin.empty()) {
         WriteText(OWN_KEY, PASSTHROUGH_VALUE, options.standin);
     }
+    if (options.dwStart != 0) {
+        // What a machine starts with is on its disk.
+        Save();
+    }
     const std::string passthrough = ReadText(OWN_KEY, PASSTHROUGH_VALUE).value_or("");
     m_standin = passthrough.empty() ? "msgina.dll" : passthrough;
 }
 
 void CMachine::RequireUnused()
 {
-    if (HasValue(WINLOGON_KEY, WINLOGON_GINA_DLL) || ReadNumber(STATUS_KEY, ENABLED_VALUE) != 0) {
+    if (HasValue(WINLOGON_KEY, WINLOGON_GINA_DLL) || ReadNumber(VOLATILE_KEY, ENABLED_VALUE) != 0) {
         throw CSetupError(
             "Winlogon has a GinaDLL on this machine, or lum_gina.dll is in service: a day would "
             "change what the next boot needs (--on-this-machine lives it all the same)");

@@ -53,7 +53,7 @@ ExitStatus Enable(const CArguments& arguments, std::string& output)
         output += "lum_gina.dll is in the chain already; nothing to do.\n";
         return STATUS_DONE;
     }
-    if (AddRecommendedValues(change->after)) {
+    if (AddRecommendedValues(change->after, !arguments.bNoSafeStart)) {
         output += "With the recommended settings, where they are missing:\n";
     }
     return Make(machine, *change, output);
@@ -115,8 +115,8 @@ constexpr CCommand COMMANDS[] = {
     {"chain show", "", "show the chain of GINAs as it will run", LOOKS | OPTION_JSON, Show},
     {"chain check", "", "say whether the next boot is safe, and what is to be done if not",
      LOOKS | OPTION_JSON, Check},
-    {"chain enable", "", "put lum_gina.dll first into the chain, with the recommended settings", CHANGES,
-     Enable},
+    {"chain enable", "", "put lum_gina.dll first into the chain, with the recommended settings",
+     CHANGES | OPTION_NO_SAFE_START, Enable},
     {"chain disable", "", "take lum_gina.dll out of the chain", CHANGES, Disable},
     {"chain remove", "NAME", "take another GINA out of the chain", CHANGES, Remove},
     {"chain backup", "FILE", "write what the chain consists of into a .reg file",

@@ -143,8 +143,7 @@ CValueData COfflineChain::DataOf(const CChainWrite& write)
 
 bool COfflineChain::IsHostInService()
 {
-    return CMachineScope::IsThisMachine() &&
-           NumberOf(ReadValue({WideText(LUM_GINA_MTM) + TEXT("\\Volatile"), TEXT("Enabled")})) != 0;
+    return CMachineScope::IsThisMachine() && NumberOf(ReadValue({VOLATILE_KEY, ENABLED_VALUE})) != 0;
 }
 
 CValuePlace WinlogonPlace()

@@ -167,8 +167,9 @@ ExitStatus Status(Arguments arguments, std::string& output)
     return bGood ? STATUS_DONE : STATUS_BAD;
 }
 
-constexpr unsigned ASKS = OPTION_TIMEOUT | OPTION_JSON;
-constexpr unsigned LOOKS = ASKS | OPTION_REGISTRY | OPTION_HIVE | OPTION_SYSTEM | OPTION_CHECK;
+constexpr unsigned ASKS = OPTION_TIMEOUT | OPTION_JSON | OPTION_MACHINE;
+constexpr unsigned LOOKS =
+    OPTION_TIMEOUT | OPTION_JSON | OPTION_REGISTRY | OPTION_HIVE | OPTION_SYSTEM | OPTION_CHECK;
 constexpr unsigned CHANGES = ASKS | IS_CHANGE;
 
 constexpr CCommand COMMANDS[] = {

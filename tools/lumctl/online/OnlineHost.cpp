@@ -22,7 +22,7 @@ struct CFailure
 
 constexpr CFailure FAILURES[] = {
     {ControlStatus::BadName, STATUS_USAGE, "the name is longer than 259 characters"},
-    {ControlStatus::NoServer, STATUS_FAILED, "no host is in service on this machine"},
+    {ControlStatus::NoServer, STATUS_FAILED, "no host is in service"},
     {ControlStatus::AccessDenied, STATUS_FAILED, "only administrators may talk to the host"},
     {ControlStatus::ForeignServer, STATUS_FAILED,
      "the pipe belongs to neither the system nor an administrator: it is not the host's; nothing was sent"},
@@ -60,7 +60,10 @@ CControlWait MakeWait(const std::string& timeout)
 
 } // namespace
 
-COnlineHost::COnlineHost(const CArguments& arguments) : m_client(MakeWait(arguments.timeout)) {}
+COnlineHost::COnlineHost(const CArguments& arguments)
+    : m_client(MakeWait(arguments.timeout), ToWide(arguments.machine))
+{
+}
 
 bool COnlineHost::IsThere()
 {

@@ -27,6 +27,13 @@ bool IsLoaded(COnlineHost& host, Arguments arguments)
     return host.Ask(host.Client().IsGinaInPluginList(NameOf(arguments)));
 }
 
+/// Whether the host's configuration can be seen: natively it has a registry of its own, and another machine's
+/// is not looked at.
+bool IsConfigurationSeen(Arguments arguments)
+{
+    return arguments.machine.empty() && COfflineChain::HasWinlogonKey();
+}
+
 /// What a change makes of the plugin's entry in the configuration.
 enum class Entry
 {
@@ -70,7 +77,9 @@ bool PrepareRemove(COnlineHost& host, Arguments arguments)
 
 std::string ExplainAdd(COnlineHost&, Arguments arguments)
 {
-    const std::string trouble = FindPluginTrouble(NameOf(arguments), ToWide(arguments.system));
+    const std::string trouble = IsConfigurationSeen(arguments)
+                                    ? FindPluginTrouble(NameOf(arguments), ToWide(arguments.system))
+                                    : std::string();
     return trouble.empty() ? trouble : arguments.words[0] + ": " + trouble;
 }
 
@@ -97,7 +106,9 @@ ControlStatus AskAdd(CControlClient& client, Arguments arguments)
 /// To the host the passthrough GINA is loaded like a plugin, and nobody could log on without it.
 ControlStatus AskRemove(CControlClient& client, Arguments arguments)
 {
-    const WideText passthrough = TextOf(ReadValue({LUM_GINA_MTM, TEXT("GinaDLL")}));
+    const WideText passthrough = IsConfigurationSeen(arguments)
+                                     ? TextOf(ReadValue({LUM_GINA_MTM, TEXT("GinaDLL")}))
+                                     : WideText(SYSTEM_GINA);
     if (arguments.bNow &&
         (IsSameDll(NameOf(arguments), SYSTEM_GINA) || IsSameDll(NameOf(arguments), passthrough)))
     {
@@ -157,7 +168,7 @@ ExitStatus SayAlready(const CPluginVerb& verb, Arguments arguments, std::string&
 /// What the next start makes of a change. Safe start may have notes of a plugin that comes back.
 std::string DescribeNextStart(const CPluginVerb& verb, Arguments arguments)
 {
-    const bool bSeen = COfflineChain::HasWinlogonKey() && verb.entry == Entry::Added;
+    const bool bSeen = IsConfigurationSeen(arguments) && verb.entry == Entry::Added;
     const std::string why = bSeen ? CSafeStartNotes().WhyLeftOut(NameOf(arguments)) : std::string();
     return "at the next start " + arguments.words[0] + " " +
            (why.empty() ? verb.szInRegistry : "is NOT loaded: " + why) + ".\n";
@@ -235,6 +246,9 @@ bool IsForRegistry(const CPluginVerb& verb, Arguments arguments)
     if (bRegistry && arguments.bNow) {
         throw CUsageError("--now is done by the host in service, and not in the registry of a machine");
     }
+    if (bRegistry && !arguments.machine.empty()) {
+        throw CUsageError("--machine asks a host, and writes into no registry");
+    }
     return bRegistry || verb.pfnAsk == nullptr;
 }
 
@@ -249,8 +263,7 @@ ExitStatus Change(Arguments arguments, std::string& output)
         return ChangeRegistry(verb, scope, arguments, output);
     }
     COnlineHost host(arguments);
-    // Natively a host has a registry that is not seen from here.
-    const bool bSeen = COfflineChain::HasWinlogonKey();
+    const bool bSeen = IsConfigurationSeen(arguments);
     if (bSeen && verb.pfnPrepare != nullptr && !verb.pfnPrepare(host, arguments)) {
         return SayAlready(verb, arguments, output);
     }
@@ -283,7 +296,7 @@ ExitStatus List(Arguments arguments, std::string& output)
 constexpr unsigned MACHINE = OPTION_REGISTRY | OPTION_HIVE | OPTION_SYSTEM;
 constexpr unsigned LOOKS = OPTION_TIMEOUT | OPTION_JSON | MACHINE | OPTION_CHECK;
 constexpr unsigned RETRIES = OPTION_JSON | OPTION_DRY_RUN | MACHINE | IS_CHANGE;
-constexpr unsigned MOVES = RETRIES | OPTION_TIMEOUT | OPTION_IN_SERVICE;
+constexpr unsigned MOVES = RETRIES | OPTION_TIMEOUT | OPTION_MACHINE | OPTION_IN_SERVICE;
 
 constexpr CCommand COMMANDS[] = {
     {"plugins list", "",

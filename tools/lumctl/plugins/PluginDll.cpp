@@ -10,11 +10,3 @@ std::string FindPluginTrouble(const WideText& plugin, const WideText& system)
     const CDllFile dll = InspectDll(plugin.c_str(), system.c_str());
     return DescribeTrouble(dll, FindMissingExports(dll, CGinaPluginExports().m_Exports, false), "plugin");
 }
-
-bool IsSameDll(const WideText& left, const WideText& right)
-{
-    const auto load = [](const WideText& name) {
-        return LoadedName(name.substr(std::min(name.find_first_not_of(WCHAR(' ')), name.size())));
-    };
-    return EqualNames(load(left).c_str(), load(right).c_str());
-}

@@ -7,6 +7,3 @@
 /// Why the host could not use the plugin; empty when it could, as far as its file tells. system: where DLLs
 /// are looked for, see InspectDll.
 std::string FindPluginTrouble(const WideText& plugin, const WideText& system);
-
-/// Whether two names are those of the same DLL, however they are spelled.
-bool IsSameDll(const WideText& left, const WideText& right);

@@ -3,33 +3,23 @@
 #include <algorithm>
 
 #include "GinaNames.h"
-#include "PluginDll.h"
 #include "PluginList.h"
+#include "SafeStartNames.h"
 
 namespace {
 
-CValuePlace OwnPlace(const WCHAR* szValue)
-{
-    return {LUM_GINA_MTM, szValue};
-}
-
-CValuePlace NotePlace(const WCHAR* szValue)
-{
-    return {WideText(LUM_GINA_MTM) + TEXT("\\Start"), szValue};
-}
-
 CValuePlace LeftOutPlace(const WideText& plugin)
 {
-    return {WideText(LUM_GINA_MTM) + TEXT("\\Start\\LeftOut"), plugin};
+    return {LEFT_OUT_KEY, plugin};
 }
 
 } // namespace
 
 CSafeStartNotes::CSafeStartNotes()
-    : m_bWithoutPlugins(NumberOf(ReadValue(OwnPlace(TEXT("NoPlugins")))) != 0),
-      m_dwLimit(NumberOf(ReadValue(OwnPlace(TEXT("SafeStart"))))),
-      m_required(ReadValue(OwnPlace(TEXT("RequiredPlugins")))),
-      m_inPlugin(TextOf(ReadValue(NotePlace(TEXT("InPlugin")))))
+    : m_bWithoutPlugins(NumberOf(ReadValue({LUM_GINA_MTM, NO_PLUGINS})) != 0),
+      m_dwLimit(NumberOf(ReadValue({LUM_GINA_MTM, SAFE_START}))),
+      m_required(ReadValue({LUM_GINA_MTM, REQUIRED_PLUGINS})),
+      m_inPlugin(TextOf(ReadValue({START_KEY, IN_PLUGIN})))
 {
 }
 
@@ -60,8 +50,9 @@ void AddRetry(const WideText& plugin, CValueChange& change)
         change.after.Set(place, std::nullopt);
     };
     clear(LeftOutPlace(plugin));
-    if (IsSameDll(TextOf(ReadValue(NotePlace(TEXT("InPlugin")))), plugin)) {
-        clear(NotePlace(TEXT("Count")));
-        clear(NotePlace(TEXT("InPlugin")));
+    if (IsSameDll(TextOf(ReadValue({START_KEY, IN_PLUGIN})), plugin)) {
+        for (const WCHAR* szNote : {IN_PLUGIN_COUNT, IN_PLUGIN_STAMP, IN_PLUGIN}) {
+            clear({START_KEY, szNote});
+        }
     }
 }
