@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <windows.h>
+
+#include <msi.h>
+
+#include "machine/Text.h"
+
+/// What a deferred custom action has of the installation that runs it. The handle stays the caller's. To be
+/// used on the action's thread.
+class CInstallSession
+{
+public:
+    explicit CInstallSession(MSIHANDLE hInstall) : m_hInstall(hInstall) {}
+
+    /// The fields of the action's CustomActionData, which has "|" between them. At least one.
+    std::vector<WideText> Fields() const;
+
+    /// Adds a line to the installer's log.
+    void Log(const std::string& text) const { Send(INSTALLMESSAGE_INFO, text); }
+    /// The same, and shows it to who is at the machine, unless the installation is to be quiet.
+    void ShowError(const std::string& text) const { Send(INSTALLMESSAGE_ERROR, text); }
+
+private:
+    void Send(INSTALLMESSAGE message, const std::string& text) const;
+
+    const MSIHANDLE m_hInstall;
+};
+
+/// Cuts a text at each separator. At least one part.
+std::vector<WideText> Split(const WideText& text, WCHAR separator);
