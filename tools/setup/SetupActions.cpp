@@ -2,10 +2,10 @@
 #include <cwchar>
 #include <exception>
 
+#include "CommandLineRunner.h"
 #include "GinaNames.h"
 #include "InstallSession.h"
 #include "KeyTree.h"
-#include "machine/ChildProcess.h"
 #include "machine/SetupError.h"
 
 // The custom actions of the installation package. The installer calls them as SYSTEM, in a process of its
@@ -33,24 +33,32 @@ UINT CarryOut(MSIHANDLE hInstall, Action action)
     }
 }
 
+/// In this process: the program may be gone, or not be there yet.
 void Run(const CInstallSession& session, const std::vector<WideText>& words)
 {
-    std::string command = "lumctl";
-    for (std::size_t n = 1; n < words.size(); ++n) {
-        command += " " + Shown(words[n]);
+    std::string said = "lumctl";
+    std::vector<std::string> arguments = {said};
+    for (const WideText& word : words) {
+        arguments.push_back(ToNarrow(word.c_str()));
+        said += " " + Shown(word);
     }
-    Platform::CChildEnd end;
-    const LONG lResult = Platform::RunChild(words, INFINITE, end);
-    if (lResult != ERROR_SUCCESS) {
-        throw CSetupError(command + ": cannot run " + Shown(words[0]) + ", error " + std::to_string(lResult) +
-                          "; repair the installation of LUM GINA first");
+    std::vector<const char*> argv;
+    for (const std::string& argument : arguments) {
+        argv.push_back(argument.c_str());
     }
-    const std::string said =
-        command + "\n" + end.output + "(exit status " + std::to_string(end.dwExitStatus) + ")";
-    if (end.dwExitStatus != 0) {
-        throw CSetupError(said);
+    said += "\n";
+    bool bIsChange = false;
+    try {
+        const ExitStatus status = RunCommandLine(static_cast<int>(argv.size()), argv.data(), said, bIsChange);
+        if (status == STATUS_DONE) {
+            session.Log(said);
+            return;
+        }
+        said += "exit status " + std::to_string(status);
+    } catch (const std::exception& error) {
+        said += error.what();
     }
-    session.Log(said);
+    throw CSetupError(said);
 }
 
 WideText Trim(const WideText& text)
