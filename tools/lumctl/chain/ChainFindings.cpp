@@ -24,12 +24,12 @@ public:
         // The host loads this one when it cannot load the GINA behind it.
         m_bFallback = InspectDll(SYSTEM_GINA, system.c_str()).state == CDllFile::State::Usable;
         CheckWinlogon();
-        CheckValue(WinlogonPlace(), m_view.winlogon);
+        CheckLength(WinlogonPlace(), m_view.winlogon);
         for (std::size_t nLink = 0; nLink < view.links.size(); ++nLink) {
             CheckDll(nLink);
             CheckFlags(nLink);
             if (view.links[nLink].place) {
-                CheckValue(*view.links[nLink].place, view.links[nLink].passthrough);
+                CheckLength(*view.links[nLink].place, view.links[nLink].passthrough);
             }
         }
         CheckEnd();
@@ -76,18 +76,12 @@ private:
         }
     }
 
-    /// The library takes any bytes for a text; what Winlogon and other GINAs do is not known. Here they count
-    /// as no name.
-    void CheckValue(const CValuePlace& place, const CValueData& data)
+    void CheckLength(const CValuePlace& place, const CValueData& data)
     {
         if (IsTooLong(data)) {
             Add(Severity::Danger,
                 Describe(place) + " is a name of more than 259 characters, which nobody loads",
                 "set it to the name of a GINA, such as msgina.dll");
-        }
-        if (data && !IsText(data) && !(place == WinlogonPlace())) {
-            Add(Severity::Doubt, Describe(place) + " is " + Describe(data),
-                "delete this value, and write it as a text (REG_SZ), such as msgina.dll");
         }
     }
 
@@ -117,9 +111,7 @@ private:
             return;
         }
         const bool bTolerated = nLink != 0 && m_view.links[nLink - 1].IsHost() && m_bFallback;
-        Add(bTolerated ? Severity::Warning : Severity::Danger,
-            Loader(nLink) + " loads " + trouble + (bTolerated ? "; it makes do with msgina.dll" : ""),
-            RemedyForDll(nLink));
+        AddBreak(bTolerated, Loader(nLink) + " loads " + trouble, RemedyForDll(nLink));
     }
 
     void CheckFlags(std::size_t nLink)
@@ -139,20 +131,38 @@ private:
     {
         const CLinkView& last = m_view.links.back();
         const std::string name = Shown(last.gina);
-        if (m_view.end == ChainEnd::Unknown) {
+        if (m_view.IsWinlogonNoText()) {
+            return;
+        }
+        if (IsNoText(last.passthrough)) {
+            AddBreak(last.IsHost() && m_bFallback,
+                     name + " passes through to nothing that is a text: " + Describe(*last.place) + " is " +
+                         Describe(last.passthrough),
+                     "delete this value, and write it as a text (REG_SZ), such as msgina.dll");
+        } else if (m_view.end == ChainEnd::Unknown) {
             CheckUnknown(last, name);
         } else if (m_view.end == ChainEnd::NoPassthrough) {
-            const bool bTolerated = last.IsHost() && m_bFallback;
-            const bool bNoText = last.passthrough && !IsText(last.passthrough);
-            Add(bTolerated ? Severity::Warning : Severity::Danger,
-                name + " passes through to nothing" + (bNoText ? " that is a text" : "") +
-                    (bTolerated ? "; it makes do with msgina.dll" : ""),
-                RemedyForPassthrough(last));
+            AddBreak(last.IsHost() && m_bFallback, name + " passes through to nothing",
+                     RemedyForPassthrough(last));
         } else if (m_view.end == ChainEnd::Cycle) {
-            Add(Severity::Danger,
-                name + " passes through to " + Shown(TextOf(last.passthrough)) + ", which comes before it",
-                RemedyForPassthrough(last));
+            AddBreak(LeadsBackToHost(last) && m_bFallback,
+                     name + " passes through to " + Shown(TextOf(last.passthrough)) +
+                         ", which comes before it",
+                     RemedyForPassthrough(last));
         }
+    }
+
+    /// The host, entered anew while it is being started, refuses that, so the GINA behind it cannot be used.
+    static bool LeadsBackToHost(const CLinkView& last)
+    {
+        return EqualNames(LoadedName(TextOf(last.passthrough)).c_str(), HOST_GINA);
+    }
+
+    /// bTolerated: the host goes without what is behind it.
+    void AddBreak(bool bTolerated, const std::string& text, const std::string& remedy)
+    {
+        Add(bTolerated ? Severity::Warning : Severity::Danger,
+            text + (bTolerated ? "; lum_gina.dll makes do with msgina.dll" : ""), remedy);
     }
 
     void CheckUnknown(const CLinkView& last, const std::string& name)

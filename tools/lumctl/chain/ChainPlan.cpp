@@ -19,7 +19,7 @@ namespace {
 /// Whether a value names the same GINA as the data that is to be written. What is no text names none.
 bool SaysAlready(const CValueData& current, const CValueData& data)
 {
-    return TextOf(current) == TextOf(data) && (!current || IsText(current));
+    return TextOf(current) == TextOf(data) && !IsNoText(current);
 }
 
 /// What a chain of these GINAs would be written as.
@@ -29,10 +29,12 @@ CChainChange PlanWrite(COfflineMachine& machine, const CGinaNames& ginas, const 
     for (const CChainWrite& write : ListWrites(ginas)) {
         const std::optional<CValuePlace> place = machine.chain.PlaceOf(write);
         const CValueData data = machine.chain.DataOf(write);
-        // One that says so already keeps its type.
-        if (place && (data || write.szGinaDLL == nullptr) && !SaysAlready(Read(machine.values, *place), data))
-        {
-            change.after.Set(*place, data);
+        if (!place || (!data && write.szGinaDLL != nullptr)) {
+            continue;
+        }
+        const CValueData current = Read(machine.values, *place);
+        if (!SaysAlready(current, data)) {
+            change.after.Set(*place, WithTypeOf(current, data));
         }
     }
     return change;
@@ -50,10 +52,11 @@ CChainChange PlanCut(COfflineMachine& machine, const CChainView& view, std::size
     const bool bBySystem = nLink == 0 && EqualNames(next.c_str(), SYSTEM_GINA);
     const CLinkView& last = view.links.back();
     if (!bLast && EqualNames(LoadedName(TextOf(last.passthrough)).c_str(), view.links[nLink].gina.c_str())) {
-        change.after.Set(*last.place, MakeText(SYSTEM_GINA));
+        change.after.Set(*last.place, WithTypeOf(last.passthrough, MakeText(SYSTEM_GINA)));
     }
-    change.after.Set(nLink == 0 ? WinlogonPlace() : *view.links[nLink - 1].place,
-                     machine.chain.DataOf({nullptr, bBySystem ? nullptr : next.c_str()}));
+    const CValuePlace loader = nLink == 0 ? WinlogonPlace() : *view.links[nLink - 1].place;
+    const CValueData data = machine.chain.DataOf({nullptr, bBySystem ? nullptr : next.c_str()});
+    change.after.Set(loader, WithTypeOf(Read(machine.values, loader), data));
     return change;
 }
 
@@ -99,7 +102,7 @@ bool IsInChain(COfflineMachine& machine, const WideText& gina, const std::string
 {
     const CChainView view = machine.Follow();
     const bool bFound = view.HasGina(gina.c_str());
-    if (!bFound && (view.end == ChainEnd::Unknown || view.IsWinlogonNoText())) {
+    if (!bFound && view.end == ChainEnd::Unknown) {
         PrintFindings(CheckChain(view, machine.system), output);
         throw CCommandError(machine.group + " " + command +
                                 ": the chain cannot be followed to its end, so whether " + Shown(gina) +

@@ -43,6 +43,12 @@ std::string DescribeWinlogon(const CChainView& view)
 std::string DescribeEnd(const CChainView& view)
 {
     const std::string last = Shown(view.links.back().gina);
+    if (view.IsWinlogonNoText()) {
+        return "Which GINA Winlogon loads is not known, since its GinaDLL is no text.";
+    }
+    if (IsNoText(view.links.back().passthrough)) {
+        return "The chain cannot be followed behind " + last + ", whose value is no text.";
+    }
     switch (view.end) {
     case ChainEnd::Unknown:
         return "The chain cannot be followed behind " + last + ", which is unknown.";

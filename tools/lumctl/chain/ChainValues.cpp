@@ -134,6 +134,14 @@ CValueData MakeText(const WCHAR* szText)
     return Platform::CRegistryData{REG_SZ, {pBytes, pBytes + cbText}};
 }
 
+CValueData WithTypeOf(const CValueData& before, CValueData text)
+{
+    if (text && IsText(before)) {
+        text->dwType = before->dwType;
+    }
+    return text;
+}
+
 CValueData MakeNumber(DWORD dwNumber)
 {
     const auto* pBytes = reinterpret_cast<const BYTE*>(&dwNumber);
@@ -153,6 +161,11 @@ std::string Describe(const CValuePlace& place)
 bool IsText(const CValueData& data)
 {
     return data && (data->dwType == REG_SZ || data->dwType == REG_EXPAND_SZ);
+}
+
+bool IsNoText(const CValueData& data)
+{
+    return data && !IsText(data);
 }
 
 std::string Describe(const CValueData& data)

@@ -42,23 +42,29 @@ private:
     std::vector<CChainValue> m_values;
 };
 
-/// The text as the library reads it; empty when there is none. The library reads no longer one than
-/// LONGEST_NAME. It takes bytes of any type for one, but nothing is decided here by what is no text.
+/// The text, also one that is too long for the host; empty for what is no text.
 WideText TextOf(const CValueData& data);
 /// 0 when it is no REG_DWORD.
 DWORD NumberOf(const CValueData& data);
 CValueData MakeText(const WCHAR* szText);
-/// Whether it is more than the library reads: a name of more than LONGEST_NAME, whatever stands behind it.
-bool IsTooLong(const CValueData& data);
+/// A text with the type of the text that it replaces, if that is one.
+CValueData WithTypeOf(const CValueData& before, CValueData text);
 CValueData MakeNumber(DWORD dwNumber);
+/// Whether the host cannot read it: the data, with what stands behind the end of the text, is longer than a
+/// name of LONGEST_NAME.
+bool IsTooLong(const CValueData& data);
 /// Whether it exists and has the type of a text.
 bool IsText(const CValueData& data);
+/// Whether it exists and has another type. The host takes such bytes for a text all the same; what others do
+/// is not known.
+bool IsNoText(const CValueData& data);
 
-/// For people: "HKEY_LOCAL_MACHINE\KEY", "NAME", and the data: a text in quotes with its
-/// type if that is not REG_SZ, a number in decimal with its type, or
-/// "(none)".
+// For people.
+/// HKEY_LOCAL_MACHINE\KEY
 std::string DescribeKey(const CValuePlace& place);
+/// HKEY_LOCAL_MACHINE\KEY, NAME
 std::string Describe(const CValuePlace& place);
+/// "TEXT", 5 (REG_DWORD), or (none) when it does not exist.
 std::string Describe(const CValueData& data);
 
 /// These throw CCommandError. Writing no data deletes the value. A missing key is made only for a text.

@@ -52,6 +52,7 @@ CChainView FollowChain(COfflineChain& chain, const CChainValues& values, const W
     for (const CGinaName& gina : followed.ginas) {
         view.links.push_back(LookAt(chain, values, system, gina));
     }
-    view.end = followed.end;
+    const bool bNoText = view.IsWinlogonNoText() || IsNoText(view.links.back().passthrough);
+    view.end = bNoText ? ChainEnd::Unknown : followed.end;
     return view;
 }

@@ -36,6 +36,7 @@ struct CChainView
     CValueData winlogon; ///< its GinaDLL
     /// Never empty: when Winlogon names no GINA it loads the system's own, which is the only one here then.
     std::vector<CLinkView> links;
+    /// Unknown also when the last value on the way is no text.
     ChainEnd end = ChainEnd::Complete;
     /// Whether a host is in service on the machine: then the chain is changed through it.
     bool bInService = false;
@@ -43,7 +44,7 @@ struct CChainView
     bool HasGina(const WCHAR* szGina) const;
     bool IsSystemGinaImplied() const { return TextOf(winlogon).empty(); }
     /// What Winlogon makes of that is not known; here it counts as naming no GINA.
-    bool IsWinlogonNoText() const { return winlogon && !IsText(winlogon); }
+    bool IsWinlogonNoText() const { return IsNoText(winlogon); }
 };
 
 /// The chain that the values make, whether the registry has them already or not. system: where DLLs are
