@@ -50,12 +50,14 @@ template <typename ReadReply>
 ControlStatus CControlClient::Exchange(const CControlRequest& request, ReadReply readReply)
 {
     m_dwError = ERROR_SUCCESS;
+    m_bConnected = false;
     if (!request.IsValid()) {
         return ControlStatus::BadName;
     }
     CControlConnection connection(m_Wait);
     ControlStatus status = connection.Open(m_pipe.c_str());
-    if (status == ControlStatus::Success) {
+    m_bConnected = status == ControlStatus::Success;
+    if (m_bConnected) {
         const auto& bytes = request.GetBytes();
         status = connection.Send(bytes.data(), static_cast<DWORD>(bytes.size()));
     }

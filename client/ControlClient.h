@@ -68,6 +68,8 @@ public:
 
     /// The Windows error code behind the last status, ERROR_SUCCESS if there was none.
     DWORD GetSystemError() const noexcept { return m_dwError; }
+    /// Whether the server may have got the last request, however that ended.
+    bool MayHaveBeenSent() const noexcept { return m_bConnected; }
 
 private:
     template <typename ReadReply>
@@ -78,4 +80,5 @@ private:
     const CControlWait m_Wait;
     Text m_pipe = ControlProtocol::PIPE_NAME;
     DWORD m_dwError = ERROR_SUCCESS;
+    bool m_bConnected = false;
 };

@@ -12,7 +12,7 @@ enum class ControlStatus
     BadName,       ///< a name that the protocol has no room for; nothing was sent
     NoServer,      ///< nobody serves the pipe
     AccessDenied,  ///< the pipe is not for this user
-    ForeignServer, ///< the pipe is neither the system's, an administrator's nor the user's; nothing was sent
+    ForeignServer, ///< the pipe is neither the system's nor an administrator's; nothing was sent
     TimedOut,      ///< the server was busy, or did not answer, all the time allowed
     Cancelled,     ///< the progress function asked to give up
     NoAnswer,      ///< the server disconnected without a reply: it stops, or could not read the request

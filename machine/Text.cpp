@@ -34,6 +34,12 @@ std::string Shown(const WideText& text)
     return ToNarrow(shown.c_str());
 }
 
+std::string ShownArgument(const WideText& text)
+{
+    const std::string shown = Shown(text);
+    return shown.find(' ') != std::string::npos ? '"' + shown + '"' : shown;
+}
+
 std::string Format(const char* szFormat, ...)
 {
     va_list arguments;

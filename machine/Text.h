@@ -18,6 +18,9 @@ std::string ToNarrow(const WCHAR* szText);
 /// For people's eyes: control characters, which a terminal would obey, as \x1b.
 std::string Shown(const WideText& text);
 
+/// The same, as an argument of a command line: in quotes when it has a blank in it.
+std::string ShownArgument(const WideText& text);
+
 /// printf into a string.
 __attribute__((format(printf, 1, 2))) std::string Format(const char* szFormat, ...);
 

@@ -55,11 +55,11 @@ bool IsPipeOfTrustedOwner(HANDLE hPipe) noexcept
     {
         return false;
     }
-    // Windows gives every pipe an owner. Wine gives none, and one user has all that runs in it.
-    return pOwner == nullptr
-               ? IsWine()
-               : IsSid(pOwner, {.byParts = 1, .dwParts = {SECURITY_LOCAL_SYSTEM_RID, 0}}) ||
-                     IsSid(pOwner, {.byParts = 2,
-                                    .dwParts = {SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS}}) ||
-                     IsOwnUser(pOwner);
+    if (IsWine() && (pOwner == nullptr || IsOwnUser(pOwner))) {
+        // One user has all that runs in it, and it may give a pipe no owner at all.
+        return true;
+    }
+    return pOwner != nullptr &&
+           (IsSid(pOwner, {.byParts = 1, .dwParts = {SECURITY_LOCAL_SYSTEM_RID, 0}}) ||
+            IsSid(pOwner, {.byParts = 2, .dwParts = {SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS}}));
 }

@@ -29,6 +29,10 @@ TEST_F(FailingOnline, IsNotTakenForTheAbsenceOfAHost)
             EXPECT_EQ(run.error, row.szReason) << szCommandLine;
         }
     }
+    // The host may have got this one.
+    const CFaultInjection fault(PlatformCall::PeekNamedPipe, 1, ERROR_ACCESS_DENIED);
+    const CLumctlRun run = RunLumctl(SplitWords("plugins up x.dll"));
+    EXPECT_EQ(run.status, STATUS_UNCERTAIN) << run.error;
 }
 
 } // namespace

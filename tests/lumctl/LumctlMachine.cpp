@@ -39,7 +39,7 @@ void CLumctlMachine::SetDlls(const std::string& names)
         return;
     }
     current = names;
-    for (const std::string& name : SplitNames(std::string(ALL_DLLS) + " x.dll a.dll b.dll")) {
+    for (const std::string& name : SplitNames(std::string(ALL_DLLS) + " x.dll a.dll b.dll LUM_GI~1.DLL")) {
         std::remove((FOLDER + "/" + name.substr(0, name.find('='))).c_str());
     }
     for (const std::string& name : SplitNames(names)) {

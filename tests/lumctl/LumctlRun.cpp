@@ -1,6 +1,6 @@
 #include "LumctlRun.h"
 
-#include <iterator>
+#include <iomanip>
 #include <sstream>
 
 #include "CommandError.h"
@@ -35,5 +35,9 @@ CLumctlRun RunLumctl(std::vector<std::string> words)
 std::vector<std::string> SplitWords(const std::string& commandLine)
 {
     std::istringstream text(commandLine);
-    return {std::istream_iterator<std::string>(text), {}};
+    std::vector<std::string> words;
+    for (std::string word; text >> std::quoted(word);) {
+        words.push_back(word);
+    }
+    return words;
 }

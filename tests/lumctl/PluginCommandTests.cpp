@@ -1,4 +1,6 @@
+#include "DllStamp.h"
 #include "LumctlMachine.h"
+#include "machine/DllFile.h"
 
 namespace {
 
@@ -44,13 +46,17 @@ TEST_F(PluginCommands, ChangeTheRegistryOrSayWhyNot)
         {"b.dll,A.dll", "add a.DLL", STATUS_DONE, "b.dll,A.dll", "nothing to do"},
         {"a.dll", "add a", STATUS_REFUSED, "a.dll", "is configured already, as a.dll"},
         {"", "add x.dll", STATUS_REFUSED, "", "there is no such DLL"},
-        {"", "add x.dll --force", STATUS_DONE, "x.dll", "is loaded"},
+        {"", "add x.dll --force", STATUS_DONE, "x.dll", "x.dll is NOT loaded: there is no such DLL"},
         {"", "add msgina.dll", STATUS_REFUSED, "", "is no plugin: it lacks LUMNegotiate, LUMQueryPlugin"},
-        {"", "add a.dll,b.dll --force", STATUS_USAGE, "", "has no comma in it"},
+        {"", "add a.dll,b.dll --force", STATUS_USAGE, "", "has no comma"},
         {longest, "add a.dll", STATUS_DONE, longest + ",a.dll", "is loaded"},
         {longest + "x", "add a.dll --force", STATUS_FAILED, longest + "x", "longer than 259 characters"},
         {"a.dll,b.dll,c.dll", "remove B.dll", STATUS_DONE, "a.dll,c.dll", "is not loaded any more"},
         {"a.dll", "remove b.dll", STATUS_REFUSED, "a.dll", "b.dll is not configured"},
+        {"a.dll", "remove A", STATUS_REFUSED, "a.dll", "A is not configured (its DLL is, as a.dll)"},
+        {" a.dll,b.dll", "remove \" a.dll\"", STATUS_DONE, "b.dll", "is not loaded any more"},
+        {"", "add \" a.dll\"", STATUS_USAGE, "", "no blank around it"},
+        {"", "remove \"\"", STATUS_USAGE, "", "the name of the plugin is empty"},
         {"a.dll,,b.dll", "up b.dll", STATUS_DONE, "b.dll,a.dll", "is loaded earlier"},
         {"a.dll,b.dll", "down a.dll", STATUS_DONE, "b.dll,a.dll", "is loaded later"},
         {"a.dll,b.dll", "up a.dll", STATUS_DONE, "a.dll,b.dll", "is the first already"},
@@ -67,8 +73,12 @@ TEST_F(PluginCommands, ChangeTheRegistryOrSayWhyNot)
         EXPECT_TRUE(Says(run, row.szSays)) << row.command << run.output << run.error;
         EXPECT_EQ('"' + row.after + '"', GetValue(OWN_KEY, TEXT("Plugins"))) << row.command;
     }
-    EXPECT_EQ(STATUS_USAGE, RunLumctl({"plugins", "add", " a.dll"}).status);
+    EXPECT_EQ(STATUS_USAGE, RunLumctl({"plugins", "add", "a\t.dll"}).status);
+    SetBytes(OWN_KEY, TEXT("Plugins"), REG_EXPAND_SZ, TEXT("a"), 2 * sizeof(WCHAR));
+    EXPECT_TRUE(Says(Run("plugins add b.dll"), "-> \"a,b.dll\" (REG_EXPAND_SZ)"));
     SetDword(OWN_KEY, TEXT("Plugins"), 5);
+    SetString(LEFT_OUT_KEY, TEXT("a.dll"), TEXT("0"));
+    EXPECT_TRUE(Says(Run("plugins retry a.dll --dry-run"), "a.dll: \"0\" -> (none)"));
     EXPECT_EQ(STATUS_REFUSED, Run("plugins add a.dll --force").status);
     EXPECT_EQ("5", GetValue(OWN_KEY, TEXT("Plugins")));
     SetString(OWN_KEY, TEXT("Plugins"), TEXT("a.dll"));
@@ -81,9 +91,16 @@ TEST_F(PluginCommands, ShowWhoIsLeftOutAndBringItBack)
 {
     SetString(OWN_KEY, TEXT("Plugins"), TEXT("a.dll,b.dll"));
     SetDword(OWN_KEY, TEXT("SafeStart"), 2);
+    const std::basic_string<WCHAR> stamp = GetDllStamp(TEXT("ginas/a.dll"));
     SetString(LEFT_OUT_KEY, TEXT("a.dll"), TEXT("0"));
+    EXPECT_FALSE(Says(Run("plugins list"), "left out")) << "its DLL has changed";
+    EXPECT_NE(LooksWhereWinlogonLooks(), Says(RunLumctl({"plugins", "list"}), "unless it has changed"));
     SetString(START_KEY, TEXT("InPlugin"), TEXT("A"));
+    SetString(START_KEY, TEXT("Stamp"), stamp.c_str());
+    SetDword(START_KEY, TEXT("Count"), 2);
+    EXPECT_TRUE(Says(Run("plugins list"), "left out")) << "by the next start";
     SetDword(START_KEY, TEXT("Count"), 1);
+    SetString(LEFT_OUT_KEY, TEXT("a.dll"), stamp.c_str());
     for (const char* szCommand : {"plugins list", "status"}) {
         const CRun run = Run(szCommand);
         EXPECT_TRUE(Says(run, "NOT loaded: left out, since 2 starts in a row ended in it")) << run.output;
@@ -119,7 +136,7 @@ TEST_F(PluginCommands, ChangeTheHiveOfAStoppedMachine)
     } rows[] = {
         {"plugins add b.dll --hive DEAD", STATUS_DONE, "HKEY_LOCAL_MACHINE\\DEAD\\ORX\\LUM\\Gina\n"},
         {"plugins list --hive=DEAD --check", STATUS_DONE, " 2  b.dll"},
-        {"plugins add x.dll --hive DEAD --force", STATUS_DONE, "is loaded"},
+        {"plugins add x.dll --hive DEAD --force", STATUS_DONE, "x.dll is NOT loaded"},
         {"plugins list --hive DEAD --check", STATUS_BAD, "there is no such DLL"},
         {"status --hive DEAD", STATUS_BAD, "Host         not in service"},
         {"chain check --hive DEAD", STATUS_DONE, "goes without the plugin x.dll: there is no such DLL"},
@@ -127,6 +144,8 @@ TEST_F(PluginCommands, ChangeTheHiveOfAStoppedMachine)
         {"chain show --hive DEAD", STATUS_DONE, "lum_gina.dll is not in it"},
         {"chain enable --hive DEAD", STATUS_DONE, "EventLog: (none) -> 1"},
         {"chain show --hive SOFTWARE", STATUS_USAGE, "a key right below HKEY_LOCAL_MACHINE"},
+        {"plugins list --hive GONE", STATUS_FAILED,
+         "the registry has no key HKEY_LOCAL_MACHINE\\GONE\\Micro"},
         {"chain show --hive GONE", STATUS_FAILED, "the registry has no key HKEY_LOCAL_MACHINE\\GONE\\Micro"},
     };
     for (const auto& row : rows) {

@@ -6,12 +6,26 @@
 #include "CommandLineRunner.h"
 #include "JsonWriter.h"
 #include "machine/SetupError.h"
+#include "machine/Text.h"
 
 namespace {
 
-/// Returns false when not everything could be printed.
-bool Print(const std::string& output)
+/// What a terminal would obey is shown instead, line by line.
+std::string Printable(const std::string& text)
 {
+    std::string printable;
+    for (std::size_t nBegin = 0; nBegin < text.size();) {
+        const std::size_t nEnd = std::min(text.find('\n', nBegin), text.size());
+        printable += Shown(ToWide(text.substr(nBegin, nEnd - nBegin))) + (nEnd < text.size() ? "\n" : "");
+        nBegin = nEnd + 1;
+    }
+    return printable;
+}
+
+/// Returns false when not everything could be printed.
+bool Print(const std::string& text)
+{
+    const std::string output = Printable(text);
     return std::fwrite(output.data(), 1, output.size(), stdout) == output.size() && std::fflush(stdout) == 0;
 }
 
@@ -22,7 +36,7 @@ bool WantsJson(int argc, const char* const* argv)
 
 ExitStatus Tell(ExitStatus status, const std::string& reason)
 {
-    std::fprintf(stderr, "lumctl: %s\n", reason.c_str());
+    std::fprintf(stderr, "lumctl: %s\n", Shown(ToWide(reason)).c_str());
     return status;
 }
 

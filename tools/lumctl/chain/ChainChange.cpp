@@ -33,7 +33,7 @@ void RefuseDanger(const CChainChange& change, const std::vector<CFinding>& findi
 
 } // namespace
 
-bool IsDangerous(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
+bool CheckDanger(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
                  std::string& output)
 {
     const WideText system = ToWide(arguments.system);
@@ -43,6 +43,7 @@ bool IsDangerous(COfflineChain& chain, const CChainChange& change, const CArgume
     };
     const std::vector<CFinding> findings = find(change.after, Moment::AfterChange);
     PrintFindings(findings, output, Moment::AfterChange);
+    PrintDoubt(GetDllSearch(system), output);
     // A machine that cannot start now may be mended step by step.
     if (!arguments.bForce && !HasSeverity(find(change.before, Moment::Now), Severity::Danger)) {
         RefuseDanger(change, findings);
@@ -55,7 +56,7 @@ ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CA
 {
     const std::vector<CValuePlace> places = SafeOrder(chain, change.before, change.after);
     PrintWrites(change, places, output);
-    const ExitStatus status = IsDangerous(chain, change, arguments, output) ? STATUS_BAD : STATUS_DONE;
+    const ExitStatus status = CheckDanger(chain, change, arguments, output) ? STATUS_BAD : STATUS_DONE;
     if (!arguments.bInService) {
         RefuseWhileInService(change);
     }

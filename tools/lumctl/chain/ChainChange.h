@@ -14,12 +14,12 @@ struct CChainChange : CValueChange
 /// Prints what would be wrong with the machine after a change, and gives whether it would not come up.
 /// Refuses a change that would keep a working machine from starting, unless it is forced. Throws CUsageError
 /// and CCommandError.
-bool IsDangerous(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
+bool CheckDanger(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,
                  std::string& output);
 
 /// Prints a change, writes it and reads it back. The machine can start after each single write.
 ///
-/// Refuses what IsDangerous refuses, and every change while a host is in service, unless the arguments say
+/// Refuses what CheckDanger refuses, and every change while a host is in service, unless the arguments say
 /// that the caller knows of it. If a write fails, the values from before are restored. Returns STATUS_BAD
 /// when the machine will not be able to start after the change. Throws CUsageError and CCommandError.
 ExitStatus MakeChange(COfflineChain& chain, const CChainChange& change, const CArguments& arguments,

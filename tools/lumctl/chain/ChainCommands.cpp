@@ -35,10 +35,11 @@ ExitStatus Check(const CArguments& arguments, std::string& output)
                               : HasSeverity(findings, Severity::Doubt) ? STATUS_UNCERTAIN
                                                                        : STATUS_DONE;
     if (arguments.bJson) {
-        PrintFindingsJson(findings, output);
+        PrintFindingsJson(findings, GetDllSearch(machine.system), output);
         return status;
     }
     PrintFindings(findings, output);
+    PrintDoubt(GetDllSearch(machine.system), output);
     output += status == STATUS_DONE  ? "The next boot is safe.\n"
               : status == STATUS_BAD ? "The next boot is NOT SAFE.\n"
                                      : "Whether the next boot is safe cannot be told.\n";

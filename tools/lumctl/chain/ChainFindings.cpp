@@ -101,7 +101,8 @@ private:
             return "put " + name + " into the system directory";
         }
         return Remedy("put " + name + " into the system directory",
-                      m_view.links[nLink].IsHost() ? "disable" : "remove " + name);
+                      m_view.links[nLink].IsHost() ? "disable"
+                                                   : "remove " + ShownArgument(m_view.links[nLink].gina));
     }
 
     void CheckDll(std::size_t nLink)
@@ -119,11 +120,11 @@ private:
         const CLinkView& link = m_view.links[nLink];
         if (link.bMustBeFirst && nLink != 0) {
             Add(Severity::Warning, Name(nLink) + " wants to be the first GINA and is behind " + Loader(nLink),
-                Remedy("watch whether it works there", "remove " + Name(nLink)));
+                Remedy("watch whether it works there", "remove " + ShownArgument(link.gina)));
         }
         if (link.bIsIncompatible && m_view.HasGina(HOST_GINA)) {
             Add(Severity::Warning, Name(nLink) + " is recorded as incompatible with lum_gina.dll",
-                Remedy("watch whether it works there", "remove " + Name(nLink)));
+                Remedy("watch whether it works there", "remove " + ShownArgument(link.gina)));
         }
     }
 
@@ -211,7 +212,7 @@ void PrintFindings(const std::vector<CFinding>& findings, std::string& output, M
     }
 }
 
-void PrintFindingsJson(const std::vector<CFinding>& findings, std::string& output)
+void PrintFindingsJson(const std::vector<CFinding>& findings, const CDllSearch& search, std::string& output)
 {
     CJsonWriter json(output);
     json.BeginObject();
@@ -229,5 +230,6 @@ void PrintFindingsJson(const std::vector<CFinding>& findings, std::string& outpu
         json.EndObject();
     }
     json.EndArray();
+    AddDllSearchJson(json, search);
     json.EndObject();
 }

@@ -33,5 +33,5 @@ bool HasSeverity(const std::vector<CFinding>& findings, Severity severity);
 
 /// Prints each finding with its remedy. Marks those that a change would cause.
 void PrintFindings(const std::vector<CFinding>& findings, std::string& output, Moment moment = Moment::Now);
-/// The same, and whether the next boot is safe: null when that cannot be told.
-void PrintFindingsJson(const std::vector<CFinding>& findings, std::string& output);
+/// The same, whether the next boot is safe (null when that cannot be told), and where DLLs were looked for.
+void PrintFindingsJson(const std::vector<CFinding>& findings, const CDllSearch& search, std::string& output);

@@ -130,9 +130,7 @@ void PrintChain(const CChainView& view, const CDllSearch& search, std::string& o
                          DescribePassthrough(link).c_str());
     }
     output += DescribeEnd(view) + "\n";
-    if (!search.doubt.empty()) {
-        output += DescribeDoubt(search) + ".\n";
-    }
+    PrintDoubt(search, output);
     if (view.bInService) {
         output += "lum_gina.dll is in service: change the chain through it (lumctl gina enable, disable, "
                   "remove).\n";
@@ -152,15 +150,6 @@ void PrintChainJson(const CChainView& view, const CDllSearch& search, std::strin
     json.Text("end", std::string(NameOf(view.end)));
     json.Bool("hostInChain", view.HasGina(HOST_GINA));
     json.Bool("inService", view.bInService);
-    json.BeginArray("dllDirectories");
-    for (const WideText& directory : search.directories) {
-        json.Text(nullptr, directory);
-    }
-    json.EndArray();
-    if (search.doubt.empty()) {
-        json.Null("dllDirectoriesDoubt");
-    } else {
-        json.Text("dllDirectoriesDoubt", search.doubt);
-    }
+    AddDllSearchJson(json, search);
     json.EndObject();
 }

@@ -1,6 +1,7 @@
 #include "DllSearch.h"
 
 #include "CommandLine.h"
+#include "JsonWriter.h"
 #include "MachineScope.h"
 #include "machine/DllFile.h"
 
@@ -28,6 +29,27 @@ std::string DescribeDoubt(const CDllSearch& search)
         text += (text.empty() ? "" : ", ") + Shown(directory);
     }
     return "DLLs were looked for in " + text + ": " + search.doubt + " (--system DIRECTORY names that)";
+}
+
+void PrintDoubt(const CDllSearch& search, std::string& output)
+{
+    if (!search.doubt.empty()) {
+        output += DescribeDoubt(search) + ".\n";
+    }
+}
+
+void AddDllSearchJson(CJsonWriter& json, const CDllSearch& search)
+{
+    json.BeginArray("dllDirectories");
+    for (const WideText& directory : search.directories) {
+        json.Text(nullptr, directory);
+    }
+    json.EndArray();
+    if (search.doubt.empty()) {
+        json.Null("dllDirectoriesDoubt");
+    } else {
+        json.Text("dllDirectoriesDoubt", search.doubt);
+    }
 }
 
 void RequireDllSearch(const WideText& system)

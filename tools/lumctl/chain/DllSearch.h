@@ -2,6 +2,8 @@
 
 #include "machine/Text.h"
 
+class CJsonWriter;
+
 /// Where the DLLs of a machine are looked for.
 struct CDllSearch
 {
@@ -15,6 +17,10 @@ CDllSearch GetDllSearch(const WideText& system);
 
 /// A sentence about a search that is in doubt; empty for another.
 std::string DescribeDoubt(const CDllSearch& search);
+/// The same, as a line.
+void PrintDoubt(const CDllSearch& search, std::string& output);
+/// The search, as members of an object.
+void AddDllSearchJson(CJsonWriter& json, const CDllSearch& search);
 
 /// Throws CUsageError when --system must be given, or names no directory: for a stopped machine, whose DLLs
 /// are not where this one's are, whatever depends on them would be decided wrongly.

@@ -11,6 +11,11 @@
 
 COfflineChain::COfflineChain()
 {
+    RequireWinlogonKey();
+}
+
+void COfflineChain::RequireWinlogonKey()
+{
     if (!HasWinlogonKey()) {
         throw CCommandError("the registry has no key " + DescribeKey(WinlogonPlace()));
     }

@@ -16,6 +16,8 @@ public:
     /// Whether the registry is that of a machine. Throws CCommandError when it is closed to the user, and
     /// would look like that of a machine without a chain.
     static bool HasWinlogonKey();
+    /// Throws CCommandError also when it is not.
+    static void RequireWinlogonKey();
 
     /// Whether it has a configuration of the host.
     static bool HasOwnKey();

@@ -88,6 +88,22 @@ std::vector<CValuePlace> ListDifferences(const CValueChange& change)
     return places;
 }
 
+void RequireUnchangedByHost(const CValueChange& found)
+{
+    std::string text;
+    for (const CValuePlace& place : ListDifferences(found)) {
+        text += (text.empty() ? "" : "; ") + Describe(place) + " was " +
+                Describe(DataOf(found.before, place)) + " and is " + Describe(DataOf(found.after, place));
+    }
+    if (!text.empty()) {
+        throw CCommandError(found.command +
+                                " is HALF DONE: the host could not do all of it (its trace log says "
+                                "why), and this has changed: " +
+                                text,
+                            STATUS_HALF_DONE);
+    }
+}
+
 void PrintWrites(const CValueChange& change, const std::vector<CValuePlace>& places, std::string& output)
 {
     std::string key;

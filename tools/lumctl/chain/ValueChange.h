@@ -18,6 +18,10 @@ const CValueData& DataOf(const CChainValues& values, const CValuePlace& place);
 /// The places of the values that differ, in their order.
 std::vector<CValuePlace> ListDifferences(const CValueChange& change);
 
+/// After a host could not do what it was asked to do. Throws CCommandError when it has changed something all
+/// the same.
+void RequireUnchangedByHost(const CValueChange& found);
+
 /// Prints a line for each place, with what is there and what is to be there.
 void PrintWrites(const CValueChange& change, const std::vector<CValuePlace>& places, std::string& output);
 

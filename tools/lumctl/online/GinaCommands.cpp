@@ -50,18 +50,22 @@ constexpr CGinaVerb REMOVE = {PlanRemoval, AskRemove, false, nullptr};
 
 /// Whether there is anything to do, in the registry as it can be seen. Refuses what would be refused where no
 /// host runs: the host itself does not look at DLLs.
-bool IsToBeDone(const CGinaVerb& verb, Arguments arguments, std::string& output)
+bool IsToBeDone(const CGinaVerb& verb, COfflineMachine& machine, std::string& output)
 {
-    // Natively a host has a registry that is not seen from here.
-    if (!COfflineChain::HasWinlogonKey()) {
-        return false;
-    }
-    COfflineMachine machine(arguments, "gina");
     const std::optional<CChainChange> change = verb.pfnPlan(machine, output);
     if (change) {
-        IsDangerous(machine.chain, *change, arguments, output);
+        CheckDanger(machine.chain, *change, machine.arguments, output);
     }
     return change.has_value();
+}
+
+/// The host may have written a part of it.
+[[noreturn]] void FailByHost(COfflineMachine* pMachine)
+{
+    if (pMachine != nullptr) {
+        RequireUnchangedByHost({pMachine->values, pMachine->chain.ReadValues(), "the change"});
+    }
+    throw CCommandError("the host could not do it; its trace log says why");
 }
 
 void PrintDone(Arguments arguments, const std::string& text, std::string& output)
@@ -83,7 +87,13 @@ ExitStatus Change(Arguments arguments, std::string& output)
     COnlineHost host(arguments);
     const WideText gina = arguments.words.empty() ? WideText(HOST_GINA) : ToWide(arguments.words[0]);
     const bool bAlready = host.Ask(host.Client().IsGinaInChainingList(gina)) == verb.bInChain;
-    const bool bToDo = IsToBeDone(verb, arguments, output);
+    // Locked until the host has answered, so that what is decided on does not change before. Natively a host
+    // has a registry that is not seen from here.
+    std::optional<COfflineMachine> machine;
+    if (COfflineChain::HasWinlogonKey()) {
+        machine.emplace(arguments, "gina");
+    }
+    const bool bToDo = machine && IsToBeDone(verb, *machine, output);
     if (bAlready && !bToDo) {
         if (verb.szAlready == nullptr) {
             throw CCommandError("gina remove: there is no such GINA in the chain (see lumctl chain show)",
@@ -93,7 +103,7 @@ ExitStatus Change(Arguments arguments, std::string& output)
         return STATUS_DONE;
     }
     if (!host.Ask(verb.pfnAsk(host.Client(), arguments))) {
-        throw CCommandError("the host could not do it; its trace log says why");
+        FailByHost(machine ? &*machine : nullptr);
     }
     PrintDone(arguments, "Done: Winlogon follows it at the next start.\n", output);
     return STATUS_DONE;

@@ -32,6 +32,24 @@ constexpr CFailure FAILURES[] = {
     {ControlStatus::BadAnswer, STATUS_UNCERTAIN, "what answered is not the host, or another version of it"},
 };
 
+/// What the way to another machine ends with.
+struct CNetworkError
+{
+    DWORD dwError;
+    const char* szReason;
+};
+
+constexpr CNetworkError NETWORK_ERRORS[] = {
+    // Natively no name of a pipe leads to another machine.
+    {ERROR_PATH_NOT_FOUND, "another machine can be asked from Windows only"},
+    {51 /* ERROR_REM_NOT_LIST */, "the machine does not answer; its file and printer sharing must be on"},
+    {53 /* ERROR_BAD_NETPATH */,
+     "the machine was not found; its name must be right, and its file and printer sharing on"},
+    {1326 /* ERROR_LOGON_FAILURE */, "the machine does not know this user, or not with this password; net "
+                                     "use \\\\NAME\\IPC$ /user:NAME\\USER "
+                                     "first, as an administrator of it"},
+};
+
 DWORD ReadTimeout(const std::string& text)
 {
     if (text.empty()) {
@@ -61,7 +79,7 @@ CControlWait MakeWait(const std::string& timeout)
 } // namespace
 
 COnlineHost::COnlineHost(const CArguments& arguments)
-    : m_client(MakeWait(arguments.timeout), ToWide(arguments.machine))
+    : m_machine(arguments.machine), m_client(MakeWait(arguments.timeout), ToWide(arguments.machine))
 {
 }
 
@@ -76,11 +94,24 @@ bool COnlineHost::Ask(ControlStatus status) const
     if (status == ControlStatus::Success || status == ControlStatus::Refused) {
         return status == ControlStatus::Success;
     }
+    const bool bSent = m_client.MayHaveBeenSent();
     for (const CFailure& failure : FAILURES) {
-        if (failure.status == status) {
-            throw CCommandError(failure.szReason, failure.exitStatus);
+        if (failure.status == status && (failure.exitStatus != STATUS_FAILED || !bSent)) {
+            throw CCommandError(failure.szReason + OnMachine(), failure.exitStatus);
         }
     }
-    throw CCommandError(Format("the pipe of the host failed with error %u",
-                               static_cast<unsigned>(m_client.GetSystemError())));
+    const DWORD dwError = m_client.GetSystemError();
+    for (const CNetworkError& row : NETWORK_ERRORS) {
+        if (!m_machine.empty() && !bSent && row.dwError == dwError) {
+            throw CCommandError(row.szReason + OnMachine());
+        }
+    }
+    throw CCommandError(Format("the pipe of the host failed with error %u%s", static_cast<unsigned>(dwError),
+                               bSent ? "; the host may have done it" : ""),
+                        bSent ? STATUS_UNCERTAIN : STATUS_FAILED);
+}
+
+std::string COnlineHost::OnMachine() const
+{
+    return m_machine.empty() ? m_machine : " (on " + m_machine + ")";
 }

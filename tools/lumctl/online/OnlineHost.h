@@ -19,5 +19,8 @@ public:
     bool Ask(ControlStatus status) const;
 
 private:
+    std::string OnMachine() const;
+
+    const std::string m_machine; ///< empty for this one
     CControlClient m_client;
 };

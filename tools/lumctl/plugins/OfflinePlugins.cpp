@@ -1,5 +1,7 @@
 #include "OfflinePlugins.h"
 
+#include <algorithm>
+
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "GinaNames.h"
@@ -40,15 +42,19 @@ CValueChange MakeListChange(const CPluginList& list)
 {
     CValueChange change;
     change.before.Set(PluginsPlace(), ReadValue(PluginsPlace()));
-    change.after.Set(PluginsPlace(), MakeText(list.GetText().c_str()));
+    change.after.Set(PluginsPlace(),
+                     WithTypeOf(change.before.Find(PluginsPlace())->data, MakeText(list.GetText().c_str())));
     return change;
 }
 
 void RequireConfigured(const CPluginList& list, const WideText& plugin)
 {
     if (list.Find(plugin) == nullptr) {
-        throw CCommandError(Shown(plugin) +
-                                " is not configured (see lumctl plugins list); nothing has changed",
+        const WideText* pSame = list.FindSameDll(plugin);
+        throw CCommandError(Shown(plugin) + " is not configured (" +
+                                (pSame != nullptr ? "its DLL is, as " + Shown(*pSame)
+                                                  : std::string("see lumctl plugins list")) +
+                                "); nothing has changed",
                             STATUS_REFUSED);
     }
 }
@@ -77,14 +83,26 @@ std::optional<CValueChange> PlanMove(const CArguments& arguments, bool bUp)
 
 } // namespace
 
-void CheckPluginName(const std::string& name)
+void CheckName(const std::string& name)
 {
-    if (name.empty() || name.find(',') != std::string::npos || name.front() == ' ' || name.back() == ' ') {
-        throw CUsageError("the name of a plugin has no comma in it and no blank around it, as \"" +
-                          Shown(ToWide(name)) + "\" has");
+    if (name.empty()) {
+        throw CUsageError("the name of the plugin is empty");
     }
     if (ToWide(name).size() > LONGEST_NAME) {
         throw CUsageError("the name is longer than 259 characters");
+    }
+}
+
+void CheckNewName(const std::string& name)
+{
+    CheckName(name);
+    const bool bControl =
+        std::any_of(name.begin(), name.end(), [](unsigned char ch) { return ch < ' ' || ch == 0x7F; });
+    if (bControl || name.find(',') != std::string::npos || HasBlanksAround(ToWide(name))) {
+        throw CUsageError(
+            "the name of a plugin has no comma and no control character in it and no blank around "
+            "it, as \"" +
+            Shown(ToWide(name)) + "\" has");
     }
 }
 
@@ -131,7 +149,9 @@ std::optional<CValueChange> PlanDown(const CArguments& arguments)
 
 std::optional<CValueChange> PlanRetry(const CArguments& arguments)
 {
-    const CPluginList list = ReadList();
+    // The notes are the host's own. A configuration that it cannot read does not matter to them.
+    const CValueData data = ReadValue(PluginsPlace());
+    const CPluginList list(IsTooLong(data) ? WideText() : TextOf(data));
     const WideText* pSame = list.FindSameDll(NameOf(arguments));
     CValueChange change;
     AddRetry(pSame != nullptr ? *pSame : NameOf(arguments), change);

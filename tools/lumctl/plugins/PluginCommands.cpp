@@ -7,8 +7,8 @@
 #include "MachineScope.h"
 #include "OfflinePlugins.h"
 #include "PluginDll.h"
+#include "PluginList.h"
 #include "PluginsView.h"
-#include "SafeStartNotes.h"
 #include "chain/DllSearch.h"
 #include "chain/OfflineChain.h"
 #include "machine/MachineLock.h"
@@ -46,6 +46,7 @@ enum class Entry
 /// A change of plugins.
 struct CPluginVerb
 {
+    const char* szCommand;
     /// In the registry.
     std::optional<CValueChange> (*pfnPlan)(Arguments);
     /// Through the host; null when it has no part in it.
@@ -131,15 +132,15 @@ ControlStatus AskDown(CControlClient& client, Arguments arguments)
 }
 
 // clang-format off
-constexpr CPluginVerb ADD = {PlanAdd, AskAdd, PrepareAdd, ExplainAdd, Entry::Added,
+constexpr CPluginVerb ADD = {"plugins add", PlanAdd, AskAdd, PrepareAdd, ExplainAdd, Entry::Added,
     "is configured already", "is loaded", "is loaded"};
-constexpr CPluginVerb REMOVE = {PlanRemove, AskRemove, PrepareRemove, ExplainRemove, Entry::Removed,
+constexpr CPluginVerb REMOVE = {"plugins remove", PlanRemove, AskRemove, PrepareRemove, ExplainRemove, Entry::Removed,
     "", "is not loaded any more", "is not loaded any more"};
-constexpr CPluginVerb UP = {PlanUp, AskUp, nullptr, ExplainMove<true>, Entry::Moved,
+constexpr CPluginVerb UP = {"plugins up", PlanUp, AskUp, nullptr, ExplainMove<true>, Entry::Moved,
     "is the first already", "is called earlier", "is loaded earlier"};
-constexpr CPluginVerb DOWN = {PlanDown, AskDown, nullptr, ExplainMove<false>, Entry::Moved,
+constexpr CPluginVerb DOWN = {"plugins down", PlanDown, AskDown, nullptr, ExplainMove<false>, Entry::Moved,
     "is the last already", "is called later", "is loaded later"};
-constexpr CPluginVerb RETRY = {PlanRetry, nullptr, nullptr, nullptr, Entry::Stays,
+constexpr CPluginVerb RETRY = {"plugins retry", PlanRetry, nullptr, nullptr, nullptr, Entry::Stays,
     "is not left out", "", "is loaded again"};
 // clang-format on
 
@@ -165,22 +166,13 @@ ExitStatus SayAlready(const CPluginVerb& verb, Arguments arguments, std::string&
     return STATUS_DONE;
 }
 
-/// What the next start makes of a change. Safe start may have notes of a plugin that comes back.
+/// What the next start makes of a change, as plugins list shows it afterwards.
 std::string DescribeNextStart(const CPluginVerb& verb, Arguments arguments)
 {
-    const bool bSeen = IsConfigurationSeen(arguments) && verb.entry == Entry::Added;
-    const std::string why = bSeen ? CSafeStartNotes().WhyLeftOut(NameOf(arguments)) : std::string();
+    const bool bSeen = IsConfigurationSeen(arguments) && verb.entry != Entry::Removed;
+    const std::string why = bSeen ? LookAtPlugin(NameOf(arguments), arguments).trouble : std::string();
     return "at the next start " + arguments.words[0] + " " +
            (why.empty() ? verb.szInRegistry : "is NOT loaded: " + why) + ".\n";
-}
-
-void RequireMachine(bool bThere)
-{
-    if (!bThere) {
-        throw CCommandError(
-            (CMachineScope::IsThisMachine() ? "no host is in service on this machine, and " : "") +
-            ("the registry has no key " + DescribeKey(WinlogonPlace())));
-    }
 }
 
 /// The notes of safe start are read by the start of a host only.
@@ -196,13 +188,16 @@ void RefuseWhileInService(const CPluginVerb& verb, Arguments arguments)
 ExitStatus ChangeRegistry(const CPluginVerb& verb, const CMachineScope& scope, Arguments arguments,
                           std::string& output)
 {
-    RequireMachine(COfflineChain::HasWinlogonKey());
+    COfflineChain::RequireWinlogonKey();
     RefuseWhileInService(verb, arguments);
     std::optional<CValueChange> change = verb.pfnPlan(arguments);
     if (!change) {
         return SayAlready(verb, arguments, output);
     }
-    change->command = "plugins";
+    change->command = verb.szCommand + (" " + arguments.words[0]);
+    if (verb.entry == Entry::Added && !arguments.bForce) {
+        PrintDoubt(GetDllSearch(ToWide(arguments.system)), output);
+    }
     const std::vector<CValuePlace> places = ListDifferences(*change);
     PrintWrites(*change, places, output);
     if (arguments.bDryRun) {
@@ -242,7 +237,8 @@ void PrintDoneByHost(const CPluginVerb& verb, Arguments arguments, std::string& 
 /// What is to be done now takes a host; what is about the registry alone takes none.
 bool IsForRegistry(const CPluginVerb& verb, Arguments arguments)
 {
-    const bool bRegistry = !CMachineScope::IsThisMachine() || arguments.bInService || arguments.bDryRun;
+    const bool bRegistry =
+        !arguments.registry.empty() || !arguments.hive.empty() || arguments.bInService || arguments.bDryRun;
     if (bRegistry && arguments.bNow) {
         throw CUsageError("--now is done by the host in service, and not in the registry of a machine");
     }
@@ -252,35 +248,66 @@ bool IsForRegistry(const CPluginVerb& verb, Arguments arguments)
     return bRegistry || verb.pfnAsk == nullptr;
 }
 
-template <const CPluginVerb& verb>
-ExitStatus Change(Arguments arguments, std::string& output)
+CChainValues ReadPlugins(bool bSeen)
 {
-    CheckPluginName(arguments.words[0]);
-    RequireDirectory(ToWide(arguments.system));
-    const CMachineLock lock(arguments.registry, SayThatItWaits);
-    const CMachineScope scope(arguments);
-    if (IsForRegistry(verb, arguments)) {
-        return ChangeRegistry(verb, scope, arguments, output);
+    CChainValues values;
+    if (bSeen) {
+        values.Set(PluginsPlace(), ReadValue(PluginsPlace()));
     }
+    return values;
+}
+
+/// One that was told to go has left the configuration, even if a call keeps it loaded.
+[[noreturn]] void FailByHost(const CPluginVerb& verb, COnlineHost& host, Arguments arguments,
+                             const CChainValues& before, bool bSeen)
+{
+    RequireUnchangedByHost({before, ReadPlugins(bSeen), verb.szCommand + (" " + arguments.words[0])});
+    const std::string why = verb.pfnExplain(host, arguments);
+    const bool bUnseen = !bSeen && arguments.bNow;
+    throw CCommandError(
+        "the host could not do it; its trace log says why" + (why.empty() ? why : " (" + why + ")") +
+            (bUnseen ? "; whether its configuration has changed cannot be seen from here" : ""),
+        bUnseen ? STATUS_UNCERTAIN : STATUS_FAILED);
+}
+
+/// Nothing when the registry is to be changed instead. No lock is held: the host makes the change, and may
+/// let one wait.
+template <const CPluginVerb& verb>
+std::optional<ExitStatus> ChangeByHost(Arguments arguments, std::string& output)
+{
     COnlineHost host(arguments);
     const bool bSeen = IsConfigurationSeen(arguments);
+    const CChainValues before = ReadPlugins(bSeen);
     if (bSeen && verb.pfnPrepare != nullptr && !verb.pfnPrepare(host, arguments)) {
         return SayAlready(verb, arguments, output);
     }
     const ControlStatus status = verb.pfnAsk(host.Client(), arguments);
     if (status == ControlStatus::NoServer && bSeen && !arguments.bNow) {
-        return ChangeRegistry(verb, scope, arguments, output);
+        return std::nullopt;
     }
     if (!host.Ask(status)) {
-        const std::string why = verb.pfnExplain(host, arguments);
-        throw CCommandError("the host could not do it; its trace log says why" +
-                            (why.empty() ? why : " (" + why + ")"));
+        FailByHost(verb, host, arguments, before, bSeen);
     }
     if (bSeen) {
         RequireEffect(verb, arguments);
     }
     PrintDoneByHost(verb, arguments, output);
     return STATUS_DONE;
+}
+
+template <const CPluginVerb& verb>
+ExitStatus Change(Arguments arguments, std::string& output)
+{
+    (verb.entry == Entry::Added ? CheckNewName : CheckName)(arguments.words[0]);
+    RequireDirectory(ToWide(arguments.system));
+    if (!IsForRegistry(verb, arguments)) {
+        if (const std::optional<ExitStatus> status = ChangeByHost<verb>(arguments, output); status) {
+            return *status;
+        }
+    }
+    const CMachineLock lock(arguments.registry, SayThatItWaits);
+    const CMachineScope scope(arguments);
+    return ChangeRegistry(verb, scope, arguments, output);
 }
 
 ExitStatus List(Arguments arguments, std::string& output)

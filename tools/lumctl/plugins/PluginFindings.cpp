@@ -5,46 +5,68 @@
 #include "GinaNames.h"
 #include "PluginDll.h"
 #include "PluginList.h"
+#include "SafeStartNames.h"
 
 namespace {
 
 /// The host's settings by their types. GinaDLL is part of the chain.
 struct CSetting
 {
+    enum class Type
+    {
+        Text,     ///< also REG_EXPAND_SZ
+        PureText, ///< REG_SZ; one of another type names every plugin
+        Number,
+    };
+
+    bool IsGood(const CValueData& data) const
+    {
+        return type == Type::Text ? IsText(data)
+                                  : data && data->dwType == (type == Type::Number ? REG_DWORD : REG_SZ);
+    }
+
     const WCHAR* szName;
-    bool bText;
+    Type type;
 };
 
 constexpr CSetting SETTINGS[] = {
-    {TEXT("Plugins"), true},       {TEXT("RequiredPlugins"), true},  {TEXT("Timeout"), false},
-    {TEXT("PipeInterval"), false}, {TEXT("MonitorInterval"), false}, {TEXT("SafeStart"), false},
-    {TEXT("NoPlugins"), false},    {TEXT("EventLog"), false},        {TEXT("Debug"), false},
+    {TEXT("Plugins"), CSetting::Type::Text},
+    {REQUIRED_PLUGINS, CSetting::Type::PureText},
+    {TEXT("Timeout"), CSetting::Type::Number},
+    {TEXT("PipeInterval"), CSetting::Type::Number},
+    {TEXT("MonitorInterval"), CSetting::Type::Number},
+    {SAFE_START, CSetting::Type::Number},
+    {NO_PLUGINS, CSetting::Type::Number},
+    {EVENT_LOG_VALUE, CSetting::Type::Number},
+    {TEXT("Debug"), CSetting::Type::Number},
 };
 
 void CheckType(const CSetting& setting, std::vector<CFinding>& findings)
 {
     const CValuePlace place = {LUM_GINA_MTM, setting.szName};
     const CValueData data = ReadValue(place);
-    const bool bGood = setting.bText ? IsText(data) : data && data->dwType == REG_DWORD;
-    if (data && !bGood) {
-        findings.push_back(
-            {Severity::Warning,
-             Describe(place) + " is " + Describe(data) + " and no " + (setting.bText ? "text" : "number"),
-             std::string("delete this value, and write it as a ") +
-                 (setting.bText ? "text (REG_SZ)" : "number (REG_DWORD)")});
+    if (data && !setting.IsGood(data)) {
+        const char* szType = setting.type == CSetting::Type::Number ? "number (REG_DWORD)" : "text (REG_SZ)";
+        findings.push_back({Severity::Warning,
+                            Describe(place) + " is " + Describe(data) + " and no " + szType,
+                            std::string("delete this value, and write it as a ") + szType});
     }
 }
 
 void CheckPlugin(const WideText& plugin, const WideText& system, Moment moment,
                  std::vector<CFinding>& findings)
 {
-    const std::string trouble = FindPluginTrouble(plugin, system);
-    if (!trouble.empty()) {
-        const std::string remedy = "put " + Shown(plugin) + " into the system directory";
+    const auto add = [&](const std::string& text, const std::string& remedy) {
+        const std::string command = "lumctl plugins remove " + ShownArgument(plugin);
         findings.push_back(
-            {Severity::Warning, "lum_gina.dll goes without the plugin " + Shown(plugin) + ": " + trouble,
-             moment == Moment::AfterChange ? remedy
-                                           : remedy + ", or lumctl plugins remove " + Shown(plugin)});
+            {Severity::Warning, text, moment == Moment::AfterChange ? remedy : remedy + ", or " + command});
+    };
+    if (HasBlanksAround(plugin)) {
+        add("the plugin " + ShownArgument(plugin) + " is configured with a blank around its name",
+            "take the blank out of " + Describe(PluginsPlace()));
+    } else if (const std::string trouble = FindPluginTrouble(plugin, system); !trouble.empty()) {
+        add("lum_gina.dll goes without the plugin " + Shown(plugin) + ": " + trouble,
+            "put " + Shown(plugin) + " into the system directory");
     }
 }
 

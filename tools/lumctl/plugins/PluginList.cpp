@@ -10,6 +10,11 @@ CValuePlace PluginsPlace()
     return {LUM_GINA_MTM, TEXT("Plugins")};
 }
 
+bool HasBlanksAround(const WideText& name)
+{
+    return name.front() == ' ' || name.back() == ' ';
+}
+
 CPluginList::CPluginList(const WideText& text)
 {
     for (std::size_t nBegin = 0; nBegin <= text.size();) {

@@ -5,6 +5,9 @@
 /// Where the configured plugins stand.
 CValuePlace PluginsPlace();
 
+/// The host does not find the DLL of such an entry.
+bool HasBlanksAround(const WideText& name);
+
 /// The configured plugins, in the order in which they are loaded. Entries are what stands between two commas;
 /// the host passes over empty ones, and so does this.
 class CPluginList

@@ -9,29 +9,39 @@
 #include "SafeStartNotes.h"
 #include "chain/DllSearch.h"
 #include "chain/OfflineChain.h"
+#include "machine/DllFile.h"
 
 namespace {
 
 CPluginView LookAt(const WideText& name, const CSafeStartNotes& notes, const CArguments& arguments)
 {
+    const WideText system = ToWide(arguments.system);
     CPluginView plugin;
     plugin.name = name;
-    plugin.trouble = notes.WhyLeftOut(name);
+    plugin.trouble = notes.WhyLeftOut(name, InspectDll(name.c_str(), system.c_str()).path,
+                                      GetDllSearch(system).doubt.empty());
     plugin.bLeftOut = !plugin.trouble.empty();
     // The DLLs of a stopped machine are elsewhere.
-    const bool bFindable = !CMachineScope::IsHive() || !arguments.system.empty();
-    if (!plugin.bLeftOut && bFindable) {
-        plugin.trouble = FindPluginTrouble(name, ToWide(arguments.system));
+    if (!plugin.bLeftOut && (!CMachineScope::IsHive() || !system.empty())) {
+        plugin.trouble = FindPluginTrouble(name, system);
     }
     return plugin;
 }
 
 } // namespace
 
+CPluginView LookAtPlugin(const WideText& name, const CArguments& arguments)
+{
+    return LookAt(name, CSafeStartNotes(), arguments);
+}
+
 CPluginsView LookAtPlugins(COnlineHost& host, const CArguments& arguments)
 {
     CPluginsView view;
     view.bAnswers = CMachineScope::IsThisMachine() && host.IsThere();
+    if (!CMachineScope::IsThisMachine()) {
+        COfflineChain::RequireWinlogonKey();
+    }
     view.bConfigured = COfflineChain::HasOwnKey();
     if (!view.bConfigured) {
         return view;
@@ -63,9 +73,8 @@ bool LacksSomething(const CPluginsView& view)
 {
     const auto lacks = [&](const CPluginView& plugin) {
         // A host in service has shown itself which DLLs it can load.
-        return plugin.bLeftOut || (view.bAnswers                    ? !plugin.bLoaded
-                                   : CMachineScope::IsThisMachine() ? true
-                                                                    : !plugin.trouble.empty());
+        return plugin.bLeftOut || (view.bAnswers ? !plugin.bLoaded : !plugin.trouble.empty());
     };
-    return !view.unreadable.empty() || std::any_of(view.plugins.begin(), view.plugins.end(), lacks);
+    return (CMachineScope::IsThisMachine() && !view.bAnswers) || !view.unreadable.empty() ||
+           std::any_of(view.plugins.begin(), view.plugins.end(), lacks);
 }

@@ -38,7 +38,12 @@ struct CPluginsView
 /// is one and it is about that. Throws CCommandError.
 CPluginsView LookAtPlugins(COnlineHost& host, const CArguments& arguments);
 
-/// Whether something configured is not in service, or on another machine would not be at its next start.
+/// What the next start makes of one that is configured. Whether it is loaded is not asked. Throws
+/// CCommandError.
+CPluginView LookAtPlugin(const WideText& name, const CArguments& arguments);
+
+/// Whether there is no host, or something configured is not in service. On another machine, where no host
+/// runs: whether something configured would not be at its next start.
 bool LacksSomething(const CPluginsView& view);
 
 void PrintPlugins(const CPluginsView& view, std::string& output);

@@ -13,16 +13,21 @@ public:
     /// The plugin in which the start has ended or is just now; empty for none.
     const WideText& GetInPlugin() const { return m_inPlugin; }
 
-    /// Why the next start leaves a configured plugin out; empty when it does not.
-    std::string WhyLeftOut(const WideText& plugin) const;
+    /// Why the next start leaves a configured plugin out; empty when it does not. dll: where its DLL was
+    /// found. bFindable: whether that is where the machine finds it.
+    std::string WhyLeftOut(const WideText& plugin, const WideText& dll, bool bFindable) const;
 
 private:
+    /// What its DLL was like when it came to be left out.
+    CValueData FindStamp(const WideText& plugin) const;
     bool IsRequired(const WideText& plugin) const;
 
     bool m_bWithoutPlugins;
     DWORD m_dwLimit;
     CValueData m_required;
     WideText m_inPlugin;
+    CValueData m_stamp; ///< of its DLL
+    DWORD m_dwEnded;    ///< how many starts in a row ended in it
 };
 
 /// Adds the deletion of what the host has noted of a plugin. The name is as it is configured.
