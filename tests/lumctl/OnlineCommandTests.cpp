@@ -53,7 +53,8 @@ TEST_F(OnlineCommands, ShowWhatTheHostAnswers)
         " 2  nobody.dll               NOT loaded  at the next start: NOT loaded: there is no such DLL\n"
         "This is the configured order. Moves and removals since the last start do not show.\n";
     const std::string listJson =
-        "\"configured\": true,\"plugins\": [{\"name\": \"test_plugin_a.dll\",\"loaded\": true,"
+        "\"configured\": true,\"noPlugins\": false,\"plugins\": [{\"name\": "
+        "\"test_plugin_a.dll\",\"loaded\": true,"
         "\"loadedAtNextStart\": true,\"leftOut\": false,\"trouble\": null},"
         "{\"name\": \"nobody.dll\",\"loaded\": false,\"loadedAtNextStart\": false,\"leftOut\": false,"
         "\"trouble\": \"there is no such DLL\"}],\"order\": \"configured\"," +
@@ -248,9 +249,9 @@ TEST_F(OnlineCommands, SayThatThereIsNoHost)
                              "No host is in service; this is the configuration.\n";
     const std::string rest2 = "\",\"loaded\": null,\"loadedAtNextStart\": true,\"leftOut\": false,"
                               "\"trouble\": null}";
-    const std::string listJson = "\"configured\": true,\"plugins\": [{\"name\": \"test_plugin_a.dll" + rest2 +
-                                 ",{\"name\": \"test_plugin_b.dll" + rest2 + "],\"order\": \"configured\"," +
-                                 NOTHING_ELSE;
+    const std::string listJson =
+        "\"configured\": true,\"noPlugins\": false,\"plugins\": [{\"name\": \"test_plugin_a.dll" + rest2 +
+        ",{\"name\": \"test_plugin_b.dll" + rest2 + "],\"order\": \"configured\"," + NOTHING_ELSE;
     const std::string rest = "Chain        wpnGina.dll > lum_gina.dll > msgina.dll\nPassthrough  msgina.dll\n"
                              "Monitor      every 3600 s; no request tells whether it runs\nPlugins\n" +
                              list;

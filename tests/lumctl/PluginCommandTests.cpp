@@ -1,11 +1,9 @@
 #include "DllStamp.h"
 #include "LumctlMachine.h"
+#include "SafeStartNames.h"
 #include "machine/DllFile.h"
 
 namespace {
-
-constexpr WCHAR START_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start");
-constexpr WCHAR LEFT_OUT_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start\\LeftOut");
 
 /// The registry of a machine on which no host runs, and its plugins.
 class PluginCommands : public CLumctlMachine
@@ -90,16 +88,16 @@ TEST_F(PluginCommands, ChangeTheRegistryOrSayWhyNot)
 TEST_F(PluginCommands, ShowWhoIsLeftOutAndBringItBack)
 {
     SetString(OWN_KEY, TEXT("Plugins"), TEXT("a.dll,b.dll"));
-    SetDword(OWN_KEY, TEXT("SafeStart"), 2);
+    SetDword(OWN_KEY, SAFE_START, 2);
     const std::basic_string<WCHAR> stamp = GetDllStamp(TEXT("ginas/a.dll"));
     SetString(LEFT_OUT_KEY, TEXT("a.dll"), TEXT("0"));
     EXPECT_FALSE(Says(Run("plugins list"), "left out")) << "its DLL has changed";
     EXPECT_NE(LooksWhereWinlogonLooks(), Says(RunLumctl({"plugins", "list"}), "unless it has changed"));
-    SetString(START_KEY, TEXT("InPlugin"), TEXT("A"));
-    SetString(START_KEY, TEXT("Stamp"), stamp.c_str());
-    SetDword(START_KEY, TEXT("Count"), 2);
+    SetString(START_KEY, IN_PLUGIN, TEXT("A"));
+    SetString(START_KEY, IN_PLUGIN_STAMP, stamp.c_str());
+    SetDword(START_KEY, IN_PLUGIN_COUNT, 2);
     EXPECT_TRUE(Says(Run("plugins list"), "left out")) << "by the next start";
-    SetDword(START_KEY, TEXT("Count"), 1);
+    SetDword(START_KEY, IN_PLUGIN_COUNT, 1);
     SetString(LEFT_OUT_KEY, TEXT("a.dll"), stamp.c_str());
     for (const char* szCommand : {"plugins list", "status"}) {
         const CRun run = Run(szCommand);
@@ -108,15 +106,17 @@ TEST_F(PluginCommands, ShowWhoIsLeftOutAndBringItBack)
     }
     SetString(OWN_KEY, TEXT("Plugins"), TEXT("b.dll"));
     EXPECT_TRUE(Says(Run("plugins add a.dll"), "at the next start a.dll is NOT loaded: left out"));
-    SetString(OWN_KEY, TEXT("RequiredPlugins"), TEXT("b, A"));
+    SetString(OWN_KEY, REQUIRED_PLUGINS, TEXT("b, A"));
     EXPECT_FALSE(Says(Run("plugins list"), "left out"));
-    SetDword(OWN_KEY, TEXT("NoPlugins"), 1);
-    EXPECT_TRUE(Says(Run("plugins list"), "NOT loaded: NoPlugins is set"));
+    SetDword(OWN_KEY, NO_PLUGINS, 1);
+    const CRun without = Run("plugins list");
+    EXPECT_TRUE(Says(without, "NOT loaded: NoPlugins is set"));
+    EXPECT_TRUE(Says(without, "NoPlugins is set: the next start loads no plugin")) << without.output;
 
     EXPECT_EQ(STATUS_DONE, Run("plugins retry a").status);
     EXPECT_EQ("(none)", GetValue(LEFT_OUT_KEY, TEXT("a.dll")));
-    EXPECT_EQ("(none)", GetValue(START_KEY, TEXT("InPlugin")));
-    EXPECT_EQ("(none)", GetValue(START_KEY, TEXT("Count")));
+    EXPECT_EQ("(none)", GetValue(START_KEY, IN_PLUGIN));
+    EXPECT_EQ("(none)", GetValue(START_KEY, IN_PLUGIN_COUNT));
 }
 
 TEST_F(PluginCommands, ChangeTheHiveOfAStoppedMachine)
@@ -140,6 +140,10 @@ TEST_F(PluginCommands, ChangeTheHiveOfAStoppedMachine)
         {"plugins list --hive DEAD --check", STATUS_BAD, "there is no such DLL"},
         {"status --hive DEAD", STATUS_BAD, "Host         not in service"},
         {"chain check --hive DEAD", STATUS_DONE, "goes without the plugin x.dll: there is no such DLL"},
+        {"plugins remove b.dll --hive DEAD", STATUS_DONE, "b.dll is not loaded any more"},
+        {"chain backup hive.reg --force --hive DEAD", STATUS_DONE, "has been backed up"},
+        {"chain disable --hive DEAD", STATUS_DONE, "Written"},
+        {"chain restore hive.reg --hive DEAD", STATUS_DONE, "GinaDLL: (none) -> \"lum_gina.dll\""},
         {"chain disable --hive DEAD", STATUS_DONE, "Written"},
         {"chain show --hive DEAD", STATUS_DONE, "lum_gina.dll is not in it"},
         {"chain enable --hive DEAD", STATUS_DONE, "EventLog: (none) -> 1"},
@@ -154,7 +158,7 @@ TEST_F(PluginCommands, ChangeTheHiveOfAStoppedMachine)
         EXPECT_TRUE(Says(run, row.szSays)) << row.szCommand << run.output << run.error;
     }
     EXPECT_EQ(before, GetValues());
-    EXPECT_EQ("\"a.dll,b.dll,x.dll\"", GetValue(keys[1], TEXT("Plugins")));
+    EXPECT_EQ("\"a.dll,x.dll\"", GetValue(keys[1], TEXT("Plugins")));
     EXPECT_EQ("\"\"", GetValue(OWN_KEY, TEXT("Plugins")));
     EXPECT_EQ(STATUS_USAGE, RunLumctl(SplitWords("chain check --hive DEAD")).status) << "whose DLLs?";
     const CRun shown = RunLumctl(SplitWords("chain show --hive DEAD"));

@@ -9,11 +9,9 @@ constexpr std::size_t LINE_WIDTH = 78;
 constexpr int NAME_WIDTH = 22;
 
 constexpr char STATUSES[] =
-    "Exit status: 0 done, or done already; 1 not as it should be, 2 wrong command line, 3 failed, 4 refused, "
-    "5 "
-    "half done, 6 cannot be told. A command that did not do what it was to do has changed nothing, unless "
-    "the "
-    "status is 5, or 6 because a host did not answer: it may have done it, or do it yet.";
+    "Exit status: 0 done, or done already; 1 not as it should be; 2 wrong command line; 3 failed; 4 refused; "
+    "5 half done; 6 cannot be told. A command that did not do what it was to do has changed nothing, unless "
+    "the status is 5, or 6 because a host did not answer: it may have done it, or do it yet.";
 
 constexpr COptionHelp HELPS[] = {
     {OPTION_JSON, "--json", "", "print JSON"},
@@ -29,7 +27,7 @@ constexpr COptionHelp HELPS[] = {
     {OPTION_NO_SAFE_START, "--no-safe-start", "",
      "leave safe start as it is, which is off without a setting"},
     {OPTION_MACHINE, "--machine", "NAME",
-     "ask the host of that machine, as an administrator of it; what its registry says is not looked at"},
+     "ask the host of that machine, as an administrator of it; its registry and DLLs are not looked at"},
     {OPTION_TIMEOUT, "--timeout", "SECONDS", "wait this long for each answer of the host; 30 if not given"},
     {OPTION_SYSTEM, "--system", "DIRECTORY",
      "look for DLLs in this directory instead of where Winlogon looks"},
@@ -43,6 +41,10 @@ std::string Row(const std::string& name, const std::string& help)
 {
     std::string text;
     std::string left = "  " + name;
+    if (name.size() > NAME_WIDTH) {
+        text = left + "\n";
+        left.clear();
+    }
     for (const std::string& line : Wrap(help, LINE_WIDTH - NAME_WIDTH - 3)) {
         text += Format("%-*s %s\n", NAME_WIDTH + 2, left.c_str(), line.c_str());
         left.clear();

@@ -5,6 +5,7 @@
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "GinaNames.h"
+#include "MachineScope.h"
 #include "PluginDll.h"
 #include "PluginList.h"
 #include "SafeStartNotes.h"
@@ -68,8 +69,11 @@ void RequireDll(const CArguments& arguments)
     const WideText system = ToWide(arguments.system);
     RequireDllSearch(system);
     if (const std::string trouble = FindPluginTrouble(NameOf(arguments), system); !trouble.empty()) {
-        throw CCommandError("the host could not load " + arguments.words[0] + ": " + trouble +
-                                ". Nothing has changed (--force adds it all the same)",
+        const std::string doubt =
+            CMachineScope::IsThisMachine() ? std::string() : DescribeDoubt(GetDllSearch(system));
+        throw CCommandError("the host could not load " + arguments.words[0] + ": " + trouble + ". " +
+                                (doubt.empty() ? doubt : doubt + ". ") +
+                                "Nothing has changed (--force adds it all the same)",
                             STATUS_REFUSED);
     }
 }

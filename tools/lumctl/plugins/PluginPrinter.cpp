@@ -45,6 +45,9 @@ void PrintPlugins(const CPluginsView& view, std::string& output)
                          DescribeNextStart(plugin).c_str());
     }
     output += DescribeRest(view);
+    if (view.bNoPlugins) {
+        output += "NoPlugins is set: the next start loads no plugin.\n";
+    }
     if (!view.unreadable.empty()) {
         output += view.unreadable + ": the host cannot read it.\n";
     }
@@ -70,6 +73,7 @@ void AddPluginsJson(CJsonWriter& json, const CPluginsView& view)
         value.empty() ? json.Null(szName) : json.Text(szName, value);
     };
     json.Bool("configured", view.bConfigured);
+    json.Bool("noPlugins", view.bNoPlugins);
     json.BeginArray("plugins");
     for (const CPluginView& plugin : view.plugins) {
         json.BeginObject();

@@ -47,6 +47,7 @@ CPluginsView LookAtPlugins(COnlineHost& host, const CArguments& arguments)
         return view;
     }
     const CSafeStartNotes notes;
+    view.bNoPlugins = notes.IsWithoutPlugins();
     const CValueData list = ReadValue(PluginsPlace());
     if (list && (!IsText(list) || IsTooLong(list))) {
         view.unreadable = Describe(PluginsPlace()) + " is " +

@@ -25,6 +25,7 @@ struct CPluginsView
 {
     bool bConfigured = false; ///< whether the configuration can be seen from here at all
     bool bAnswers = false;    ///< whether there was a host to ask
+    bool bNoPlugins = false;  ///< whether the next start loads none, by the setting of that name
     std::vector<CPluginView> plugins;
     /// The value of the configuration, when it is no list of plugins: "KEY, Plugins is ...".
     std::string unreadable;
