@@ -169,7 +169,8 @@ std::string CChainMachine::Boot(const Values& values, const std::set<std::string
             return from == "lum_gina.dll" ? "" : from + " loads " + (next.empty() ? "nothing" : next);
         }
         if (!loaded.insert(next).second) {
-            return from + " loads " + next;
+            // The host does not load itself. Of a loop that is longer, not every GINA may bear the end.
+            return from == next && next == "lum_gina.dll" ? "" : from + " loads " + next;
         }
         from = next;
         next = values.count(from) != 0 ? values.at(from) : "";

@@ -20,7 +20,11 @@ std::function<bool()> CChangeMachine::Prepare(const CRow& row)
     SetRecord("term.dll", "NULL,1,0,0,0");
     SetRecord("incterm.dll", "NULL,1,0,0,1");
     SetRecord("bad.dll", "msgina.dll,0,0,0");
-    SetValues(ValuesOf(row.szBefore));
+    Values values = ValuesOf(row.szBefore);
+    if (!m_stale.empty()) {
+        values.emplace("lum_gina.dll", m_stale);
+    }
+    SetValues(values);
     m_pManager = Build();
     std::function<bool()> change;
     const std::string changes = row.szChange;

@@ -26,6 +26,8 @@ protected:
     std::function<bool()> Prepare(const CRow& row);
 
     std::unique_ptr<CRegistryManager> m_pManager;
+    /// What the host's own value names on machines whose chain is without it; empty for no value.
+    std::string m_stale;
 
 private:
     std::function<bool()> MakeChange(const std::vector<std::string>& words);

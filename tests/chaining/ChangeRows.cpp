@@ -65,7 +65,7 @@ const std::vector<CChangeMachine::CRow> CChangeMachine::ROWS = {
     // It has grown: by what passes by the host, by something incompatible, by what the host stays behind.
     {"lum_gina.dll wpnGina.dll msgina.dll", "resync Winlogon=PLinkGina.dll PLinkGina.dll=wpnGina.dll", "lum_gina.dll wpnGina.dll msgina.dll"},
     {"msgina.dll", "resync Winlogon=wpnGina.dll wpnGina.dll=msgina.dll", "lum_gina.dll msgina.dll"},
-    {"lum_gina.dll msgina.dll", "resync Winlogon=wpnGina.dll wpnGina.dll=PLinkGina.dll PLinkGina.dll=msgina.dll", "lum_gina.dll lum_gina.dll msgina.dll", "lum_gina.dll msgina.dll", {"2: lum_gina.dll loads lum_gina.dll"}},
+    {"lum_gina.dll msgina.dll", "resync Winlogon=wpnGina.dll wpnGina.dll=PLinkGina.dll PLinkGina.dll=msgina.dll", "lum_gina.dll lum_gina.dll msgina.dll", "lum_gina.dll msgina.dll"},
     {"wpnGina.dll lum_gina.dll msgina.dll", "resync Winlogon=PLinkGina.dll PLinkGina.dll=kvs_gina.dll kvs_gina.dll=rec.dll rec.dll=msgina.dll wpnGina.dll=", "lum_gina.dll wpnGina.dll lum_gina.dll msgina.dll", "lum_gina.dll msgina.dll", {"2: wpnGina.dll loads nothing", "3: wpnGina.dll loads lum_gina.dll"}},
     {"lum_gina.dll msgina.dll", "resync Winlogon=inc.dll inc.dll=lum_gina.dll", "lum_gina.dll msgina.dll"},
     {"lum_gina.dll msgina.dll", "resync Winlogon=wpnGina.dll wpnGina.dll=lum_gina.dll", "wpnGina.dll lum_gina.dll msgina.dll"},
