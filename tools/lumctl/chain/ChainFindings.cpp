@@ -95,14 +95,14 @@ private:
 
     std::string RemedyForDll(std::size_t nLink) const
     {
-        const std::string name = Name(nLink);
+        const std::string remedy = PutIntoPlace(m_view.links[nLink].gina);
         // The system's own GINA cannot be taken out: it is what the others end with.
         if (EqualNames(m_view.links[nLink].gina.c_str(), SYSTEM_GINA)) {
-            return "put " + name + " into the system directory";
+            return remedy;
         }
-        return Remedy("put " + name + " into the system directory",
-                      m_view.links[nLink].IsHost() ? "disable"
-                                                   : "remove " + ShownArgument(m_view.links[nLink].gina));
+        return Remedy(remedy, m_view.links[nLink].IsHost()
+                                  ? "disable"
+                                  : "remove " + ShownArgument(m_view.links[nLink].gina));
     }
 
     void CheckDll(std::size_t nLink)

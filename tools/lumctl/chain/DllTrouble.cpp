@@ -27,6 +27,11 @@ std::vector<std::string> FindMissingExports(const CDllFile& dll, const CExportTa
     return missing;
 }
 
+std::string PutIntoPlace(const WideText& dll)
+{
+    return "put " + Shown(dll) + " into the system directory";
+}
+
 std::string DescribeTrouble(const CDllFile& dll, const std::vector<std::string>& missing, const char* szKind)
 {
     const std::string path = Shown(dll.path);

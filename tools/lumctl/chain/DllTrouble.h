@@ -2,6 +2,10 @@
 
 #include "GinaExport.h"
 #include "machine/DllFile.h"
+#include "machine/Text.h"
+
+/// The remedy for one that is missing or cannot be used.
+std::string PutIntoPlace(const WideText& dll);
 
 /// The exports that a DLL lacks: of all in the table, or of those that every version calls for.
 std::vector<std::string> FindMissingExports(const CDllFile& dll, const CExportTable& exports, bool bAll);

@@ -65,7 +65,7 @@ bool IsToBeDone(const CGinaVerb& verb, COfflineMachine& machine, std::string& ou
     if (pMachine != nullptr) {
         RequireUnchangedByHost({pMachine->values, pMachine->chain.ReadValues(), "the change"});
     }
-    throw CCommandError("the host could not do it; its trace log says why");
+    throw CCommandError(NOT_DONE_BY_HOST);
 }
 
 void PrintDone(Arguments arguments, const std::string& text, std::string& output)

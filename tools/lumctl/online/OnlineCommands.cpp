@@ -39,7 +39,7 @@ ExitStatus Change(Arguments arguments, std::string& output)
 {
     COnlineHost host(arguments);
     if (!host.Ask(pfnChange(host.Client(), arguments))) {
-        throw CCommandError("the host could not do it; its trace log says why");
+        throw CCommandError(NOT_DONE_BY_HOST);
     }
     PrintAnswer(arguments, "done", true, "Done.\n", output);
     return STATUS_DONE;

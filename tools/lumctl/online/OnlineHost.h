@@ -3,6 +3,9 @@
 #include "Command.h"
 #include "ControlClient.h"
 
+/// Of a change that it refused.
+inline constexpr char NOT_DONE_BY_HOST[] = "the host could not do it; its trace log says why";
+
 /// The host in service, as the commands talk to it.
 class COnlineHost
 {

@@ -265,7 +265,7 @@ CChainValues ReadPlugins(bool bSeen)
     const std::string why = verb.pfnExplain(host, arguments);
     const bool bUnseen = !bSeen && arguments.bNow;
     throw CCommandError(
-        "the host could not do it; its trace log says why" + (why.empty() ? why : " (" + why + ")") +
+        NOT_DONE_BY_HOST + (why.empty() ? why : " (" + why + ")") +
             (bUnseen ? "; whether its configuration has changed cannot be seen from here" : ""),
         bUnseen ? STATUS_UNCERTAIN : STATUS_FAILED);
 }

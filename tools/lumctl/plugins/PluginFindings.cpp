@@ -5,6 +5,7 @@
 #include "GinaNames.h"
 #include "PluginDll.h"
 #include "PluginList.h"
+#include "chain/DllTrouble.h"
 #include "SafeStartNames.h"
 
 namespace {
@@ -30,7 +31,7 @@ struct CSetting
 };
 
 constexpr CSetting SETTINGS[] = {
-    {TEXT("Plugins"), CSetting::Type::Text},
+    {PLUGINS_VALUE, CSetting::Type::Text},
     {REQUIRED_PLUGINS, CSetting::Type::PureText},
     {TEXT("Timeout"), CSetting::Type::Number},
     {TEXT("PipeInterval"), CSetting::Type::Number},
@@ -65,8 +66,7 @@ void CheckPlugin(const WideText& plugin, const WideText& system, Moment moment,
         add("the plugin " + ShownArgument(plugin) + " is configured with a blank around its name",
             "take the blank out of " + Describe(PluginsPlace()));
     } else if (const std::string trouble = FindPluginTrouble(plugin, system); !trouble.empty()) {
-        add("lum_gina.dll goes without the plugin " + Shown(plugin) + ": " + trouble,
-            "put " + Shown(plugin) + " into the system directory");
+        add("lum_gina.dll goes without the plugin " + Shown(plugin) + ": " + trouble, PutIntoPlace(plugin));
     }
 }
 

@@ -7,7 +7,7 @@
 
 CValuePlace PluginsPlace()
 {
-    return {LUM_GINA_MTM, TEXT("Plugins")};
+    return {LUM_GINA_MTM, PLUGINS_VALUE};
 }
 
 bool HasBlanksAround(const WideText& name)

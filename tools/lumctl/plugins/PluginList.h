@@ -2,6 +2,7 @@
 
 #include "chain/ChainValues.h"
 
+inline constexpr WCHAR PLUGINS_VALUE[] = TEXT("Plugins");
 /// Where the configured plugins stand.
 CValuePlace PluginsPlace();
 
