@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "CommandError.h"
-#include "DllSearch.h"
+#include "dll/DllSearch.h"
 
 namespace {
 

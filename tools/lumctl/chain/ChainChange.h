@@ -2,7 +2,7 @@
 
 #include "ChainFindings.h"
 #include "Command.h"
-#include "ValueChange.h"
+#include "registry/ValueChange.h"
 
 /// A change of the values of a chain.
 struct CChainChange : CValueChange

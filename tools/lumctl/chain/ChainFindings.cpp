@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "DllTrouble.h"
+#include "dll/DllTrouble.h"
 #include "GinaNames.h"
 #include "JsonWriter.h"
 #include "chaining/KnownGinas.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ChainValues.h"
-#include "DllSearch.h"
+#include "registry/ChainValues.h"
+#include "dll/DllSearch.h"
 #include "OfflineChain.h"
 #include "machine/DllFile.h"
 

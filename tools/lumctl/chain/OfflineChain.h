@@ -2,7 +2,7 @@
 
 #include <deque>
 
-#include "ChainValues.h"
+#include "registry/ChainValues.h"
 #include "chaining/Chain.h"
 
 /// Reads the chain of a machine on which no host looks after it, and what is known of its GINAs. Writes

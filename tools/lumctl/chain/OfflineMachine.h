@@ -2,7 +2,7 @@
 
 #include "ChainView.h"
 #include "Command.h"
-#include "DllSearch.h"
+#include "dll/DllSearch.h"
 #include "MachineScope.h"
 #include "OfflineChain.h"
 #include "machine/MachineLock.h"

@@ -8,7 +8,7 @@
 #include "HostView.h"
 #include "JsonWriter.h"
 #include "MachineScope.h"
-#include "chain/DllSearch.h"
+#include "dll/DllSearch.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "PluginDll.h"
 #include "PluginList.h"
 #include "SafeStartNotes.h"
-#include "chain/DllSearch.h"
+#include "dll/DllSearch.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Command.h"
-#include "chain/ValueChange.h"
+#include "registry/ValueChange.h"
 
 // What is to be written for a change of the plugins in a machine's registry, which the next start of its host
 // follows. Nothing when all is so already. The plugin is the first word of the arguments. Each throws

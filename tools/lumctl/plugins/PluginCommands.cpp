@@ -9,7 +9,7 @@
 #include "PluginDll.h"
 #include "PluginList.h"
 #include "PluginsView.h"
-#include "chain/DllSearch.h"
+#include "dll/DllSearch.h"
 #include "chain/OfflineChain.h"
 #include "machine/MachineLock.h"
 

@@ -2,7 +2,7 @@
 
 #include "GinaNames.h"
 #include "GinaPluginExports.h"
-#include "chain/DllTrouble.h"
+#include "dll/DllTrouble.h"
 #include "machine/DllFile.h"
 
 std::string FindPluginTrouble(const WideText& plugin, const WideText& system)

@@ -5,7 +5,7 @@
 #include "GinaNames.h"
 #include "PluginDll.h"
 #include "PluginList.h"
-#include "chain/DllTrouble.h"
+#include "dll/DllTrouble.h"
 #include "SafeStartNames.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chain/ChainValues.h"
+#include "registry/ChainValues.h"
 
 inline constexpr WCHAR PLUGINS_VALUE[] = TEXT("Plugins");
 /// Where the configured plugins stand.

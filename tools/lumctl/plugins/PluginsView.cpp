@@ -7,7 +7,7 @@
 #include "PluginDll.h"
 #include "PluginList.h"
 #include "SafeStartNotes.h"
-#include "chain/DllSearch.h"
+#include "dll/DllSearch.h"
 #include "chain/OfflineChain.h"
 #include "machine/DllFile.h"
 

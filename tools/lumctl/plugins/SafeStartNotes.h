@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chain/ValueChange.h"
+#include "registry/ValueChange.h"
 
 /// What the settings and the host's notes say of a start without some plugins. Safe start writes the notes.
 class CSafeStartNotes
