@@ -177,7 +177,7 @@ TEST_F(OnlineCommands, ChangeTheHost)
           "all "
           "the same)"},
          "wpnGina | c,a,b,msgina | c,a,b"},
-        {{"plugins up test_plugin_a.dll --in-service", STATUS_DONE,
+        {{std::string("plugins up test_plugin_a.dll --in-service") + SYSTEM, STATUS_DONE,
           "HKEY_LOCAL_MACHINE\\SOFTWARE\\ORX\\LUM\\Gina\n  Plugins: "
           "\"test_plugin_c.dll,test_plugin_a.dll,test_plugin_b.dll\" -> "
           "\"test_plugin_a.dll,test_plugin_c.dll,test_plugin_b.dll\"\n"
