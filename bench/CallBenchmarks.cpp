@@ -1,7 +1,5 @@
 // Winlogon's calls, and the statements of the trace log on their way.
 
-#include <memory>
-
 #include <benchmark/benchmark.h>
 
 #include "Machine.h"
@@ -9,12 +7,15 @@
 
 namespace {
 
-void Call(benchmark::State& state, DWORD dwMask)
+void Call(benchmark::State& state, DWORD dwMask, bool bRecommended)
 {
     Configure(static_cast<int>(state.range(0)), dwMask);
-    const CWinlogon winlogon(false);
+    if (bRecommended) {
+        SetRecommended();
+    }
+    const CWinlogon winlogon;
     for ([[maybe_unused]] auto step : state) {
-        benchmark::DoNotOptimize(winlogon.IsLockOk());
+        Require(winlogon.IsLockOk(), "a call");
     }
 }
 
@@ -23,6 +24,21 @@ void Hook(benchmark::State& state)
     const CHooks hooks(static_cast<int>(state.range(0)));
     for ([[maybe_unused]] auto step : state) {
         benchmark::DoNotOptimize(hooks.IsLockOk());
+    }
+}
+
+/// What nobody can do without who keeps no log file open: opens it, appends a line, and closes it.
+void Append(benchmark::State& state)
+{
+    constexpr char LINE[] =
+        "Fri May 14 21:06:44 2004 LUM_GINA: [ENTRY] CGinaObject::IsLockOk, ( 40 ) c.cpp\r\n";
+    Configure(0, MASK_NOTHING);
+    for ([[maybe_unused]] auto step : state) {
+        DWORD cb = 0;
+        const HANDLE hFile = CreateFileW(LOG_FILE, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                         nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        Require(WriteFile(hFile, LINE, sizeof(LINE) - 1, &cb, nullptr), "an appended line");
+        CloseHandle(hFile);
     }
 }
 
@@ -37,8 +53,9 @@ void Statement(benchmark::State& state)
 void Lookup(benchmark::State& state)
 {
     Configure(0, MASK_NOTHING);
+    WCHAR szText[NAME_CAPACITY];
     for ([[maybe_unused]] auto step : state) {
-        LookUp(OWN_KEY, MASK_VALUE);
+        LookUp(LUM_GINA_MTM, MASK_VALUE, szText);
     }
 }
 
@@ -46,7 +63,7 @@ void Query(benchmark::State& state)
 {
     Configure(0, MASK_NOTHING);
     HKEY hKey = nullptr;
-    RegOpenKeyExW(HKEY_LOCAL_MACHINE, OWN_KEY, 0, KEY_READ, &hKey);
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, LUM_GINA_MTM, 0, KEY_READ, &hKey);
     for ([[maybe_unused]] auto step : state) {
         DWORD dwMask = 0;
         DWORD cbMask = sizeof(dwMask);
@@ -55,9 +72,11 @@ void Query(benchmark::State& state)
     RegCloseKey(hKey);
 }
 
-BENCHMARK_CAPTURE(Call, masked, MASK_NOTHING)->Arg(0)->Arg(1)->Arg(2)->Arg(8)->Arg(32)->UseRealTime();
-BENCHMARK_CAPTURE(Call, traced, MASK_ALL)->Arg(0)->Arg(1)->Arg(2)->Arg(8)->Arg(32)->UseRealTime();
+BENCHMARK_CAPTURE(Call, masked, MASK_NOTHING, false)->Arg(0)->Arg(1)->Arg(2)->Arg(8)->Arg(32)->UseRealTime();
+BENCHMARK_CAPTURE(Call, recommended, MASK_NOTHING, true)->Arg(2)->UseRealTime();
+BENCHMARK_CAPTURE(Call, traced, MASK_ALL, false)->Arg(0)->Arg(1)->Arg(2)->Arg(8)->Arg(32)->UseRealTime();
 BENCHMARK(Hook)->Arg(0)->Arg(1)->Arg(2)->Arg(8)->Arg(32)->UseRealTime();
+BENCHMARK(Append)->UseRealTime();
 BENCHMARK(Statement)->UseRealTime();
 BENCHMARK(Lookup)->UseRealTime();
 BENCHMARK(Query)->UseRealTime();

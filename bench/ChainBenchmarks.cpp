@@ -1,7 +1,5 @@
-// The chain of GINAs in the registry: what the library does at its start, and the registry monitor once a
-// period.
-
-#include <algorithm>
+// The chain of GINAs in the registry: what the library does at its start, and the registry monitor when it
+// puts the chain right.
 
 #include "LUMRegistry.h"
 #include "Machine.h"
@@ -11,38 +9,38 @@
 
 namespace {
 
-constexpr WCHAR GINAS_KEY[] = TEXT("SOFTWARE\\ORX\\Test");
+constexpr WCHAR OTHER_GINA[] = TEXT("other.dll");
 
-/// A chain of GINAs of which all but the last, msgina.dll, are known from chaining records.
+/// A machine with a chain of GINAs: the host, others that are known from chaining records, and msgina.dll. A
+/// chain of one is msgina.dll alone.
 class CMachine
 {
 public:
-    explicit CMachine(benchmark::State& state)
-    {
-        Configure(0, MASK_NOTHING);
-        for (int n = 1; n < state.range(0); ++n) {
-            m_ginas.push_back(CopyOf('g', n));
-            SetText(OWN_KEY, m_ginas.back(),
-                    GINAS_KEY + (TEXT(",") + m_ginas.back()) + TEXT(",msgina.dll,0,0,0,0"));
-        }
-        Write();
-    }
+    explicit CMachine(const benchmark::State& state) : m_values(MakeChain(state.range(0))) {}
 
-    /// Others turn the order around.
-    void TurnAround()
+    /// Others put a GINA in the place of the first. The host's is no longer in the chain then, which is as
+    /// long as before: the host writes its own again, all of it.
+    void Disturb() const { SetText(WINLOGON_KEY, WINLOGON_GINA_DLL, OTHER_GINA); }
+
+    void RequireOwnChain() const
     {
-        std::reverse(m_ginas.begin(), m_ginas.end());
-        Write();
+        for (const CValue& value : m_values) {
+            WCHAR szGina[NAME_CAPACITY];
+            LookUp(value.szKey, value.name.c_str(), szGina);
+            Require(value.gina == szGina, "the resynchronisation");
+        }
     }
 
     /// What nobody can do without who follows the chain.
     void ReadBare() const
     {
-        LookUp(WINLOGON_KEY, WINLOGON_GINA_DLL);
-        for (const Text& gina : m_ginas) {
-            LookUp(GINAS_KEY, gina.c_str());
+        WCHAR szGina[NAME_CAPACITY];
+        for (const CValue& value : m_values) {
+            LookUp(value.szKey, value.name.c_str(), szGina);
         }
     }
+
+    void Write() const { Write(m_values); }
 
     CRegistryManager Read(bool bNoRepair)
     {
@@ -50,19 +48,45 @@ public:
     }
 
 private:
-    void Write() const
+    struct CValue
     {
+        const WCHAR* szKey;
+        Text name;
+        Text gina;
+    };
+    using CValues = std::vector<CValue>;
+
+    static CValues MakeChain(benchmark::IterationCount nGinas)
+    {
+        Configure(0, MASK_NOTHING);
+        CValues values;
         const WCHAR* szKey = WINLOGON_KEY;
         Text name = WINLOGON_GINA_DLL;
-        for (const Text& gina : m_ginas) {
-            SetText(szKey, name, gina);
-            szKey = GINAS_KEY;
-            name = gina;
+        for (int n = 1; n < nGinas; ++n) {
+            const bool bHost = n == 1;
+            values.push_back({szKey, name, bHost ? HOST_GINA : CopyOf('g', n)});
+            if (!bHost) {
+                SetRecord(values.back().gina, false);
+            }
+            szKey = bHost ? LUM_GINA_MTM : GINAS_KEY;
+            name = bHost ? PASSTHROUGH_VALUE : values.back().gina;
         }
-        SetText(szKey, name, SYSTEM_GINA);
+        values.push_back({szKey, name, SYSTEM_GINA});
+        SetRecord(OTHER_GINA, nGinas == 1);
+        SetText(GINAS_KEY, OTHER_GINA, nGinas == 1 ? TEXT("") : values[1].gina);
+        Write(values);
+        return values;
     }
 
-    std::vector<Text> m_ginas;
+    static void Write(const CValues& values)
+    {
+        for (const CValue& value : values) {
+            SetText(value.szKey, value.name.c_str(), value.gina);
+        }
+    }
+
+    // The registry is made before the objects open its keys.
+    const CValues m_values;
     CWinlogonRegistry m_winlogon{LUM_GINA_APP, LUM_GINA_MTM};
     CLUMRegistry m_configuration{LUM_GINA_APP, LUM_GINA_MTM};
 };
@@ -81,12 +105,14 @@ void Resync(benchmark::State& state)
     CMachine machine(state);
     CRegistryManager manager = machine.Read(false);
     for ([[maybe_unused]] auto step : state) {
-        machine.TurnAround();
-        const CStopwatch watch(state);
-        const CRegistryManager fresh = machine.Read(true);
-        if (manager != fresh) {
+        machine.Disturb();
+        {
+            const CStopwatch watch(state);
+            const CRegistryManager fresh = machine.Read(true);
+            Require(manager != fresh, "the disturbance");
             manager.ResyncWithRegistry(fresh);
         }
+        machine.RequireOwnChain();
     }
 }
 
@@ -98,8 +124,18 @@ void BareRead(benchmark::State& state)
     }
 }
 
+void BareResync(benchmark::State& state)
+{
+    const CMachine machine(state);
+    for ([[maybe_unused]] auto step : state) {
+        machine.ReadBare();
+        machine.Write();
+    }
+}
+
 BENCHMARK(ReadChain)->DenseRange(1, 9)->UseRealTime();
 BENCHMARK(Resync)->DenseRange(1, 9)->UseManualTime();
 BENCHMARK(BareRead)->DenseRange(1, 9)->UseRealTime();
+BENCHMARK(BareResync)->DenseRange(1, 9)->UseRealTime();
 
 } // namespace

@@ -1,5 +1,5 @@
-// A request of the control channel on the wire, from the client's connection to the reply. The servers look
-// for a client all the time instead of once a period.
+// A request of the control channel on the wire, from the client's connection until the next client can
+// connect.
 
 #include "ControlProtocol.h"
 #include "LUMGina.h"
@@ -12,58 +12,68 @@ namespace {
 
 using namespace ControlProtocol;
 
-/// One client: sends a code and reads the reply byte.
-void Ask(BYTE byCode)
-{
-    HANDLE hPipe = INVALID_HANDLE_VALUE;
-    while (hPipe == INVALID_HANDLE_VALUE) {
-        Sleep(0);
-        hPipe = CreateFileW(PIPE_NAME, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    }
-    DWORD cb = 0;
-    BYTE byReply = REPLY_FAILURE;
-    WriteFile(hPipe, &byCode, sizeof(byCode), &cb, nullptr);
-    ReadFile(hPipe, &byReply, sizeof(byReply), &cb, nullptr);
-    CloseHandle(hPipe);
-}
-
-/// Runs serve() on a thread of its own, again and again.
-class CServer
+class CEvent
 {
 public:
-    template <typename Serve>
-    explicit CServer(Serve serve)
-        : m_thread([this, serve] {
-              while (!m_bStop) {
-                  serve();
-                  Sleep(0);
-              }
-          })
-    {
-    }
-    ~CServer() { m_bStop = true; }
-    CServer(const CServer&) = delete;
-    CServer& operator=(const CServer&) = delete;
+    ~CEvent() { CloseHandle(m_hEvent); }
+    void Set() const { SetEvent(m_hEvent); }
+    void Wait() const { Require(WaitForSingleObject(m_hEvent, INFINITE) == WAIT_OBJECT_0, "a wait"); }
 
 private:
+    const HANDLE m_hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+};
+
+/// A server on a thread of its own, and its client. Each waits for the other: one that looked again and again
+/// would take the only processor from the other, and its time would be the scheduler's.
+class CExchange
+{
+public:
+    explicit CExchange(std::function<void()> serve) : m_serve(std::move(serve)) {}
+    ~CExchange()
+    {
+        m_bStop = true;
+        m_asked.Set();
+    }
+
+    /// Sends a code and reads the reply byte.
+    void Ask(BYTE byCode) const
+    {
+        DWORD cb = 0;
+        BYTE byReply = REPLY_FAILURE;
+        const HANDLE hPipe =
+            CreateFileW(PIPE_NAME, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        Require(WriteFile(hPipe, &byCode, sizeof(byCode), &cb, nullptr) && cb == sizeof(byCode), "a request");
+        m_asked.Set();
+        Require(ReadFile(hPipe, &byReply, sizeof(byReply), &cb, nullptr) && cb == sizeof(byReply) &&
+                    byReply == REPLY_SUCCESS,
+                "a reply");
+        CloseHandle(hPipe);
+        m_served.Wait();
+    }
+
+private:
+    const std::function<void()> m_serve;
+    const CEvent m_asked;
+    const CEvent m_served;
     std::atomic<bool> m_bStop = false;
-    CThread m_thread;
+    const CThread m_thread{[this] {
+        for (m_asked.Wait(); !m_bStop; m_asked.Wait()) {
+            m_serve();
+            m_served.Set();
+        }
+    }};
 };
 
 void ControlRequest(benchmark::State& state)
 {
     Configure(0, MASK_NOTHING);
-    SetNumber(TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile"), TEXT("InstanceCount"), 1);
     CLUMGina host(reinterpret_cast<HINSTANCE>(&host));
-    const CPipeConnection::AwaitStop awaitStop = [](DWORD) {
-        Sleep(0);
-        return false;
-    };
+    const CPipeConnection::AwaitStop awaitStop = [](DWORD) { return false; };
     CPipeService service(LUM_GINA_ORIGIN, host.m_pLUMPipeThreadObject->m_hPipe, {*host.m_pLUMObject, host},
                          awaitStop, {});
-    const CServer server([&] { service.Poll(); });
+    const CExchange exchange([&] { service.Poll(); });
     for ([[maybe_unused]] auto step : state) {
-        Ask(LUM_VERIFY_LUM_GINA);
+        exchange.Ask(LUM_VERIFY_LUM_GINA);
     }
 }
 
@@ -73,24 +83,18 @@ void BareRequest(benchmark::State& state)
     const HANDLE hPipe = CreateNamedPipeW(PIPE_NAME, PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED, PIPE_NOWAIT,
                                           1, 4096, 4096, 0, nullptr);
     {
-        const CServer server([=] {
-            if (ConnectNamedPipe(hPipe, nullptr) || GetLastError() != ERROR_PIPE_CONNECTED) {
-                return;
-            }
-            DWORD dwMode = PIPE_WAIT;
+        const CExchange exchange([=] {
             BYTE byCode = 0;
             DWORD cb = 0;
-            SetNamedPipeHandleState(hPipe, &dwMode, nullptr, nullptr);
-            ReadFile(hPipe, &byCode, sizeof(byCode), &cb, nullptr);
-            WriteFile(hPipe, &REPLY_SUCCESS, sizeof(REPLY_SUCCESS), &cb, nullptr);
+            Require(!ConnectNamedPipe(hPipe, nullptr) && GetLastError() == ERROR_PIPE_CONNECTED, "a client");
+            Require(ReadFile(hPipe, &byCode, sizeof(byCode), &cb, nullptr) && cb == sizeof(byCode), "a read");
+            Require(WriteFile(hPipe, &REPLY_SUCCESS, sizeof(REPLY_SUCCESS), &cb, nullptr), "a write");
             FlushFileBuffers(hPipe);
-            DisconnectNamedPipe(hPipe);
-            dwMode = PIPE_NOWAIT;
-            SetNamedPipeHandleState(hPipe, &dwMode, nullptr, nullptr);
+            Require(DisconnectNamedPipe(hPipe), "a disconnection");
             ConnectNamedPipe(hPipe, nullptr);
         });
         for ([[maybe_unused]] auto step : state) {
-            Ask(LUM_VERIFY_LUM_GINA);
+            exchange.Ask(LUM_VERIFY_LUM_GINA);
         }
     }
     CloseHandle(hPipe);

@@ -52,14 +52,6 @@ void Watch(const char* szWhat, int nSteps, Step step)
     }
 }
 
-void Require(bool bDone, const char* szWhat)
-{
-    if (!bDone) {
-        std::fprintf(stderr, "%s failed\n", szWhat);
-        std::exit(1);
-    }
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -68,7 +60,7 @@ int main(int argc, char** argv)
     const int nChanges = argc > 2 ? std::atoi(argv[2]) : 10000;
     Configure(2, MASK_NOTHING);
     {
-        const CWinlogon winlogon(false);
+        const CWinlogon winlogon;
         Watch("calls", nCalls, [&] { Require(winlogon.IsLockOk(), "a call"); });
     }
     // Only the host itself changes its list without the pipe's period.

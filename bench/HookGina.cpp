@@ -1,9 +1,15 @@
 // A GINA written by hand that forwards every call to another, and does no more: what the library is measured
 // against. With nothing behind it, it answers, and serves as the standard GINA.
 
-#include "WlxInterface.h"
+#include <windows.h>
 
 namespace {
+
+// Without the declarations of winwlx.h, so that one type stands for all arguments, which are passed on as
+// they come.
+using Word = ULONG_PTR;
+
+constexpr DWORD WINLOGON_1_4 = 0x00010004;
 
 HMODULE g_hNext = nullptr;
 
@@ -31,39 +37,31 @@ Result Forward(FARPROC& pfnNext, const char* szExport, Arguments... arguments)
         return Forward<RESULT>(s_pfnNext, #NAME, __VA_ARGS__); \
     }
 
-ENTRY(BOOL, WlxInitialize, (LPWSTR szWinsta, HANDLE hWlx, PVOID pvReserved, PVOID pFunctions, PVOID* ppContext),
-      szWinsta, hWlx, pvReserved, pFunctions, ppContext)
-ENTRY(VOID, WlxDisplaySASNotice, (PVOID pContext), pContext)
-ENTRY(int, WlxLoggedOutSAS, (PVOID pContext, DWORD dwSasType, PLUID pId, PSID pSid, PDWORD pdwOptions,
-      PHANDLE phToken, PWLX_MPR_NOTIFY_INFO pInfo, PVOID* ppProfile),
-      pContext, dwSasType, pId, pSid, pdwOptions, phToken, pInfo, ppProfile)
-ENTRY(BOOL, WlxActivateUserShell, (PVOID pContext, PWSTR szDesktop, PWSTR szScript, PVOID pEnvironment),
-      pContext, szDesktop, szScript, pEnvironment)
-ENTRY(int, WlxLoggedOnSAS, (PVOID pContext, DWORD dwSasType, PVOID pReserved), pContext, dwSasType, pReserved)
-ENTRY(VOID, WlxDisplayLockedNotice, (PVOID pContext), pContext)
-ENTRY(int, WlxWkstaLockedSAS, (PVOID pContext, DWORD dwSasType), pContext, dwSasType)
-ENTRY(BOOL, WlxIsLockOk, (PVOID pContext), pContext)
-ENTRY(BOOL, WlxIsLogoffOk, (PVOID pContext), pContext)
-ENTRY(VOID, WlxLogoff, (PVOID pContext), pContext)
-ENTRY(VOID, WlxShutdown, (PVOID pContext, DWORD dwType), pContext, dwType)
-ENTRY(BOOL, WlxScreenSaverNotify, (PVOID pContext, BOOL* pSecure), pContext, pSecure)
-ENTRY(BOOL, WlxStartApplication, (PVOID pContext, PWSTR szDesktop, PVOID pEnvironment, PWSTR szCommand),
-      pContext, szDesktop, pEnvironment, szCommand)
-ENTRY(BOOL, WlxNetworkProviderLoad, (PVOID pContext, PWLX_MPR_NOTIFY_INFO pInfo), pContext, pInfo)
-ENTRY(BOOL, WlxDisplayStatusMessage, (PVOID pContext, HDESK hDesktop, DWORD dwOptions, PWSTR szTitle,
-      PWSTR szMessage),
-      pContext, hDesktop, dwOptions, szTitle, szMessage)
-ENTRY(BOOL, WlxGetStatusMessage, (PVOID pContext, DWORD* pdwOptions, PWSTR szMessage, DWORD dwSize),
-      pContext, pdwOptions, szMessage, dwSize)
-ENTRY(BOOL, WlxRemoveStatusMessage, (PVOID pContext), pContext)
-ENTRY(BOOL, WlxGetConsoleSwitchCredentials, (PVOID pContext, PVOID pCredentials), pContext, pCredentials)
-ENTRY(VOID, WlxReconnectNotify, (PVOID pContext), pContext)
-ENTRY(VOID, WlxDisconnectNotify, (PVOID pContext), pContext)
+ENTRY(BOOL, WlxInitialize, (Word a, Word b, Word c, Word d, Word e), a, b, c, d, e)
+ENTRY(VOID, WlxDisplaySASNotice, (Word a), a)
+ENTRY(int, WlxLoggedOutSAS, (Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h), a, b, c, d, e, f, g, h)
+ENTRY(BOOL, WlxActivateUserShell, (Word a, Word b, Word c, Word d), a, b, c, d)
+ENTRY(int, WlxLoggedOnSAS, (Word a, Word b, Word c), a, b, c)
+ENTRY(VOID, WlxDisplayLockedNotice, (Word a), a)
+ENTRY(int, WlxWkstaLockedSAS, (Word a, Word b), a, b)
+ENTRY(BOOL, WlxIsLockOk, (Word a), a)
+ENTRY(BOOL, WlxIsLogoffOk, (Word a), a)
+ENTRY(VOID, WlxLogoff, (Word a), a)
+ENTRY(VOID, WlxShutdown, (Word a, Word b), a, b)
+ENTRY(BOOL, WlxScreenSaverNotify, (Word a, Word b), a, b)
+ENTRY(BOOL, WlxStartApplication, (Word a, Word b, Word c, Word d), a, b, c, d)
+ENTRY(BOOL, WlxNetworkProviderLoad, (Word a, Word b), a, b)
+ENTRY(BOOL, WlxDisplayStatusMessage, (Word a, Word b, Word c, Word d, Word e), a, b, c, d, e)
+ENTRY(BOOL, WlxGetStatusMessage, (Word a, Word b, Word c, Word d), a, b, c, d)
+ENTRY(BOOL, WlxRemoveStatusMessage, (Word a), a)
+ENTRY(BOOL, WlxGetConsoleSwitchCredentials, (Word a, Word b), a, b)
+ENTRY(VOID, WlxReconnectNotify, (Word a), a)
+ENTRY(VOID, WlxDisconnectNotify, (Word a), a)
 // clang-format on
 
 extern "C" BOOL WINAPI WlxNegotiate(DWORD, PDWORD pdwVersion)
 {
-    *pdwVersion = WLX_VERSION_1_4;
+    *pdwVersion = WINLOGON_1_4;
     return TRUE;
 }
 

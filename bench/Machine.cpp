@@ -3,22 +3,30 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <iterator>
 
-#include "GinaNames.h"
-#include "StandinGina.h"
-#include "TestPlugin.h"
+#include "DllDriver.h"
+#include "SafeStartNames.h"
 
 namespace {
 
-constexpr WCHAR VOLATILE_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Volatile");
 constexpr WCHAR LOG_KEY[] = TEXT("Software\\ORX\\Security\\Debug");
 constexpr DWORD AN_HOUR = 3600;
+
+// All that the library or a measurement writes, bottom up, since a key with subkeys cannot be deleted.
+const WCHAR* const KEYS[] = {LEFT_OUT_KEY, START_KEY, VOLATILE_KEY, LUM_GINA_MTM,
+                             GINAS_KEY,    LOG_KEY,   WINLOGON_KEY};
 
 template <typename Function>
 Function FindExport(HMODULE hModule, const char* szExport)
 {
     return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(hModule, szExport)));
+}
+
+HMODULE Load(const Text& name)
+{
+    const HMODULE hModule = LoadLibraryW(name.c_str());
+    Require(hModule != nullptr, std::string(name.begin(), name.end()).c_str());
+    return hModule;
 }
 
 void SetValue(const WCHAR* szKey, const WCHAR* szName, DWORD dwType, const void* pData, std::size_t cbData)
@@ -36,9 +44,17 @@ BOOL WINAPI AnswerTrue(HANDLE, DWORD)
 
 } // namespace
 
-void SetText(const WCHAR* szKey, const Text& name, const Text& text)
+void Require(bool bDone, const char* szWhat)
 {
-    SetValue(szKey, name.c_str(), REG_SZ, text.c_str(), (text.size() + 1) * sizeof(WCHAR));
+    if (!bDone) {
+        std::fprintf(stderr, "%s failed\n", szWhat);
+        std::exit(1);
+    }
+}
+
+void SetText(const WCHAR* szKey, const WCHAR* szName, const Text& text)
+{
+    SetValue(szKey, szName, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(WCHAR));
 }
 
 void SetNumber(const WCHAR* szKey, const WCHAR* szName, DWORD dwNumber)
@@ -46,13 +62,20 @@ void SetNumber(const WCHAR* szKey, const WCHAR* szName, DWORD dwNumber)
     SetValue(szKey, szName, REG_DWORD, &dwNumber, sizeof(dwNumber));
 }
 
-void LookUp(const WCHAR* szKey, const WCHAR* szName)
+void SetRecord(const Text& gina, bool bTerminator)
+{
+    SetText(LUM_GINA_MTM, gina.c_str(),
+            GINAS_KEY + (TEXT(",") + gina) + TEXT(",msgina.dll,") +
+                (bTerminator ? TEXT("1,1,0,0") : TEXT("0,0,0,0")));
+}
+
+void LookUp(const WCHAR* szKey, const WCHAR* szName, WCHAR (&szText)[NAME_CAPACITY])
 {
     HKEY hKey = nullptr;
-    BYTE data[520];
-    DWORD cbData = sizeof(data);
+    DWORD cbText = sizeof(szText);
+    szText[0] = 0;
     RegOpenKeyExW(HKEY_LOCAL_MACHINE, szKey, 0, KEY_READ, &hKey);
-    RegQueryValueExW(hKey, szName, nullptr, nullptr, data, &cbData);
+    RegQueryValueExW(hKey, szName, nullptr, nullptr, reinterpret_cast<BYTE*>(szText), &cbText);
     RegCloseKey(hKey);
 }
 
@@ -62,47 +85,45 @@ Text CopyOf(char chKind, int nCopy)
     return Text(name.begin(), name.end());
 }
 
-HMODULE Load(const Text& name)
-{
-    const HMODULE hModule = LoadLibraryW(name.c_str());
-    if (hModule == nullptr) {
-        std::fprintf(stderr, "cannot load %s\n", std::string(name.begin(), name.end()).c_str());
-        std::exit(1);
-    }
-    return hModule;
-}
-
 HMODULE LoadWithExports(const Text& name, bool bPlugin)
 {
-#define EXPORT_OF_GINA(NAME, RESULT) #NAME,
-#define EXPORT_OF_PLUGIN(NAME, RESULT) "LUM" #NAME,
-    static constexpr const char* GINA_EXPORTS[] = {STANDIN_CALLS(EXPORT_OF_GINA)};
-    static constexpr const char* PLUGIN_EXPORTS[] = {PLUGIN_CALLS(EXPORT_OF_PLUGIN)};
     const HMODULE hModule = Load(name);
-    const auto lookUp = [=](const char* szExport) { GetProcAddress(hModule, szExport); };
     if (bPlugin) {
-        std::for_each(std::begin(PLUGIN_EXPORTS), std::end(PLUGIN_EXPORTS), lookUp);
+        for (const char* szCall : CDrivenDll<TestPluginInterface>::CALLS) {
+            GetProcAddress(hModule, (std::string("LUM") + szCall).c_str());
+        }
     } else {
-        std::for_each(std::begin(GINA_EXPORTS), std::end(GINA_EXPORTS), lookUp);
+        for (const char* szCall : CDrivenDll<StandinInterface>::CALLS) {
+            GetProcAddress(hModule, szCall);
+        }
     }
     return hModule;
 }
 
 void Configure(int nPlugins, DWORD dwMask)
 {
+    std::for_each(std::begin(KEYS), std::end(KEYS),
+                  [](const WCHAR* szKey) { RegDeleteKeyW(HKEY_LOCAL_MACHINE, szKey); });
     Text plugins;
     for (int n = 1; n <= nPlugins; ++n) {
         plugins += (n > 1 ? TEXT(",") : TEXT("")) + CopyOf('p', n);
     }
-    SetText(OWN_KEY, TEXT("Plugins"), plugins);
-    SetText(OWN_KEY, TEXT("GinaDLL"), TEXT("bench_gina.dll"));
-    SetNumber(OWN_KEY, MASK_VALUE, dwMask);
-    SetNumber(OWN_KEY, TEXT("PipeInterval"), AN_HOUR);
-    SetNumber(OWN_KEY, TEXT("MonitorInterval"), AN_HOUR);
-    const char* szTemp = std::getenv("TEMP");
-    const std::string log = std::string(szTemp != nullptr ? szTemp : ".") + "/bench.log";
-    SetText(LOG_KEY, LUM_GINA_APP, Text(log.begin(), log.end()));
-    std::remove(log.c_str());
+    SetText(WINLOGON_KEY, WINLOGON_GINA_DLL, HOST_GINA);
+    SetText(LUM_GINA_MTM, PASSTHROUGH_VALUE, BENCH_GINA);
+    SetRecord(BENCH_GINA, true);
+    SetText(LUM_GINA_MTM, TEXT("Plugins"), plugins);
+    SetNumber(LUM_GINA_MTM, MASK_VALUE, dwMask);
+    SetNumber(LUM_GINA_MTM, TEXT("PipeInterval"), AN_HOUR);
+    SetNumber(LUM_GINA_MTM, TEXT("MonitorInterval"), AN_HOUR);
+    SetNumber(VOLATILE_KEY, INSTANCE_COUNT_VALUE, 1);
+    SetText(LOG_KEY, LUM_GINA_APP, LOG_FILE);
+    std::remove("bench.log");
+}
+
+void SetRecommended()
+{
+    SetNumber(LUM_GINA_MTM, SAFE_START, 2);
+    SetNumber(LUM_GINA_MTM, EVENT_LOG_VALUE, 1);
 }
 
 CWinlogonTable::CWinlogonTable()
@@ -110,21 +131,16 @@ CWinlogonTable::CWinlogonTable()
     std::fill(std::begin(entries), std::end(entries), reinterpret_cast<PVOID>(AnswerTrue));
 }
 
-CWinlogon::CWinlogon(bool bFirst)
+CWinlogon::CWinlogon() : m_hLibrary(Load(HOST_GINA))
 {
-    SetNumber(VOLATILE_KEY, TEXT("InstanceCount"), bFirst ? 0 : 1);
-    m_hLibrary = Load(HOST_GINA);
     DWORD dwVersion = 0;
     const auto pfnNegotiate = FindExport<BOOL(WINAPI*)(DWORD, PDWORD)>(m_hLibrary, "WlxNegotiate");
     const auto pfnInitialize =
         FindExport<BOOL(WINAPI*)(LPWSTR, HANDLE, PVOID, PVOID, PVOID*)>(m_hLibrary, "WlxInitialize");
     m_pfnIsLockOk = FindExport<BOOL(WINAPI*)(PVOID)>(m_hLibrary, "WlxIsLockOk");
-    if (!pfnNegotiate(WLX_VERSION_1_4, &dwVersion) ||
-        !pfnInitialize(nullptr, nullptr, nullptr, m_table.entries, &m_pContext))
-    {
-        std::fprintf(stderr, "the library does not start\n");
-        std::exit(1);
-    }
+    Require(pfnNegotiate(WLX_VERSION_1_4, &dwVersion) &&
+                pfnInitialize(nullptr, nullptr, nullptr, m_table.entries, &m_pContext),
+            "the library's start");
 }
 
 CWinlogon::~CWinlogon()
@@ -135,7 +151,7 @@ CWinlogon::~CWinlogon()
 
 CHooks::CHooks(int nBehind)
 {
-    m_loaded.push_back(Load(TEXT("bench_gina.dll")));
+    m_loaded.push_back(Load(BENCH_GINA));
     for (int n = 0; n <= nBehind; ++n) {
         const HMODULE hHook = Load(CopyOf('h', n));
         FindExport<void(WINAPI*)(HMODULE)>(hHook, "SetNext")(m_loaded.back());

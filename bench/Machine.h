@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "GinaNames.h"
 #include "WlxInterface.h"
 
 // What all measurements are made on: a registry that holds what they write, the library as Winlogon has it,
@@ -10,8 +11,11 @@
 
 using Text = std::basic_string<WCHAR>;
 
-inline constexpr WCHAR OWN_KEY[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina");
 inline constexpr WCHAR MASK_VALUE[] = TEXT("Debug");
+inline constexpr WCHAR PASSTHROUGH_VALUE[] = TEXT("GinaDLL");
+inline constexpr WCHAR BENCH_GINA[] = TEXT("bench_gina.dll");
+inline constexpr WCHAR GINAS_KEY[] = TEXT("SOFTWARE\\ORX\\Test");
+inline constexpr WCHAR LOG_FILE[] = TEXT("bench.log");
 
 enum : DWORD
 {
@@ -19,25 +23,33 @@ enum : DWORD
     MASK_ALL = 0xFFF
 };
 
-void SetText(const WCHAR* szKey, const Text& name, const Text& text);
+/// Ends the program, which then reports nothing, unless what it measures was done.
+void Require(bool bDone, const char* szWhat);
+
+void SetText(const WCHAR* szKey, const WCHAR* szName, const Text& text);
 void SetNumber(const WCHAR* szKey, const WCHAR* szName, DWORD dwNumber);
 
-/// Opens a key, queries a value and closes it again.
-void LookUp(const WCHAR* szKey, const WCHAR* szName);
+/// A chaining record: the GINA keeps its passthrough value in GINAS_KEY, under its own name.
+void SetRecord(const Text& gina, bool bTerminator);
+
+/// Opens a key, queries a value and closes it again. The text is empty when there is none.
+void LookUp(const WCHAR* szKey, const WCHAR* szName, WCHAR (&szText)[NAME_CAPACITY]);
 
 /// The copies of bench_plugin.dll, p1.dll to p32.dll, and of hook_gina.dll, h0.dll to h32.dll, which
 /// scripts/bench lays beside the program. The names are short, since the configuration has room for 259
 /// characters.
 Text CopyOf(char chKind, int nCopy);
 
-/// Loads a DLL; ends the program when it is not there.
-HMODULE Load(const Text& name);
-
-/// A DLL with all its exports looked up, as whoever uses it has to.
+/// Loads a DLL, and looks up all the exports that it may have, as whoever uses it has to.
 HMODULE LoadWithExports(const Text& name, bool bPlugin);
 
-/// The configuration: that many plugins, the GINA behind them, the level mask, and where the log goes.
+/// Makes the registry anew: the chain is the library and bench_gina.dll, with that many plugins in between
+/// and that level mask, and the log goes to an empty LOG_FILE. An instance of the library has been
+/// initialised since the machine started, so that the next has no service threads.
 void Configure(int nPlugins, DWORD dwMask);
+
+/// What an installation switches on beyond that: safe start and events.
+void SetRecommended();
 
 /// Winlogon's dispatch table; every entry answers TRUE to what a host asks at its start.
 struct CWinlogonTable
@@ -51,8 +63,7 @@ struct CWinlogonTable
 class CWinlogon
 {
 public:
-    /// bFirst: as the first instance since the start of the machine, whose service threads run.
-    explicit CWinlogon(bool bFirst);
+    CWinlogon();
     ~CWinlogon();
     CWinlogon(const CWinlogon&) = delete;
     CWinlogon& operator=(const CWinlogon&) = delete;
