@@ -1,5 +1,9 @@
 #include "KeptKey.h"
 
+#include "GinaNames.h"
+
+constinit CKeptKey g_OwnKey(LUM_GINA_MTM);
+
 CKeptKey::~CKeptKey()
 {
     const HKEY hKey = m_hKey.exchange(nullptr);

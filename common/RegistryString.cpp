@@ -4,7 +4,6 @@
 #include "GuardedText.h"
 #include "Operation.h"
 #include "RequireArgument.h"
-#include "Wipe.h"
 
 namespace {
 
@@ -14,12 +13,20 @@ using Traits = std::char_traits<WCHAR>;
 // lack one.
 constexpr DWORD QUERY_BYTES = 520;
 
-/// The system's query has a buffer of its own on the stack, and leaves the text there.
-[[gnu::noinline]] void WipeStackBelow() noexcept
+/// Wipes the stack below the frame of its owner at the end of a scope. The system's query has a buffer of its
+/// own there for short texts, and leaves the text in it.
+class CWipeStackBelow
 {
-    WCHAR szBelow[2048];
-    Wipe(szBelow);
-}
+public:
+    CWipeStackBelow() = default;
+    [[gnu::noinline]] ~CWipeStackBelow()
+    {
+        WCHAR szBelow[2048];
+        Wipe(szBelow);
+    }
+    CWipeStackBelow(const CWipeStackBelow&) = delete;
+    CWipeStackBelow& operator=(const CWipeStackBelow&) = delete;
+};
 
 } // namespace
 
@@ -46,7 +53,6 @@ try : CRegistryValue(szAPPArg, szMTMArg, hKeyRoot, szSubKey, szValueName, samDes
 CRegistryString::~CRegistryString()
 {
     const CDestructionTrace trace(*this, s_szClass);
-    Forget();
 }
 
 void CRegistryString::Forget() noexcept
@@ -123,8 +129,8 @@ void CRegistryString::Fetch()
 {
     WCHAR szRead[QUERY_BYTES / sizeof(WCHAR)];
     const CWipeAtEnd wipe(szRead);
+    const CWipeStackBelow wipeBelow;
     const DWORD cbRead = Query(szRead, QUERY_BYTES, [this] { SetRegistryString(TEXT(""), true); });
-    WipeStackBelow();
     const DWORD cchRead = cbRead / sizeof(WCHAR);
     const DWORD cchKept = cchRead < LONGEST_NAME ? cchRead : LONGEST_NAME;
     Traits::copy(m_szRegString, szRead, cchKept);

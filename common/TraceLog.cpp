@@ -50,9 +50,8 @@ constexpr bool LabelsFit()
 // So no label is ever cut.
 static_assert(LabelsFit());
 
-// The keys that every statement reads. They are closed when the library is unloaded, after its DllMain.
+// Closed when the library is unloaded, after its DllMain.
 constinit CKeptKey s_DebugKey(DEBUG_KEY);
-constinit CKeptKey s_OwnKey(LUM_GINA_MTM);
 
 /// The mask that a key holds; the default when it has none.
 DWORD QueryMask(CKeptKey& key) noexcept
@@ -157,7 +156,7 @@ bool IsTraceEnabled(DWORD dwLevel, const WCHAR* szMTM) noexcept
     DWORD dwMask = DEFAULT_TRACE_MASK;
     if (szMTM != nullptr && *szMTM != 0) {
         CKeptKey other(szMTM);
-        dwMask = QueryMask(std::basic_string_view(szMTM) == LUM_GINA_MTM ? s_OwnKey : other);
+        dwMask = QueryMask(std::basic_string_view(szMTM) == LUM_GINA_MTM ? g_OwnKey : other);
     }
     return (dwLevel & dwMask) == dwLevel;
 }

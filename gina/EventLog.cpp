@@ -99,7 +99,7 @@ private:
         DWORD dwType = REG_NONE;
         DWORD dwOn = 0;
         DWORD cbOn = sizeof(dwOn);
-        return m_key.Query(EVENT_LOG_VALUE, &dwOn, &cbOn, &dwType) && dwType == REG_DWORD &&
+        return g_OwnKey.Query(EVENT_LOG_VALUE, &dwOn, &cbOn, &dwType) && dwType == REG_DWORD &&
                cbOn == sizeof(dwOn) && dwOn != 0;
     }
 
@@ -186,7 +186,6 @@ private:
         return false;
     }
 
-    CKeptKey m_key{LUM_GINA_MTM};
     std::atomic<bool> m_bClosed = false;
     std::atomic<bool> m_bWriting = false;
     std::atomic<HANDLE> m_hWriter = nullptr;

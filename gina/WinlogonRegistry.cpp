@@ -1,5 +1,7 @@
 #include "WinlogonRegistry.h"
 
+#include <type_traits>
+
 #include "CallLocked.h"
 #include "Exceptions.h"
 #include "MachineValue.h"
@@ -17,6 +19,12 @@ void LoadValue(const CMessageOrigin& origin, COwned<Value>& pValue, const WCHAR*
         pValue = OpenMachineValue<Value>(origin, WINLOGON_KEY, szValueName, false, false);
         if (!pValue->ReadRegistry()) {
             throw CUnableToReadRegistryException(origin, szValueName, ERROR_READ_FAULT);
+        }
+        if constexpr (std::is_same_v<Value, CRegistryString>) {
+            // Whoever wants it reads the registry.
+            if (EqualNames(szValueName, TEXT("DefaultPassword"))) {
+                pValue->Forget();
+            }
         }
     } catch (...) {
         // Most machines lack most of these values. Their objects stay, and read what is written later.
@@ -36,10 +44,6 @@ CWinlogonRegistry::CWinlogonRegistry(const WCHAR* szAPPArg, const WCHAR* szMTMAr
 #define WINLOGON_LOAD(NAME, KIND) LoadValue(*this, m_p##NAME, TEXT(#NAME));
     WINLOGON_VALUES(WINLOGON_LOAD)
 #undef WINLOGON_LOAD
-    // Whoever wants it reads the registry.
-    if (m_pDefaultPassword != nullptr) {
-        m_pDefaultPassword->Forget();
-    }
 }
 
 CWinlogonRegistry::~CWinlogonRegistry()

@@ -8,8 +8,7 @@ namespace FaultGuard {
 /// units.
 ///
 /// Guards save it with each call into a DLL. The C library could do it too, but on Windows its functions ask
-/// the processor each time whether it has SSE, which costs more than all the rest of a call when the machine
-/// is a virtual one.
+/// the processor each time whether it has SSE, and a virtual machine leaves itself to answer that.
 class CFloatingPoint
 {
 public:
@@ -45,7 +44,7 @@ private:
     {
         unsigned int fields[7];
     } m_X87;
-    unsigned int m_nSSE = 0;
+    unsigned int m_nSSE = 0x1F80; // as a processor starts
 };
 
 } // namespace FaultGuard

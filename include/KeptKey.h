@@ -29,3 +29,7 @@ private:
     const WCHAR* const m_szKey;
     std::atomic<HKEY> m_hKey = nullptr;
 };
+
+/// The library's own key, which is read with every statement and event. Closed when the library is unloaded,
+/// after its DllMain.
+extern constinit CKeptKey g_OwnKey;

@@ -2,6 +2,7 @@
 
 #include "GinaNames.h"
 #include "RegistryValue.h"
+#include "Wipe.h"
 
 /// A text in the registry, with a cached copy of at most 259 characters, empty until the first read.
 class CRegistryString final : public CRegistryValue
@@ -38,4 +39,7 @@ private:
 
     void Fetch();
     void Flush() const;
+
+    /// A member, so that it also wipes when a constructor fails after its read.
+    const CWipeAtEnd<NAME_CAPACITY + 1> m_Wipe{m_szRegString};
 };

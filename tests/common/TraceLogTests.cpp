@@ -1,5 +1,6 @@
 #include <atomic>
 #include <ctime>
+#include <memory>
 #include <regex>
 
 #include "GlobalObject.h"
@@ -89,6 +90,9 @@ TEST_F(TraceLog, FollowsItsKeyWhateverBecomesOfIt)
     const DWORD dwHandles = CountHandles();
     {
         CThread threads[] = {CThread(look), CThread(look), CThread(look), CThread(look)};
+        // Also when an assertion leaves the scope, whose end waits for the threads.
+        const std::unique_ptr<std::atomic<bool>, void (*)(std::atomic<bool>*)> stop(
+            &bStop, [](auto* pStop) { *pStop = true; });
         for (int n = 0; n < 600; ++n) {
             SetTraceMask(LEVEL_ENTRY);
             ASSERT_TRUE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
@@ -96,12 +100,13 @@ TEST_F(TraceLog, FollowsItsKeyWhateverBecomesOfIt)
             ASSERT_FALSE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
             DeleteValue(OWN_KEY, TEXT("Debug"));
             ASSERT_TRUE(IsTraceEnabled(DEFAULT_TRACE_MASK, LUM_GINA_MTM)) << n;
+            SetBytes(OWN_KEY, TEXT("Debug"), REG_BINARY, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 8);
+            ASSERT_FALSE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
             SetTraceMask(LEVEL_ENTRY);
             ASSERT_TRUE(IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM)) << n;
             ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, OWN_KEY));
             ASSERT_TRUE(IsTraceEnabled(DEFAULT_TRACE_MASK, LUM_GINA_MTM)) << n;
         }
-        bStop = true;
     }
     IsTraceEnabled(LEVEL_ENTRY, LUM_GINA_MTM);
     EXPECT_EQ(dwHandles, CountHandles());
