@@ -3,7 +3,7 @@
 // needs strings, locales and formatted output. This file does the same without them, for the DLL of the
 // Windows target only.
 //
-// It must define everything that the library uses of the two files of the runtime that it replaces. If one
+// It must define everything that the library uses of the three files of the runtime that it replaces. If one
 // function is missing, the linker adds the runtime's own file as well, and refuses the names that are then
 // defined twice.
 
