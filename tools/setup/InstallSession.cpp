@@ -13,15 +13,20 @@ std::vector<WideText> Split(const WideText& text, WCHAR separator)
     return parts;
 }
 
-std::vector<WideText> CInstallSession::Fields() const
+WideText CInstallSession::Property(const WCHAR* szName) const
 {
     WideText data(1, L'\0');
     DWORD cchData = 0;
-    while (MsiGetPropertyW(m_hInstall, L"CustomActionData", data.data(), &cchData) == ERROR_MORE_DATA) {
+    while (MsiGetPropertyW(m_hInstall, szName, data.data(), &cchData) == ERROR_MORE_DATA) {
         data.resize(++cchData);
     }
     data.resize(cchData);
-    return Split(data, L'|');
+    return data;
+}
+
+std::vector<WideText> CInstallSession::Fields() const
+{
+    return Split(Property(L"CustomActionData"), L'|');
 }
 
 void CInstallSession::Send(INSTALLMESSAGE message, const std::string& text) const

@@ -9,14 +9,16 @@
 
 #include "machine/Text.h"
 
-/// What a deferred custom action has of the installation that runs it. The handle stays the caller's. To be
+/// What a custom action has of the installation that runs it. The handle stays the caller's. To be
 /// used on the action's thread.
 class CInstallSession
 {
 public:
     explicit CInstallSession(MSIHANDLE hInstall) : m_hInstall(hInstall) {}
 
-    /// The fields of the action's CustomActionData, which has "|" between them. At least one.
+    /// Empty for none. A deferred action sees CustomActionData and little else.
+    WideText Property(const WCHAR* szName) const;
+    /// The fields of a deferred action's CustomActionData, which has "|" between them. At least one.
     std::vector<WideText> Fields() const;
 
     /// Adds a line to the installer's log.

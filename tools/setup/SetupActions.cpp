@@ -5,32 +5,41 @@
 #include "CommandLineRunner.h"
 #include "GinaNames.h"
 #include "InstallSession.h"
-#include "KeyTree.h"
+#include "KeptSettings.h"
+#include "LibraryFile.h"
+#include "chain/ChainBackup.h"
+#include "chain/ChainChange.h"
+#include "chain/OfflineMachine.h"
 #include "machine/SetupError.h"
+#include "plugins/OfflinePlugins.h"
 
 // The custom actions of the installation package. The installer calls them as SYSTEM, in a process of its
-// own.
+// own. One that takes another back may run long after it, when the machine was switched off in between: by
+// then the library may be in service, and others may have changed the chain.
 
 namespace {
 
-/// What was in the library's own key before it was installed: a copy of that key, which is missing when there
-/// was none, and a value that is written last.
-constexpr WCHAR KEPT_KEY[] = L"SOFTWARE\\ORX\\LUM\\Setup";
-constexpr WCHAR KEPT_SETTINGS[] = L"Gina";
-constexpr WCHAR KEPT_WHOLE[] = L"Whole";
+/// Notes: the chain as it is with the library put into it, without data until that is done; and that the
+/// library was in the chain before a removal.
+constexpr WCHAR ENABLED[] = L"Enabled";
+constexpr WCHAR WAS_ENABLED[] = L"WasEnabled";
 
 using Action = void (*)(const CInstallSession&);
 
 UINT CarryOut(MSIHANDLE hInstall, Action action)
 {
     const CInstallSession session(hInstall);
+    std::string trouble;
     try {
         action(session);
         return ERROR_SUCCESS;
     } catch (const std::exception& error) {
-        session.ShowError(std::string("LUM GINA: ") + error.what());
-        return ERROR_INSTALL_FAILURE;
+        trouble = error.what();
+    } catch (...) {
+        trouble = "failed";
     }
+    session.ShowError("LUM GINA: " + trouble);
+    return ERROR_INSTALL_FAILURE;
 }
 
 /// In this process: the program may be gone, or not be there yet.
@@ -67,29 +76,8 @@ WideText Trim(const WideText& text)
     return nBegin == text.npos ? WideText() : text.substr(nBegin, text.find_last_not_of(L' ') - nBegin + 1);
 }
 
-void RunForEach(const CInstallSession& session)
-{
-    std::vector<WideText> words = session.Fields();
-    if (words.back().substr(0, 1) != L",") {
-        Run(session, words);
-        return;
-    }
-    for (const WideText& part : Split(words.back(), L',')) {
-        words.back() = Trim(part);
-        if (!words.back().empty()) {
-            Run(session, words);
-        }
-    }
-}
-
-CKeyTreeValue MakeNumber(DWORD dwNumber)
-{
-    const BYTE* pData = reinterpret_cast<const BYTE*>(&dwNumber);
-    return {REG_DWORD, {pData, pData + sizeof(dwNumber)}};
-}
-
 /// setting: NAME=NUMBER; without a number there is nothing to do.
-void AddSetting(CKeyTree& settings, const WideText& setting)
+void MakeSetting(const WideText& setting)
 {
     const std::vector<WideText> parts = Split(setting, L'=');
     const WideText number = parts.size() == 2 ? Trim(parts[1]) : WideText();
@@ -97,64 +85,207 @@ void AddSetting(CKeyTree& settings, const WideText& setting)
         throw CSetupError(Shown(setting) + " is no number");
     }
     if (!number.empty()) {
-        settings.values[parts[0]] = MakeNumber(std::wcstoul(number.c_str(), nullptr, 10));
+        MakeKey(LUM_GINA_MTM);
+        WriteKeyValue(LUM_GINA_MTM, parts[0], MakeNumberValue(std::wcstoul(number.c_str(), nullptr, 10)));
     }
 }
 
-void Keep(const CInstallSession& session)
+bool IsEnabled()
 {
-    const std::optional<CKeyTree> found = ReadKeyTree(LUM_GINA_MTM);
-    CKeyTree kept;
-    if (found) {
-        kept.keys[KEPT_SETTINGS] = *found;
-    }
-    WriteKeyTree(KEPT_KEY, kept);
-    kept.values[KEPT_WHOLE] = MakeNumber(1);
-    WriteKeyTree(KEPT_KEY, kept);
+    const CArguments arguments;
+    return COfflineMachine(arguments).Follow().HasGina(HOST_GINA);
+}
 
-    CKeyTree settings = found.value_or(CKeyTree());
-    for (const WideText& setting : session.Fields()) {
-        AddSetting(settings, setting);
+/// All of the chain, to be compared.
+CKeyValue ReadChain()
+{
+    const CArguments arguments;
+    COfflineMachine machine(arguments);
+    const std::string text = WriteBackup(machine.values, SafeOrder(machine.chain, machine.values));
+    return {REG_BINARY, {text.begin(), text.end()}};
+}
+
+void Enable(const CInstallSession& session, const WideText& backup)
+{
+    Run(session, {L"chain", L"backup", backup, L"--force"});
+    Run(session, {L"chain", L"check"});
+    const bool bAlready = IsEnabled();
+    if (!bAlready) {
+        SetNote(ENABLED, CKeyValue{REG_BINARY, {}});
     }
-    if (!settings.values.empty() || found) {
-        WriteKeyTree(LUM_GINA_MTM, settings);
+    LibraryFile::Flush();
+    Run(session, {L"chain", L"enable"});
+    if (!bAlready) {
+        SetNote(ENABLED, ReadChain());
     }
 }
 
-void PutBack(const CInstallSession& session)
+/// Whoever comes before the restart must not have the library put itself in again.
+void Disable(const CInstallSession& session)
 {
-    const std::optional<CKeyTree> kept = ReadKeyTree(KEPT_KEY);
-    if (kept && kept->values.count(KEPT_WHOLE) != 0) {
-        const auto settings = kept->keys.find(KEPT_SETTINGS);
-        WriteKeyTree(LUM_GINA_MTM,
-                     settings != kept->keys.end() ? std::optional(settings->second) : std::nullopt);
+    if (COfflineChain::IsHostInService()) {
+        Run(session, {L"monitor", L"off"});
+        Run(session, {L"gina", L"disable"});
     }
-    WriteKeyTree(KEPT_KEY, std::nullopt);
-    DeleteEmptyKey(L"SOFTWARE\\ORX\\LUM");
-    DeleteEmptyKey(L"SOFTWARE\\ORX");
-    for (const WideText& file : session.Fields()) {
-        DeleteFileW(file.c_str());
+    Run(session, {L"chain", L"disable"});
+}
+
+/// Fields: the file for the backup, ENABLE, the names of plugins with commas between, settings.
+void InstallAll(const CInstallSession& session)
+{
+    const std::vector<WideText> fields = session.Fields();
+    for (std::size_t nField = 3; nField < fields.size(); ++nField) {
+        MakeSetting(fields[nField]);
+    }
+    for (const WideText& part : Split(fields.at(2), L',')) {
+        if (const WideText plugin = Trim(part); !plugin.empty()) {
+            Run(session, {L"plugins", L"add", plugin});
+        }
+    }
+    if (fields[1] != L"0") {
+        Enable(session, fields[0]);
+    }
+}
+
+void InstallKeeping(const CInstallSession& session)
+{
+    KeepSettings();
+    try {
+        InstallAll(session);
+    } catch (...) {
+        KeepSettingsLeft();
+        throw;
+    }
+    KeepSettingsLeft();
+}
+
+void ForgetAll(const CInstallSession& session)
+{
+    TakeSettingsBack();
+    DeleteFileW(session.Fields()[0].c_str());
+}
+
+/// Fails, and keeps what there is to put back by hand, when the chain cannot be put right.
+void TakeInstallBack(const CInstallSession& session)
+{
+    if (const std::optional<CKeyValue> enabled = FindNote(ENABLED)) {
+        if (!COfflineChain::IsHostInService() && ReadChain() == *enabled) {
+            Run(session, {L"chain", L"restore", session.Fields()[0]});
+        } else {
+            Disable(session);
+        }
+    }
+    ForgetAll(session);
+}
+
+void RemoveFromChain(const CInstallSession& session)
+{
+    if (IsEnabled()) {
+        SetNote(WAS_ENABLED, MakeNumberValue(1));
+    }
+    Disable(session);
+}
+
+void TakeRemovalBack(const CInstallSession& session)
+{
+    const bool bInService = COfflineChain::IsHostInService();
+    if (FindNote(WAS_ENABLED)) {
+        if (bInService) {
+            Run(session, {L"gina", L"enable"});
+        } else {
+            Run(session, {L"chain", L"enable", L"--no-safe-start"});
+        }
+        SetNote(WAS_ENABLED, std::nullopt);
+    }
+    if (bInService) {
+        Run(session, {L"monitor", L"on"});
+    }
+}
+
+/// Whatever has failed before, no chain names a file that is not there.
+void GuardChain(const CInstallSession& session)
+{
+    if (!LibraryFile::Exists() && IsEnabled()) {
+        Run(session, {L"chain", L"disable", L"--force", L"--in-service"});
+    }
+}
+
+void RequireNoNewer(const CInstallSession& session)
+{
+    if (LibraryFile::GetVersion() > LibraryFile::ParseVersion(session.Property(L"LIBRARYVERSION"))) {
+        throw CSetupError("a newer lum_gina.dll is in the system directory already");
+    }
+}
+
+void RunFields(const CInstallSession& session)
+{
+    Run(session, session.Fields());
+}
+
+void RemoveConfigured(const CInstallSession& session)
+{
+    const WideText plugin = session.Fields()[0];
+    if (IsConfigured(plugin)) {
+        Run(session, {L"plugins", L"remove", plugin});
+    } else {
+        session.Log(Shown(plugin) + " is not configured");
     }
 }
 
 } // namespace
 
-/// Runs the program that the first field names; the others are its arguments. A last field that begins with a
-/// comma is a list, with commas between: the program is run once for each name in it. What it prints goes to
-/// the installer's log. Fails when it ends with another status than 0.
+/// Installs all but files. Fields: see InstallAll.
+extern "C" UINT __stdcall Install(MSIHANDLE hInstall)
+{
+    return CarryOut(hInstall, InstallKeeping);
+}
+
+/// Takes back what Install did. The field is the file with the backup, which goes.
+extern "C" UINT __stdcall UndoInstall(MSIHANDLE hInstall)
+{
+    return CarryOut(hInstall, TakeInstallBack);
+}
+
+/// Takes the library out of the chain, before its file goes.
+extern "C" UINT __stdcall Remove(MSIHANDLE hInstall)
+{
+    return CarryOut(hInstall, RemoveFromChain);
+}
+
+/// Puts it in again if it was in the chain.
+extern "C" UINT __stdcall UndoRemove(MSIHANDLE hInstall)
+{
+    return CarryOut(hInstall, TakeRemovalBack);
+}
+
+/// Ends a removal: takes the settings back. The field is the file with the backup, which goes.
+extern "C" UINT __stdcall Forget(MSIHANDLE hInstall)
+{
+    return CarryOut(hInstall, ForgetAll);
+}
+
+/// Takes the library out of the chain if its file is not there. The last that is done when the installer
+/// rolls back.
+extern "C" UINT __stdcall Guard(MSIHANDLE hInstall)
+{
+    return CarryOut(hInstall, GuardChain);
+}
+
+/// Fails when the system directory has a newer library than the package.
+extern "C" UINT __stdcall RefuseOlder(MSIHANDLE hInstall)
+{
+    return CarryOut(hInstall, RequireNoNewer);
+}
+
+/// For packages of plugins: runs the program with the fields as its arguments. What it prints goes to the
+/// installer's log. Fails when it ends with another status than 0.
 extern "C" UINT __stdcall RunLumctl(MSIHANDLE hInstall)
 {
-    return CarryOut(hInstall, RunForEach);
+    return CarryOut(hInstall, RunFields);
 }
 
-/// Keeps the settings that there are, and then makes those that the fields name, NAME=NUMBER each.
-extern "C" UINT __stdcall KeepSettings(MSIHANDLE hInstall)
+/// For packages of plugins: takes the plugin that the field names out of the configuration, if it is there.
+extern "C" UINT __stdcall RemovePlugin(MSIHANDLE hInstall)
 {
-    return CarryOut(hInstall, Keep);
-}
-
-/// Makes the settings what they were when they were kept, and deletes the files that the fields name.
-extern "C" UINT __stdcall PutSettingsBack(MSIHANDLE hInstall)
-{
-    return CarryOut(hInstall, PutBack);
+    return CarryOut(hInstall, RemoveConfigured);
 }

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "CommandError.h"
+#include "MachineScope.h"
 
 namespace {
 
@@ -45,6 +46,18 @@ std::string FindUnwritten(const CChainValues& values, const std::vector<CValuePl
         text += (text.empty() || trouble.empty() ? "" : "; ") + trouble;
     }
     return text;
+}
+
+/// What is on the disk by then is also there when the machine loses power. All that counts is in one hive.
+void Flush(const CValuePlace& place)
+{
+    HKEY hKey = nullptr;
+    if (RegOpenKeyEx(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(place.key).c_str(), 0, KEY_QUERY_VALUE,
+                     &hKey) == ERROR_SUCCESS)
+    {
+        RegFlushKey(hKey);
+        RegCloseKey(hKey);
+    }
 }
 
 /// written: what of the change had been made.
@@ -127,5 +140,8 @@ void WriteChange(const CValueChange& change, const std::vector<CValuePlace>& pla
     }
     if (!trouble.empty()) {
         TakeBack(change, back, written, trouble);
+    }
+    if (!places.empty()) {
+        Flush(places.front());
     }
 }

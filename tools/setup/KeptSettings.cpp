@@ -1,0 +1,93 @@
+#include "KeptSettings.h"
+
+#include "GinaNames.h"
+#include "MachineScope.h"
+#include "machine/MachineLock.h"
+
+namespace {
+
+constexpr WCHAR NOTES[] = L"SOFTWARE\\ORX\\LUM\\Setup";
+/// Missing when there was no key of settings.
+constexpr WCHAR BEFORE[] = L"SOFTWARE\\ORX\\LUM\\Setup\\Before";
+constexpr WCHAR AFTER[] = L"SOFTWARE\\ORX\\LUM\\Setup\\After";
+
+/// The chain that the library passes through to. The library writes it itself, too.
+constexpr WCHAR HOST_PASSTHROUGH[] = L"GinaDLL";
+
+std::optional<CKeyValue> Find(const KeyValues& values, const WideText& name)
+{
+    const auto found = values.find(name);
+    return found != values.end() ? std::optional(found->second) : std::nullopt;
+}
+
+void Copy(const WCHAR* szTo)
+{
+    if (const std::optional<KeyValues> settings = ReadKeyValues(LUM_GINA_MTM)) {
+        MakeKey(szTo);
+        for (const auto& [name, value] : *settings) {
+            WriteKeyValue(szTo, name, value);
+        }
+    }
+}
+
+void TakeBack(const KeyValues& before, const KeyValues& left, const KeyValues& settings)
+{
+    for (const auto& [name, value] : left) {
+        const std::optional<CKeyValue> found = Find(settings, name);
+        const bool bOurs = found == value || (found && name == HOST_PASSTHROUGH);
+        if (bOurs && Find(before, name) != value) {
+            WriteKeyValue(LUM_GINA_MTM, name, Find(before, name));
+        }
+    }
+}
+
+void ForgetAll()
+{
+    for (const WCHAR* szKey : {BEFORE, AFTER, NOTES}) {
+        DeleteKey(szKey);
+    }
+}
+
+} // namespace
+
+void KeepSettings()
+{
+    const CMachineLock lock(std::string(), SayThatItWaits);
+    ForgetAll();
+    MakeKey(NOTES, true);
+    Copy(BEFORE);
+}
+
+void KeepSettingsLeft()
+{
+    const CMachineLock lock(std::string(), SayThatItWaits);
+    Copy(AFTER);
+}
+
+void TakeSettingsBack()
+{
+    const CMachineLock lock(std::string(), SayThatItWaits);
+    const std::optional<KeyValues> before = ReadKeyValues(BEFORE);
+    const std::optional<KeyValues> left = ReadKeyValues(AFTER);
+    const std::optional<KeyValues> settings = ReadKeyValues(LUM_GINA_MTM);
+    if (left && settings) {
+        TakeBack(before.value_or(KeyValues()), *left, *settings);
+    }
+    ForgetAll();
+    if (!before) {
+        for (const WCHAR* szKey : {LUM_GINA_MTM, L"SOFTWARE\\ORX\\LUM", L"SOFTWARE\\ORX"}) {
+            DeleteEmptyKey(szKey);
+        }
+    }
+}
+
+std::optional<CKeyValue> FindNote(const WideText& name)
+{
+    return Find(ReadKeyValues(NOTES).value_or(KeyValues()), name);
+}
+
+void SetNote(const WideText& name, const std::optional<CKeyValue>& value)
+{
+    MakeKey(NOTES, true);
+    WriteKeyValue(NOTES, name, value);
+}
