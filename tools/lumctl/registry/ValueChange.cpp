@@ -52,8 +52,8 @@ std::string FindUnwritten(const CChainValues& values, const std::vector<CValuePl
 void Flush(const CValuePlace& place)
 {
     HKEY hKey = nullptr;
-    if (RegOpenKeyEx(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(place.key).c_str(), 0, KEY_QUERY_VALUE,
-                     &hKey) == ERROR_SUCCESS)
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(place.key).c_str(), 0, KEY_QUERY_VALUE,
+                      &hKey) == ERROR_SUCCESS)
     {
         RegFlushKey(hKey);
         RegCloseKey(hKey);
