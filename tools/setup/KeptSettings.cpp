@@ -2,6 +2,7 @@
 
 #include "GinaNames.h"
 #include "MachineScope.h"
+#include "SafeStartNames.h"
 #include "machine/MachineLock.h"
 
 namespace {
@@ -11,8 +12,9 @@ constexpr WCHAR NOTES[] = L"SOFTWARE\\ORX\\LUM\\Setup";
 constexpr WCHAR BEFORE[] = L"SOFTWARE\\ORX\\LUM\\Setup\\Before";
 constexpr WCHAR AFTER[] = L"SOFTWARE\\ORX\\LUM\\Setup\\After";
 
-/// The chain that the library passes through to. The library writes it itself, too.
-constexpr WCHAR HOST_PASSTHROUGH[] = L"GinaDLL";
+/// The library writes these itself, too, the latter when it is missing.
+constexpr WCHAR PASSES_TO[] = L"GinaDLL";
+constexpr WCHAR TIMEOUT_SECONDS[] = L"Timeout";
 
 std::optional<CKeyValue> Find(const KeyValues& values, const WideText& name)
 {
@@ -30,15 +32,19 @@ void Copy(const WCHAR* szTo)
     }
 }
 
-void TakeBack(const KeyValues& before, const KeyValues& left, const KeyValues& settings)
+/// left: as the installation left them.
+void TakeBack(const KeyValues& before, KeyValues left, const KeyValues& settings)
 {
+    if (const std::optional<CKeyValue> value = Find(settings, PASSES_TO)) {
+        left[PASSES_TO] = *value;
+    }
+    left.try_emplace(TIMEOUT_SECONDS, MakeNumberValue(0));
     for (const auto& [name, value] : left) {
-        const std::optional<CKeyValue> found = Find(settings, name);
-        const bool bOurs = found == value || (found && name == HOST_PASSTHROUGH);
-        if (bOurs && Find(before, name) != value) {
+        if (Find(settings, name) == value && Find(before, name) != value) {
             WriteKeyValue(LUM_GINA_MTM, name, Find(before, name));
         }
     }
+    DeleteKey(START_KEY);
 }
 
 void ForgetAll()
