@@ -205,7 +205,13 @@ void TakeRemovalBack(const CInstallSession& session)
 /// Whatever has failed before, no chain names a file that is not there.
 void GuardChain(const CInstallSession& session)
 {
-    if (!LibraryFile::Exists() && IsEnabled()) {
+    if (LibraryFile::Exists() || !IsEnabled()) {
+        return;
+    }
+    try {
+        Disable(session);
+    } catch (const std::exception& error) {
+        session.Log(error.what());
         Run(session, {L"chain", L"disable", L"--force", L"--in-service"});
     }
 }
