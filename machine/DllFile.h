@@ -13,7 +13,7 @@ struct CDllFile
         Missing,    ///< there is no such file
         Unreadable, ///< the file cannot be read; dwError says why
         Unusable,   ///< no complete DLL that a program of this system can load, or a DLL that it imports from
-                  ///< is missing; natively also a Windows DLL is usable, and its imports count as present
+                    ///< is missing; natively also a Windows DLL is usable, and its imports count as present
         Usable,
     };
 

@@ -43,8 +43,8 @@ public:
                                      phToken, pNprNotifyInfo, pProfile);
     }
 
-    /// A lock or logoff from the standard GINA's own dialog comes this way first; a logoff does not go through
-    /// IsLogoffOk.
+    /// A lock or logoff from the standard GINA's own dialog comes this way first; a logoff does not go
+    /// through IsLogoffOk.
     int LoggedOnSAS(lum::CGinaNode* pNode, PVOID pWlxContext, DWORD dwSasType, PVOID pReserved) override
     {
         const int nAction = CPlugin::LoggedOnSAS(pNode, pWlxContext, dwSasType, pReserved);
