@@ -120,14 +120,14 @@ void Enable(const CInstallSession& session, const WideText& backup)
     }
 }
 
-/// Whoever comes before the restart must not have the library put itself in again.
+/// Without its monitor a host in service leaves the chain alone, whoever changes it before the restart. So
+/// the chain is changed in the registry, which also has what others have written that the host has not seen.
 void Disable(const CInstallSession& session)
 {
     if (COfflineChain::IsHostInService()) {
         Run(session, {L"monitor", L"off"});
-        Run(session, {L"gina", L"disable"});
     }
-    Run(session, {L"chain", L"disable"});
+    Run(session, {L"chain", L"disable", L"--in-service"});
 }
 
 /// Fields: the file for the backup, ENABLE, the names of plugins with commas between, settings.
@@ -180,24 +180,17 @@ void TakeInstallBack(const CInstallSession& session)
 
 void RemoveFromChain(const CInstallSession& session)
 {
-    if (IsEnabled()) {
-        SetNote(WAS_ENABLED, MakeNumberValue(1));
-    }
+    SetNote(WAS_ENABLED, IsEnabled() ? std::optional(MakeNumberValue(1)) : std::nullopt);
     Disable(session);
 }
 
 void TakeRemovalBack(const CInstallSession& session)
 {
-    const bool bInService = COfflineChain::IsHostInService();
     if (FindNote(WAS_ENABLED)) {
-        if (bInService) {
-            Run(session, {L"gina", L"enable"});
-        } else {
-            Run(session, {L"chain", L"enable", L"--no-safe-start"});
-        }
+        Run(session, {L"chain", L"enable", L"--no-safe-start", L"--in-service"});
         SetNote(WAS_ENABLED, std::nullopt);
     }
-    if (bInService) {
+    if (COfflineChain::IsHostInService()) {
         Run(session, {L"monitor", L"on"});
     }
 }
