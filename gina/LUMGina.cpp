@@ -377,10 +377,10 @@ void CLUMGina::InitializeObjects(Initialize initialize)
 /// The last object is the GINA, which is never left out.
 void CLUMGina::NoteInitialization(const CGinaObject& object, bool bLast) noexcept
 {
-    m_safeStart.Leave();
     if (bLast) {
         m_safeStart.LeavePlugins();
     } else {
+        m_safeStart.Leave();
         m_safeStart.Enter(object.GetGinaDLLName());
     }
 }

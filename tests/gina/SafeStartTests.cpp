@@ -16,15 +16,15 @@ protected:
     SafeStart()
     {
         SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_a.dll,test_plugin_b.dll"));
-        SetDword(OWN_KEY, TEXT("SafeStart"), 2);
+        SetDword(OWN_KEY, SAFE_START, 2);
     }
 
     /// That many starts in a row ended inside a plugin.
     static void EndedIn(const WCHAR* szPlugin, DWORD dwStarts)
     {
-        SetString(START_KEY, TEXT("InPlugin"), szPlugin);
-        SetString(START_KEY, TEXT("Stamp"), GetDllStamp(szPlugin).c_str());
-        SetDword(START_KEY, TEXT("Count"), dwStarts);
+        SetString(START_KEY, IN_PLUGIN, szPlugin);
+        SetString(START_KEY, IN_PLUGIN_STAMP, GetDllStamp(szPlugin).c_str());
+        SetDword(START_KEY, IN_PLUGIN_COUNT, dwStarts);
     }
 
 public:
@@ -35,7 +35,7 @@ Lines s_notes;
 
 void WINAPI TakeNotes(void*, const PluginRecord*)
 {
-    s_notes.push_back(SafeStart::Note(TEXT("InPlugin")) + SafeStart::Note(TEXT("Count")));
+    s_notes.push_back(SafeStart::Note(IN_PLUGIN) + SafeStart::Note(IN_PLUGIN_COUNT));
 }
 
 TEST_F(SafeStart, LeavesOutWhatEnoughStartsEndedIn)
@@ -50,7 +50,7 @@ TEST_F(SafeStart, LeavesOutWhatEnoughStartsEndedIn)
         {"its DLL has been replaced since",
          [] {
              EndedIn(B, 2);
-             SetString(START_KEY, TEXT("Stamp"), TEXT("0 0"));
+             SetString(START_KEY, IN_PLUGIN_STAMP, TEXT("0 0"));
          },
          ALL},
         {"enough", [] { EndedIn(B, 2); }, WITHOUT_B},
@@ -58,18 +58,17 @@ TEST_F(SafeStart, LeavesOutWhatEnoughStartsEndedIn)
         {"off",
          [] {
              EndedIn(A, 2);
-             SetDword(OWN_KEY, TEXT("SafeStart"), 0);
+             SetDword(OWN_KEY, SAFE_START, 0);
          },
          ALL},
-        {"a setting of another type", [] { SetString(OWN_KEY, TEXT("SafeStart"), TEXT("2")); }, ALL},
-        {"on again", [] { SetDword(OWN_KEY, TEXT("SafeStart"), 2); }, WITHOUT_B},
-        {"required by now", [] { SetString(OWN_KEY, TEXT("RequiredPlugins"), TEXT("x, TEST_PLUGIN_B")); },
-         ALL},
-        {"another is required", [] { SetString(OWN_KEY, TEXT("RequiredPlugins"), A); }, WITHOUT_B},
-        {"whoever is required cannot be read", [] { SetDword(OWN_KEY, TEXT("RequiredPlugins"), 1); }, ALL},
-        {"nobody is", [] { SetString(OWN_KEY, TEXT("RequiredPlugins"), TEXT("")); }, WITHOUT_B},
-        {"no plugins at all", [] { SetDword(OWN_KEY, TEXT("NoPlugins"), 1); }, {"msgina.dll"}},
-        {"some again", [] { SetDword(OWN_KEY, TEXT("NoPlugins"), 0); }, WITHOUT_B},
+        {"a setting of another type", [] { SetString(OWN_KEY, SAFE_START, TEXT("2")); }, ALL},
+        {"on again", [] { SetDword(OWN_KEY, SAFE_START, 2); }, WITHOUT_B},
+        {"required by now", [] { SetString(OWN_KEY, REQUIRED_PLUGINS, TEXT("x, TEST_PLUGIN_B")); }, ALL},
+        {"another is required", [] { SetString(OWN_KEY, REQUIRED_PLUGINS, A); }, WITHOUT_B},
+        {"whoever is required cannot be read", [] { SetDword(OWN_KEY, REQUIRED_PLUGINS, 1); }, ALL},
+        {"nobody is", [] { SetString(OWN_KEY, REQUIRED_PLUGINS, TEXT("")); }, WITHOUT_B},
+        {"no plugins at all", [] { SetDword(OWN_KEY, NO_PLUGINS, 1); }, {"msgina.dll"}},
+        {"some again", [] { SetDword(OWN_KEY, NO_PLUGINS, 0); }, WITHOUT_B},
         {"its DLL has changed", [] { SetString(LEFT_OUT_KEY, B, TEXT("0 0")); }, ALL},
         {"and it is not left out any more", [] {}, ALL},
         {"a count beyond reason", [] { EndedIn(A, 0xFFFFFFFF); }, WITHOUT_A},
@@ -78,7 +77,7 @@ TEST_F(SafeStart, LeavesOutWhatEnoughStartsEndedIn)
         row.set();
         Load();
         EXPECT_EQ(Chain(), row.chain) << row.szWhat;
-        EXPECT_EQ(Note(TEXT("InPlugin")), "(none)") << row.szWhat;
+        EXPECT_EQ(Note(IN_PLUGIN), "(none)") << row.szWhat;
     }
 }
 
@@ -91,7 +90,7 @@ TEST_F(SafeStart, CountsStartsInARow)
         EndedIn(szEndedIn, 1);
         Load();
         EXPECT_TRUE(Initialize());
-        EXPECT_EQ(Note(TEXT("InPlugin")), "(none)");
+        EXPECT_EQ(Note(IN_PLUGIN), "(none)");
         SetDword(VOLATILE_KEY, TEXT("InstanceCount"), 0); // the machine restarts
     };
     start(B);
@@ -100,7 +99,7 @@ TEST_F(SafeStart, CountsStartsInARow)
     plugin->SetFailure(PluginCall::Initialize, StandinFailure::ReadNull, 0);
     Load();
     EXPECT_FALSE(Initialize());
-    EXPECT_EQ(Note(TEXT("InPlugin")), "\"test_plugin_b.dll\"") << "Winlogon does not go on without its GINA";
+    EXPECT_EQ(Note(IN_PLUGIN), "\"test_plugin_b.dll\"") << "Winlogon does not go on without its GINA";
 }
 
 TEST_F(SafeStart, LaterSessionsMakeNoNotes)
@@ -110,7 +109,7 @@ TEST_F(SafeStart, LaterSessionsMakeNoNotes)
     EndedIn(B, 7);
     Load();
     EXPECT_EQ(Chain(), ALL);
-    EXPECT_EQ(Note(TEXT("InPlugin")), "\"test_plugin_b.dll\"");
+    EXPECT_EQ(Note(IN_PLUGIN), "\"test_plugin_b.dll\"");
 }
 
 TEST_F(SafeStart, OffChangesNothing)
@@ -127,7 +126,7 @@ TEST_F(SafeStart, OffChangesNothing)
     EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, START_KEY, 0, KEY_READ, &hKey), ERROR_SUCCESS);
     RegCloseKey(hKey);
     RegDeleteKeyW(HKEY_LOCAL_MACHINE, START_KEY);
-    SetDword(OWN_KEY, TEXT("SafeStart"), 0);
+    SetDword(OWN_KEY, SAFE_START, 0);
     EXPECT_EQ(live(), on) << "only what is left out is told";
     EXPECT_NE(RegOpenKeyExW(HKEY_LOCAL_MACHINE, START_KEY, 0, KEY_READ, &hKey), ERROR_SUCCESS);
 }

@@ -1,6 +1,7 @@
 #include "DllStamp.h"
 #include "EventFile.h"
 #include "PluginsInHost.h"
+#include "SafeStartNames.h"
 
 namespace {
 
@@ -57,10 +58,9 @@ TEST_F(Events, TellWhoIsInServiceWhoIsNotAndWhoFaults)
 
 TEST_F(Events, TellWhoIsLeftOutAtASafeStart)
 {
-    constexpr WCHAR NOTES[] = TEXT("SOFTWARE\\ORX\\LUM\\Gina\\Start");
-    SetDword(OWN_KEY, TEXT("SafeStart"), 1);
-    SetString(NOTES, TEXT("InPlugin"), TEXT("test_plugin_b.dll"));
-    SetString(NOTES, TEXT("Stamp"), GetDllStamp(TEXT("test_plugin_b.dll")).c_str());
+    SetDword(OWN_KEY, SAFE_START, 1);
+    SetString(START_KEY, IN_PLUGIN, TEXT("test_plugin_b.dll"));
+    SetString(START_KEY, IN_PLUGIN_STAMP, GetDllStamp(TEXT("test_plugin_b.dll")).c_str());
     Load();
     EXPECT_EQ(Lines{"2 6 LUM GINA: test_plugin_b.dll"}, CollectEvents());
 }

@@ -2,7 +2,6 @@
 
 #include "CommandError.h"
 #include "GinaNames.h"
-#include "JsonWriter.h"
 #include "OnlineHost.h"
 #include "chain/ChainPlan.h"
 
@@ -68,19 +67,6 @@ bool IsToBeDone(const CGinaVerb& verb, COfflineMachine& machine, std::string& ou
     throw CCommandError(NOT_DONE_BY_HOST);
 }
 
-void PrintDone(Arguments arguments, const std::string& text, std::string& output)
-{
-    if (!arguments.bJson) {
-        output += text;
-        return;
-    }
-    output.clear();
-    CJsonWriter json(output);
-    json.BeginObject();
-    json.Bool("done", true);
-    json.EndObject();
-}
-
 template <const CGinaVerb& verb>
 ExitStatus Change(Arguments arguments, std::string& output)
 {
@@ -99,13 +85,13 @@ ExitStatus Change(Arguments arguments, std::string& output)
             throw CCommandError("gina remove: there is no such GINA in the chain (see lumctl chain show)",
                                 STATUS_REFUSED);
         }
-        PrintDone(arguments, verb.szAlready, output);
+        PrintAnswer(arguments, "done", true, verb.szAlready, output);
         return STATUS_DONE;
     }
     if (!host.Ask(verb.pfnAsk(host.Client(), arguments))) {
         FailByHost(machine ? &*machine : nullptr);
     }
-    PrintDone(arguments, "Done: Winlogon follows it at the next start.\n", output);
+    PrintAnswer(arguments, "done", true, "Done: Winlogon follows it at the next start.\n", output);
     return STATUS_DONE;
 }
 

@@ -19,19 +19,6 @@ WideText FirstName(Arguments arguments)
     return ToWide(arguments.words[0]);
 }
 
-void PrintAnswer(Arguments arguments, const char* szName, bool bAnswer, const char* szText,
-                 std::string& output)
-{
-    if (!arguments.bJson) {
-        output += szText;
-        return;
-    }
-    CJsonWriter json(output);
-    json.BeginObject();
-    json.Bool(szName, bAnswer);
-    json.EndObject();
-}
-
 /// A command that changes something. When the host could not do it, nothing has changed, or its trace log
 /// tells what has.
 template <ControlStatus (*pfnChange)(CControlClient&, Arguments)>

@@ -5,6 +5,7 @@
 
 #include "CommandError.h"
 #include "CommandLine.h"
+#include "JsonWriter.h"
 #include "machine/Text.h"
 
 namespace {
@@ -114,4 +115,19 @@ bool COnlineHost::Ask(ControlStatus status) const
 std::string COnlineHost::OnMachine() const
 {
     return m_machine.empty() ? m_machine : " (on " + m_machine + ")";
+}
+
+void PrintAnswer(const CArguments& arguments, const char* szName, bool bAnswer, const char* szText,
+                 std::string& output)
+{
+    if (!arguments.bJson) {
+        output += szText;
+        return;
+    }
+    // What was found on the way is no part of the object.
+    output.clear();
+    CJsonWriter json(output);
+    json.BeginObject();
+    json.Bool(szName, bAnswer);
+    json.EndObject();
 }

@@ -27,3 +27,7 @@ private:
     const std::string m_machine; ///< empty for this one
     CControlClient m_client;
 };
+
+/// The answer of a command: szText, or with --json an object with a truth value of that name alone.
+void PrintAnswer(const CArguments& arguments, const char* szName, bool bAnswer, const char* szText,
+                 std::string& output);
