@@ -1,11 +1,13 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <windows.h>
 
-/// What can be learned of a DLL by reading its file. The DLL is not loaded, so none of its code runs.
+/// What can be learned of a DLL by reading its file, or the one that takes its place at the restart. The DLL
+/// is not loaded, so none of its code runs.
 struct CDllFile
 {
     enum class State
@@ -14,6 +16,7 @@ struct CDllFile
         Unreadable, ///< the file cannot be read; dwError says why
         Unusable,   ///< no complete DLL that a program of this system can load, or a DLL that it imports from
                     ///< is missing; natively also a Windows DLL is usable, and its imports count as present
+        Leaving,    ///< usable, and gone after the restart
         Usable,
     };
 
@@ -23,7 +26,8 @@ struct CDllFile
     DWORD dwError = ERROR_SUCCESS;
     /// Where it was found; empty when it is missing.
     std::basic_string<WCHAR> path;
-    /// The names that a usable DLL exports, sorted by their bytes. Exports without a name are left out.
+    /// The names that a usable or leaving DLL exports, sorted by their bytes. Exports without a name are left
+    /// out.
     std::vector<std::string> exports;
     /// Why the DLL is unusable: it imports from this DLL, which is missing. Empty when there is another
     /// reason.
@@ -35,6 +39,11 @@ struct CDllFile
 /// Windows directory, but not along the PATH; natively where LoadLibraryW looks. szDirectory: look there
 /// instead; null or empty for the above. The extension .dll may be left out. Throws std::bad_alloc only.
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory);
+
+/// The file that has this path after the restart, as far as the system has kept operations on files for that:
+/// mostly the same, or another one that takes its place; nothing when the file is deleted then. Throws
+/// std::bad_alloc only.
+std::optional<std::basic_string<WCHAR>> FindAfterRestart(const std::basic_string<WCHAR>& path);
 
 /// The name of the file that is loaded by this name: without a directory, with the extension that the system
 /// adds, and without the blanks and dots at its end. A name of nothing but blanks and dots is returned as it

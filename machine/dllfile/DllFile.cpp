@@ -58,6 +58,11 @@ std::vector<WideText> ListDllDirectories()
     return TargetDlls::ListDirectories();
 }
 
+std::optional<WideText> FindAfterRestart(const WideText& path)
+{
+    return TargetDlls::FindAfterRestart(path);
+}
+
 bool LooksWhereWinlogonLooks()
 {
     return TargetDlls::LooksWhereWinlogonLooks();
@@ -79,12 +84,16 @@ CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory)
     if (file.path.empty()) {
         return file;
     }
+    const std::optional<WideText> after = FindAfterRestart(file.path);
     std::string bytes;
-    file.dwError = LoadFile(file.path, bytes);
+    file.dwError = LoadFile(after.value_or(file.path), bytes);
     if (file.dwError != ERROR_SUCCESS) {
         file.state = CDllFile::State::Unreadable;
         return file;
     }
     ReadNames(file, bytes, directory);
+    if (file.state == CDllFile::State::Usable && !after) {
+        file.state = CDllFile::State::Leaving;
+    }
     return file;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,9 @@ namespace TargetDlls {
 /// The path of the file that stands for a complete name; empty when there is none.
 std::basic_string<WCHAR> Find(const std::basic_string<WCHAR>& name,
                               const std::basic_string<WCHAR>& directory);
+
+/// See the function of this name in DllFile.h.
+std::optional<std::basic_string<WCHAR>> FindAfterRestart(const std::basic_string<WCHAR>& path);
 
 /// Where Find looks for a name without a directory, if none is given.
 std::vector<std::basic_string<WCHAR>> ListDirectories();

@@ -61,6 +61,12 @@ std::basic_string<WCHAR> TargetDlls::Find(const std::basic_string<WCHAR>& name,
     return path;
 }
 
+/// No restart changes files here.
+std::optional<std::basic_string<WCHAR>> TargetDlls::FindAfterRestart(const std::basic_string<WCHAR>& path)
+{
+    return path;
+}
+
 std::vector<std::basic_string<WCHAR>> TargetDlls::ListDirectories()
 {
     std::vector<std::basic_string<WCHAR>> directories;

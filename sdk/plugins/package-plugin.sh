@@ -11,6 +11,7 @@ change() { msibuild "$name.msi" -q "$1"; }
 
 wixl -o "$name.msi" plugin.wxs
 # wixl knows no actions that are carried out when the installer rolls back.
+change "UPDATE CustomAction SET Type = 3393 WHERE Action = 'UndoAdd'"
 change "UPDATE CustomAction SET Type = 3393 WHERE Action = 'UndoRemove'"
 change "UPDATE Property SET Value = 'OLDER;NEWER' WHERE Property = 'SecureCustomProperties'"
 if [ -n "$file_version" ]; then

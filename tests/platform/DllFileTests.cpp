@@ -94,6 +94,26 @@ TEST(DllFile, OfWindowsIsReadOnBothTargets)
 #endif
 }
 
+#ifdef _WIN32
+using DllFileAtRestart = CTestMachine;
+
+TEST_F(DllFileAtRestart, IsGoneOrReplaced)
+{
+    constexpr WCHAR KEY[] = TEXT("SYSTEM\\CurrentControlSet\\Control\\Session Manager");
+    constexpr WCHAR LIST[] = TEXT("PendingFileRenameOperations");
+    InspectBytes(MakePeFile("WlxNegotiate"));
+    std::ofstream("newer.dll", std::ios::binary) << MakePeFile("Newer");
+    ASSERT_TRUE(MoveFileExW(TEXT("damaged.dll"), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT));
+    EXPECT_EQ(State::Leaving, InspectDll(TEXT("Damaged"), TEXT(".")).state);
+    EXPECT_EQ(State::Usable, InspectDll(TEXT("newer"), TEXT(".")).state);
+    ASSERT_TRUE(MoveFileExW(TEXT("newer.dll"), TEXT("damaged.dll"),
+                            MOVEFILE_DELAY_UNTIL_REBOOT | MOVEFILE_REPLACE_EXISTING));
+    EXPECT_TRUE(InspectDll(TEXT("damaged"), TEXT(".")).HasExport("Newer"));
+    EXPECT_EQ(State::Leaving, InspectDll(TEXT("newer"), TEXT(".")).state);
+    DeleteValue(KEY, LIST);
+}
+#endif
+
 TEST(DllFile, DamageIsNoDllAndNoCrash)
 {
     const std::string sample = ReadBytes(SAMPLE);

@@ -24,6 +24,11 @@ WideText CInstallSession::Property(const WCHAR* szName) const
     return data;
 }
 
+void CInstallSession::SetProperty(const WCHAR* szName, const WCHAR* szValue) const
+{
+    MsiSetPropertyW(m_hInstall, szName, szValue);
+}
+
 std::vector<WideText> CInstallSession::Fields() const
 {
     return Split(Property(L"CustomActionData"), L'|');

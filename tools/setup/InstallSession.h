@@ -18,6 +18,8 @@ public:
 
     /// Empty for none. A deferred action sees CustomActionData and little else.
     WideText Property(const WCHAR* szName) const;
+    /// For an action that is not deferred.
+    void SetProperty(const WCHAR* szName, const WCHAR* szValue) const;
     /// The fields of a deferred action's CustomActionData, which has "|" between them. At least one.
     std::vector<WideText> Fields() const;
 

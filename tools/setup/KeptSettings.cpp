@@ -33,9 +33,11 @@ void Copy(const WCHAR* szTo)
 }
 
 /// left: as the installation left them.
-void TakeBack(const KeyValues& before, KeyValues left, const KeyValues& settings)
+void TakeBack(const KeyValues& before, KeyValues left, const KeyValues& settings, bool bInChain)
 {
-    if (const std::optional<CKeyValue> value = Find(settings, PASSES_TO)) {
+    if (bInChain) {
+        left.erase(PASSES_TO);
+    } else if (const std::optional<CKeyValue> value = Find(settings, PASSES_TO)) {
         left[PASSES_TO] = *value;
     }
     left.try_emplace(TIMEOUT_SECONDS, MakeNumberValue(0));
@@ -59,7 +61,6 @@ void ForgetAll()
 void KeepSettings()
 {
     const CMachineLock lock(std::string(), SayThatItWaits);
-    ForgetAll();
     MakeKey(NOTES, true);
     Copy(BEFORE);
 }
@@ -70,14 +71,17 @@ void KeepSettingsLeft()
     Copy(AFTER);
 }
 
-void TakeSettingsBack()
+void TakeSettingsBack(bool bInChain)
 {
     const CMachineLock lock(std::string(), SayThatItWaits);
+    if (!ReadKeyValues(NOTES)) {
+        return;
+    }
     const std::optional<KeyValues> before = ReadKeyValues(BEFORE);
     const std::optional<KeyValues> left = ReadKeyValues(AFTER);
     const std::optional<KeyValues> settings = ReadKeyValues(LUM_GINA_MTM);
     if (left && settings) {
-        TakeBack(before.value_or(KeyValues()), *left, *settings);
+        TakeBack(before.value_or(KeyValues()), *left, *settings, bInChain);
     }
     ForgetAll();
     if (!before) {

@@ -7,22 +7,37 @@
 
 #include "GinaNames.h"
 #include "InstallSession.h"
+#include "machine/DllFile.h"
+#include "machine/SetupError.h"
 
 namespace {
+
+constexpr DWORD TRIES = 10;
+constexpr DWORD PAUSE_MILLISECONDS = 200;
 
 WideText GetPath()
 {
     WCHAR szDirectory[MAX_PATH] = {};
     GetSystemDirectoryW(szDirectory, MAX_PATH);
-    return WideText(szDirectory) + L'\\' + HOST_GINA;
+    const WideText path = WideText(szDirectory) + L'\\' + HOST_GINA;
+    return FindAfterRestart(path).value_or(path);
+}
+
+/// ERROR_SUCCESS, or why it could not be done.
+DWORD TryToFlush(const WideText& path)
+{
+    const HANDLE hFile =
+        CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (hFile == INVALID_HANDLE_VALUE) {
+        return GetLastError();
+    }
+    const DWORD dwError = FlushFileBuffers(hFile) ? ERROR_SUCCESS : GetLastError();
+    CloseHandle(hFile);
+    return dwError;
 }
 
 } // namespace
-
-bool LibraryFile::Exists()
-{
-    return GetFileAttributesW(GetPath().c_str()) != INVALID_FILE_ATTRIBUTES;
-}
 
 std::uint64_t LibraryFile::GetVersion()
 {
@@ -51,10 +66,14 @@ std::uint64_t LibraryFile::ParseVersion(const WideText& text)
 
 void LibraryFile::Flush()
 {
-    const HANDLE hFile = CreateFileW(GetPath().c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (hFile != INVALID_HANDLE_VALUE) {
-        FlushFileBuffers(hFile);
-        CloseHandle(hFile);
+    const WideText path = GetPath();
+    DWORD dwError = TryToFlush(path);
+    // Whoever looks at each new file has it open for a moment.
+    for (DWORD nTry = 1; dwError == ERROR_SHARING_VIOLATION && nTry < TRIES; ++nTry) {
+        Sleep(PAUSE_MILLISECONDS);
+        dwError = TryToFlush(path);
+    }
+    if (dwError != ERROR_SUCCESS && dwError != ERROR_SHARING_VIOLATION && dwError != ERROR_ACCESS_DENIED) {
+        throw CSetupError(Shown(path) + " cannot be brought to the disk: error " + std::to_string(dwError));
     }
 }

@@ -14,7 +14,7 @@ const char* NameOf(Knowledge knowledge)
 
 const char* NameOf(CDllFile::State state)
 {
-    static constexpr const char* NAMES[] = {"missing", "unreadable", "unusable", "found"};
+    static constexpr const char* NAMES[] = {"missing", "unreadable", "unusable", "leaving", "found"};
     return NAMES[static_cast<int>(state)];
 }
 

@@ -27,9 +27,14 @@ std::vector<std::string> FindMissingExports(const CDllFile& dll, const CExportTa
     return missing;
 }
 
-std::string PutIntoPlace(const WideText& dll)
+std::string FindRemedy(const CDllFile& dll, const WideText& name)
 {
-    return "put " + Shown(dll) + " into the system directory";
+    if (dll.state == CDllFile::State::Leaving) {
+        return "take " + Shown(dll.path) +
+               " and the empty text behind it out of the list PendingFileRenameOperations in "
+               "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Session Manager";
+    }
+    return "put " + Shown(name) + " into the system directory";
 }
 
 std::string DescribeTrouble(const CDllFile& dll, const std::vector<std::string>& missing, const char* szKind)
@@ -45,6 +50,8 @@ std::string DescribeTrouble(const CDllFile& dll, const std::vector<std::string>&
         return path + (dll.missingImport.empty()
                            ? " is no whole DLL of this system"
                            : " needs " + Shown(ToWide(dll.missingImport)) + ", and there is no such DLL");
+    case CDllFile::State::Leaving:
+        return path + " is gone after the restart";
     default:
         return missing.empty() ? std::string() : path + " is no " + szKind + ": it lacks " + Join(missing);
     }

@@ -4,8 +4,8 @@
 #include "machine/DllFile.h"
 #include "machine/Text.h"
 
-/// The remedy for one that is missing or cannot be used.
-std::string PutIntoPlace(const WideText& dll);
+/// The remedy for one that is missing, cannot be used or will be gone.
+std::string FindRemedy(const CDllFile& dll, const WideText& name);
 
 /// The exports that a DLL lacks: of all in the table, or of those that every version calls for.
 std::vector<std::string> FindMissingExports(const CDllFile& dll, const CExportTable& exports, bool bAll);

@@ -66,7 +66,8 @@ void CheckPlugin(const WideText& plugin, const WideText& system, Moment moment,
         add("the plugin " + ShownArgument(plugin) + " is configured with a blank around its name",
             "take the blank out of " + Describe(PluginsPlace()));
     } else if (const std::string trouble = FindPluginTrouble(plugin, system); !trouble.empty()) {
-        add("lum_gina.dll goes without the plugin " + Shown(plugin) + ": " + trouble, PutIntoPlace(plugin));
+        add("lum_gina.dll goes without the plugin " + Shown(plugin) + ": " + trouble,
+            FindRemedy(InspectDll(plugin.c_str(), system.c_str()), plugin));
     }
 }
 

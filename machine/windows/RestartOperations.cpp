@@ -1,0 +1,79 @@
+#include "machine/dllfile/TargetDlls.h"
+
+#include <cwchar>
+
+namespace {
+
+using WideText = std::basic_string<WCHAR>;
+
+constexpr WCHAR SESSION_MANAGER[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
+/// The system carries these out in this order. An installer uses the second where the first is too long.
+constexpr const WCHAR* LISTS[] = {L"PendingFileRenameOperations", L"PendingFileRenameOperations2"};
+
+/// Each operation is two texts, from where and to where; the second is empty when the file is deleted. So
+/// this is no usual list of texts, which ends at the first empty one.
+std::vector<WideText> ReadList(const WCHAR* szName)
+{
+    HKEY hKey = nullptr;
+    std::vector<WideText> texts;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, SESSION_MANAGER, 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
+        return texts;
+    }
+    DWORD cbData = 0;
+    RegQueryValueExW(hKey, szName, nullptr, nullptr, nullptr, &cbData);
+    std::vector<WCHAR> data(cbData / sizeof(WCHAR));
+    cbData = static_cast<DWORD>(data.size() * sizeof(WCHAR));
+    const LONG lResult =
+        RegQueryValueExW(hKey, szName, nullptr, nullptr, reinterpret_cast<BYTE*>(data.data()), &cbData);
+    RegCloseKey(hKey);
+    if (lResult == ERROR_SUCCESS) {
+        for (std::size_t nBegin = 0, nChar = 0; nChar < cbData / sizeof(WCHAR); ++nChar) {
+            if (data[nChar] == L'\0') {
+                texts.emplace_back(&data[nBegin], nChar - nBegin);
+                nBegin = nChar + 1;
+            }
+        }
+    }
+    return texts;
+}
+
+/// "!\??\C:\file" as "C:\file"; the mark says that a file that is there is replaced.
+WideText ToPath(const WideText& text)
+{
+    static constexpr WCHAR PREFIX[] = L"\\??\\";
+    const std::size_t nPrefix = text.find(PREFIX);
+    return nPrefix == 0 || (nPrefix == 1 && text[0] == L'!') ? text.substr(nPrefix + std::wcslen(PREFIX))
+                                                             : text;
+}
+
+WideText MakeFull(const WideText& path)
+{
+    WCHAR szFull[MAX_PATH] = {};
+    const DWORD cchFull = GetFullPathNameW(path.c_str(), MAX_PATH, szFull, nullptr);
+    return cchFull != 0 && cchFull < MAX_PATH ? szFull : path;
+}
+
+bool IsSamePath(const WideText& l, const WideText& r)
+{
+    return lstrcmpiW(l.c_str(), r.c_str()) == 0;
+}
+
+} // namespace
+
+std::optional<WideText> TargetDlls::FindAfterRestart(const WideText& file)
+{
+    const WideText path = MakeFull(file);
+    std::optional<WideText> found = path;
+    for (const WCHAR* szList : LISTS) {
+        const std::vector<WideText> texts = ReadList(szList);
+        for (std::size_t nText = 0; nText + 1 < texts.size(); nText += 2) {
+            if (IsSamePath(ToPath(texts[nText]), path)) {
+                found.reset();
+            }
+            if (IsSamePath(ToPath(texts[nText + 1]), path)) {
+                found = ToPath(texts[nText]);
+            }
+        }
+    }
+    return found;
+}

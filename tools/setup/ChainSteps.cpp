@@ -1,0 +1,159 @@
+#include "ChainSteps.h"
+
+#include "ControlClient.h"
+#include "GinaNames.h"
+#include "KeptSettings.h"
+#include "Lumctl.h"
+#include "chain/ChainBackup.h"
+#include "chain/ChainChange.h"
+#include "chain/OfflineMachine.h"
+
+namespace {
+
+/// Notes: the chain as it is with the library put into it, without data until that is done; and that the
+/// library was in the chain before a removal.
+constexpr WCHAR ENABLED[] = L"Enabled";
+constexpr WCHAR WAS_ENABLED[] = L"WasEnabled";
+
+CChainView FollowChain()
+{
+    const CArguments arguments;
+    return COfflineMachine(arguments).Follow();
+}
+
+bool IsInChain()
+{
+    return FollowChain().HasGina(HOST_GINA);
+}
+
+/// All of the chain, to be compared.
+CKeyValue ReadChain()
+{
+    const CArguments arguments;
+    COfflineMachine machine(arguments);
+    const std::string text = WriteBackup(machine.values, SafeOrder(machine.chain, machine.values));
+    return {REG_BINARY, {text.begin(), text.end()}};
+}
+
+/// Also one of which the registry does not say so any more: the end of any Winlogon session clears that.
+bool IsHostThere()
+{
+    if (COfflineChain::IsHostInService()) {
+        return true;
+    }
+    const ControlStatus status = CControlClient().Verify();
+    return status != ControlStatus::NoServer && status != ControlStatus::ForeignServer;
+}
+
+void SwitchMonitor(const CInstallSession& session, const WCHAR* szOnOrOff)
+{
+    if (IsHostThere()) {
+        Lumctl::Run(session, {L"monitor", szOnOrOff, L"--timeout", L"120"});
+    }
+}
+
+/// Without its monitor a host in service leaves the chain alone, whoever changes it before the restart. So
+/// the chain is changed in the registry, which also has what others have written that the host has not seen.
+void TakeOut(const CInstallSession& session)
+{
+    Lumctl::Run(session, {L"chain", L"disable", L"--in-service"});
+}
+
+/// Winlogon loads msgina.dll then. One write, after which the machine starts whatever else is wrong.
+void LeaveAllGinasOut(const CInstallSession& session)
+{
+    WriteKeyValue(WINLOGON_KEY, WINLOGON_GINA_DLL, std::nullopt);
+    session.ShowError("LUM GINA: Winlogon's GinaDLL was deleted. The machine would not have started without "
+                      "lum_gina.dll otherwise; lumctl chain show tells what is wrong with the chain.");
+}
+
+template <typename Step>
+bool Succeeds(const CInstallSession& session, Step step)
+{
+    try {
+        step();
+        return true;
+    } catch (const std::exception& error) {
+        session.Log(error.what());
+        return false;
+    }
+}
+
+void TakeOutByAllMeans(const CInstallSession& session)
+{
+    Succeeds(session, [&] { SwitchMonitor(session, L"off"); });
+    const bool bOut = Succeeds(session, [&] {
+        // Fails where the machine would not start with the rest of the chain.
+        Lumctl::Run(session, {L"chain", L"disable", L"--in-service", L"--dry-run"});
+        TakeOut(session);
+    });
+    if (!bOut) {
+        LeaveAllGinasOut(session);
+    }
+}
+
+} // namespace
+
+void ChainSteps::Enable(const CInstallSession& session, const WideText& backup)
+{
+    Lumctl::Run(session, {L"chain", L"backup", backup});
+    Lumctl::Run(session, {L"chain", L"check"});
+    const bool bAlready = IsInChain();
+    if (!bAlready) {
+        SetNote(ENABLED, CKeyValue{REG_BINARY, {}});
+    }
+    Lumctl::Run(session, {L"chain", L"enable"});
+    if (!bAlready) {
+        SetNote(ENABLED, ReadChain());
+    }
+}
+
+void ChainSteps::TakeEnableBack(const CInstallSession& session, const WideText& backup)
+{
+    const std::optional<CKeyValue> enabled = FindNote(ENABLED);
+    if (!enabled) {
+        return;
+    }
+    try {
+        if (!IsHostThere() && ReadChain() == *enabled) {
+            Lumctl::Run(session, {L"chain", L"restore", backup});
+            return;
+        }
+    } catch (...) {
+        TakeOutByAllMeans(session);
+        throw;
+    }
+    TakeOutByAllMeans(session);
+}
+
+void ChainSteps::Disable(const CInstallSession& session)
+{
+    SetNote(WAS_ENABLED, IsInChain() ? std::optional(MakeNumberValue(1)) : std::nullopt);
+    SwitchMonitor(session, L"off");
+    TakeOut(session);
+}
+
+/// The monitor runs then also where an administrator had stopped it, of which nobody can ask.
+void ChainSteps::TakeDisableBack(const CInstallSession& session)
+{
+    if (FindNote(WAS_ENABLED)) {
+        Lumctl::Run(session, {L"chain", L"enable", L"--no-safe-start", L"--in-service"});
+        SetNote(WAS_ENABLED, std::nullopt);
+    }
+    SwitchMonitor(session, L"on");
+}
+
+void ChainSteps::Guard(const CInstallSession& session)
+{
+    using State = CDllFile::State;
+    const State state = InspectDll(HOST_GINA, nullptr).state;
+    if (state != State::Usable && state != State::Unreadable && IsInChain()) {
+        TakeOutByAllMeans(session);
+    }
+}
+
+bool ChainSteps::MayBeInChain()
+{
+    const CChainView view = FollowChain();
+    return view.HasGina(HOST_GINA) || view.end != ChainEnd::Complete;
+}
