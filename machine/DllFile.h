@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include "machine/Text.h"
+
 /// What can be learned of a DLL by reading its file, or the one that takes its place at the restart. The DLL
 /// is not loaded, so none of its code runs.
 struct CDllFile
@@ -25,7 +27,7 @@ struct CDllFile
     State state = State::Missing;
     DWORD dwError = ERROR_SUCCESS;
     /// Where it was found; empty when it is missing.
-    std::basic_string<WCHAR> path;
+    WideText path;
     /// The names that a usable or leaving DLL exports, sorted by their bytes. Exports without a name are left
     /// out.
     std::vector<std::string> exports;
@@ -40,18 +42,19 @@ struct CDllFile
 /// instead; null or empty for the above. The extension .dll may be left out. Throws std::bad_alloc only.
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory);
 
-/// The file that has this path after the restart, as far as the system has kept operations on files for that:
-/// mostly the same, or another one that takes its place; nothing when the file is deleted then. Throws
-/// std::bad_alloc only.
-std::optional<std::basic_string<WCHAR>> FindAfterRestart(const std::basic_string<WCHAR>& path);
+/// The file that stands at this path after the restart, by the operations that the system has noted for it:
+/// this one, or the one that replaces it; nothing when it goes. A list that cannot be read counts as empty.
+/// Natively always this one. Throws std::bad_alloc only.
+std::optional<WideText> FindAfterRestart(const WideText& path);
 
 /// The name of the file that is loaded by this name: without a directory, with the extension that the system
 /// adds, and without the blanks and dots at its end. A name of nothing but blanks and dots is returned as it
 /// is.
-std::basic_string<WCHAR> LoadedName(const std::basic_string<WCHAR>& name);
+WideText LoadedName(const WideText& name);
 
-/// Where that is, without a directory of the caller's, and whether it is where Winlogon looks: natively not.
-std::vector<std::basic_string<WCHAR>> ListDllDirectories();
+/// Where InspectDll looks when no directory is given, in this order.
+std::vector<WideText> ListDllDirectories();
+/// Whether Winlogon looks there; natively false.
 bool LooksWhereWinlogonLooks();
 
 /// Whether there is such a directory to look in.

@@ -53,6 +53,25 @@ std::string Format(const char* szFormat, ...)
     return text;
 }
 
+std::vector<WideText> Split(const WideText& text, WCHAR separator)
+{
+    std::vector<WideText> parts;
+    std::size_t nBegin = 0;
+    for (std::size_t nEnd; (nEnd = text.find(separator, nBegin)) != WideText::npos; nBegin = nEnd + 1) {
+        parts.push_back(text.substr(nBegin, nEnd - nBegin));
+    }
+    parts.push_back(text.substr(nBegin));
+    return parts;
+}
+
+WideText Trim(const WideText& text)
+{
+    static constexpr WCHAR BLANKS[] = TEXT(" \t\r");
+    const std::size_t nBegin = text.find_first_not_of(BLANKS);
+    return nBegin == WideText::npos ? WideText()
+                                    : text.substr(nBegin, text.find_last_not_of(BLANKS) + 1 - nBegin);
+}
+
 std::vector<std::string> Wrap(std::string text, std::size_t nWidth)
 {
     std::vector<std::string> lines;

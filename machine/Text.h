@@ -24,5 +24,11 @@ std::string ShownArgument(const WideText& text);
 /// printf into a string.
 __attribute__((format(printf, 1, 2))) std::string Format(const char* szFormat, ...);
 
+/// Cuts a text at each separator. At least one part.
+std::vector<WideText> Split(const WideText& text, WCHAR separator);
+
+/// Without the blanks, tabs and carriage returns around it.
+WideText Trim(const WideText& text);
+
 /// Cuts a text into lines of at most nWidth characters, between words where that is possible. At least one.
 std::vector<std::string> Wrap(std::string text, std::size_t nWidth);

@@ -8,8 +8,6 @@
 
 namespace {
 
-using WideText = std::basic_string<WCHAR>;
-
 /// Adds .dll to a name without an extension. A dot at the end means that the name has none and gets none.
 WideText CompleteName(WideText name)
 {
@@ -51,26 +49,6 @@ WideText LoadedName(const WideText& name)
 {
     const WideText file = name.substr(name.find_last_of(TEXT("\\/:")) + 1);
     return file.find_first_not_of(TEXT(" .")) != WideText::npos ? CompleteName(file) : name;
-}
-
-std::vector<WideText> ListDllDirectories()
-{
-    return TargetDlls::ListDirectories();
-}
-
-std::optional<WideText> FindAfterRestart(const WideText& path)
-{
-    return TargetDlls::FindAfterRestart(path);
-}
-
-bool LooksWhereWinlogonLooks()
-{
-    return TargetDlls::LooksWhereWinlogonLooks();
-}
-
-bool IsDllDirectory(const WCHAR* szDirectory)
-{
-    return TargetDlls::IsDirectory(szDirectory);
 }
 
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory)

@@ -12,6 +12,7 @@ struct CBadImage
 class CImageBytes
 {
 public:
+    /// The bytes must outlive the object.
     explicit CImageBytes(const std::string& bytes) : m_bytes(bytes) {}
 
     static void Require(bool bGood)
@@ -30,7 +31,8 @@ public:
         return value;
     }
 
-    /// A name up to its terminator. No compiler makes names as long as the limit.
+    /// A name up to its terminator. Without a limit, a damaged file whose names all lead to one long run of
+    /// bytes would fill the memory.
     std::string GetName(std::size_t nOffset) const
     {
         constexpr std::size_t MAX_NAME = 4096;

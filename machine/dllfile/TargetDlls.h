@@ -1,28 +1,16 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
-#include <windows.h>
+#include "machine/Text.h"
 
-// What differs between the targets when they look at DLLs.
+// What differs between the targets when they look at DLLs, beside what machine/DllFile.h declares.
 
 namespace TargetDlls {
 
 /// The path of the file that stands for a complete name; empty when there is none.
-std::basic_string<WCHAR> Find(const std::basic_string<WCHAR>& name,
-                              const std::basic_string<WCHAR>& directory);
-
-/// See the function of this name in DllFile.h.
-std::optional<std::basic_string<WCHAR>> FindAfterRestart(const std::basic_string<WCHAR>& path);
-
-/// Where Find looks for a name without a directory, if none is given.
-std::vector<std::basic_string<WCHAR>> ListDirectories();
-/// Whether Winlogon of a machine with this registry looks there.
-bool LooksWhereWinlogonLooks();
-
-bool IsDirectory(const std::basic_string<WCHAR>& path);
+WideText Find(const WideText& name, const WideText& directory);
 
 /// What a DLL exports, and the DLLs from which it imports and which must be there.
 struct CNames

@@ -3,6 +3,7 @@
 #include <elf.h>
 #include <sys/stat.h>
 
+#include "machine/DllFile.h"
 #include "machine/dllfile/PeImage.h"
 #include "platform/LibrarySearch.h"
 
@@ -53,38 +54,37 @@ private:
 
 } // namespace
 
-std::basic_string<WCHAR> TargetDlls::Find(const std::basic_string<WCHAR>& name,
-                                          const std::basic_string<WCHAR>& directory)
+WideText TargetDlls::Find(const WideText& name, const WideText& directory)
 {
-    std::basic_string<WCHAR> path;
+    WideText path;
     Native::FromUtf8(Native::FindLibraryFile(name, directory), path);
     return path;
 }
 
 /// No restart changes files here.
-std::optional<std::basic_string<WCHAR>> TargetDlls::FindAfterRestart(const std::basic_string<WCHAR>& path)
+std::optional<WideText> FindAfterRestart(const WideText& path)
 {
     return path;
 }
 
-std::vector<std::basic_string<WCHAR>> TargetDlls::ListDirectories()
+std::vector<WideText> ListDllDirectories()
 {
-    std::vector<std::basic_string<WCHAR>> directories;
+    std::vector<WideText> directories;
     for (const std::string& path : Native::ListLibraryDirectories()) {
         Native::FromUtf8(path, directories.emplace_back());
     }
     return directories;
 }
 
-bool TargetDlls::LooksWhereWinlogonLooks()
+bool LooksWhereWinlogonLooks()
 {
     return false;
 }
 
-bool TargetDlls::IsDirectory(const std::basic_string<WCHAR>& path)
+bool IsDllDirectory(const WCHAR* szDirectory)
 {
     struct stat status;
-    return stat(Native::ToPath(path.c_str()).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return stat(Native::ToPath(szDirectory).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 TargetDlls::CNames TargetDlls::ListNames(const std::string& bytes)

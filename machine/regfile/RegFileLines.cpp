@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "machine/RegFile.h"
+#include "machine/Text.h"
 
 namespace Platform {
 namespace {
@@ -39,14 +40,6 @@ WideText Decode(const std::string& bytes)
         return FromAnsi(bytes);
     }
     throw CRegFileError{"the file is neither UTF-16 nor UTF-8"};
-}
-
-WideText Trim(const WideText& text)
-{
-    static constexpr WCHAR BLANKS[] = TEXT(" \t\r");
-    const std::size_t nBegin = text.find_first_not_of(BLANKS);
-    return nBegin == WideText::npos ? WideText()
-                                    : text.substr(nBegin, text.find_last_not_of(BLANKS) + 1 - nBegin);
 }
 
 /// The lines as they stand, with their numbers.

@@ -1,10 +1,11 @@
-#include "machine/dllfile/TargetDlls.h"
+#include "machine/DllFile.h"
 
 #include <cwchar>
 
-namespace {
+#include "machine/OpenKey.h"
+#include "machine/Text.h"
 
-using WideText = std::basic_string<WCHAR>;
+namespace {
 
 constexpr WCHAR SESSION_MANAGER[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
 /// The system carries these out in this order. An installer uses the second where the first is too long.
@@ -14,27 +15,19 @@ constexpr const WCHAR* LISTS[] = {L"PendingFileRenameOperations", L"PendingFileR
 /// this is no usual list of texts, which ends at the first empty one.
 std::vector<WideText> ReadList(const WCHAR* szName)
 {
-    HKEY hKey = nullptr;
-    std::vector<WideText> texts;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, SESSION_MANAGER, 0, KEY_READ, &hKey) != ERROR_SUCCESS) {
-        return texts;
-    }
+    COpenKey key;
     DWORD cbData = 0;
-    RegQueryValueExW(hKey, szName, nullptr, nullptr, nullptr, &cbData);
-    std::vector<WCHAR> data(cbData / sizeof(WCHAR));
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, SESSION_MANAGER, 0, KEY_READ, &key.m_hKey) != ERROR_SUCCESS ||
+        RegQueryValueExW(key.m_hKey, szName, nullptr, nullptr, nullptr, &cbData) != ERROR_SUCCESS)
+    {
+        return {};
+    }
+    WideText data(cbData / sizeof(WCHAR), L'\0');
     cbData = static_cast<DWORD>(data.size() * sizeof(WCHAR));
     const LONG lResult =
-        RegQueryValueExW(hKey, szName, nullptr, nullptr, reinterpret_cast<BYTE*>(data.data()), &cbData);
-    RegCloseKey(hKey);
-    if (lResult == ERROR_SUCCESS) {
-        for (std::size_t nBegin = 0, nChar = 0; nChar < cbData / sizeof(WCHAR); ++nChar) {
-            if (data[nChar] == L'\0') {
-                texts.emplace_back(&data[nBegin], nChar - nBegin);
-                nBegin = nChar + 1;
-            }
-        }
-    }
-    return texts;
+        RegQueryValueExW(key.m_hKey, szName, nullptr, nullptr, reinterpret_cast<BYTE*>(data.data()), &cbData);
+    return lResult == ERROR_SUCCESS ? Split(data.substr(0, cbData / sizeof(WCHAR)), L'\0')
+                                    : std::vector<WideText>();
 }
 
 /// "!\??\C:\file" as "C:\file"; the mark says that a file that is there is replaced.
@@ -60,7 +53,7 @@ bool IsSamePath(const WideText& l, const WideText& r)
 
 } // namespace
 
-std::optional<WideText> TargetDlls::FindAfterRestart(const WideText& file)
+std::optional<WideText> FindAfterRestart(const WideText& file)
 {
     const WideText path = MakeFull(file);
     std::optional<WideText> found = path;

@@ -1,10 +1,9 @@
 #include "machine/dllfile/TargetDlls.h"
 
+#include "machine/DllFile.h"
 #include "machine/dllfile/PeImage.h"
 
 namespace {
-
-using WideText = std::basic_string<WCHAR>;
 
 bool Exists(const WideText& path)
 {
@@ -32,7 +31,7 @@ WideText TargetDlls::Find(const WideText& name, const WideText& directory)
         return Exists(name) ? name : WideText();
     }
     const std::vector<WideText> directories =
-        directory.empty() ? ListDirectories() : std::vector<WideText>{directory};
+        directory.empty() ? ListDllDirectories() : std::vector<WideText>{directory};
     for (const WideText& candidate : directories) {
         const WideText path = candidate + L"\\" + name;
         if (!candidate.empty() && Exists(path)) {
@@ -43,20 +42,20 @@ WideText TargetDlls::Find(const WideText& name, const WideText& directory)
 }
 
 /// Winlogon's own directory is the system directory.
-std::vector<WideText> TargetDlls::ListDirectories()
+std::vector<WideText> ListDllDirectories()
 {
     return {Directory(GetSystemDirectoryW, L""), Directory(GetWindowsDirectoryW, L"\\system"),
             Directory(GetWindowsDirectoryW, L"")};
 }
 
-bool TargetDlls::LooksWhereWinlogonLooks()
+bool LooksWhereWinlogonLooks()
 {
     return true;
 }
 
-bool TargetDlls::IsDirectory(const WideText& path)
+bool IsDllDirectory(const WCHAR* szDirectory)
 {
-    const DWORD dwAttributes = GetFileAttributesW(path.c_str());
+    const DWORD dwAttributes = GetFileAttributesW(szDirectory);
     return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 

@@ -10,9 +10,11 @@ file_version=
 change() { msibuild "$name.msi" -q "$1"; }
 
 wixl -o "$name.msi" plugin.wxs
-# wixl knows no actions that are carried out when the installer rolls back.
-change "UPDATE CustomAction SET Type = 3393 WHERE Action = 'UndoAdd'"
-change "UPDATE CustomAction SET Type = 3393 WHERE Action = 'UndoRemove'"
+# Run when the installer rolls back, which wixl does not know: from a DLL in the package (1), failures ignored (64), by the
+# rollback (256), deferred (1024), as SYSTEM (2048).
+for action in UndoAdd UndoRemove; do
+    change "UPDATE CustomAction SET Type = $((1 + 64 + 256 + 1024 + 2048)) WHERE Action = '$action'"
+done
 change "UPDATE Property SET Value = 'OLDER;NEWER' WHERE Property = 'SecureCustomProperties'"
 if [ -n "$file_version" ]; then
     change "UPDATE File SET Version = '$file_version', Language = '1033' WHERE File = '$name.dll'"

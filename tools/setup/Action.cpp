@@ -2,18 +2,18 @@
 
 #include <exception>
 
-UINT CarryOut(MSIHANDLE hInstall, void (*action)(const CInstallSession&))
+UINT CarryOut(MSIHANDLE hInstall, void (*body)(const CInstallSession&))
 {
     const CInstallSession session(hInstall);
     std::string trouble;
     try {
-        action(session);
+        body(session);
         return ERROR_SUCCESS;
     } catch (const std::exception& error) {
         trouble = error.what();
     } catch (...) {
         trouble = "failed";
     }
-    session.ShowError("LUM GINA: " + trouble);
+    session.ShowError(trouble);
     return ERROR_INSTALL_FAILURE;
 }

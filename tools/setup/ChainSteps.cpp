@@ -10,9 +10,9 @@
 
 namespace {
 
-/// Notes: the chain as it is with the library put into it, without data until that is done; and that the
-/// library was in the chain before a removal.
+/// A note: the chain as Enable left it. Empty while Enable is at work.
 constexpr WCHAR ENABLED[] = L"Enabled";
+/// There when the library was in the chain before a removal.
 constexpr WCHAR WAS_ENABLED[] = L"WasEnabled";
 
 CChainView FollowChain()
@@ -27,7 +27,7 @@ bool IsInChain()
 }
 
 /// All of the chain, to be compared.
-CKeyValue ReadChain()
+Platform::CRegistryData ReadChain()
 {
     const CArguments arguments;
     COfflineMachine machine(arguments);
@@ -35,7 +35,7 @@ CKeyValue ReadChain()
     return {REG_BINARY, {text.begin(), text.end()}};
 }
 
-/// Also one of which the registry does not say so any more: the end of any Winlogon session clears that.
+/// Asks the pipe, too: the end of any Winlogon session clears Enabled, although the host may go on.
 bool IsHostThere()
 {
     if (COfflineChain::IsHostInService()) {
@@ -59,11 +59,11 @@ void TakeOut(const CInstallSession& session)
     Lumctl::Run(session, {L"chain", L"disable", L"--in-service"});
 }
 
-/// Winlogon loads msgina.dll then. One write, after which the machine starts whatever else is wrong.
+/// Winlogon loads msgina.dll then. This is one write, after which the machine starts whatever else is wrong.
 void LeaveAllGinasOut(const CInstallSession& session)
 {
-    WriteKeyValue(WINLOGON_KEY, WINLOGON_GINA_DLL, std::nullopt);
-    session.ShowError("LUM GINA: Winlogon's GinaDLL was deleted. The machine would not have started without "
+    WriteValue(WinlogonPlace(), std::nullopt);
+    session.ShowError("Winlogon's GinaDLL was deleted. The machine would not have started without "
                       "lum_gina.dll otherwise; lumctl chain show tells what is wrong with the chain.");
 }
 
@@ -83,7 +83,8 @@ void TakeOutByAllMeans(const CInstallSession& session)
 {
     Succeeds(session, [&] { SwitchMonitor(session, L"off"); });
     const bool bOut = Succeeds(session, [&] {
-        // Fails where the machine would not start with the rest of the chain.
+        // On a machine that does not start as it is, disable writes also what does not help. So it is tried
+        // first.
         Lumctl::Run(session, {L"chain", L"disable", L"--in-service", L"--dry-run"});
         TakeOut(session);
     });
@@ -100,7 +101,7 @@ void ChainSteps::Enable(const CInstallSession& session, const WideText& backup)
     Lumctl::Run(session, {L"chain", L"check"});
     const bool bAlready = IsInChain();
     if (!bAlready) {
-        SetNote(ENABLED, CKeyValue{REG_BINARY, {}});
+        SetNote(ENABLED, Platform::CRegistryData{REG_BINARY, {}});
     }
     Lumctl::Run(session, {L"chain", L"enable"});
     if (!bAlready) {
@@ -110,7 +111,7 @@ void ChainSteps::Enable(const CInstallSession& session, const WideText& backup)
 
 void ChainSteps::TakeEnableBack(const CInstallSession& session, const WideText& backup)
 {
-    const std::optional<CKeyValue> enabled = FindNote(ENABLED);
+    const CValueData enabled = FindNote(ENABLED);
     if (!enabled) {
         return;
     }
@@ -121,6 +122,7 @@ void ChainSteps::TakeEnableBack(const CInstallSession& session, const WideText& 
         }
     } catch (...) {
         TakeOutByAllMeans(session);
+        // The backup is still needed.
         throw;
     }
     TakeOutByAllMeans(session);
@@ -128,12 +130,12 @@ void ChainSteps::TakeEnableBack(const CInstallSession& session, const WideText& 
 
 void ChainSteps::Disable(const CInstallSession& session)
 {
-    SetNote(WAS_ENABLED, IsInChain() ? std::optional(MakeNumberValue(1)) : std::nullopt);
+    SetNote(WAS_ENABLED, IsInChain() ? MakeNumber(1) : std::nullopt);
     SwitchMonitor(session, L"off");
     TakeOut(session);
 }
 
-/// The monitor runs then also where an administrator had stopped it, of which nobody can ask.
+/// Starts the monitor even if an administrator had stopped it before: a host does not say.
 void ChainSteps::TakeDisableBack(const CInstallSession& session)
 {
     if (FindNote(WAS_ENABLED)) {
@@ -143,10 +145,11 @@ void ChainSteps::TakeDisableBack(const CInstallSession& session)
     SwitchMonitor(session, L"on");
 }
 
-void ChainSteps::Guard(const CInstallSession& session)
+void ChainSteps::EnsureStart(const CInstallSession& session)
 {
     using State = CDllFile::State;
     const State state = InspectDll(HOST_GINA, nullptr).state;
+    // What cannot be read now may be readable at the start.
     if (state != State::Usable && state != State::Unreadable && IsInChain()) {
         TakeOutByAllMeans(session);
     }

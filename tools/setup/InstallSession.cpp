@@ -2,26 +2,15 @@
 
 #include <msiquery.h>
 
-std::vector<WideText> Split(const WideText& text, WCHAR separator)
-{
-    std::vector<WideText> parts;
-    std::size_t nBegin = 0;
-    for (std::size_t nEnd; (nEnd = text.find(separator, nBegin)) != text.npos; nBegin = nEnd + 1) {
-        parts.push_back(text.substr(nBegin, nEnd - nBegin));
-    }
-    parts.push_back(text.substr(nBegin));
-    return parts;
-}
-
 WideText CInstallSession::Property(const WCHAR* szName) const
 {
-    WideText data(1, L'\0');
-    DWORD cchData = 0;
-    while (MsiGetPropertyW(m_hInstall, szName, data.data(), &cchData) == ERROR_MORE_DATA) {
-        data.resize(++cchData);
+    WideText value(1, L'\0');
+    DWORD cchValue = 0;
+    while (MsiGetPropertyW(m_hInstall, szName, value.data(), &cchValue) == ERROR_MORE_DATA) {
+        value.resize(++cchValue);
     }
-    data.resize(cchData);
-    return data;
+    value.resize(cchValue);
+    return value;
 }
 
 void CInstallSession::SetProperty(const WCHAR* szName, const WCHAR* szValue) const

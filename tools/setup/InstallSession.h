@@ -18,21 +18,18 @@ public:
 
     /// Empty for none. A deferred action sees CustomActionData and little else.
     WideText Property(const WCHAR* szName) const;
-    /// For an action that is not deferred.
+    /// For an action that is not deferred. What the installer refuses is lost.
     void SetProperty(const WCHAR* szName, const WCHAR* szValue) const;
     /// The fields of a deferred action's CustomActionData, which has "|" between them. At least one.
     std::vector<WideText> Fields() const;
 
-    /// Adds a line to the installer's log.
+    /// Adds a line to the installer's log. What the installer refuses is lost.
     void Log(const std::string& text) const { Send(INSTALLMESSAGE_INFO, text); }
-    /// The same, and shows it to who is at the machine, unless the installation is to be quiet.
-    void ShowError(const std::string& text) const { Send(INSTALLMESSAGE_ERROR, text); }
+    /// The same behind "LUM GINA: ", and shows it unless the installation is quiet.
+    void ShowError(const std::string& text) const { Send(INSTALLMESSAGE_ERROR, "LUM GINA: " + text); }
 
 private:
     void Send(INSTALLMESSAGE message, const std::string& text) const;
 
     const MSIHANDLE m_hInstall;
 };
-
-/// Cuts a text at each separator. At least one part.
-std::vector<WideText> Split(const WideText& text, WCHAR separator);

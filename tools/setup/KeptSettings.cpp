@@ -1,6 +1,7 @@
 #include "KeptSettings.h"
 
 #include "GinaNames.h"
+#include "KeyValues.h"
 #include "MachineScope.h"
 #include "SafeStartNames.h"
 #include "machine/MachineLock.h"
@@ -12,46 +13,45 @@ constexpr WCHAR NOTES[] = L"SOFTWARE\\ORX\\LUM\\Setup";
 constexpr WCHAR BEFORE[] = L"SOFTWARE\\ORX\\LUM\\Setup\\Before";
 constexpr WCHAR AFTER[] = L"SOFTWARE\\ORX\\LUM\\Setup\\After";
 
-/// The library writes these itself, too, the latter when it is missing.
+/// The library writes these itself: the GINA behind it, and 0 where there is no time limit.
 constexpr WCHAR PASSES_TO[] = L"GinaDLL";
 constexpr WCHAR TIMEOUT_SECONDS[] = L"Timeout";
 
-std::optional<CKeyValue> Find(const KeyValues& values, const WideText& name)
+CValueData Find(const KeyValues& values, const WideText& name)
 {
     const auto found = values.find(name);
-    return found != values.end() ? std::optional(found->second) : std::nullopt;
+    return found != values.end() ? CValueData(found->second) : std::nullopt;
 }
 
 void Copy(const WCHAR* szTo)
 {
     if (const std::optional<KeyValues> settings = ReadKeyValues(LUM_GINA_MTM)) {
-        MakeKey(szTo);
-        for (const auto& [name, value] : *settings) {
-            WriteKeyValue(szTo, name, value);
+        MakeSecretKey(szTo);
+        for (const auto& [name, data] : *settings) {
+            WriteValue({szTo, name}, data);
         }
     }
 }
 
 /// left: as the installation left them.
-void TakeBack(const KeyValues& before, KeyValues left, const KeyValues& settings, bool bInChain)
+void RestoreSettings(const KeyValues& before, KeyValues left, bool bInChain)
 {
-    if (bInChain) {
-        left.erase(PASSES_TO);
-    } else if (const std::optional<CKeyValue> value = Find(settings, PASSES_TO)) {
-        left[PASSES_TO] = *value;
+    const KeyValues settings = ReadKeyValues(LUM_GINA_MTM).value_or(KeyValues());
+    // What the library wrote itself counts as the installation's.
+    if (const CValueData passesTo = Find(settings, PASSES_TO); passesTo && !bInChain) {
+        left[PASSES_TO] = *passesTo;
     }
-    left.try_emplace(TIMEOUT_SECONDS, MakeNumberValue(0));
-    for (const auto& [name, value] : left) {
-        if (Find(settings, name) == value && Find(before, name) != value) {
-            WriteKeyValue(LUM_GINA_MTM, name, Find(before, name));
+    left.try_emplace(TIMEOUT_SECONDS, *MakeNumber(0));
+    for (const auto& [name, data] : left) {
+        if (Find(settings, name) == data && Find(before, name) != data) {
+            WriteValue({LUM_GINA_MTM, name}, Find(before, name));
         }
     }
-    DeleteKey(START_KEY);
 }
 
-void ForgetAll()
+void DeleteKeys(std::initializer_list<const WCHAR*> keys)
 {
-    for (const WCHAR* szKey : {BEFORE, AFTER, NOTES}) {
+    for (const WCHAR* szKey : keys) {
         DeleteKey(szKey);
     }
 }
@@ -61,7 +61,7 @@ void ForgetAll()
 void KeepSettings()
 {
     const CMachineLock lock(std::string(), SayThatItWaits);
-    MakeKey(NOTES, true);
+    MakeSecretKey(NOTES);
     Copy(BEFORE);
 }
 
@@ -78,12 +78,13 @@ void TakeSettingsBack(bool bInChain)
         return;
     }
     const std::optional<KeyValues> before = ReadKeyValues(BEFORE);
-    const std::optional<KeyValues> left = ReadKeyValues(AFTER);
-    const std::optional<KeyValues> settings = ReadKeyValues(LUM_GINA_MTM);
-    if (left && settings) {
-        TakeBack(before.value_or(KeyValues()), *left, *settings, bInChain);
+    if (const std::optional<KeyValues> left = ReadKeyValues(AFTER)) {
+        RestoreSettings(before.value_or(KeyValues()), *left, bInChain);
     }
-    ForgetAll();
+    if (!bInChain) {
+        DeleteKeys({LEFT_OUT_KEY, START_KEY});
+    }
+    DeleteKeys({BEFORE, AFTER, NOTES});
     if (!before) {
         for (const WCHAR* szKey : {LUM_GINA_MTM, L"SOFTWARE\\ORX\\LUM", L"SOFTWARE\\ORX"}) {
             DeleteEmptyKey(szKey);
@@ -91,13 +92,13 @@ void TakeSettingsBack(bool bInChain)
     }
 }
 
-std::optional<CKeyValue> FindNote(const WideText& name)
+CValueData FindNote(const WCHAR* szName)
 {
-    return Find(ReadKeyValues(NOTES).value_or(KeyValues()), name);
+    return ReadValue({NOTES, szName});
 }
 
-void SetNote(const WideText& name, const std::optional<CKeyValue>& value)
+void SetNote(const WCHAR* szName, const CValueData& data)
 {
-    MakeKey(NOTES, true);
-    WriteKeyValue(NOTES, name, value);
+    MakeSecretKey(NOTES);
+    WriteValue({NOTES, szName}, data);
 }

@@ -2,40 +2,28 @@
 
 #include <map>
 #include <optional>
-#include <vector>
 
-#include <windows.h>
+#include "registry/ChainValues.h"
 
-#include "machine/Text.h"
+// Keys below HKEY_LOCAL_MACHINE as a whole. These throw CSetupError.
 
-/// A value as the registry has it.
-struct CKeyValue
+struct CLessName
 {
-    DWORD dwType = REG_NONE;
-    std::vector<BYTE> data;
-
-    bool operator==(const CKeyValue&) const = default;
+    /// Letter case does not count.
+    bool operator()(const WideText& left, const WideText& right) const;
 };
 
 /// The values of a key, by name, without its subkeys.
-using KeyValues = std::map<WideText, CKeyValue>;
+using KeyValues = std::map<WideText, Platform::CRegistryData, CLessName>;
 
-/// Keys below HKEY_LOCAL_MACHINE. These throw CSetupError.
-
-/// Empty when there is no such key.
+/// Nothing when there is no such key.
 std::optional<KeyValues> ReadKeyValues(const WideText& path);
 
-/// Makes the key if there is none. bSecret: for SYSTEM and administrators alone, which a key that is there
-/// already does not become.
-void MakeKey(const WideText& path, bool bSecret = false);
-
-/// Writes a value, or deletes it where there is no data. The key must be there.
-void WriteKeyValue(const WideText& path, const WideText& name, const std::optional<CKeyValue>& value);
+/// Makes a key for SYSTEM and administrators alone. One that is there already stays as it is.
+void MakeSecretKey(const WideText& path);
 
 /// Deletes a key if it has neither values nor subkeys.
 void DeleteEmptyKey(const WideText& path);
 
-/// Deletes a key with its values, and does nothing to one that has subkeys.
+/// Deletes a key with its values. Does nothing when it cannot, as with one that has subkeys.
 void DeleteKey(const WideText& path);
-
-CKeyValue MakeNumberValue(DWORD dwNumber);

@@ -68,7 +68,7 @@ void LibraryFile::Flush()
 {
     const WideText path = GetPath();
     DWORD dwError = TryToFlush(path);
-    // Whoever looks at each new file has it open for a moment.
+    // A virus scanner holds a new file open for a moment.
     for (DWORD nTry = 1; dwError == ERROR_SHARING_VIOLATION && nTry < TRIES; ++nTry) {
         Sleep(PAUSE_MILLISECONDS);
         dwError = TryToFlush(path);

@@ -13,8 +13,8 @@ std::uint64_t GetVersion();
 /// The number of a version that is written "1.0.0.1".
 std::uint64_t ParseVersion(const WideText& text);
 
-/// Sees that it is on the disk, also if the machine loses power. A file that is in use, or that must not be
-/// written, was there before. Throws CSetupError.
+/// Writes it through to the disk, so that it outlasts a loss of power. Leaves a file that is in use or must
+/// not be written: that was there before. Waits 2 seconds at most. Throws CSetupError.
 void Flush();
 
 } // namespace LibraryFile

@@ -4,19 +4,21 @@
 
 // The custom actions for packages of plugins.
 
-namespace {
-
-void FindPluginAndSay(const CInstallSession& session)
+/// Sets the property CONFIGURED if the plugin that the property PLUGIN names is configured, and else clears
+/// it.
+CUSTOM_ACTION(FindPlugin)
 {
     session.SetProperty(L"CONFIGURED", IsConfigured(session.Property(L"PLUGIN")) ? L"1" : L"");
 }
 
-void RunFields(const CInstallSession& session)
+/// Carries out the command of lumctl that the fields make.
+CUSTOM_ACTION(RunLumctl)
 {
     Lumctl::Run(session, session.Fields());
 }
 
-void RemoveIfConfigured(const CInstallSession& session)
+/// Takes the plugin that the field names out of the configuration, if it is there.
+CUSTOM_ACTION(RemovePlugin)
 {
     const WideText plugin = session.Fields()[0];
     if (IsConfigured(plugin)) {
@@ -25,15 +27,3 @@ void RemoveIfConfigured(const CInstallSession& session)
         session.Log(Shown(plugin) + " is not configured");
     }
 }
-
-} // namespace
-
-/// Sets the property CONFIGURED if the plugin that the property PLUGIN names is configured, and else clears
-/// it.
-CUSTOM_ACTION(FindPlugin, FindPluginAndSay)
-
-/// Runs lumctl with the fields as its arguments.
-CUSTOM_ACTION(RunLumctl, RunFields)
-
-/// Takes the plugin that the field names out of the configuration, if it is there.
-CUSTOM_ACTION(RemovePlugin, RemoveIfConfigured)

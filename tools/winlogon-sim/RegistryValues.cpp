@@ -1,6 +1,7 @@
 #include "RegistryValues.h"
 
 #include "GinaNames.h"
+#include "machine/OpenKey.h"
 #include "machine/SetupError.h"
 
 namespace {
@@ -18,13 +19,11 @@ void Check(LONG lResult, const WideText& key, const WideText& value)
 template <typename Change>
 void ChangeKey(const WideText& key, const WideText& value, Change change)
 {
-    HKEY hKey = nullptr;
+    COpenKey open;
     Check(RegCreateKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                          KEY_ALL_ACCESS, nullptr, &hKey, nullptr),
+                          KEY_ALL_ACCESS, nullptr, &open.m_hKey, nullptr),
           key, value);
-    const LONG lResult = change(hKey);
-    RegCloseKey(hKey);
-    Check(lResult, key, value);
+    Check(change(open.m_hKey), key, value);
 }
 
 void WriteValue(const WideText& key, const WideText& value, DWORD dwType, const void* pData,
@@ -38,13 +37,11 @@ void WriteValue(const WideText& key, const WideText& value, DWORD dwType, const 
 
 LONG Query(const WideText& key, const WideText& value, void* pData, DWORD cbData)
 {
-    HKEY hKey = nullptr;
-    LONG lResult = RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_READ, &hKey);
-    if (lResult == ERROR_SUCCESS) {
-        lResult = RegQueryValueExW(hKey, value.c_str(), nullptr, nullptr, static_cast<BYTE*>(pData), &cbData);
-        RegCloseKey(hKey);
-    }
-    return lResult;
+    COpenKey open;
+    const LONG lResult = RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_READ, &open.m_hKey);
+    return lResult != ERROR_SUCCESS ? lResult
+                                    : RegQueryValueExW(open.m_hKey, value.c_str(), nullptr, nullptr,
+                                                       static_cast<BYTE*>(pData), &cbData);
 }
 
 } // namespace

@@ -95,7 +95,7 @@ private:
 
     std::string RemedyForDll(std::size_t nLink) const
     {
-        const std::string remedy = FindRemedy(m_view.links[nLink].dll, m_view.links[nLink].gina);
+        const std::string remedy = DescribeRemedy(m_view.links[nLink].dll, m_view.links[nLink].gina);
         // The system's own GINA cannot be taken out: it is what the others end with.
         if (EqualNames(m_view.links[nLink].gina.c_str(), SYSTEM_GINA)) {
             return remedy;

@@ -8,6 +8,7 @@
 #include "Message.h"
 #include "chaining/KnownGinas.h"
 #include "machine/DllFile.h"
+#include "machine/OpenKey.h"
 
 COfflineChain::COfflineChain()
 {
@@ -23,11 +24,10 @@ void COfflineChain::RequireWinlogonKey()
 
 bool COfflineChain::HasWinlogonKey()
 {
-    HKEY hKey = nullptr;
+    COpenKey key;
     const LONG lResult = RegOpenKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(WINLOGON_KEY).c_str(), 0,
-                                       KEY_ALL_ACCESS, &hKey);
+                                       KEY_ALL_ACCESS, &key.m_hKey);
     if (lResult == ERROR_SUCCESS) {
-        RegCloseKey(hKey);
         return true;
     }
     if (lResult != ERROR_FILE_NOT_FOUND) {
@@ -39,10 +39,9 @@ bool COfflineChain::HasWinlogonKey()
 
 bool COfflineChain::HasOwnKey()
 {
-    HKEY hKey = nullptr;
+    COpenKey key;
     return RegOpenKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(LUM_GINA_MTM).c_str(), 0, KEY_READ,
-                         &hKey) == ERROR_SUCCESS &&
-           RegCloseKey(hKey) == ERROR_SUCCESS;
+                         &key.m_hKey) == ERROR_SUCCESS;
 }
 
 const CChainingRecord* COfflineChain::Find(const WCHAR* szGinaDLL) const

@@ -22,7 +22,8 @@ void PrintDoubt(const CDllSearch& search, std::string& output);
 /// The search, as members of an object.
 void AddDllSearchJson(CJsonWriter& json, const CDllSearch& search);
 
-/// Throws CUsageError when --system must be given, or names no directory: for a stopped machine, whose DLLs
-/// are not where this one's are, whatever depends on them would be decided wrongly.
+/// Throws CUsageError when a stopped machine is looked at without --system: its DLLs are not where this
+/// machine's are.
 void RequireDllSearch(const WideText& system);
+/// Throws CUsageError when --system names no directory.
 void RequireDirectory(const WideText& system);

@@ -27,16 +27,6 @@ std::vector<std::string> FindMissingExports(const CDllFile& dll, const CExportTa
     return missing;
 }
 
-std::string FindRemedy(const CDllFile& dll, const WideText& name)
-{
-    if (dll.state == CDllFile::State::Leaving) {
-        return "take " + Shown(dll.path) +
-               " and the empty text behind it out of the list PendingFileRenameOperations in "
-               "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Session Manager";
-    }
-    return "put " + Shown(name) + " into the system directory";
-}
-
 std::string DescribeTrouble(const CDllFile& dll, const std::vector<std::string>& missing, const char* szKind)
 {
     const std::string path = Shown(dll.path);
@@ -55,4 +45,15 @@ std::string DescribeTrouble(const CDllFile& dll, const std::vector<std::string>&
     default:
         return missing.empty() ? std::string() : path + " is no " + szKind + ": it lacks " + Join(missing);
     }
+}
+
+std::string DescribeRemedy(const CDllFile& dll, const WideText& name)
+{
+    if (dll.state == CDllFile::State::Leaving) {
+        return "take " + Shown(dll.path) +
+               " and the text behind it out of PendingFileRenameOperations or PendingFileRenameOperations2 "
+               "in "
+               "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Session Manager";
+    }
+    return "put " + Shown(name) + " into the system directory";
 }

@@ -67,7 +67,7 @@ void CheckPlugin(const WideText& plugin, const WideText& system, Moment moment,
             "take the blank out of " + Describe(PluginsPlace()));
     } else if (const std::string trouble = FindPluginTrouble(plugin, system); !trouble.empty()) {
         add("lum_gina.dll goes without the plugin " + Shown(plugin) + ": " + trouble,
-            FindRemedy(InspectDll(plugin.c_str(), system.c_str()), plugin));
+            DescribeRemedy(InspectDll(plugin.c_str(), system.c_str()), plugin));
     }
 }
 

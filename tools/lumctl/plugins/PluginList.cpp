@@ -17,12 +17,10 @@ bool HasBlanksAround(const WideText& name)
 
 CPluginList::CPluginList(const WideText& text)
 {
-    for (std::size_t nBegin = 0; nBegin <= text.size();) {
-        const std::size_t nComma = std::min(text.find(WCHAR(','), nBegin), text.size());
-        if (nComma != nBegin) {
-            m_names.push_back(text.substr(nBegin, nComma - nBegin));
+    for (const WideText& name : Split(text, ',')) {
+        if (!name.empty()) {
+            m_names.push_back(name);
         }
-        nBegin = nComma + 1;
     }
 }
 

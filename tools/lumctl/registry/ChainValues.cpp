@@ -6,6 +6,7 @@
 #include "CommandError.h"
 #include "GinaNames.h"
 #include "MachineScope.h"
+#include "machine/OpenKey.h"
 
 namespace {
 
@@ -21,23 +22,6 @@ std::string ErrorText(LONG lError)
     throw CCommandError(
         Format("cannot %s %s: %s", szVerb, Describe(place).c_str(), ErrorText(lError).c_str()));
 }
-
-/// A key that is closed at the end.
-class COpenKey
-{
-public:
-    COpenKey() = default;
-    ~COpenKey()
-    {
-        if (m_hKey != nullptr) {
-            RegCloseKey(m_hKey);
-        }
-    }
-    COpenKey(const COpenKey&) = delete;
-    COpenKey& operator=(const COpenKey&) = delete;
-
-    HKEY m_hKey = nullptr;
-};
 
 /// Opens a key with the same access as the library, so that both see the same chain.
 LONG Open(const CValuePlace& place, COpenKey& key)

@@ -67,6 +67,7 @@ std::string Describe(const CValuePlace& place);
 /// "TEXT", 5 (REG_DWORD), or (none) when it does not exist.
 std::string Describe(const CValueData& data);
 
-/// These throw CCommandError. Writing no data deletes the value. A missing key is made only for a text.
+/// These throw CCommandError. Writing no data deletes the value. A missing key is made, unless the value
+/// is deleted.
 CValueData ReadValue(const CValuePlace& place);
 void WriteValue(const CValuePlace& place, const CValueData& data);

@@ -5,6 +5,7 @@
 
 #include "CommandError.h"
 #include "MachineScope.h"
+#include "machine/OpenKey.h"
 
 namespace {
 
@@ -51,12 +52,11 @@ std::string FindUnwritten(const CChainValues& values, const std::vector<CValuePl
 /// What is on the disk by then is also there when the machine loses power. All that counts is in one hive.
 void Flush(const CValuePlace& place)
 {
-    HKEY hKey = nullptr;
+    COpenKey key;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(place.key).c_str(), 0, KEY_QUERY_VALUE,
-                      &hKey) == ERROR_SUCCESS)
+                      &key.m_hKey) == ERROR_SUCCESS)
     {
-        RegFlushKey(hKey);
-        RegCloseKey(hKey);
+        RegFlushKey(key.m_hKey);
     }
 }
 
