@@ -16,18 +16,19 @@ constexpr const WCHAR* LISTS[] = {L"PendingFileRenameOperations", L"PendingFileR
 std::vector<WideText> ReadList(const WCHAR* szName)
 {
     COpenKey key;
+    LONG lResult = RegOpenKeyExW(HKEY_LOCAL_MACHINE, SESSION_MANAGER, 0, KEY_READ, &key.m_hKey);
+    WideText data;
     DWORD cbData = 0;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, SESSION_MANAGER, 0, KEY_READ, &key.m_hKey) != ERROR_SUCCESS ||
-        RegQueryValueExW(key.m_hKey, szName, nullptr, nullptr, nullptr, &cbData) != ERROR_SUCCESS)
-    {
-        return {};
+    // An installer may add to it meanwhile.
+    while (lResult == ERROR_SUCCESS || lResult == ERROR_MORE_DATA) {
+        data.resize(cbData / sizeof(WCHAR));
+        lResult = RegQueryValueExW(key.m_hKey, szName, nullptr, nullptr,
+                                   data.empty() ? nullptr : reinterpret_cast<BYTE*>(data.data()), &cbData);
+        if (lResult == ERROR_SUCCESS && cbData <= data.size() * sizeof(WCHAR)) {
+            return Split(data.substr(0, cbData / sizeof(WCHAR)), L'\0');
+        }
     }
-    WideText data(cbData / sizeof(WCHAR), L'\0');
-    cbData = static_cast<DWORD>(data.size() * sizeof(WCHAR));
-    const LONG lResult =
-        RegQueryValueExW(key.m_hKey, szName, nullptr, nullptr, reinterpret_cast<BYTE*>(data.data()), &cbData);
-    return lResult == ERROR_SUCCESS ? Split(data.substr(0, cbData / sizeof(WCHAR)), L'\0')
-                                    : std::vector<WideText>();
+    return {};
 }
 
 /// "!\??\C:\file" as "C:\file"; the mark says that a file that is there is replaced.
@@ -46,6 +47,11 @@ WideText MakeFull(const WideText& path)
     return cchFull != 0 && cchFull < MAX_PATH ? szFull : path;
 }
 
+bool Exists(const WideText& path)
+{
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
 bool IsSamePath(const WideText& l, const WideText& r)
 {
     return lstrcmpiW(l.c_str(), r.c_str()) == 0;
@@ -60,11 +66,12 @@ std::optional<WideText> FindAfterRestart(const WideText& file)
     for (const WCHAR* szList : LISTS) {
         const std::vector<WideText> texts = ReadList(szList);
         for (std::size_t nText = 0; nText + 1 < texts.size(); nText += 2) {
-            if (IsSamePath(ToPath(texts[nText]), path)) {
+            const WideText from = ToPath(texts[nText]);
+            if (IsSamePath(from, path)) {
                 found.reset();
             }
-            if (IsSamePath(ToPath(texts[nText + 1]), path)) {
-                found = ToPath(texts[nText]);
+            if (IsSamePath(ToPath(texts[nText + 1]), path) && Exists(from)) {
+                found = from;
             }
         }
     }

@@ -6,48 +6,36 @@
 #include "Lumctl.h"
 #include "chain/ChainBackup.h"
 #include "chain/ChainChange.h"
-#include "chain/OfflineMachine.h"
+#include "chain/ChainView.h"
 
 namespace {
 
-/// A note: the chain as Enable left it. Empty while Enable is at work.
+/// A note: the chain as Enable left it, empty until then. There when the library was not in the chain before
+/// the installation.
 constexpr WCHAR ENABLED[] = L"Enabled";
 /// There when the library was in the chain before a removal.
 constexpr WCHAR WAS_ENABLED[] = L"WasEnabled";
 
+/// Without the lock: who holds it for ever does not keep the machine from being rescued. A change by lumctl
+/// that is at work leaves a chain at each moment with which the machine starts.
 CChainView FollowChain()
 {
-    const CArguments arguments;
-    return COfflineMachine(arguments).Follow();
-}
-
-bool IsInChain()
-{
-    return FollowChain().HasGina(HOST_GINA);
+    COfflineChain chain;
+    return FollowChain(chain, chain.ReadValues(), WideText());
 }
 
 /// All of the chain, to be compared.
 Platform::CRegistryData ReadChain()
 {
-    const CArguments arguments;
-    COfflineMachine machine(arguments);
-    const std::string text = WriteBackup(machine.values, SafeOrder(machine.chain, machine.values));
+    COfflineChain chain;
+    const CChainValues values = chain.ReadValues();
+    const std::string text = WriteBackup(values, SafeOrder(chain, values));
     return {REG_BINARY, {text.begin(), text.end()}};
-}
-
-/// Asks the pipe, too: the end of any Winlogon session clears Enabled, although the host may go on.
-bool IsHostThere()
-{
-    if (COfflineChain::IsHostInService()) {
-        return true;
-    }
-    const ControlStatus status = CControlClient().Verify();
-    return status != ControlStatus::NoServer && status != ControlStatus::ForeignServer;
 }
 
 void SwitchMonitor(const CInstallSession& session, const WCHAR* szOnOrOff)
 {
-    if (IsHostThere()) {
+    if (ChainSteps::IsHostThere()) {
         Lumctl::Run(session, {L"monitor", szOnOrOff, L"--timeout", L"120"});
     }
 }
@@ -63,6 +51,7 @@ void TakeOut(const CInstallSession& session)
 void LeaveAllGinasOut(const CInstallSession& session)
 {
     WriteValue(WinlogonPlace(), std::nullopt);
+    FlushKey(WinlogonPlace());
     session.ShowError("Winlogon's GinaDLL was deleted. The machine would not have started without "
                       "lum_gina.dll otherwise; lumctl chain show tells what is wrong with the chain.");
 }
@@ -88,23 +77,26 @@ void TakeOutByAllMeans(const CInstallSession& session)
         Lumctl::Run(session, {L"chain", L"disable", L"--in-service", L"--dry-run"});
         TakeOut(session);
     });
-    if (!bOut) {
+    if (!bOut && ChainSteps::MayBeInChain()) {
         LeaveAllGinasOut(session);
     }
 }
 
 } // namespace
 
+void ChainSteps::BeginInstall()
+{
+    if (!IsInChain()) {
+        SetNote(ENABLED, Platform::CRegistryData{REG_BINARY, {}});
+    }
+}
+
 void ChainSteps::Enable(const CInstallSession& session, const WideText& backup)
 {
     Lumctl::Run(session, {L"chain", L"backup", backup});
     Lumctl::Run(session, {L"chain", L"check"});
-    const bool bAlready = IsInChain();
-    if (!bAlready) {
-        SetNote(ENABLED, Platform::CRegistryData{REG_BINARY, {}});
-    }
     Lumctl::Run(session, {L"chain", L"enable"});
-    if (!bAlready) {
+    if (FindNote(ENABLED)) {
         SetNote(ENABLED, ReadChain());
     }
 }
@@ -112,7 +104,7 @@ void ChainSteps::Enable(const CInstallSession& session, const WideText& backup)
 void ChainSteps::TakeEnableBack(const CInstallSession& session, const WideText& backup)
 {
     const CValueData enabled = FindNote(ENABLED);
-    if (!enabled) {
+    if (!enabled || (enabled->bytes.empty() && !IsInChain())) {
         return;
     }
     try {
@@ -138,9 +130,14 @@ void ChainSteps::Disable(const CInstallSession& session)
 /// Starts the monitor even if an administrator had stopped it before: a host does not say.
 void ChainSteps::TakeDisableBack(const CInstallSession& session)
 {
-    if (FindNote(WAS_ENABLED)) {
-        Lumctl::Run(session, {L"chain", L"enable", L"--no-safe-start", L"--in-service"});
-        SetNote(WAS_ENABLED, std::nullopt);
+    try {
+        if (FindNote(WAS_ENABLED)) {
+            Lumctl::Run(session, {L"chain", L"enable", L"--no-safe-start", L"--in-service"});
+            SetNote(WAS_ENABLED, std::nullopt);
+        }
+    } catch (...) {
+        SwitchMonitor(session, L"on");
+        throw;
     }
     SwitchMonitor(session, L"on");
 }
@@ -155,8 +152,23 @@ void ChainSteps::EnsureStart(const CInstallSession& session)
     }
 }
 
+bool ChainSteps::IsInChain()
+{
+    return FollowChain().HasGina(HOST_GINA);
+}
+
 bool ChainSteps::MayBeInChain()
 {
     const CChainView view = FollowChain();
     return view.HasGina(HOST_GINA) || view.end != ChainEnd::Complete;
+}
+
+bool ChainSteps::IsHostThere()
+{
+    if (COfflineChain::IsHostInService()) {
+        return true;
+    }
+    // The end of any Winlogon session clears that, although the host may go on.
+    const ControlStatus status = CControlClient().Verify();
+    return status != ControlStatus::NoServer && status != ControlStatus::ForeignServer;
 }

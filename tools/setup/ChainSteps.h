@@ -7,10 +7,13 @@
 /// All throw CSetupError and CCommandError.
 namespace ChainSteps {
 
+/// To be called when the settings have been kept and nothing has been changed.
+void BeginInstall();
 /// Backs the chain up into a new file, and puts the library into it.
 void Enable(const CInstallSession& session, const WideText& backup);
-/// Throws when the backup could not be restored. The library is out of the chain all the same, and the
-/// machine starts; the backup is needed to put the rest right by hand.
+/// Takes the library out of a chain in which it was not when the installation began. Throws when the backup
+/// could not be restored: the machine starts all the same, and the backup is needed to put the rest right by
+/// hand.
 void TakeEnableBack(const CInstallSession& session, const WideText& backup);
 
 /// Takes the library out of the chain.
@@ -20,7 +23,11 @@ void TakeDisableBack(const CInstallSession& session);
 /// Takes the library out of the chain, by all means, if the next start cannot load it.
 void EnsureStart(const CInstallSession& session);
 
-/// Whether the chain names the library, or cannot be followed to its end.
+/// Whether the chain names the library, as far as it can be followed.
+bool IsInChain();
+/// The same, or it cannot be followed to its end.
 bool MayBeInChain();
+/// Whether a host is in service, as the registry or the pipe says.
+bool IsHostThere();
 
 } // namespace ChainSteps

@@ -12,6 +12,8 @@ constexpr WCHAR NOTES[] = L"SOFTWARE\\ORX\\LUM\\Setup";
 /// Missing when there was no key of settings.
 constexpr WCHAR BEFORE[] = L"SOFTWARE\\ORX\\LUM\\Setup\\Before";
 constexpr WCHAR AFTER[] = L"SOFTWARE\\ORX\\LUM\\Setup\\After";
+/// A note: there when safe start had notes before.
+constexpr WCHAR HAD_START[] = L"HadStart";
 
 /// The library writes these itself: the GINA behind it, and 0 where there is no time limit.
 constexpr WCHAR PASSES_TO[] = L"GinaDLL";
@@ -23,13 +25,11 @@ CValueData Find(const KeyValues& values, const WideText& name)
     return found != values.end() ? CValueData(found->second) : std::nullopt;
 }
 
-void Copy(const WCHAR* szTo)
+void Keep(const WCHAR* szTo, const KeyValues& settings)
 {
-    if (const std::optional<KeyValues> settings = ReadKeyValues(LUM_GINA_MTM)) {
-        MakeSecretKey(szTo);
-        for (const auto& [name, data] : *settings) {
-            WriteValue({szTo, name}, data);
-        }
+    MakeSecretKey(szTo);
+    for (const auto& [name, data] : settings) {
+        WriteValue({szTo, name}, data);
     }
 }
 
@@ -58,30 +58,40 @@ void DeleteKeys(std::initializer_list<const WCHAR*> keys)
 
 } // namespace
 
+bool IsAnythingKept()
+{
+    return ReadKeyValues(NOTES).has_value();
+}
+
 void KeepSettings()
 {
     const CMachineLock lock(std::string(), SayThatItWaits);
     MakeSecretKey(NOTES);
-    Copy(BEFORE);
+    if (const std::optional<KeyValues> settings = ReadKeyValues(LUM_GINA_MTM)) {
+        Keep(BEFORE, *settings);
+    }
+    if (ReadKeyValues(START_KEY)) {
+        SetNote(HAD_START, MakeNumber(1));
+    }
 }
 
 void KeepSettingsLeft()
 {
     const CMachineLock lock(std::string(), SayThatItWaits);
-    Copy(AFTER);
+    Keep(AFTER, ReadKeyValues(LUM_GINA_MTM).value_or(KeyValues()));
 }
 
 void TakeSettingsBack(bool bInChain)
 {
     const CMachineLock lock(std::string(), SayThatItWaits);
-    if (!ReadKeyValues(NOTES)) {
+    if (!IsAnythingKept()) {
         return;
     }
     const std::optional<KeyValues> before = ReadKeyValues(BEFORE);
     if (const std::optional<KeyValues> left = ReadKeyValues(AFTER)) {
         RestoreSettings(before.value_or(KeyValues()), *left, bInChain);
     }
-    if (!bInChain) {
+    if (!bInChain && !FindNote(HAD_START)) {
         DeleteKeys({LEFT_OUT_KEY, START_KEY});
     }
     DeleteKeys({BEFORE, AFTER, NOTES});
@@ -101,4 +111,5 @@ void SetNote(const WCHAR* szName, const CValueData& data)
 {
     MakeSecretKey(NOTES);
     WriteValue({NOTES, szName}, data);
+    FlushKey({NOTES, szName});
 }

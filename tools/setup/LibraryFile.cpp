@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr DWORD TRIES = 10;
+constexpr DWORD TRIES = 25;
 constexpr DWORD PAUSE_MILLISECONDS = 200;
 
 WideText GetPath()

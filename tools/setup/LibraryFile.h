@@ -14,7 +14,7 @@ std::uint64_t GetVersion();
 std::uint64_t ParseVersion(const WideText& text);
 
 /// Writes it through to the disk, so that it outlasts a loss of power. Leaves a file that is in use or must
-/// not be written: that was there before. Waits 2 seconds at most. Throws CSetupError.
+/// not be written: that was there before. Waits 5 seconds at most. Throws CSetupError.
 void Flush();
 
 } // namespace LibraryFile

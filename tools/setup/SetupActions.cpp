@@ -21,6 +21,8 @@ enum Field : std::size_t
     ENABLE,        ///< "0": leave the chain as it is
     PLUGINS,       ///< names with commas between
     FIRST_SETTING, ///< NAME=NUMBER; without a number there is nothing to do
+    SECOND_SETTING,
+    FIELDS,
 };
 
 constexpr std::size_t MOST_DIGITS = 9; ///< always fit a DWORD
@@ -29,9 +31,7 @@ void MakeSetting(const WideText& setting)
 {
     const std::size_t nEquals = setting.find(L'=');
     const WideText number = Trim(setting.substr(nEquals + 1));
-    if (nEquals == setting.npos || number.find_first_not_of(L"0123456789") != number.npos ||
-        number.size() > MOST_DIGITS)
-    {
+    if (number.find_first_not_of(L"0123456789") != number.npos || number.size() > MOST_DIGITS) {
         throw CSetupError(Shown(setting) + " is no number");
     }
     if (!number.empty()) {
@@ -43,16 +43,19 @@ void MakeSetting(const WideText& setting)
 void InstallAll(const CInstallSession& session)
 {
     const std::vector<WideText> fields = session.Fields();
-    for (std::size_t nField = FIRST_SETTING; nField < fields.size(); ++nField) {
+    if (fields.size() != FIELDS) {
+        throw CSetupError("a property has a | in it");
+    }
+    for (std::size_t nField = FIRST_SETTING; nField < FIELDS; ++nField) {
         MakeSetting(fields[nField]);
     }
-    for (const WideText& name : CPluginList(fields.at(PLUGINS)).GetNames()) {
+    for (const WideText& name : CPluginList(fields[PLUGINS]).GetNames()) {
         if (const WideText plugin = Trim(name); !plugin.empty()) {
-            Lumctl::Run(session, {L"plugins", L"add", plugin});
+            Lumctl::Run(session, {L"plugins", L"add", L"--", plugin});
         }
     }
-    if (fields.at(ENABLE) != L"0") {
-        ChainSteps::Enable(session, fields.at(BACKUP));
+    if (fields[ENABLE] != L"0") {
+        ChainSteps::Enable(session, fields[BACKUP]);
     }
 }
 
@@ -70,11 +73,23 @@ void TakeInstallBack(const CInstallSession& session)
 
 } // namespace
 
-/// Fails when the system directory has a newer library than the package.
-CUSTOM_ACTION(RefuseOlder)
+/// Fails on a machine that the package must leave alone.
+CUSTOM_ACTION(CheckMachine)
 {
     if (LibraryFile::GetVersion() > LibraryFile::ParseVersion(session.Property(L"LIBRARYVERSION"))) {
         throw CSetupError("a newer lum_gina.dll is in the system directory already");
+    }
+    const bool bUpdate = !session.Property(L"OLDER").empty();
+    const bool bInChain = ChainSteps::IsInChain();
+    const bool bHost = bInChain && ChainSteps::IsHostThere();
+    if (bUpdate && bInChain && !bHost) {
+        // Nobody has its file open, so it would be replaced at once, with a moment without any.
+        throw CSetupError("lum_gina.dll has not been loaded since it came into the chain: restart first");
+    }
+    if (!bUpdate && bHost && IsAnythingKept()) {
+        // It would be taken out of the chain at once, and not be put in again before a restart.
+        throw CSetupError("an earlier installation was not taken back, and its library is in service: "
+                          "lumctl gina disable, and restart first");
     }
 }
 
@@ -89,6 +104,7 @@ CUSTOM_ACTION(Install)
     // An earlier installation may have failed, and not been taken back.
     TakeInstallBack(session);
     KeepSettings();
+    ChainSteps::BeginInstall();
     try {
         InstallAll(session);
     } catch (...) {

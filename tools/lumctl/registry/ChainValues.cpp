@@ -193,3 +193,13 @@ void WriteValue(const CValuePlace& place, const CValueData& data)
         Fail(data ? "write" : "delete", place, lResult);
     }
 }
+
+void FlushKey(const CValuePlace& place)
+{
+    COpenKey key;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(place.key).c_str(), 0, KEY_QUERY_VALUE,
+                      &key.m_hKey) == ERROR_SUCCESS)
+    {
+        RegFlushKey(key.m_hKey);
+    }
+}

@@ -71,3 +71,6 @@ std::string Describe(const CValueData& data);
 /// is deleted.
 CValueData ReadValue(const CValuePlace& place);
 void WriteValue(const CValuePlace& place, const CValueData& data);
+/// Brings what was written in the hive of this place to the disk, where it outlasts a loss of power, if it
+/// can.
+void FlushKey(const CValuePlace& place);

@@ -4,8 +4,6 @@
 #include <functional>
 
 #include "CommandError.h"
-#include "MachineScope.h"
-#include "machine/OpenKey.h"
 
 namespace {
 
@@ -47,17 +45,6 @@ std::string FindUnwritten(const CChainValues& values, const std::vector<CValuePl
         text += (text.empty() || trouble.empty() ? "" : "; ") + trouble;
     }
     return text;
-}
-
-/// What is on the disk by then is also there when the machine loses power. All that counts is in one hive.
-void Flush(const CValuePlace& place)
-{
-    COpenKey key;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, CMachineScope::Resolve(place.key).c_str(), 0, KEY_QUERY_VALUE,
-                      &key.m_hKey) == ERROR_SUCCESS)
-    {
-        RegFlushKey(key.m_hKey);
-    }
 }
 
 /// written: what of the change had been made.
@@ -142,6 +129,7 @@ void WriteChange(const CValueChange& change, const std::vector<CValuePlace>& pla
         TakeBack(change, back, written, trouble);
     }
     if (!places.empty()) {
-        Flush(places.front());
+        // All that counts is in one hive.
+        FlushKey(places.front());
     }
 }
