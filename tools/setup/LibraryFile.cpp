@@ -39,14 +39,19 @@ DWORD TryToFlush(const WideText& path)
 
 } // namespace
 
+bool LibraryFile::Exists()
+{
+    return GetFileAttributesW(GetPath().c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
 std::uint64_t LibraryFile::GetVersion()
 {
+    const WideText path = GetPath();
     DWORD dwIgnored = 0;
-    std::vector<BYTE> data(GetFileVersionInfoSizeW(GetPath().c_str(), &dwIgnored));
+    std::vector<BYTE> data(GetFileVersionInfoSizeW(path.c_str(), &dwIgnored));
     void* pInfo = nullptr;
     UINT cbInfo = 0;
-    if (data.empty() ||
-        !GetFileVersionInfoW(GetPath().c_str(), 0, static_cast<DWORD>(data.size()), data.data()) ||
+    if (data.empty() || !GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(data.size()), data.data()) ||
         !VerQueryValueW(data.data(), L"\\", &pInfo, &cbInfo))
     {
         return 0;

@@ -76,18 +76,19 @@ void TakeInstallBack(const CInstallSession& session)
 /// Fails on a machine that the package must leave alone.
 CUSTOM_ACTION(CheckMachine)
 {
-    if (LibraryFile::GetVersion() > LibraryFile::ParseVersion(session.Property(L"LIBRARYVERSION"))) {
+    const std::uint64_t nInstalled = LibraryFile::GetVersion();
+    const std::uint64_t nPackaged = LibraryFile::ParseVersion(session.Property(L"LIBRARYVERSION"));
+    if (nInstalled > nPackaged) {
         throw CSetupError("a newer lum_gina.dll is in the system directory already");
     }
-    const bool bUpdate = !session.Property(L"OLDER").empty();
     const bool bInChain = ChainSteps::IsInChain();
     const bool bHost = bInChain && ChainSteps::IsHostThere();
-    if (bUpdate && bInChain && !bHost) {
-        // Nobody has its file open, so it would be replaced at once, with a moment without any.
-        throw CSetupError("lum_gina.dll has not been loaded since it came into the chain: restart first");
+    if (bInChain && !bHost && LibraryFile::Exists() && nInstalled < nPackaged) {
+        // A file that nobody has loaded is replaced at once, with a moment in which there is none.
+        throw CSetupError("lum_gina.dll is in the chain and has not been loaded yet: restart first");
     }
-    if (!bUpdate && bHost && IsAnythingKept()) {
-        // It would be taken out of the chain at once, and not be put in again before a restart.
+    if (bHost && IsAnythingKept() && session.Property(L"OLDER").empty()) {
+        // It would be taken out of the chain now, and could not be put in again before a restart.
         throw CSetupError("an earlier installation was not taken back, and its library is in service: "
                           "lumctl gina disable, and restart first");
     }
