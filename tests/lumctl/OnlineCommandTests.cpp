@@ -241,6 +241,14 @@ TEST_F(OnlineCommands, SayThatTheHostDoesNotAnswer)
     }
 }
 
+/// Another Winlogon session has ended.
+TEST_F(OnlineCommands, KeepFromTheRegistryWhoeverHasClearedTheMark)
+{
+    StartServer();
+    SetDword(VOLATILE_KEY, TEXT("Enabled"), 0);
+    EXPECT_EQ(STATUS_REFUSED, RunLumctl(SplitWords(std::string("chain disable") + SYSTEM)).status);
+}
+
 TEST_F(OnlineCommands, SayThatThereIsNoHost)
 {
     SetString(OWN_KEY, TEXT("Plugins"), TEXT("test_plugin_a.dll,test_plugin_b.dll"));

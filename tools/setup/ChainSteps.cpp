@@ -1,12 +1,12 @@
 #include "ChainSteps.h"
 
-#include "ControlClient.h"
 #include "GinaNames.h"
 #include "KeptSettings.h"
 #include "Lumctl.h"
 #include "chain/ChainBackup.h"
 #include "chain/ChainChange.h"
 #include "chain/ChainView.h"
+#include "online/OnlineHost.h"
 
 namespace {
 
@@ -35,7 +35,7 @@ Platform::CRegistryData ReadChain()
 
 void SwitchMonitor(const CInstallSession& session, const WCHAR* szOnOrOff)
 {
-    if (ChainSteps::IsHostThere()) {
+    if (IsHostThere()) {
         Lumctl::Run(session, {L"monitor", szOnOrOff, L"--timeout", L"120"});
     }
 }
@@ -161,14 +161,4 @@ bool ChainSteps::MayBeInChain()
 {
     const CChainView view = FollowChain();
     return view.HasGina(HOST_GINA) || view.end != ChainEnd::Complete;
-}
-
-bool ChainSteps::IsHostThere()
-{
-    if (COfflineChain::IsHostInService()) {
-        return true;
-    }
-    // The end of any Winlogon session clears that, although the host may go on.
-    const ControlStatus status = CControlClient().Verify();
-    return status != ControlStatus::NoServer && status != ControlStatus::ForeignServer;
 }

@@ -27,7 +27,5 @@ void EnsureStart(const CInstallSession& session);
 bool IsInChain();
 /// The same, or it cannot be followed to its end.
 bool MayBeInChain();
-/// Whether a host is in service, as the registry or the pipe says.
-bool IsHostThere();
 
 } // namespace ChainSteps

@@ -7,6 +7,7 @@
 #include "LibraryFile.h"
 #include "Lumctl.h"
 #include "machine/SetupError.h"
+#include "online/OnlineHost.h"
 #include "plugins/PluginList.h"
 
 // The custom actions of the installation package. The installer calls them as SYSTEM, in a process of its
@@ -82,7 +83,7 @@ CUSTOM_ACTION(CheckMachine)
         throw CSetupError("a newer lum_gina.dll is in the system directory already");
     }
     const bool bInChain = ChainSteps::IsInChain();
-    const bool bHost = bInChain && ChainSteps::IsHostThere();
+    const bool bHost = bInChain && IsHostThere();
     if (bInChain && !bHost && LibraryFile::Exists() && nInstalled < nPackaged) {
         // A file that nobody has loaded is replaced at once, with a moment in which there is none.
         throw CSetupError("lum_gina.dll is in the chain and has not been loaded yet: restart first");

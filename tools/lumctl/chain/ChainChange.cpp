@@ -4,12 +4,13 @@
 
 #include "CommandError.h"
 #include "dll/DllSearch.h"
+#include "online/OnlineHost.h"
 
 namespace {
 
 void RefuseWhileInService(const CChainChange& change)
 {
-    if (COfflineChain::IsHostInService()) {
+    if (IsHostThere()) {
         throw CCommandError(
             change.command +
                 ": lum_gina.dll is in service on this machine and takes back what "

@@ -6,6 +6,8 @@
 #include "CommandError.h"
 #include "CommandLine.h"
 #include "JsonWriter.h"
+#include "MachineScope.h"
+#include "chain/OfflineChain.h"
 #include "machine/Text.h"
 
 namespace {
@@ -115,6 +117,15 @@ bool COnlineHost::Ask(ControlStatus status) const
 std::string COnlineHost::OnMachine() const
 {
     return m_machine.empty() ? m_machine : " (on " + m_machine + ")";
+}
+
+bool IsHostThere()
+{
+    if (COfflineChain::IsHostInService() || !CMachineScope::IsThisMachine()) {
+        return CMachineScope::IsThisMachine();
+    }
+    const ControlStatus status = CControlClient().Verify();
+    return status != ControlStatus::NoServer && status != ControlStatus::ForeignServer;
 }
 
 void PrintAnswer(const CArguments& arguments, const char* szName, bool bAnswer, const char* szText,

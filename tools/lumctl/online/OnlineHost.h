@@ -28,6 +28,11 @@ private:
     CControlClient m_client;
 };
 
+/// Whether a host is in service on this machine, as the registry or the pipe says: the end of any Winlogon
+/// session clears what the registry has, although the host may go on. Never so on another machine. May wait
+/// for an answer of the host. Throws CCommandError.
+bool IsHostThere();
+
 /// The answer of a command: szText, or with --json an object with a truth value of that name alone.
 void PrintAnswer(const CArguments& arguments, const char* szName, bool bAnswer, const char* szText,
                  std::string& output);
