@@ -21,7 +21,7 @@ std::vector<WideText> ReadList(const WCHAR* szName)
     DWORD cbData = 0;
     // An installer may add to it meanwhile.
     while (lResult == ERROR_SUCCESS || lResult == ERROR_MORE_DATA) {
-        data.resize(cbData / sizeof(WCHAR));
+        data.resize((cbData + 1) / sizeof(WCHAR));
         lResult = RegQueryValueExW(key.m_hKey, szName, nullptr, nullptr,
                                    data.empty() ? nullptr : reinterpret_cast<BYTE*>(data.data()), &cbData);
         if (lResult == ERROR_SUCCESS && cbData <= data.size() * sizeof(WCHAR)) {

@@ -6,12 +6,13 @@
 #include "chain/ChainBackup.h"
 #include "chain/ChainChange.h"
 #include "chain/ChainView.h"
+#include "machine/SetupError.h"
 #include "online/OnlineHost.h"
 
 namespace {
 
-/// A note: the chain as Enable left it, empty until then. There when the library was not in the chain before
-/// the installation.
+/// A note: the chain as Enable found it, and then as Enable left it; empty before that, and when the library
+/// is out again. There when the library was not in the chain before the installation.
 constexpr WCHAR ENABLED[] = L"Enabled";
 /// There when the library was in the chain before a removal.
 constexpr WCHAR WAS_ENABLED[] = L"WasEnabled";
@@ -40,20 +41,33 @@ void SwitchMonitor(const CInstallSession& session, const WCHAR* szOnOrOff)
     }
 }
 
+/// What was true when the installation ended counts no more.
+void NoteThatItIsOut()
+{
+    if (FindNote(ENABLED)) {
+        SetNote(ENABLED, Platform::CRegistryData{REG_BINARY, {}});
+    }
+}
+
 /// Without its monitor a host in service leaves the chain alone, whoever changes it before the restart. So
 /// the chain is changed in the registry, which also has what others have written that the host has not seen.
 void TakeOut(const CInstallSession& session)
 {
     Lumctl::Run(session, {L"chain", L"disable", L"--in-service"});
+    NoteThatItIsOut();
 }
 
 /// Winlogon loads msgina.dll then. This is one write, after which the machine starts whatever else is wrong.
-void LeaveAllGinasOut(const CInstallSession& session)
+[[noreturn]] void LeaveAllGinasOut()
 {
+    const CValueData data = ReadValue(WinlogonPlace());
     WriteValue(WinlogonPlace(), std::nullopt);
     FlushKey(WinlogonPlace());
-    session.ShowError("Winlogon's GinaDLL was deleted. The machine would not have started without "
-                      "lum_gina.dll otherwise; lumctl chain show tells what is wrong with the chain.");
+    NoteThatItIsOut();
+    throw CSetupError(
+        "Winlogon's GinaDLL, which was " + Describe(data) +
+        ", has been deleted: lum_gina.dll could not be taken out of the chain otherwise, and goes. "
+        "lumctl chain show tells what is wrong with the chain");
 }
 
 template <typename Step>
@@ -68,6 +82,7 @@ bool Succeeds(const CInstallSession& session, Step step)
     }
 }
 
+/// Throws when Winlogon's GinaDLL had to be deleted for that.
 void TakeOutByAllMeans(const CInstallSession& session)
 {
     Succeeds(session, [&] { SwitchMonitor(session, L"off"); });
@@ -78,7 +93,7 @@ void TakeOutByAllMeans(const CInstallSession& session)
         TakeOut(session);
     });
     if (!bOut && ChainSteps::MayBeInChain()) {
-        LeaveAllGinasOut(session);
+        LeaveAllGinasOut();
     }
 }
 
@@ -93,10 +108,15 @@ void ChainSteps::BeginInstall()
 
 void ChainSteps::Enable(const CInstallSession& session, const WideText& backup)
 {
+    const bool bComes = FindNote(ENABLED).has_value();
     Lumctl::Run(session, {L"chain", L"backup", backup});
     Lumctl::Run(session, {L"chain", L"check"});
+    if (bComes) {
+        // From here on the chain is to be taken back whatever it is like.
+        SetNote(ENABLED, ReadChain());
+    }
     Lumctl::Run(session, {L"chain", L"enable"});
-    if (FindNote(ENABLED)) {
+    if (bComes) {
         SetNote(ENABLED, ReadChain());
     }
 }
@@ -107,17 +127,16 @@ void ChainSteps::TakeEnableBack(const CInstallSession& session, const WideText& 
     if (!enabled || (enabled->bytes.empty() && !IsInChain())) {
         return;
     }
-    try {
-        if (!IsHostThere() && ReadChain() == *enabled) {
-            Lumctl::Run(session, {L"chain", L"restore", backup});
-            return;
-        }
-    } catch (...) {
+    bool bAsItWasLeft = false;
+    Succeeds(session, [&] { bAsItWasLeft = !IsHostThere() && ReadChain() == *enabled; });
+    if (!bAsItWasLeft) {
         TakeOutByAllMeans(session);
-        // The backup is still needed.
-        throw;
+    } else if (Succeeds(session, [&] { Lumctl::Run(session, {L"chain", L"restore", backup}); })) {
+        NoteThatItIsOut();
+    } else {
+        TakeOutByAllMeans(session);
+        throw CSetupError("the chain could not be made what it was; it is in " + Shown(backup));
     }
-    TakeOutByAllMeans(session);
 }
 
 void ChainSteps::Disable(const CInstallSession& session)
@@ -147,8 +166,14 @@ void ChainSteps::EnsureStart(const CInstallSession& session)
     using State = CDllFile::State;
     const State state = InspectDll(HOST_GINA, nullptr).state;
     // What cannot be read now may be readable at the start.
-    if (state != State::Usable && state != State::Unreadable && IsInChain()) {
+    if (state == State::Usable || state == State::Unreadable) {
+        return;
+    }
+    if (IsInChain()) {
         TakeOutByAllMeans(session);
+    } else if (MayBeInChain()) {
+        session.Log("lum_gina.dll is not there at the next start, and an unknown GINA may load it: lumctl "
+                    "chain check");
     }
 }
 

@@ -90,11 +90,12 @@ void TakeSettingsBack(bool bInChain)
     const std::optional<KeyValues> before = ReadKeyValues(BEFORE);
     if (const std::optional<KeyValues> left = ReadKeyValues(AFTER)) {
         RestoreSettings(before.value_or(KeyValues()), *left, bInChain);
+        if (!bInChain && !FindNote(HAD_START)) {
+            DeleteKeys({LEFT_OUT_KEY, START_KEY});
+        }
     }
-    if (!bInChain && !FindNote(HAD_START)) {
-        DeleteKeys({LEFT_OUT_KEY, START_KEY});
-    }
-    DeleteKeys({BEFORE, AFTER, NOTES});
+    // In this order: if it ends in between, nothing more is restored when this is done again.
+    DeleteKeys({AFTER, BEFORE, NOTES});
     if (!before) {
         for (const WCHAR* szKey : {LUM_GINA_MTM, L"SOFTWARE\\ORX\\LUM", L"SOFTWARE\\ORX"}) {
             DeleteEmptyKey(szKey);

@@ -39,11 +39,6 @@ DWORD TryToFlush(const WideText& path)
 
 } // namespace
 
-bool LibraryFile::Exists()
-{
-    return GetFileAttributesW(GetPath().c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
 std::uint64_t LibraryFile::GetVersion()
 {
     const WideText path = GetPath();

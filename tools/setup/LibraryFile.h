@@ -7,8 +7,6 @@
 /// lum_gina.dll in the system directory, as it is after the restart where that replaces it.
 namespace LibraryFile {
 
-bool Exists();
-
 /// Its version, four fields of 16 bits; 0 when it has none.
 std::uint64_t GetVersion();
 

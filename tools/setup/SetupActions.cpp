@@ -6,12 +6,13 @@
 #include "KeptSettings.h"
 #include "LibraryFile.h"
 #include "Lumctl.h"
+#include "machine/DllFile.h"
 #include "machine/SetupError.h"
 #include "online/OnlineHost.h"
 #include "plugins/PluginList.h"
 
-// The custom actions of the installation package. The installer calls them as SYSTEM, in a process of its
-// own.
+// The custom actions of the installation package. The installer calls CheckMachine as the user, the others as
+// SYSTEM.
 
 namespace {
 
@@ -84,14 +85,18 @@ CUSTOM_ACTION(CheckMachine)
     }
     const bool bInChain = ChainSteps::IsInChain();
     const bool bHost = bInChain && IsHostThere();
-    if (bInChain && !bHost && LibraryFile::Exists() && nInstalled < nPackaged) {
+    const bool bUsable = InspectDll(HOST_GINA, nullptr).state == CDllFile::State::Usable;
+    if (bInChain && !bHost && bUsable && nInstalled < nPackaged) {
         // A file that nobody has loaded is replaced at once, with a moment in which there is none.
         throw CSetupError("lum_gina.dll is in the chain and has not been loaded yet: restart first");
     }
-    if (bHost && IsAnythingKept() && session.Property(L"OLDER").empty()) {
-        // It would be taken out of the chain now, and could not be put in again before a restart.
-        throw CSetupError("an earlier installation was not taken back, and its library is in service: "
-                          "lumctl gina disable, and restart first");
+    const bool bLeft = IsAnythingKept() && session.Property(L"OLDER").empty();
+    if (bLeft && (bHost || (!bInChain && ChainSteps::MayBeInChain()))) {
+        // It would be taken out of the chain now, and could not be put in again before a restart, or by all
+        // means.
+        throw CSetupError(
+            "an earlier installation was not taken back, and its library is in service, or the chain "
+            "cannot be followed: lumctl chain check, lumctl gina disable, and restart first");
     }
 }
 
