@@ -247,6 +247,8 @@ TEST_F(OnlineCommands, KeepFromTheRegistryWhoeverHasClearedTheMark)
     StartServer();
     SetDword(VOLATILE_KEY, TEXT("Enabled"), 0);
     EXPECT_EQ(STATUS_REFUSED, RunLumctl(SplitWords(std::string("chain disable") + SYSTEM)).status);
+    const std::string shown = RunLumctl(SplitWords(std::string("chain show --json") + SYSTEM)).output;
+    EXPECT_NE(std::string::npos, shown.find("\"inService\": true")) << shown;
 }
 
 TEST_F(OnlineCommands, SayThatThereIsNoHost)

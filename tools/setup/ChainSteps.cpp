@@ -14,6 +14,8 @@ namespace {
 /// A note: the chain as Enable found it, and then as Enable left it; empty before that, and when the library
 /// is out again. There when the library was not in the chain before the installation.
 constexpr WCHAR ENABLED[] = L"Enabled";
+/// There when the chain could not be made what it was.
+constexpr WCHAR RESCUED[] = L"Rescued";
 /// There when the library was in the chain before a removal.
 constexpr WCHAR WAS_ENABLED[] = L"WasEnabled";
 
@@ -36,7 +38,7 @@ Platform::CRegistryData ReadChain()
 
 void SwitchMonitor(const CInstallSession& session, const WCHAR* szOnOrOff)
 {
-    if (IsHostThere()) {
+    if (!DescribeHostInService().empty()) {
         Lumctl::Run(session, {L"monitor", szOnOrOff, L"--timeout", L"120"});
     }
 }
@@ -61,13 +63,17 @@ void TakeOut(const CInstallSession& session)
 [[noreturn]] void LeaveAllGinasOut()
 {
     const CValueData data = ReadValue(WinlogonPlace());
+    if (IsAnythingKept()) {
+        SetNote(RESCUED, MakeNumber(1));
+    }
     WriteValue(WinlogonPlace(), std::nullopt);
     FlushKey(WinlogonPlace());
     NoteThatItIsOut();
     throw CSetupError(
-        "Winlogon's GinaDLL, which was " + Describe(data) +
-        ", has been deleted: lum_gina.dll could not be taken out of the chain otherwise, and goes. "
-        "lumctl chain show tells what is wrong with the chain");
+        "Winlogon's GinaDLL was " + Describe(data) +
+        ". It has been deleted, so that msgina.dll is loaded: lum_gina.dll goes, and could not be "
+        "taken out of the chain in any other way. lum_gina-before.reg or lum_gina-rescue.reg in the "
+        "system directory has the chain as it was before the installation");
 }
 
 template <typename Step>
@@ -128,14 +134,16 @@ void ChainSteps::TakeEnableBack(const CInstallSession& session, const WideText& 
         return;
     }
     bool bAsItWasLeft = false;
-    Succeeds(session, [&] { bAsItWasLeft = !IsHostThere() && ReadChain() == *enabled; });
+    Succeeds(session, [&] { bAsItWasLeft = DescribeHostInService().empty() && ReadChain() == *enabled; });
     if (!bAsItWasLeft) {
         TakeOutByAllMeans(session);
     } else if (Succeeds(session, [&] { Lumctl::Run(session, {L"chain", L"restore", backup}); })) {
         NoteThatItIsOut();
     } else {
+        SetNote(RESCUED, MakeNumber(1));
         TakeOutByAllMeans(session);
-        throw CSetupError("the chain could not be made what it was; it is in " + Shown(backup));
+        throw CSetupError("lum_gina.dll is out of the chain, and that is not what it was before; "
+                          "lum_gina-rescue.reg in the system directory has that one");
     }
 }
 
@@ -175,6 +183,11 @@ void ChainSteps::EnsureStart(const CInstallSession& session)
         session.Log("lum_gina.dll is not there at the next start, and an unknown GINA may load it: lumctl "
                     "chain check");
     }
+}
+
+bool ChainSteps::IsBackupNeeded()
+{
+    return FindNote(RESCUED).has_value();
 }
 
 bool ChainSteps::IsInChain()

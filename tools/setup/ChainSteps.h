@@ -11,9 +11,8 @@ namespace ChainSteps {
 void BeginInstall();
 /// Backs the chain up into a new file, and puts the library into it.
 void Enable(const CInstallSession& session, const WideText& backup);
-/// Takes the library out of a chain in which it was not when the installation began. Throws when the backup
-/// could not be restored: the machine starts all the same, and the backup is needed to put the rest right by
-/// hand.
+/// Takes the library out of a chain in which it was not when the installation began. Throws when the chain is
+/// not what it was then; the machine starts all the same.
 void TakeEnableBack(const CInstallSession& session, const WideText& backup);
 
 /// Takes the library out of the chain.
@@ -22,6 +21,9 @@ void TakeDisableBack(const CInstallSession& session);
 
 /// Takes the library out of the chain, by all means, if the next start cannot load it.
 void EnsureStart(const CInstallSession& session);
+
+/// Whether the chain could not be made what it was: the backup is needed to put it right by hand.
+bool IsBackupNeeded();
 
 /// Whether the chain names the library, as far as it can be followed.
 bool IsInChain();

@@ -63,14 +63,55 @@ void InstallAll(const CInstallSession& session)
 
 void ForgetAll(const CInstallSession& session)
 {
+    const WideText backup = session.Fields()[BACKUP];
+    if (ChainSteps::IsBackupNeeded()) {
+        // No later installation takes this name.
+        const WideText rescue = backup.substr(0, backup.rfind(L'\\') + 1) + L"lum_gina-rescue.reg";
+        MoveFileExW(backup.c_str(), rescue.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+    }
     TakeSettingsBack(ChainSteps::MayBeInChain());
-    DeleteFileW(session.Fields()[BACKUP].c_str());
+    DeleteFileW(backup.c_str());
 }
 
 void TakeInstallBack(const CInstallSession& session)
 {
     ChainSteps::TakeEnableBack(session, session.Fields()[BACKUP]);
     ForgetAll(session);
+}
+
+/// For a library that is in the chain and that no host has loaded. The installer replaces such a file at
+/// once, with a moment in which there is none.
+void RequireReplaceable()
+{
+    using State = CDllFile::State;
+    const State state = InspectDll(HOST_GINA, nullptr).state;
+    if (state == State::Leaving) {
+        throw CSetupError("lum_gina.dll is in the chain and gone after the restart: lumctl chain check");
+    }
+    // What cannot be loaded anyway is better replaced than not.
+    if (state != State::Missing && state != State::Unusable) {
+        throw CSetupError("lum_gina.dll is in the chain and has not been loaded yet: restart first");
+    }
+}
+
+/// For what an earlier installation has left, which Install takes back first. A host in service keeps the
+/// library from being put in again before the restart; from some chains it is taken out only by deleting
+/// Winlogon's GinaDLL.
+void RequireRemovable(const CInstallSession& session, bool bHost)
+{
+    const std::string left = "an earlier installation was not taken back, and its library ";
+    if (bHost) {
+        throw CSetupError(left + "is in service: lumctl gina disable, restart, and install again");
+    }
+    try {
+        Lumctl::Run(session, {L"chain", L"disable", L"--dry-run"});
+    } catch (const std::exception& error) {
+        throw CSetupError(
+            left +
+            "cannot safely be taken out of the chain. Put right what lumctl chain check says, and "
+            "install again. " +
+            error.what());
+    }
 }
 
 } // namespace
@@ -84,19 +125,13 @@ CUSTOM_ACTION(CheckMachine)
         throw CSetupError("a newer lum_gina.dll is in the system directory already");
     }
     const bool bInChain = ChainSteps::IsInChain();
-    const bool bHost = bInChain && IsHostThere();
-    const bool bUsable = InspectDll(HOST_GINA, nullptr).state == CDllFile::State::Usable;
-    if (bInChain && !bHost && bUsable && nInstalled < nPackaged) {
-        // A file that nobody has loaded is replaced at once, with a moment in which there is none.
-        throw CSetupError("lum_gina.dll is in the chain and has not been loaded yet: restart first");
-    }
     const bool bLeft = IsAnythingKept() && session.Property(L"OLDER").empty();
-    if (bLeft && (bHost || (!bInChain && ChainSteps::MayBeInChain()))) {
-        // It would be taken out of the chain now, and could not be put in again before a restart, or by all
-        // means.
-        throw CSetupError(
-            "an earlier installation was not taken back, and its library is in service, or the chain "
-            "cannot be followed: lumctl chain check, lumctl gina disable, and restart first");
+    const bool bHost = (bInChain || bLeft) && !DescribeHostInService().empty();
+    if (bInChain && !bHost && nInstalled < nPackaged) {
+        RequireReplaceable();
+    }
+    if (bLeft) {
+        RequireRemovable(session, bHost);
     }
 }
 
@@ -122,8 +157,7 @@ CUSTOM_ACTION(Install)
     KeepSettingsLeft();
 }
 
-/// Takes back what Install did. Fails, and keeps what there is to put back by hand, when the chain cannot be
-/// made what it was.
+/// Takes back what Install did. Fails when the chain cannot be made what it was. The backup stays then.
 CUSTOM_ACTION(UndoInstall)
 {
     TakeInstallBack(session);

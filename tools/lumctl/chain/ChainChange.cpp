@@ -10,11 +10,9 @@ namespace {
 
 void RefuseWhileInService(const CChainChange& change)
 {
-    if (IsHostThere()) {
+    if (const std::string host = DescribeHostInService(); !host.empty()) {
         throw CCommandError(
-            change.command +
-                ": lum_gina.dll is in service on this machine and takes back what "
-                "is changed behind it" +
+            change.command + ": " + host + " and takes back what is changed behind it" +
                 (change.onlineCommand.empty() ? std::string() : "; use lumctl " + change.onlineCommand) +
                 " (--in-service writes all the same)",
             STATUS_REFUSED);

@@ -22,7 +22,7 @@ ExitStatus Make(COfflineMachine& machine, const CChainChange& change, std::strin
 ExitStatus Show(const CArguments& arguments, std::string& output)
 {
     COfflineMachine machine(arguments);
-    (arguments.bJson ? PrintChainJson : PrintChain)(machine.Follow(), GetDllSearch(machine.system), output);
+    (arguments.bJson ? PrintChainJson : PrintChain)(machine.Look(), GetDllSearch(machine.system), output);
     return STATUS_DONE;
 }
 
@@ -30,7 +30,7 @@ ExitStatus Check(const CArguments& arguments, std::string& output)
 {
     COfflineMachine machine(arguments);
     RequireDllSearch(machine.system);
-    const std::vector<CFinding> findings = CheckChain(machine.Follow(), machine.system);
+    const std::vector<CFinding> findings = CheckChain(machine.Look(), machine.system);
     const ExitStatus status = HasSeverity(findings, Severity::Danger)  ? STATUS_BAD
                               : HasSeverity(findings, Severity::Doubt) ? STATUS_UNCERTAIN
                                                                        : STATUS_DONE;

@@ -10,7 +10,7 @@ namespace {
 
 [[noreturn]] void RefuseIncomplete(COfflineMachine& machine, const std::string& command, std::string& output)
 {
-    PrintFindings(CheckChain(machine.Follow(), machine.system), output);
+    PrintFindings(CheckChain(machine.Look(), machine.system), output);
     throw CCommandError(machine.group + " " + command +
                             ": the chain cannot be followed to its end, so this cannot be done",
                         STATUS_REFUSED);

@@ -6,6 +6,7 @@
 #include "MachineScope.h"
 #include "OfflineChain.h"
 #include "machine/MachineLock.h"
+#include "online/OnlineHost.h"
 
 /// The machine that a command line names, locked, and its chain.
 class COfflineMachine
@@ -20,6 +21,13 @@ public:
     }
 
     CChainView Follow() { return FollowChain(chain, values, system); }
+    /// The same for people, for which the host is asked where the registry names none.
+    CChainView Look()
+    {
+        CChainView view = Follow();
+        view.bInService = !DescribeHostInService().empty();
+        return view;
+    }
 
     const CArguments& arguments;
     const std::string group;

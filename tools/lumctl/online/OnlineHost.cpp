@@ -119,13 +119,26 @@ std::string COnlineHost::OnMachine() const
     return m_machine.empty() ? m_machine : " (on " + m_machine + ")";
 }
 
-bool IsHostThere()
+std::string DescribeHostInService()
 {
-    if (COfflineChain::IsHostInService() || !CMachineScope::IsThisMachine()) {
-        return CMachineScope::IsThisMachine();
+    static constexpr char IN_SERVICE[] = "lum_gina.dll is in service on this machine";
+    if (!CMachineScope::IsThisMachine()) {
+        return std::string();
     }
-    const ControlStatus status = CControlClient().Verify();
-    return status != ControlStatus::NoServer && status != ControlStatus::ForeignServer;
+    if (COfflineChain::IsHostInService()) {
+        return IN_SERVICE;
+    }
+    switch (CControlClient(MakeWait(std::string())).Verify()) {
+    case ControlStatus::NoServer:
+    case ControlStatus::ForeignServer:
+        return std::string();
+    case ControlStatus::Success:
+        return IN_SERVICE;
+    default:
+        return "the pipe of lum_gina.dll is there and does not answer (lumctl ping says why), so it may be "
+               "in "
+               "service on this machine";
+    }
 }
 
 void PrintAnswer(const CArguments& arguments, const char* szName, bool bAnswer, const char* szText,

@@ -28,10 +28,10 @@ private:
     CControlClient m_client;
 };
 
-/// Whether a host is in service on this machine, as the registry or the pipe says: the end of any Winlogon
-/// session clears what the registry has, although the host may go on. Never so on another machine. May wait
-/// for an answer of the host. Throws CCommandError.
-bool IsHostThere();
+/// How it is known that a host is, or may be, in service on this machine, for a message; empty when there is
+/// none, as always on another machine. The registry says so until any Winlogon session ends, although the
+/// host may go on; then this asks its pipe, which may take a while, and says so. Throws CCommandError.
+std::string DescribeHostInService();
 
 /// The answer of a command: szText, or with --json an object with a truth value of that name alone.
 void PrintAnswer(const CArguments& arguments, const char* szName, bool bAnswer, const char* szText,
