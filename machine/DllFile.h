@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,20 +41,7 @@ struct CDllFile
 /// instead; null or empty for the above. The extension .dll may be left out. Throws std::bad_alloc only.
 CDllFile InspectDll(const WCHAR* szName, const WCHAR* szDirectory);
 
-/// The file that stands at this path after the restart, by the operations that the system has noted for it:
-/// this one, or the one that replaces it; nothing when it goes. A list that cannot be read counts as empty.
-/// Natively always this one. Throws std::bad_alloc only.
-std::optional<WideText> FindAfterRestart(const WideText& path);
-
 /// The name of the file that is loaded by this name: without a directory, with the extension that the system
 /// adds, and without the blanks and dots at its end. A name of nothing but blanks and dots is returned as it
 /// is.
 WideText LoadedName(const WideText& name);
-
-/// Where InspectDll looks when no directory is given, in this order.
-std::vector<WideText> ListDllDirectories();
-/// Whether Winlogon looks there; natively false.
-bool LooksWhereWinlogonLooks();
-
-/// Whether there is such a directory to look in.
-bool IsDllDirectory(const WCHAR* szDirectory);

@@ -4,6 +4,7 @@
 
 #include "ImageBytes.h"
 #include "TargetDlls.h"
+#include "machine/RestartOperations.h"
 #include "machine/WholeFile.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include "machine/Text.h"
 
-// What differs between the targets when they look at DLLs, beside what machine/DllFile.h declares.
+// What differs between the targets when they look at DLLs, beside what machine/DllDirectories.h declares.
 
 namespace TargetDlls {
 

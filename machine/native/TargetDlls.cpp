@@ -3,7 +3,7 @@
 #include <elf.h>
 #include <sys/stat.h>
 
-#include "machine/DllFile.h"
+#include "machine/DllDirectories.h"
 #include "machine/dllfile/PeImage.h"
 #include "platform/LibrarySearch.h"
 
@@ -58,12 +58,6 @@ WideText TargetDlls::Find(const WideText& name, const WideText& directory)
 {
     WideText path;
     Native::FromUtf8(Native::FindLibraryFile(name, directory), path);
-    return path;
-}
-
-/// No restart changes files here.
-std::optional<WideText> FindAfterRestart(const WideText& path)
-{
     return path;
 }
 

@@ -1,9 +1,8 @@
-#include "machine/DllFile.h"
+#include "machine/RestartOperations.h"
 
 #include <cwchar>
 
 #include "machine/OpenKey.h"
-#include "machine/Text.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "machine/dllfile/TargetDlls.h"
 
-#include "machine/DllFile.h"
+#include "machine/DllDirectories.h"
 #include "machine/dllfile/PeImage.h"
 
 namespace {

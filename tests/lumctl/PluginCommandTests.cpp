@@ -1,7 +1,7 @@
 #include "DllStamp.h"
 #include "LumctlMachine.h"
 #include "SafeStartNames.h"
-#include "machine/DllFile.h"
+#include "machine/DllDirectories.h"
 
 namespace {
 

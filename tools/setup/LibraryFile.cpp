@@ -7,7 +7,7 @@
 
 #include "GinaNames.h"
 #include "InstallSession.h"
-#include "machine/DllFile.h"
+#include "machine/RestartOperations.h"
 #include "machine/SetupError.h"
 
 namespace {

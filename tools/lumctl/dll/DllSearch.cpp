@@ -3,7 +3,7 @@
 #include "CommandLine.h"
 #include "JsonWriter.h"
 #include "MachineScope.h"
-#include "machine/DllFile.h"
+#include "machine/DllDirectories.h"
 
 CDllSearch GetDllSearch(const WideText& system)
 {
