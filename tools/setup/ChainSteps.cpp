@@ -19,6 +19,10 @@ constexpr WCHAR RESCUED[] = L"Rescued";
 /// There when the library was in the chain before a removal.
 constexpr WCHAR WAS_ENABLED[] = L"WasEnabled";
 
+constexpr char IN_BACKUP[] =
+    ". lum_gina-before.reg or lum_gina-rescue.reg in the system directory has the chain as "
+    "it was before the installation";
+
 /// Without the lock: who holds it for ever does not keep the machine from being rescued. A change by lumctl
 /// that is at work leaves a chain at each moment with which the machine starts.
 CChainView FollowChain()
@@ -72,8 +76,8 @@ void TakeOut(const CInstallSession& session)
     throw CSetupError(
         "Winlogon's GinaDLL was " + Describe(data) +
         ". It has been deleted, so that msgina.dll is loaded: lum_gina.dll goes, and could not be "
-        "taken out of the chain in any other way. lum_gina-before.reg or lum_gina-rescue.reg in the "
-        "system directory has the chain as it was before the installation");
+        "taken out of the chain in any other way" +
+        IN_BACKUP);
 }
 
 template <typename Step>
@@ -142,8 +146,8 @@ void ChainSteps::TakeEnableBack(const CInstallSession& session, const WideText& 
     } else {
         SetNote(RESCUED, MakeNumber(1));
         TakeOutByAllMeans(session);
-        throw CSetupError("lum_gina.dll is out of the chain, and that is not what it was before; "
-                          "lum_gina-rescue.reg in the system directory has that one");
+        throw CSetupError(std::string("lum_gina.dll is out of the chain, and that is not what it was") +
+                          IN_BACKUP);
     }
 }
 
