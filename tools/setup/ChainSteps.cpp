@@ -11,8 +11,8 @@
 
 namespace {
 
-/// A note: the chain as Enable found it, and then as Enable left it; empty before that, and when the library
-/// is out again. There when the library was not in the chain before the installation.
+/// A note: the chain as Enable found it, and then as Enable left it; empty before that. There when the
+/// library was not in the chain before the installation.
 constexpr WCHAR ENABLED[] = L"Enabled";
 /// There when the chain could not be made what it was.
 constexpr WCHAR RESCUED[] = L"Rescued";
@@ -47,20 +47,11 @@ void SwitchMonitor(const CInstallSession& session, const WCHAR* szOnOrOff)
     }
 }
 
-/// What was true when the installation ended counts no more.
-void NoteThatItIsOut()
-{
-    if (FindNote(ENABLED)) {
-        SetNote(ENABLED, Platform::CRegistryData{REG_BINARY, {}});
-    }
-}
-
 /// Without its monitor a host in service leaves the chain alone, whoever changes it before the restart. So
 /// the chain is changed in the registry, which also has what others have written that the host has not seen.
 void TakeOut(const CInstallSession& session)
 {
     Lumctl::Run(session, {L"chain", L"disable", L"--in-service"});
-    NoteThatItIsOut();
 }
 
 /// Winlogon loads msgina.dll then. This is one write, after which the machine starts whatever else is wrong.
@@ -72,7 +63,6 @@ void TakeOut(const CInstallSession& session)
     }
     WriteValue(WinlogonPlace(), std::nullopt);
     FlushKey(WinlogonPlace());
-    NoteThatItIsOut();
     throw CSetupError(
         "Winlogon's GinaDLL was " + Describe(data) +
         ". It has been deleted, so that msgina.dll is loaded: lum_gina.dll goes, and could not be "
@@ -141,9 +131,7 @@ void ChainSteps::TakeEnableBack(const CInstallSession& session, const WideText& 
     Succeeds(session, [&] { bAsItWasLeft = DescribeHostInService().empty() && ReadChain() == *enabled; });
     if (!bAsItWasLeft) {
         TakeOutByAllMeans(session);
-    } else if (Succeeds(session, [&] { Lumctl::Run(session, {L"chain", L"restore", backup}); })) {
-        NoteThatItIsOut();
-    } else {
+    } else if (!Succeeds(session, [&] { Lumctl::Run(session, {L"chain", L"restore", backup}); })) {
         SetNote(RESCUED, MakeNumber(1));
         TakeOutByAllMeans(session);
         throw CSetupError(std::string("lum_gina.dll is out of the chain, and that is not what it was") +
