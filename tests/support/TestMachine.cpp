@@ -1,6 +1,7 @@
 #include "TestMachine.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -155,10 +156,14 @@ std::string CTestMachine::RawLog() const
     return ReadBytes(m_szLog);
 }
 
+/// A thread of the host may have them open for a moment.
 void CTestMachine::ClearLog()
 {
-    std::remove(m_szLog.c_str());
-    std::remove(m_szInternalLog.c_str());
+    for (const std::string& file : {m_szLog, m_szInternalLog}) {
+        for (int nTry = 0; std::remove(file.c_str()) != 0 && errno == EACCES && nTry < 100; ++nTry) {
+            Sleep(10);
+        }
+    }
 }
 
 int CTestMachine::Count(const std::string& line) const
