@@ -37,11 +37,10 @@ void RequireRemovable(const CInstallSession& session, bool bHost)
     try {
         Lumctl::Run(session, {L"chain", L"disable", L"--dry-run"});
     } catch (const std::exception& error) {
-        throw CSetupError(
-            left +
-            "cannot safely be taken out of the chain. Put right what lumctl chain check says, and "
-            "install again. " +
-            error.what());
+        throw CSetupError(left +
+                          "cannot safely be taken out of the chain. Put right what lumctl chain check "
+                          "says, and install again. " +
+                          error.what());
     }
 }
 

@@ -6,7 +6,7 @@
 #include <windows.h>
 
 #include "GinaNames.h"
-#include "InstallSession.h"
+#include "machine/DllDirectories.h"
 #include "machine/RestartOperations.h"
 #include "machine/SetupError.h"
 
@@ -17,9 +17,8 @@ constexpr DWORD PAUSE_MILLISECONDS = 200;
 
 WideText GetPath()
 {
-    WCHAR szDirectory[MAX_PATH] = {};
-    GetSystemDirectoryW(szDirectory, MAX_PATH);
-    const WideText path = WideText(szDirectory) + L'\\' + HOST_GINA;
+    // The first is the system directory.
+    const WideText path = ListDllDirectories().front() + L'\\' + HOST_GINA;
     return FindAfterRestart(path).value_or(path);
 }
 

@@ -51,8 +51,8 @@ std::string DescribeRemedy(const CDllFile& dll, const WideText& name)
 {
     if (dll.state == CDllFile::State::Leaving) {
         return "take " + Shown(dll.path) +
-               " and the text behind it out of PendingFileRenameOperations or PendingFileRenameOperations2 "
-               "in "
+               " and the text behind it out of PendingFileRenameOperations or "
+               "PendingFileRenameOperations2 in "
                "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Session Manager";
     }
     return "put " + Shown(name) + " into the system directory";

@@ -135,9 +135,8 @@ std::string DescribeHostInService()
     case ControlStatus::Success:
         return IN_SERVICE;
     default:
-        return "the pipe of lum_gina.dll is there and does not answer (lumctl ping says why), so it may be "
-               "in "
-               "service on this machine";
+        return "the pipe of lum_gina.dll is there and does not answer (lumctl ping says why), so it may "
+               "be in service on this machine";
     }
 }
 

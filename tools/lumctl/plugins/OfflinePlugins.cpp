@@ -68,7 +68,8 @@ void RequireDll(const CArguments& arguments)
     }
     const WideText system = ToWide(arguments.system);
     RequireDllSearch(system);
-    if (const std::string trouble = FindPluginTrouble(NameOf(arguments), system); !trouble.empty()) {
+    const CDllFile dll = InspectDll(NameOf(arguments).c_str(), system.c_str());
+    if (const std::string trouble = FindPluginTrouble(dll); !trouble.empty()) {
         const std::string doubt =
             CMachineScope::IsThisMachine() ? std::string() : DescribeDoubt(GetDllSearch(system));
         throw CCommandError("the host could not load " + arguments.words[0] + ": " + trouble + ". " +

@@ -78,9 +78,11 @@ bool PrepareRemove(COnlineHost& host, Arguments arguments)
 
 std::string ExplainAdd(COnlineHost&, Arguments arguments)
 {
-    const std::string trouble = IsConfigurationSeen(arguments)
-                                    ? FindPluginTrouble(NameOf(arguments), ToWide(arguments.system))
-                                    : std::string();
+    if (!IsConfigurationSeen(arguments)) {
+        return std::string();
+    }
+    const WideText system = ToWide(arguments.system);
+    const std::string trouble = FindPluginTrouble(InspectDll(NameOf(arguments).c_str(), system.c_str()));
     return trouble.empty() ? trouble : arguments.words[0] + ": " + trouble;
 }
 

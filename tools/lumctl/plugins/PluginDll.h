@@ -2,8 +2,7 @@
 
 #include <string>
 
-#include "machine/Text.h"
+#include "machine/DllFile.h"
 
-/// Why the host could not use the plugin; empty when it could, as far as its file tells. system: where DLLs
-/// are looked for, see InspectDll.
-std::string FindPluginTrouble(const WideText& plugin, const WideText& system);
+/// Why the host could not use this DLL as a plugin; empty when it could, as far as its file tells.
+std::string FindPluginTrouble(const CDllFile& dll);

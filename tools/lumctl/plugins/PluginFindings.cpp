@@ -62,12 +62,13 @@ void CheckPlugin(const WideText& plugin, const WideText& system, Moment moment,
         findings.push_back(
             {Severity::Warning, text, moment == Moment::AfterChange ? remedy : remedy + ", or " + command});
     };
+    const CDllFile dll = InspectDll(plugin.c_str(), system.c_str());
     if (HasBlanksAround(plugin)) {
         add("the plugin " + ShownArgument(plugin) + " is configured with a blank around its name",
             "take the blank out of " + Describe(PluginsPlace()));
-    } else if (const std::string trouble = FindPluginTrouble(plugin, system); !trouble.empty()) {
+    } else if (const std::string trouble = FindPluginTrouble(dll); !trouble.empty()) {
         add("lum_gina.dll goes without the plugin " + Shown(plugin) + ": " + trouble,
-            DescribeRemedy(InspectDll(plugin.c_str(), system.c_str()), plugin));
+            DescribeRemedy(dll, plugin));
     }
 }
 

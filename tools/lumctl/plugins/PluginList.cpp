@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "GinaNames.h"
-#include "PluginDll.h"
 
 CValuePlace PluginsPlace()
 {

@@ -9,21 +9,20 @@
 #include "SafeStartNotes.h"
 #include "dll/DllSearch.h"
 #include "chain/OfflineChain.h"
-#include "machine/DllFile.h"
 
 namespace {
 
 CPluginView LookAt(const WideText& name, const CSafeStartNotes& notes, const CArguments& arguments)
 {
     const WideText system = ToWide(arguments.system);
+    const CDllFile dll = InspectDll(name.c_str(), system.c_str());
     CPluginView plugin;
     plugin.name = name;
-    plugin.trouble = notes.WhyLeftOut(name, InspectDll(name.c_str(), system.c_str()).path,
-                                      GetDllSearch(system).doubt.empty());
+    plugin.trouble = notes.WhyLeftOut(name, dll.path, GetDllSearch(system).doubt.empty());
     plugin.bLeftOut = !plugin.trouble.empty();
     // The DLLs of a stopped machine are elsewhere.
     if (!plugin.bLeftOut && (!CMachineScope::IsHive() || !system.empty())) {
-        plugin.trouble = FindPluginTrouble(name, system);
+        plugin.trouble = FindPluginTrouble(dll);
     }
     return plugin;
 }
